@@ -1,0 +1,83 @@
+#pragma once
+
+#include "link/clock.h"
+#include "link/serial_port.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+namespace kavro {
+
+/// Settings of one COM port. Parity, data bits and stop bits are kept and shown, but every port is driven
+/// "n,8,1".
+struct PortSettingsRecord {
+    std::array<std::int16_t, 9>
+        BaudEnabled{};         ///< 1 = the search tries this baud code; entry 8 exists and stays 0
+    std::int16_t Parity = 0;   ///< 0 none, 1 odd, 2 even
+    std::int16_t DataBits = 0; ///< 4 to 8
+    std::int16_t StopBits = 0; ///< 0 = 1, 1 = 1.5, 2 = 2 stop bits
+};
+
+/// The line of modules behind one of eight COM ports: which port is in use, its settings and time-outs, and
+/// the one transaction of command and reply that may be going on. The only code that talks to a port.
+///
+/// Wire format: a command line is the command, two checksum characters when the module's checksum is on, and
+/// a carriage return; a reply line likewise. The checksum is the sum of the character codes before it modulo
+/// 256 as two upper-case hexadecimal digits.
+class Line {
+public:
+    Line(SerialPorts ports, Clock& clock);
+
+    std::int16_t CurrentPort = 1;                             ///< port in use, 1 to 8
+    std::array<PortSettingsRecord, PortTotal> PortSettings{}; ///< of port n at n - 1
+    std::array<std::int16_t, PortTotal>
+        PortBaudCode{};                  ///< code last applied to port n, at n - 1; -1 at start
+    std::int16_t ReplyTimeout = 100;     ///< ms of silence after which a reply is given up
+    std::int16_t LongReplyTimeout = 400; ///< ms, for operations that take a module longer
+
+    std::string CommandText;      ///< command being sent, without checksum and carriage return
+    std::string ReplyText;        ///< last reply, without carriage return and verified checksum
+    std::int16_t ReplyStatus = 0; ///< -1 when the last reply was complete and its checksum good, else 0
+
+    /// COM port 1 to 8. Throws `RuntimeFailure` for any other number.
+    SerialPort& CommPort(int port);
+
+    /// Settings of COM port 1 to 8. Throws `RuntimeFailure` for any other number.
+    PortSettingsRecord& SettingsOf(int port);
+    const PortSettingsRecord& SettingsOf(int port) const;
+
+    /// Switches the open port to a baud code; codes outside 0 to 7 give 9600 baud. Does nothing when the code
+    /// is the one last applied; a change costs a pause of 1000 ms. Parity, data bits and stop bits are
+    /// ignored: "n,8,1".
+    void SetPortBaud(std::int16_t port, std::int16_t baudCode, std::int16_t parity, std::int16_t dataBits,
+                     std::int16_t stopBits);
+
+    /// Sends one command line on the current port: switches the baud rate if needed, discards what was
+    /// received so far, trims the command, adds the checksum when `checksumOn` is exactly 1, and the carriage
+    /// return. Throws `RuntimeFailure` when the port is not open or fails.
+    void SendCommand(const std::string& command, std::int16_t checksumOn, std::int16_t baudCode);
+
+    /// Reads one reply line after a pause of `delayMs`. False when no character came for `timeoutMs` (the
+    /// reply then holds what arrived) or when the checksum is wrong (the reply then keeps its checksum
+    /// characters).
+    bool ReceiveReply(std::string& reply, std::int16_t checksumOn, int delayMs, int timeoutMs);
+
+    /// One transaction through `CommandText`, `ReplyText` and `ReplyStatus`; true when the reply is complete.
+    bool Exchange(const std::string& command, std::int16_t checksumOn, std::int16_t baudCode, int timeoutMs);
+
+    /// Whether the last transaction succeeded with a reply of this class: '!', '>' or '?'.
+    bool ReplyIs(char replyClass) const;
+
+    /// The clock that pauses and time-outs are measured with.
+    Clock& Time() const { return clock_; }
+
+private:
+    SerialPorts ports_;
+    Clock& clock_;
+};
+
+/// The two checksum characters of a text. Throws `RuntimeFailure` when the sum of its codes exceeds 16 bits.
+std::string ChecksumOf(const std::string& text);
+
+} // namespace kavro

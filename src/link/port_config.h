@@ -1,0 +1,46 @@
+#pragma once
+
+#include "link/line.h"
+#include "link/messages.h"
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace kavro {
+
+/// Reads the start-up settings file COM.CFG into the line's settings and opens the port.
+///
+/// The file holds items that are separated by commas or line ends: reply time-out in ms, port number, parity
+/// letter, data bits, stop bits, then the baud rates to search. Without a file COM1 is opened with 9600 to
+/// search. Content that can be read but is wrong is told by a message and replaced by defaults; any failure
+/// (too few items, not a number, a port that cannot be opened) is told by two messages, and then
+/// `showComPortForm` is called. `startPort`, when given, is used in place of any other port number.
+void ReadPortConfig(Line& line, const std::string& configFilePath, std::optional<std::int16_t> startPort,
+                    Messages& messages, const std::function<void()>& showComPortForm);
+
+/// The content of COM.CFG for the line's current port, one item per line, lines ending in "\n".
+std::string PortConfigText(const Line& line);
+
+/// Whether a port and baud rate may stand in COM.CFG. Ports 0 to 4 pass: the bound holds for the file only,
+/// the dialog offers ports 1 to 8. Parity, data bits and stop bits are accepted unchecked.
+bool IsValidPortSetting(std::int16_t port, std::int32_t baud, const std::string& parity,
+                        std::int16_t dataBits, std::int16_t stopBits);
+
+/// What the user entered in the COM Port dialog.
+struct PortChoice {
+    std::int16_t Port = 1;                     ///< 1 to 8
+    std::int16_t Parity = 0;                   ///< 0 none, 1 odd, 2 even
+    std::array<std::int16_t, 8> BaudEnabled{}; ///< 1 = to search, by baud code
+    std::string DataBits;                      ///< decimal text
+    std::int16_t StopBits = 0;                 ///< list index
+    std::string Timeout;                       ///< decimal text, ms
+};
+
+/// Applies the dialog's choice: opens the new port before the old one is closed, stores the settings, applies
+/// the lowest baud rate chosen and the time-outs. A time-out below 100 is told by a message and becomes 100,
+/// in `choice` too. Throws `RuntimeFailure` when something fails, with the port that was in use back in use.
+void ApplyPortChoice(Line& line, PortChoice& choice, Messages& messages);
+
+} // namespace kavro

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kavro {
+
+/// A serial device that the operating system reports.
+struct DetectedDevice {
+    std::string Path;         ///< what to open, for example "/dev/ttyUSB0"
+    std::string Description;  ///< product text, may be empty
+    std::string Manufacturer; ///< may be empty
+    std::string SerialNumber; ///< may be empty
+    bool Usb = false;         ///< a USB adapter
+};
+
+/// Name that stands for the simulated line wherever a device is named.
+inline constexpr const char* SimulatedLineDevice = "demo";
+
+/// Which device each COM port is.
+class PortDevices {
+public:
+    virtual ~PortDevices() = default;
+
+    /// Device of COM port 1 to 8: a path, or `SimulatedLineDevice`.
+    virtual std::string Device(int port) const = 0;
+
+    /// The serial devices present now, USB adapters first, then by path.
+    virtual std::vector<DetectedDevice> Detect() const = 0;
+
+    /// Makes `device` the device of `port`. When the port is open, the new device is opened before the old
+    /// one is closed; a device that cannot be opened throws `RuntimeFailure` and leaves everything as it was.
+    virtual void Assign(int port, const std::string& device) = 0;
+
+    /// Keeps the assignments for the next start. Throws `RuntimeFailure` when they cannot be written.
+    virtual void Save() = 0;
+};
+
+} // namespace kavro
