@@ -1,0 +1,27 @@
+#pragma once
+
+#include "link/line.h"
+#include "map/module_record.h"
+
+#include <cstdint>
+#include <string>
+
+namespace kavro {
+
+/// How a found module is spoken to.
+struct ModuleContact {
+    std::string AddressHex;    ///< two hexadecimal digits
+    std::int16_t Checksum = 0; ///< 1 = with checksum
+    std::int16_t BaudCode = 0;
+};
+
+/// Decodes the baud code, checksum flag and format of a configuration reply ("!AATTCCFF", of a converter
+/// "!AATTCCFFFF") whose format characters are known to be hexadecimal.
+void DecodeConfigReply(const std::string& reply, const std::string& model, ModuleRecord& record);
+
+/// Sends the commands that read the further settings of the model's family, in order. A reply that is not "!"
+/// or not complete leaves its own fields as they were.
+void ReadFamilySettings(Line& line, const std::string& model, const ModuleContact& contact,
+                        ModuleRecord& record);
+
+} // namespace kavro

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "map/session.h"
+
+#include <string>
+
+namespace kavro {
+
+/// Writes the module list, exactly as shown, to a text file. Throws `RuntimeFailure` when it cannot be
+/// created.
+void WriteMapFile(const Session& session, const std::string& path);
+
+/// What is kept when the program ends, in this order: closes the current port, writes COM.CFG, and writes the
+/// map to "admin.map" in the current directory. A failure of one does not keep the next from running.
+void SaveSettings(Session& session);
+
+} // namespace kavro

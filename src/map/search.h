@@ -1,0 +1,61 @@
+#pragma once
+
+#include "map/session.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace kavro {
+
+/// What a search tells while it runs. Every function must be set; none may start another search.
+struct SearchEvents {
+    std::function<void(std::int16_t address)> Address = [](std::int16_t) {
+    };                                                                 ///< an address is about to be probed
+    std::function<void(std::int32_t baud)> Baud = [](std::int32_t) {}; ///< a baud rate is about to be tried
+    std::function<void(int index)> Found = [](int) {}; ///< entry `index` and its list line were added
+    std::function<void()> Yield = [] {};               ///< lets pending events run
+};
+
+/// A search of the current port for modules, from address 0 to `SearchHighAddress` at every enabled baud
+/// rate. Fills `ModuleTable` and `Device` from index 0 and sets `ModuleCount` and `ScanIndex`.
+class NetworkSearch {
+public:
+    NetworkSearch(Session& session, SearchEvents events);
+
+    /// Runs to the end. Throws `RuntimeFailure` when the port fails; what was found until then is kept.
+    void Run();
+
+    /// Ends the search before the next address; the module being probed is finished first.
+    void Stop() { StopRequested = -1; }
+
+private:
+    struct Probe {
+        std::int16_t Address = 0;
+        std::string AddressHex;
+        std::int16_t Checksum = 0; // under which the module answered
+        std::int16_t BaudCode = 0;
+        std::string ConfigReply;
+    };
+
+    void SearchAddresses();
+    void SearchAddress(std::int16_t address);
+    bool FindAnswer(Probe& probe);
+    bool ConfigReplyIsGood() const;
+    bool Identify(const Probe& probe, ModuleRecord& record);
+    void FinishAddressZero();
+    void Store(const ModuleRecord& record);
+    void AppendEntry();
+
+    Session& session_;
+    SearchEvents events_;
+    ModuleRecord pending_; // found at address 00, until the loop reaches the address that it reports
+    int stored_ = 0;       // next free entry
+    std::int16_t StopRequested = 0;
+};
+
+/// Milliseconds that a search still takes: what silent addresses cost by the algorithm's own waits, corrected
+/// by what the `done` addresses so far really took (`elapsedMs`).
+std::int64_t SearchTimeLeft(const Line& line, int done, int total, std::int64_t elapsedMs);
+
+} // namespace kavro

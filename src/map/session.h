@@ -1,0 +1,39 @@
+#pragma once
+
+#include "link/line.h"
+#include "map/module_record.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace kavro {
+
+/// Replaces the file at a path by a content whose lines end in "\n", atomically and with the platform's line
+/// ends. Throws `RuntimeFailure` when it cannot; the old file is then still whole.
+using FileReplacer = std::function<void(const std::string& path, const std::string& content)>;
+
+/// All that lives for the whole run; handed down by reference to every dialog and operation.
+struct Session {
+    Session(SerialPorts ports, Clock& clock) : Line(std::move(ports), clock) {}
+
+    kavro::Line Line;
+    kavro::ModuleTable ModuleTable;
+    std::vector<std::string> Device; ///< lines of the module list; the index is the `ModuleTable` index
+
+    std::int16_t ModuleCount = 0; ///< valid entries of `ModuleTable`; written when a search ends
+    std::int16_t ScanIndex =
+        0; ///< entry found in its initialisation state, -1 none; 0 before the first search
+    std::int16_t SelectedModule = -1; ///< selected entry, -1 when none
+
+    std::int16_t ConfigResult = 0;      ///< 1: a configuration dialog changed the module, 2: it did not
+    std::int16_t SearchAccepted = 0;    ///< -1 when the search dialog was accepted
+    std::int16_t SearchHighAddress = 0; ///< highest address to probe, 0 to 255
+
+    std::string ConfigFilePath;         ///< of COM.CFG
+    std::string DecimalSeparator = "."; ///< of the user's locale, UTF-8
+    FileReplacer ReplaceFile;           ///< how files are saved
+};
+
+} // namespace kavro
