@@ -1,0 +1,23 @@
+#pragma once
+
+#include "sim/simulated_module.h"
+
+namespace kavro {
+
+/// Communication converter: 8610, 8620. Its reply to a configuration read has its own layout: type code (two
+/// digits), second baud code and baud code (one hexadecimal digit each), format word (four digits).
+class ConverterModule : public SimulatedModule {
+public:
+    using SimulatedModule::SimulatedModule;
+
+    int SecondBaud = 9600;                    ///< of the converter's other side
+    bool Rs485 = true;                        ///< RS-485, else RS-422: bit 15 of the format word
+    bool Setting13 = false, Setting8 = false; ///< the settings in bits 13 and 8
+    int Parity = 0;                           ///< 0 and 2 none, 1 odd, 3 even: bits 3 and 4
+    int StopBits = 0; ///< stop bits - 1: bit 2; the data bits are `Settings.DataFormat` + 5
+
+protected:
+    std::string ConfigurationText() const override;
+};
+
+} // namespace kavro

@@ -1,0 +1,29 @@
+#pragma once
+
+namespace kavro {
+
+/// What can be wrong with a simulated module, or with the whole line. All off by default.
+struct Faults {
+    bool Silent = false;           ///< hears, but never answers
+    int DelayMs = 0;               ///< answers that many ms later
+    bool WrongChecksum = false;    ///< checksum off by one; without effect where no checksum is used
+    bool NoCarriageReturn = false; ///< the reply ends without its carriage return
+    bool Noise = false;            ///< random bytes before a reply, now and then instead of it
+    int SlowCharacterMs = 0;       ///< pause between two characters of a reply, in ms
+    bool Refuse = false;           ///< answers every command with "?" and its address
+    bool Unplugged = false;        ///< a module: gone from the line; the line: the adapter was pulled out
+};
+
+/// The faults of a module on a line that has faults of its own: switches are joined, times are added.
+constexpr Faults Combined(const Faults& first, const Faults& second) {
+    return {.Silent = first.Silent || second.Silent,
+            .DelayMs = first.DelayMs + second.DelayMs,
+            .WrongChecksum = first.WrongChecksum || second.WrongChecksum,
+            .NoCarriageReturn = first.NoCarriageReturn || second.NoCarriageReturn,
+            .Noise = first.Noise || second.Noise,
+            .SlowCharacterMs = first.SlowCharacterMs + second.SlowCharacterMs,
+            .Refuse = first.Refuse || second.Refuse,
+            .Unplugged = first.Unplugged || second.Unplugged};
+}
+
+} // namespace kavro

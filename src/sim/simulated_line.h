@@ -1,0 +1,80 @@
+#pragma once
+
+#include "sim/faults.h"
+#include "sim/simulated_module.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kavro {
+
+/// A character on its way to the PC and the moment at which it is there, in microseconds.
+struct TimedByte {
+    std::int64_t Moment = 0;
+    char Byte = 0;
+};
+
+/// One command line and what came back, for logs and tests.
+struct LineEvent {
+    std::int64_t Moment = 0; ///< when the command began, microseconds
+    int Baud = 0;            ///< of the command; 0 for a rate that could not be told
+    std::string Command;     ///< without its carriage return
+    std::string Reply;       ///< every character that comes back, carriage return included; empty: silence
+};
+
+/// Moment at which `count` characters (10 bits each) that begin at `moment` are through.
+std::int64_t AfterCharacters(std::int64_t moment, std::int64_t count, int baud);
+
+/// A line of simulated modules behind one adapter. Same seed, same commands at the same moments: same
+/// replies.
+class SimulatedLine {
+public:
+    explicit SimulatedLine(std::uint32_t seed = 1) : random_(seed) {}
+
+    /// Faults of the whole line; they join those of each module.
+    Faults LineFaults;
+
+    /// Told about every command line, whether answered or not.
+    std::function<void(const LineEvent& event)> Log;
+
+    /// Puts a module on the line; returns it.
+    SimulatedModule& Add(std::unique_ptr<SimulatedModule> module);
+
+    /// The modules in the order they were added.
+    const std::vector<std::unique_ptr<SimulatedModule>>& Modules() const { return modules_; }
+
+    /// The first module with that own address. Throws `RuntimeFailure` when there is none.
+    SimulatedModule& ModuleAt(int address) const;
+
+    /// Starts the random numbers of the noise anew.
+    void SetSeed(std::uint32_t seed) { random_.seed(seed); }
+
+    /// Sends a command line (without carriage return) that begins at `moment` to all modules. Returns the
+    /// characters that come back, in order of their moments: the command's own time, 2 ms for the module to
+    /// turn around, then a character time each. Modules that share an address talk into each other.
+    std::vector<TimedByte> Deliver(const std::string& command, int baud, std::int64_t moment);
+
+    /// Pulls the adapter out: open ports are lost at their next operation, and none can be opened.
+    void Unplug();
+    /// Puts the adapter back; ports that were open stay lost.
+    void Plug() { LineFaults.Unplugged = false; }
+    /// Whether the adapter is there.
+    bool Plugged() const { return !LineFaults.Unplugged; }
+    /// How often the adapter was pulled out.
+    int UnplugCount() const { return unplugCount_; }
+
+private:
+    std::string BytesOnWire(std::string reply, const Faults& faults);
+    std::uint32_t Random(std::uint32_t below) { return static_cast<std::uint32_t>(random_() % below); }
+
+    std::vector<std::unique_ptr<SimulatedModule>> modules_;
+    std::mt19937 random_;
+    int unplugCount_ = 0;
+};
+
+} // namespace kavro

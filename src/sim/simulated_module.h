@@ -1,0 +1,103 @@
+#pragma once
+
+#include "sim/faults.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kavro {
+
+/// What every simulated module has, whatever its family.
+struct ModuleSettings {
+    std::string Model;             ///< as reported, for example "8250"
+    int Address = 1;               ///< own address, 0 to 255
+    int Baud = 9600;               ///< one of the eight rates
+    bool Checksum = false;         ///< expects and sends checksums
+    bool Initialisation = false;   ///< in its initialisation state, see `SimulatedModule`
+    int TypeCode = 0;              ///< wire type (range) code, 0 to 255
+    int DataFormat = 0;            ///< 0 to 3; of a converter its data-bits code
+    std::string Revision = "A1.0"; ///< firmware revision
+};
+
+/// A command that reached the module it is meant for.
+struct Request {
+    std::string Arguments;   ///< what stands in the places of the pattern's lower-case letters
+    std::int64_t Moment = 0; ///< microseconds
+};
+
+/// One line of a command table: a command's pattern and the function that answers it.
+///
+/// A pattern is the command as it stands on the wire, for example "$AA2". "AA" is the address; a "d" stands
+/// for any decimal digit, an "h" for any upper-case hexadecimal digit (no command has lower-case letters of
+/// its own), and these characters become `Request::Arguments`. Everything else must match exactly.
+template <class Module>
+struct CommandEntry {
+    std::string_view Pattern;
+    std::string (*Answer)(Module& module, const Request& request);
+};
+
+/// What stands in the argument places of `command` when it matches `pattern`; nothing when it does not.
+std::optional<std::string> MatchCommand(std::string_view pattern, std::string_view command);
+
+/// The answer of the first line of `table` that matches; nothing when none does.
+template <class Module, std::size_t Size>
+std::optional<std::string> AnswerFrom(const CommandEntry<Module> (&table)[Size], Module& module,
+                                      std::string_view command, std::int64_t moment) {
+    for (const CommandEntry<Module>& entry : table)
+        if (const auto arguments = MatchCommand(entry.Pattern, command))
+            return entry.Answer(module, {*arguments, moment});
+    return std::nullopt;
+}
+
+/// A module of the simulated line. Each family is a class with a table of its own commands; what all modules
+/// answer (configuration, name, firmware revision) is answered here.
+///
+/// A module in its initialisation state answers at address 00, 9600 baud, without checksum, whatever its own
+/// settings are, and reports its own address and settings in its replies.
+class SimulatedModule {
+public:
+    explicit SimulatedModule(ModuleSettings settings);
+    virtual ~SimulatedModule() = default;
+    SimulatedModule(const SimulatedModule&) = delete;
+    SimulatedModule& operator=(const SimulatedModule&) = delete;
+
+    ModuleSettings Settings;
+    Faults OwnFaults;
+
+    /// Reply to a command line (without carriage return, as the reply) heard at `baud`; nothing when the
+    /// module stays silent: another address, baud rate or checksum, or a fault. `faults` are the module's own
+    /// joined with the line's. `moment` in microseconds.
+    std::optional<std::string> Hear(std::string_view line, int baud, std::int64_t moment,
+                                    const Faults& faults = {});
+
+    /// "!" + own address + `data`.
+    std::string Valid(const std::string& data = {}) const;
+    /// "?" + own address.
+    std::string Refusal() const;
+    /// ">" + `text`.
+    std::string Data(const std::string& text) const;
+
+protected:
+    /// Answers the family's own commands; nothing for all others.
+    virtual std::optional<std::string> AnswerOwn(std::string_view command, std::int64_t moment);
+
+    /// What follows the address in the reply to a configuration read: TTCCFF.
+    virtual std::string ConfigurationText() const;
+
+    /// The format byte FF: bit 6 checksum, bits 0 and 1 data format where the family has one.
+    virtual int FormatByte() const;
+
+    /// Checksum bit of the format byte.
+    int ChecksumBit() const { return Settings.Checksum ? 0x40 : 0; }
+
+    /// Baud code as a number, 3 to 10.
+    int BaudCodeNumber() const;
+
+private:
+    std::string AddressText() const;
+    std::string Answer(std::string_view command, std::int64_t moment);
+};
+
+} // namespace kavro

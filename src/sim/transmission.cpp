@@ -1,0 +1,57 @@
+#include "sim/transmission.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kavro {
+
+namespace {
+
+constexpr std::size_t LongestCommand = 1024;
+
+} // namespace
+
+void Transmission::Send(std::string_view text, int baud, std::int64_t moment) {
+    for (const char character : text) {
+        if (character == '\r')
+            Deliver(baud, std::max(moment, sentMoment_));
+        else if (command_.size() < LongestCommand)
+            command_ += character;
+    }
+}
+
+void Transmission::Deliver(int baud, std::int64_t moment) {
+    const auto length = static_cast<std::int64_t>(command_.size()) + 1;
+    sentMoment_ = baud > 0 ? AfterCharacters(moment, length, baud) : moment;
+    const std::string command = std::exchange(command_, {});
+    const auto reply = line_.Deliver(command, baud, moment);
+    // A late reply to an earlier command may still be coming: on the line they mix as they fall.
+    replies_.insert(replies_.end(), reply.begin(), reply.end());
+    std::ranges::stable_sort(replies_, {}, &TimedByte::Moment);
+}
+
+std::size_t Transmission::Arrived(std::int64_t moment) const {
+    const auto end = std::ranges::upper_bound(replies_, moment, {}, &TimedByte::Moment);
+    return static_cast<std::size_t>(end - replies_.begin());
+}
+
+std::optional<std::int64_t> Transmission::NextMoment() const {
+    return replies_.empty() ? std::nullopt : std::optional(replies_.front().Moment);
+}
+
+char Transmission::Take() {
+    const char byte = replies_.front().Byte;
+    replies_.pop_front();
+    return byte;
+}
+
+void Transmission::DropArrived(std::int64_t moment) {
+    replies_.erase(replies_.begin(), replies_.begin() + static_cast<std::ptrdiff_t>(Arrived(moment)));
+}
+
+void Transmission::Clear() {
+    command_.clear();
+    replies_.clear();
+}
+
+} // namespace kavro

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "link/clock.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace kavro {
+
+/// A clock that stands still until somebody sleeps on it; sleeping costs no real time.
+class VirtualClock : public Clock {
+public:
+    std::int64_t Microseconds() const override { return now_; }
+    void SleepUntil(std::int64_t moment) override { now_ = std::max(now_, moment); }
+
+private:
+    std::int64_t now_ = 0;
+};
+
+} // namespace kavro
