@@ -1,0 +1,112 @@
+#include "ports/comm_port.h"
+
+#include "link/port_devices.h"
+#include "link/runtime_failure.h"
+#include "ports/device_node.h"
+#include "ports/device_port.h"
+
+namespace kavro {
+
+namespace {
+
+// Runs an operation on a device and puts the port's and the device's name in front of what it throws.
+template <class Operation>
+auto Named(int number, const std::string& device, Operation operation) {
+    try {
+        return operation();
+    } catch (const RuntimeFailure& failure) {
+        const std::string shown = device == SimulatedLineDevice ? "simulated line" : device;
+        throw RuntimeFailure("COM" + std::to_string(number) + " (" + shown + "): " + failure.what());
+    }
+}
+
+} // namespace
+
+CommPort::CommPort(int number, std::shared_ptr<PortTable> table) : number_(number), table_(std::move(table)) {
+    table_->Port.at(static_cast<std::size_t>(number - 1)) = this;
+}
+
+CommPort::~CommPort() {
+    CommPort*& entry = table_->Port[static_cast<std::size_t>(number_ - 1)];
+    if (entry == this)
+        entry = nullptr;
+}
+
+std::string& CommPort::Device() const {
+    return table_->Device[static_cast<std::size_t>(number_ - 1)];
+}
+
+SerialPort& CommPort::Backend() const {
+    if (!backend_)
+        throw RuntimeFailure("The port is not open. Choose a port under Network > COM Port.");
+    return *backend_;
+}
+
+std::unique_ptr<SerialPort> CommPort::Opened(const std::string& device) const {
+    return Named(number_, device, [&] {
+        auto backend = device == SimulatedLineDevice ? table_->MakeSimulatedPort()
+                                                     : std::make_unique<DevicePort>(device);
+        backend->PortOpen(true);
+        if (setter_ != nullptr)
+            (backend.get()->*setter_)(settings_);
+        return backend;
+    });
+}
+
+void CommPort::Apply(Setter setter, const std::string& text) {
+    Named(number_, Device(), [&] { (Backend().*setter)(text); });
+    setter_ = setter;
+    settings_ = text;
+}
+
+void CommPort::Settings(const std::string& text) {
+    Apply(&SerialPort::Settings, text);
+}
+
+void CommPort::SetCommState(const std::string& text) {
+    Apply(&SerialPort::SetCommState, text);
+}
+
+void CommPort::PortOpen(bool open) {
+    if (open && PortOpen())
+        return;
+    backend_.reset(); // a lost one too, with what it had to tell
+    if (open)
+        backend_ = Opened(Device());
+}
+
+bool CommPort::PortOpen() const {
+    return backend_ && backend_->PortOpen();
+}
+
+int CommPort::InBufferCount() {
+    return Named(number_, Device(), [&] { return Backend().InBufferCount(); });
+}
+
+void CommPort::EmptyInBuffer() {
+    Named(number_, Device(), [&] { Backend().EmptyInBuffer(); });
+}
+
+char CommPort::Input() {
+    return Named(number_, Device(), [&] { return Backend().Input(); });
+}
+
+void CommPort::Output(const std::string& text) {
+    Named(number_, Device(), [&] { Backend().Output(text); });
+}
+
+bool CommPort::WaitForInput(int milliseconds) {
+    return Named(number_, Device(), [&] { return Backend().WaitForInput(milliseconds); });
+}
+
+void CommPort::Replace(const std::string& device) {
+    // Another name of the same device needs no opening, which would find the device busy.
+    const bool same = ResolveDevice(device) == ResolveDevice(Device());
+    if (!PortOpen())
+        backend_.reset();
+    else if (!same)
+        backend_ = Opened(device);
+    Device() = device;
+}
+
+} // namespace kavro

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "link/serial_port.h"
+#include "ports/port_table.h"
+
+#include <memory>
+#include <string>
+
+namespace kavro {
+
+/// A COM port of the system, on whatever device the table names when it is opened. Every failure is told
+/// with the port and the device in front: "COM3 (/dev/ttyS2): ...".
+class CommPort : public SerialPort {
+public:
+    /// COM port `number`, 1 to 8. Enters itself in the table and leaves it when it ends.
+    CommPort(int number, std::shared_ptr<PortTable> table);
+    ~CommPort() override;
+    CommPort(const CommPort&) = delete;
+    CommPort& operator=(const CommPort&) = delete;
+
+    void Settings(const std::string& text) override;
+    void SetCommState(const std::string& text) override;
+    void PortOpen(bool open) override;
+    bool PortOpen() const override;
+    int InBufferCount() override;
+    void EmptyInBuffer() override;
+    char Input() override;
+    void Output(const std::string& text) override;
+    bool WaitForInput(int milliseconds) override;
+
+    /// Moves the port to another device. When it is open, the new device is opened, with the settings last
+    /// applied, before the old one is closed; a failure leaves all as it was.
+    void Replace(const std::string& device);
+
+private:
+    using Setter = void (SerialPort::*)(const std::string&);
+
+    std::string& Device() const;
+    std::unique_ptr<SerialPort> Opened(const std::string& device) const;
+    SerialPort& Backend() const;
+    void Apply(Setter setter, const std::string& text);
+
+    int number_;
+    std::shared_ptr<PortTable> table_;
+    std::unique_ptr<SerialPort> backend_; // null until first opened, and after closing
+    Setter setter_ = nullptr;             // how the settings were last applied; null: never
+    std::string settings_;
+};
+
+} // namespace kavro

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "link/serial_port.h"
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace kavro {
+
+class CommPort;
+
+/// Which device each COM port is, shared by the registry and the ports that it made, so that either may be
+/// gone first. COM1 stands at index 0.
+struct PortTable {
+    std::array<std::string, PortTotal> Device{};                    ///< path, or `SimulatedLineDevice`
+    std::array<CommPort*, PortTotal> Port{};                        ///< ports that exist, else null
+    std::function<std::unique_ptr<SerialPort>()> MakeSimulatedPort; ///< a port on the simulated line
+};
+
+} // namespace kavro

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+namespace kavro {
+
+/// Path of COM.CFG: in the Windows directory on Windows, else in $XDG_CONFIG_HOME/kavro, by default
+/// ~/.config/kavro. The demo keeps its own in the subfolder "demo". The folder need not exist.
+std::string ConfigFilePath(bool demo);
+
+/// Path of ports.ini, which stands beside COM.CFG.
+std::string PortsFilePath(bool demo);
+
+} // namespace kavro
