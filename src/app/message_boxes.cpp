@@ -1,0 +1,22 @@
+#include "app/message_boxes.h"
+
+#include "map/product.h"
+
+#include <QApplication>
+#include <QMessageBox>
+
+namespace kavro {
+
+void MessageBoxes::Show(const std::string& text, const std::string& title) {
+    QMessageBox box(QApplication::activeModalWidget() ? QApplication::activeModalWidget()
+                                                      : QApplication::activeWindow());
+    // Plain text, so that nothing a module or a path contains is taken for markup.
+    box.setTextFormat(Qt::PlainText);
+    box.setIcon(title.empty() ? QMessageBox::Information : QMessageBox::Warning);
+    box.setWindowTitle(QString::fromStdString(title.empty() ? ApplicationTitle : title));
+    box.setText(QString::fromStdString(text));
+    box.setStandardButtons(QMessageBox::Ok);
+    box.exec();
+}
+
+} // namespace kavro

@@ -1,0 +1,39 @@
+#include "app/program.h"
+
+#include "ports/replace_file.h"
+#include "ports/settings_folder.h"
+#include "sim/demo_line.h"
+#include "sim/simulated_port.h"
+
+#include <QLocale>
+
+namespace kavro {
+
+namespace {
+
+constexpr std::int16_t DemoPort = 1;
+
+// Second character of 1.2 as the user's locale writes it.
+std::string LocaleDecimalSeparator() {
+    return QLocale().toString(1.2, 'f', 1).mid(1, 1).toStdString();
+}
+
+} // namespace
+
+Program::Program(const Options& options)
+    : options_(options), simulatedLine_(DemoLine()),
+      registry_(PortsFilePath(options.Demo), options.Devices,
+                [this] { return std::make_unique<SimulatedPort>(simulatedLine_, clock_); }),
+      session_(registry_.Ports(), clock_), form_(session_, messages_, registry_, {}) {
+    session_.ConfigFilePath = ConfigFilePath(options.Demo);
+    session_.DecimalSeparator = LocaleDecimalSeparator();
+    session_.ReplaceFile = ReplaceFile;
+}
+
+void Program::Start() {
+    // The demo starts on its simulated line, whatever port its settings name.
+    form_.Load(options_.Demo ? std::optional(DemoPort) : std::nullopt);
+    form_.show();
+}
+
+} // namespace kavro

@@ -1,0 +1,252 @@
+#include "link/com_port_form.h"
+
+#include "link/baud.h"
+#include "link/runtime_failure.h"
+#include "link/text.h"
+#include "ui/center_form.h"
+#include "ui/key_filter.h"
+#include "ui/named.h"
+#include "ui/spin_buttons.h"
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+namespace kavro {
+
+namespace {
+
+constexpr SpinRange DataBitsRange = {4, 8};
+
+QString ShownDevice(const std::string& device) {
+    return device == SimulatedLineDevice ? QStringLiteral("Simulated line") : QString::fromStdString(device);
+}
+
+// "/dev/ttyUSB0  (FT-X 485 adapter, maker, serial number)"
+QString DetectedText(const DetectedDevice& device) {
+    QStringList details;
+    for (const std::string& detail : {device.Description, device.Manufacturer, device.SerialNumber})
+        if (!detail.empty())
+            details << QString::fromStdString(detail);
+    const QString path = QString::fromStdString(device.Path);
+    return details.isEmpty() ? path : path + "  (" + details.join(", ") + ")";
+}
+
+// The device that the box names: an item's own, or what was typed.
+std::string DeviceIn(const QComboBox& box) {
+    const QString text = box.currentText().trimmed();
+    const int item = box.findText(text);
+    return (item >= 0 ? box.itemData(item).toString() : text).toStdString();
+}
+
+QLineEdit* NumberBox(const QString& name, const QString& accessibleName) {
+    auto* box = Named(new QLineEdit, name, accessibleName);
+    FilterKeys(*box, FilterDigitKey);
+    return box;
+}
+
+} // namespace
+
+ComPortForm::ComPortForm(Line& line, PortDevices& devices, Messages& messages, QWidget* parent)
+    : QDialog(parent), line_(line), devices_(devices), messages_(messages) {
+    setObjectName("ComPortForm");
+    setWindowTitle("COM Port");
+
+    auto* groups = new QHBoxLayout;
+    groups->addWidget(BuildParity());
+    groups->addWidget(BuildBaudChecks());
+    groups->addLayout(BuildValues(), 1);
+
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    Named(buttons->button(QDialogButtonBox::Ok), "OKBtn", "OK");
+    Named(buttons->button(QDialogButtonBox::Cancel), "CancelBtn", "Cancel");
+    connect(buttons, &QDialogButtonBox::accepted, this, [this] { OKBtn_Click(); });
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(BuildPorts());
+    layout->addLayout(groups);
+    layout->addStretch(1);
+    layout->addWidget(buttons);
+
+    Fill();
+    CenterForm(*this);
+}
+
+QGroupBox* ComPortForm::BuildPorts() {
+    auto* group = new QGroupBox("COM port");
+    auto* grid = new QGridLayout(group);
+    grid->setColumnStretch(1, 1);
+    comOption_ = new QButtonGroup(this);
+    for (int port = 1; port <= PortTotal; ++port) {
+        const QString name = QString("COM%1").arg(port);
+        auto* option = Named(new QRadioButton(name), QString("ComOption_%1").arg(port), name);
+        auto* device = Named(new QComboBox, QString("ComDevice_%1").arg(port), "Device of " + name);
+        device->setEditable(true);
+        device->setInsertPolicy(QComboBox::NoInsert);
+        device->setMinimumContentsLength(30);
+        device->setToolTip("The device that " + name + " stands for: choose a detected one or type its path");
+        comOption_->addButton(option, port);
+        comDevice_[static_cast<std::size_t>(port - 1)] = device;
+        grid->addWidget(option, port - 1, 0);
+        grid->addWidget(device, port - 1, 1);
+    }
+    return group;
+}
+
+QGroupBox* ComPortForm::BuildParity() {
+    auto* group = new QGroupBox("Parity");
+    auto* layout = new QVBoxLayout(group);
+    parityOption_ = new QButtonGroup(this);
+    for (const QString name : {"None", "Odd", "Even"}) {
+        const int index = static_cast<int>(parityOption_->buttons().size());
+        auto* option = Named(new QRadioButton(name), QString("ParityOption_%1").arg(index), "Parity " + name);
+        parityOption_->addButton(option, index);
+        layout->addWidget(option);
+    }
+    layout->addStretch(1);
+    return group;
+}
+
+QGroupBox* ComPortForm::BuildBaudChecks() {
+    auto* group = new QGroupBox("Baud rate to search");
+    auto* grid = new QGridLayout(group);
+    for (int code = 0; code < BaudCodeCount; ++code) {
+        const QString name = BaudNames[static_cast<std::size_t>(code)];
+        auto* check =
+            Named(new QCheckBox(name), QString("BaudCheck_%1").arg(code), "Search at " + name + " baud");
+        baudCheck_[static_cast<std::size_t>(code)] = check;
+        grid->addWidget(check, code % 4, code / 4);
+    }
+    grid->setRowStretch(4, 1);
+    return group;
+}
+
+QLayout* ComPortForm::BuildValues() {
+    dataBits_ = NumberBox("DataBits", "Data bits");
+    timeout_ = NumberBox("Timeout", "TimeOut in milliseconds");
+    timeout_->setToolTip("Milliseconds of silence after which a reply is given up; at least 100");
+    stopBits_ = Named(new QComboBox, "StopBits", "Stop bits");
+    stopBits_->addItems({"1", "1.5", "2"});
+    auto* dataBitsRow = new QHBoxLayout;
+    dataBitsRow->setSpacing(0);
+    dataBitsRow->addWidget(dataBits_);
+    AddSpinButtons(*dataBitsRow, *dataBits_, "DataBitSpin", DataBitsRange);
+
+    auto* form = new QFormLayout;
+    auto* dataBitsLabel = new QLabel("&Data bits:");
+    dataBitsLabel->setBuddy(dataBits_);
+    form->addRow(dataBitsLabel, dataBitsRow);
+    form->addRow("&Stop bits:", stopBits_);
+    auto* timeoutRow = new QHBoxLayout;
+    timeoutRow->addWidget(timeout_);
+    timeoutRow->addWidget(new QLabel("ms"));
+    auto* timeoutLabel = new QLabel("&TimeOut");
+    timeoutLabel->setBuddy(timeout_);
+    form->addRow(timeoutLabel, timeoutRow);
+    return form;
+}
+
+void ComPortForm::Fill() {
+    const auto detected = devices_.Detect();
+    for (int port = 1; port <= PortTotal; ++port)
+        FillDevices(*comDevice_[static_cast<std::size_t>(port - 1)], port, detected);
+
+    // COM.CFG can name port 0, which has no option and no settings.
+    const bool known = line_.CurrentPort >= 1 && line_.CurrentPort <= PortTotal;
+    const PortSettingsRecord settings = known ? line_.SettingsOf(line_.CurrentPort) : PortSettingsRecord{};
+    if (known)
+        comOption_->button(line_.CurrentPort)->setChecked(true);
+    if (auto* parity = parityOption_->button(settings.Parity))
+        parity->setChecked(true);
+    for (std::size_t code = 0; code < baudCheck_.size(); ++code)
+        baudCheck_[code]->setChecked(settings.BaudEnabled[code] == 1);
+    dataBits_->setText(QString::number(settings.DataBits));
+    stopBits_->setCurrentIndex(settings.StopBits);
+    timeout_->setText(QString::number(line_.ReplyTimeout));
+}
+
+void ComPortForm::FillDevices(QComboBox& box, int port, const std::vector<DetectedDevice>& detected) {
+    const std::string current = devices_.Device(port);
+    for (const DetectedDevice& device : detected)
+        box.addItem(DetectedText(device), QString::fromStdString(device.Path));
+    box.addItem(ShownDevice(SimulatedLineDevice), SimulatedLineDevice);
+    if (box.findData(QString::fromStdString(current)) < 0)
+        box.addItem(ShownDevice(current), QString::fromStdString(current));
+    box.setCurrentIndex(box.findData(QString::fromStdString(current)));
+}
+
+PortChoice ComPortForm::ReadChoice() const {
+    PortChoice choice;
+    choice.Port = static_cast<std::int16_t>(comOption_->checkedId());
+    choice.Parity = static_cast<std::int16_t>(parityOption_->checkedId());
+    for (std::size_t code = 0; code < baudCheck_.size(); ++code)
+        choice.BaudEnabled[code] = baudCheck_[code]->isChecked() ? 1 : 0;
+    choice.DataBits = dataBits_->text().toStdString();
+    choice.StopBits = static_cast<std::int16_t>(stopBits_->currentIndex());
+    choice.Timeout = timeout_->text().toStdString();
+    return choice;
+}
+
+std::vector<ComPortForm::DeviceChange> ComPortForm::ChangedDevices() const {
+    std::vector<DeviceChange> changes;
+    for (int port = 1; port <= PortTotal; ++port) {
+        const DeviceChange change = {port, devices_.Device(port),
+                                     DeviceIn(*comDevice_[static_cast<std::size_t>(port - 1)])};
+        if (change.After != change.Before)
+            changes.push_back(change);
+    }
+    return changes;
+}
+
+// A choice that fails anywhere leaves every device as it was.
+void ComPortForm::Apply(PortChoice& choice) {
+    const auto changes = ChangedDevices();
+    const auto isLeft = [&](const DeviceChange& change) {
+        return change.Port == line_.CurrentPort && change.Port != choice.Port;
+    };
+    try {
+        for (const DeviceChange& change : changes)
+            if (!isLeft(change))
+                devices_.Assign(change.Port, change.After);
+        ApplyPortChoice(line_, choice, messages_);
+    } catch (const RuntimeFailure&) {
+        for (const DeviceChange& change : changes) {
+            try {
+                devices_.Assign(change.Port, change.Before);
+            } catch (const RuntimeFailure&) {
+                // The failure that led here is the one to tell.
+            }
+        }
+        throw;
+    }
+    for (const DeviceChange& change : changes)
+        devices_.Assign(change.Port, change.After); // the port just left is closed by now
+    if (!changes.empty())
+        devices_.Save();
+}
+
+void ComPortForm::OKBtn_Click() {
+    PortChoice choice = ReadChoice();
+    if (choice.Port < 1) {
+        messages_.Show("Please choose a COM port.", "Error");
+        return;
+    }
+    setCursor(Qt::WaitCursor); // a change of the baud rate takes a second
+    Guard(messages_, [&] {
+        Apply(choice);
+        timeout_->setText(QString::fromStdString(choice.Timeout));
+        messages_.Show("COM Port configuration complete.");
+    });
+    accept();
+}
+
+} // namespace kavro

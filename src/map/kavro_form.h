@@ -1,0 +1,86 @@
+#pragma once
+
+#include "link/messages.h"
+#include "link/port_devices.h"
+#include "map/module_dispatch.h"
+#include "map/session.h"
+
+#include <QMainWindow>
+
+#include <functional>
+#include <optional>
+
+class QLabel;
+class QListWidget;
+class QMenu;
+
+namespace kavro {
+
+class OperationPanel;
+class ScanForm;
+
+/// How the main window opens the dialogs that it does not know; each shows its dialog modally over `parent`
+/// and returns when it has closed. What does not exist yet opens nothing.
+struct DialogOpeners {
+    std::function<void(ModuleDialog dialog, QWidget* parent)> Module = [](ModuleDialog, QWidget*) {};
+    std::function<void(QWidget* parent)> Terminal = [](QWidget*) {};
+    std::function<void(QWidget* parent)> Monitor = [](QWidget*) {};
+};
+
+/// The main window: the list of known modules, and every operation on the line and on the selected module.
+class KavroForm : public QMainWindow {
+public:
+    KavroForm(Session& session, Messages& messages, PortDevices& devices, DialogOpeners openers);
+
+    /// The start-up: reads COM.CFG and opens the port (or `startPort` in place of the port that the file
+    /// names), with its messages and, on failure, the COM Port dialog.
+    void Load(std::optional<std::int16_t> startPort);
+
+protected:
+    bool event(QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void Build();
+    void BuildMenus();
+    void AddItem(QMenu& menu, const char* name, const char* text, void (KavroForm::*operation)(),
+                 QKeySequence shortcut = {});
+    void Run(void (KavroForm::*operation)());
+
+    void Save();
+    void Print();
+    void Exit();
+    void ComPort();
+    void Search();
+    void Terminal();
+    void Configuration();
+    void Monitor();
+    void Diagnostic();
+    void Calibration();
+    void About();
+    void Help();
+
+    void OpenModuleDialog(Operation operation);
+    void Scan();
+    void AppendLine(int index);
+    void RebuildSelectedLine();
+    void SelectLine();
+    void UpdateStatus(const QString& activity = "Ready");
+
+    Session& session_;
+    Messages& messages_;
+    PortDevices& devices_;
+    DialogOpeners openers_;
+
+    OperationPanel* panel_ = nullptr;
+    QListWidget* device_ = nullptr;
+    QLabel* portStatus_ = nullptr;
+    QLabel* countStatus_ = nullptr;
+    QLabel* activityStatus_ = nullptr;
+    ScanForm* scan_ = nullptr; // while a search runs
+    bool running_ = false;     // while an operation runs; nothing can start a second one underneath it
+    bool exitAsked_ = false;   // the close button was used while an operation ran
+};
+
+} // namespace kavro

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "link/messages.h"
+#include "map/search.h"
+
+#include <QDialog>
+#include <QElapsedTimer>
+
+#include <functional>
+
+class QLabel;
+class QListWidget;
+class QProgressBar;
+class QPushButton;
+
+namespace kavro {
+
+/// Runs a search from the moment it is shown and closes by itself at its end. Stop, Escape and the close
+/// button end the search before the next address.
+class ScanForm : public QDialog {
+public:
+    /// `found` is called with the entry's index after each module found.
+    ScanForm(Session& session, Messages& messages, std::function<void(int index)> found, QWidget* parent);
+
+    /// Asks the search to end; the module being probed is finished first.
+    void StopBtn_Click();
+
+    /// Whether the search ended by a failure, which has been told.
+    bool Failed() const { return failed_; }
+
+    void reject() override; // Escape
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    SearchEvents Events(std::function<void(int index)> found);
+    void Build();
+    void Run();
+    void ShowAddress(std::int16_t address);
+
+    Session& session_;
+    Messages& messages_;
+    NetworkSearch search_;
+    QElapsedTimer elapsed_;
+    bool started_ = false;
+    bool failed_ = false;
+    bool ended_ = false;
+    QLabel* baud_ = nullptr;
+    QLabel* address_ = nullptr;
+    QLabel* timeLeft_ = nullptr;
+    QProgressBar* progress_ = nullptr;
+    QListWidget* found_ = nullptr;
+    QLabel* foundCount_ = nullptr;
+    QPushButton* stop_ = nullptr;
+};
+
+} // namespace kavro
