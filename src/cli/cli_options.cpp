@@ -1,0 +1,35 @@
+#include "cli/cli_options.h"
+
+#include "link/runtime_failure.h"
+#include "ports/port_registry.h"
+
+#include <QCommandLineParser>
+
+namespace kavro {
+
+void AddLineOptions(QCommandLineParser& parser) {
+    parser.addOption({"port",
+                      "Work on COM port N (1 to 8), which is DEVICE: a path, or \"demo\" for the built-in "
+                      "simulated line. Further --port options name the devices of further ports.",
+                      "N=DEVICE"});
+    parser.addOption({"demo", "Work on the built-in simulated line, as COM1."});
+}
+
+LineOptions ReadLineOptions(const QCommandLineParser& parser) {
+    if (parser.isSet("demo") && parser.isSet("port"))
+        throw RuntimeFailure("Give either --demo or --port, not both.");
+    if (parser.isSet("demo"))
+        return {1, {{1, SimulatedLineDevice}}, true};
+    LineOptions options;
+    for (const QString& value : parser.values("port")) {
+        const auto [port, device] = ParsePortOption(value.toStdString());
+        if (!options.Devices.emplace(port, device).second)
+            throw RuntimeFailure("COM" + std::to_string(port) +
+                                 " is given two devices. Name each port once.");
+        if (!options.Port)
+            options.Port = static_cast<std::int16_t>(port);
+    }
+    return options;
+}
+
+} // namespace kavro

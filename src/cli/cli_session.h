@@ -1,0 +1,40 @@
+#pragma once
+
+#include "cli/cli_options.h"
+#include "link/clock.h"
+#include "map/session.h"
+#include "ports/port_registry.h"
+#include "sim/simulated_line.h"
+
+namespace kavro {
+
+/// The session of one command: its line is the one that the options name, with the settings the user has
+/// saved.
+class CliSession {
+public:
+    /// Picks the port: the one that the options name, else the one the user has saved. Opens
+    /// nothing. Throws `RuntimeFailure` when there is none.
+    explicit CliSession(const LineOptions& options);
+    CliSession(const CliSession&) = delete; // its ports hold on to its members
+    CliSession& operator=(const CliSession&) = delete;
+
+    /// Opens the port. Throws `RuntimeFailure` when it cannot be opened.
+    void OpenPort() { Session.Line.CommPort(Session.Line.CurrentPort).PortOpen(true); }
+
+    /// Device of the port: a path, or "demo".
+    std::string Device() const { return registry_.Device(Session.Line.CurrentPort); }
+
+private:
+    // Before the session, whose ports use all of these.
+    SteadyClock clock_;
+    SimulatedLine demoLine_;
+    PortRegistry registry_;
+
+public:
+    kavro::Session Session; ///< settings loaded, port chosen
+
+private:
+    void LoadSettings(const LineOptions& options);
+};
+
+} // namespace kavro

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kavro {
+
+/// `text` with "?" for every character outside 32 to 126: what a module sends, made harmless to a terminal
+/// and of the same width.
+std::string Printable(std::string_view text);
+
+/// Writes to standard output at once. Throws `RuntimeFailure` when it cannot be written.
+void PrintOut(const std::string& text);
+
+/// One line on standard error, led by the program's name; control characters become "?".
+void PrintNote(const std::string& text);
+
+/// An address 0 to 255 in decimal, or in hexadecimal with a leading "0x" or a trailing "H".
+/// Throws `RuntimeFailure` for any other text.
+std::int16_t ParseAddress(const std::string& text);
+
+/// Baud codes of a list such as "9600,19200". Throws `RuntimeFailure` for a rate that is not one of the
+/// eight.
+std::vector<std::int16_t> ParseBaudList(const std::string& text);
+
+/// A reply time-out in ms. Throws `RuntimeFailure` below 100 and above 6553, whose fivefold, the long
+/// time-out, would not fit.
+std::int16_t ParseTimeout(const std::string& text);
+
+} // namespace kavro

@@ -1,0 +1,103 @@
+#include "cli/kavroctl.h"
+
+#include "cli/cli_options.h"
+#include "cli/cli_text.h"
+#include "cli/search_command.h"
+#include "cli/subcommand.h"
+#include "link/runtime_failure.h"
+
+#include <QCommandLineParser>
+
+#include <algorithm>
+
+namespace kavro {
+
+namespace {
+
+constexpr const char* VersionText = "kavroctl 4.01\n";
+
+constexpr Subcommand Subcommands[] = {
+    {"search", "Search a line and print its modules.", 0, AddSearchOptions, PrepareSearch},
+};
+
+CommandAction Printing(std::string text) {
+    return [text = std::move(text)] {
+        PrintOut(text);
+        return ExitSuccess;
+    };
+}
+
+std::string ProgramHelp() {
+    std::string text = "Usage: kavroctl COMMAND [options]\n"
+                       "Works with the modules on a serial line, without a window.\n\nCommands:\n";
+    for (const Subcommand& command : Subcommands)
+        text += "  " + std::string(command.Name) + "  " + command.Help + "\n";
+    return text + "\nOptions:\n"
+                  "  -h, --help     Show this help; after a command, the help of that command.\n"
+                  "  -v, --version  Show the version.\n";
+}
+
+// The parser begins the usage line with the path of the program and does not know the commands.
+std::string CommandHelp(const Subcommand& command, const QCommandLineParser& parser) {
+    const std::string text = parser.helpText().toStdString();
+    return "Usage: kavroctl " + std::string(command.Name) + " [options]" + text.substr(text.find('\n'));
+}
+
+void ParseArguments(QCommandLineParser& parser, const QStringList& arguments) {
+    parser.addOption({{"h", "help"}, "Show this help."});
+    // The parser takes its first argument for the name of the program.
+    if (!parser.parse(QStringList{"kavroctl"} + arguments))
+        throw RuntimeFailure(parser.errorText().toStdString() + " See kavroctl --help.");
+}
+
+CommandAction PrepareCommand(const Subcommand& command, const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(command.Help);
+    command.AddOptions(parser);
+    AddLineOptions(parser);
+    ParseArguments(parser, arguments);
+    if (parser.isSet("help"))
+        return Printing(CommandHelp(command, parser));
+    const QStringList beside = parser.positionalArguments();
+    if (beside.size() > command.MostArguments)
+        throw RuntimeFailure("Unexpected argument '" + beside[command.MostArguments].toStdString() +
+                             "'. See kavroctl " + command.Name + " --help.");
+    return command.Prepare(parser);
+}
+
+CommandAction Prepare(const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
+    parser.addOption({{"v", "version"}, "Show the version."});
+    ParseArguments(parser, arguments);
+    if (parser.isSet("help"))
+        return Printing(ProgramHelp());
+    if (parser.isSet("version"))
+        return Printing(VersionText);
+
+    const QStringList words = parser.positionalArguments();
+    if (words.isEmpty())
+        throw RuntimeFailure("No command given. See kavroctl --help.");
+    const std::string name = words.first().toStdString();
+    const auto command = std::find_if(std::begin(Subcommands), std::end(Subcommands),
+                                      [&](const Subcommand& each) { return name == each.Name; });
+    if (command == std::end(Subcommands))
+        throw RuntimeFailure("There is no command '" + name + "'. See kavroctl --help.");
+    return PrepareCommand(*command, words.mid(1));
+}
+
+} // namespace
+
+int RunKavroctl(const QStringList& arguments) {
+    int exitOnFailure = ExitWrongUse;
+    try {
+        const CommandAction action = Prepare(arguments);
+        exitOnFailure = ExitPortTrouble;
+        return action();
+    } catch (const RuntimeFailure& failure) {
+        PrintNote(failure.what());
+        return exitOnFailure;
+    }
+}
+
+} // namespace kavro

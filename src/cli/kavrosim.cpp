@@ -1,0 +1,147 @@
+#include "cli/kavrosim.h"
+
+#include "link/runtime_failure.h"
+#include "ports/line_file.h"
+#include "ports/pty_server.h"
+#include "ports/termination_signals.h"
+#include "sim/demo_line.h"
+
+#include <QCommandLineParser>
+
+#include <algorithm>
+#include <cstdio>
+#include <optional>
+
+namespace kavro {
+
+namespace {
+
+constexpr int WrongUse = 2;
+constexpr int PortTrouble = 3;
+constexpr const char* Version = "kavrosim 4.01";
+
+struct KavrosimOptions {
+    std::string LineFile; // empty: the demo line
+    std::string LinkPath; // empty: no link
+    std::optional<std::uint32_t> Seed;
+    bool Log = false;
+    std::string Information; // help or version to print instead of serving
+};
+
+std::string Escaped(const std::string& text) {
+    std::string escaped;
+    for (const char character : text) {
+        char code[8] = {};
+        std::snprintf(code, sizeof code, "<%02X>",
+                      static_cast<unsigned>(static_cast<unsigned char>(character)));
+        const bool printable = character >= ' ' && character <= '~';
+        escaped += printable ? std::string(1, character) : std::string(code);
+    }
+    return escaped;
+}
+
+/// Prints a line at once; false when nobody reads it any more.
+bool Print(const std::string& line) {
+    return std::puts(line.c_str()) >= 0 && std::fflush(stdout) == 0;
+}
+
+// One line whatever the names in it contain.
+int Complain(int exitCode, std::string what) {
+    std::ranges::replace_if(
+        what, [](unsigned char character) { return character < ' '; }, '?');
+    std::fprintf(stderr, "kavrosim: %s\n", what.c_str());
+    return exitCode;
+}
+
+int Serve(const KavrosimOptions& options) {
+    const TerminationSignals endRequests;
+    SimulatedLine line = options.LineFile.empty() ? DemoLine() : ReadLineFile(options.LineFile);
+    if (options.Seed)
+        line.SetSeed(*options.Seed);
+    SteadyClock clock;
+    PtyServer server(line, clock, options.LinkPath);
+    const std::int64_t start = clock.Microseconds();
+    if (options.Log)
+        line.Log = [&server, start](const LineEvent& event) {
+            if (!Print(LogLine(event, start)))
+                server.Stop();
+        };
+    if (!Print(server.DevicePath()))
+        throw RuntimeFailure("The device path cannot be written to standard output.");
+    server.Run(endRequests.Descriptor());
+    return 0;
+}
+
+std::optional<std::uint32_t> SeedOf(const QString& text) {
+    bool number = false;
+    const std::uint32_t seed = text.toUInt(&number);
+    if (!number)
+        throw RuntimeFailure("--seed needs a whole number from 0 to 4294967295.");
+    return seed;
+}
+
+KavrosimOptions ParseOptions(const QStringList& arguments) {
+    const QCommandLineOption lineFile(
+        "line", "Line described in the JSON file <file>; without it the demo line.", "file");
+    const QCommandLineOption link("link", "Make the symbolic link <path> to the device.", "path");
+    const QCommandLineOption seed("seed", "Seed of the random noise, 0 to 4294967295.", "number");
+    const QCommandLineOption log("log", "Print every command and its reply with time and baud rate.");
+    const QCommandLineOption help({"h", "help"}, "Print this help and end.");
+    const QCommandLineOption version({"v", "version"}, "Print the version and end.");
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        "Serves a line of simulated modules on a pseudo-terminal. The first line "
+        "printed is the path of the device to open; Ctrl+C ends.");
+    parser.addOptions({lineFile, link, seed, log, help, version});
+    if (!parser.parse(arguments))
+        throw RuntimeFailure(parser.errorText().toStdString() + " See kavrosim --help.");
+
+    KavrosimOptions options;
+    if (parser.isSet(help) || parser.isSet(version)) {
+        options.Information = parser.isSet(help) ? parser.helpText().toStdString() : Version;
+        return options;
+    }
+    const QStringList others = parser.positionalArguments();
+    if (!others.isEmpty())
+        throw RuntimeFailure("\"" + others.first().toStdString() +
+                             "\" is not understood: kavrosim takes options only. See kavrosim --help.");
+    options.LineFile = parser.value(lineFile).toStdString();
+    options.LinkPath = parser.value(link).toStdString();
+    options.Log = parser.isSet(log);
+    if (parser.isSet(lineFile) && options.LineFile.empty())
+        throw RuntimeFailure("--line needs the path of a file.");
+    if (parser.isSet(link) && options.LinkPath.empty())
+        throw RuntimeFailure("--link needs a path.");
+    if (parser.isSet(seed))
+        options.Seed = SeedOf(parser.value(seed));
+    return options;
+}
+
+} // namespace
+
+std::string LogLine(const LineEvent& event, std::int64_t start) {
+    char head[64] = {};
+    const auto milliseconds = static_cast<long long>((event.Moment - start) / 1000);
+    std::snprintf(head, sizeof head, "%7lld.%03lld s %6d baud  ", milliseconds / 1000, milliseconds % 1000,
+                  event.Baud);
+    const std::string reply = event.Reply.empty() ? "(silence)" : Escaped(event.Reply);
+    return head + Escaped(event.Command + '\r') + " -> " + reply;
+}
+
+int RunKavrosim(const QStringList& arguments) {
+    KavrosimOptions options;
+    try {
+        options = ParseOptions(arguments);
+    } catch (const RuntimeFailure& failure) {
+        return Complain(WrongUse, failure.what());
+    }
+    try {
+        if (options.Information.empty())
+            return Serve(options);
+        return Print(options.Information) ? 0 : PortTrouble;
+    } catch (const RuntimeFailure& failure) {
+        return Complain(PortTrouble, failure.what());
+    }
+}
+
+} // namespace kavro

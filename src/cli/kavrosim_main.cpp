@@ -1,0 +1,8 @@
+#include "cli/kavrosim.h"
+
+#include <QCoreApplication>
+
+int main(int argc, char* argv[]) {
+    const QCoreApplication application(argc, argv);
+    return kavro::RunKavrosim(QCoreApplication::arguments());
+}

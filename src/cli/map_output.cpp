@@ -1,0 +1,60 @@
+#include "cli/map_output.h"
+
+#include "cli/cli_text.h"
+#include "link/baud.h"
+#include "link/codes.h"
+#include "link/text.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace kavro {
+
+namespace {
+
+QString Shown(std::string_view text) {
+    return QString::fromStdString(Printable(text));
+}
+
+QJsonObject ModuleObject(const Session& session, int index) {
+    const ModuleRecord& record = session.ModuleTable[index];
+    return {
+        {"index", index},
+        {"address", record.Address},
+        {"addressHex", QString::fromStdString(ToHex(record.Address, 2))},
+        {"model", Shown(Trim(record.Model))},
+        {"baud", BaudFromCode(record.BaudCode)},
+        {"baudCode", record.BaudCode},
+        {"checksum", record.Checksum != 0},
+        {"inputRange", record.InputRange},
+        {"dataFormat", record.DataFormat},
+        {"initialisation", index == session.ScanIndex},
+        {"line", Shown(session.Device[static_cast<std::size_t>(index)])},
+    };
+}
+
+} // namespace
+
+std::string MapText(const Session& session) {
+    std::string text = std::string(ListHeading) + "\n";
+    for (const std::string& line : session.Device)
+        text += Printable(line) + "\n";
+    return text;
+}
+
+std::string MapJson(const Session& session, const PrintedMap& map) {
+    QJsonArray modules;
+    for (int index = 0; index < session.ModuleCount; ++index)
+        modules.append(ModuleObject(session, index));
+    const QJsonObject object = {
+        {"port", QString("COM%1").arg(session.Line.CurrentPort)},
+        {"device", QString::fromStdString(map.Device)},
+        {"highestAddress", session.SearchHighAddress},
+        {"complete", map.Complete},
+        {"modules", modules},
+    };
+    return QJsonDocument(object).toJson().toStdString();
+}
+
+} // namespace kavro

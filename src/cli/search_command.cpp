@@ -1,0 +1,146 @@
+#include "cli/search_command.h"
+
+#include "cli/cli_options.h"
+#include "cli/cli_session.h"
+#include "cli/cli_text.h"
+#include "cli/map_output.h"
+#include "cli/search_progress.h"
+#include "link/runtime_failure.h"
+#include "map/search.h"
+
+#include <QCommandLineParser>
+
+#include <csignal>
+#include <memory>
+
+namespace kavro {
+
+namespace {
+
+constexpr std::int16_t LongTimeoutFactor = 5; // as in the COM Port dialog
+
+// A signal handler reaches nothing but what stands outside every object.
+volatile std::sig_atomic_t interrupted = 0;
+
+extern "C" void NoteInterrupt(int) {
+    interrupted = 1;
+    std::signal(SIGINT, SIG_DFL); // the second Ctrl+C ends the program
+}
+
+// While one lives, the first Ctrl+C only sets `interrupted`.
+class InterruptWatch {
+public:
+    InterruptWatch() : before_(std::signal(SIGINT, NoteInterrupt)) {
+        if (before_ == SIG_IGN) // started in the background: Ctrl+C is meant for others
+            std::signal(SIGINT, SIG_IGN);
+    }
+    ~InterruptWatch() { std::signal(SIGINT, before_); }
+    InterruptWatch(const InterruptWatch&) = delete;
+    InterruptWatch& operator=(const InterruptWatch&) = delete;
+
+private:
+    void (*before_)(int);
+};
+
+struct SearchResult {
+    int LastAddress = 0;     // the last one that was begun
+    std::string PortFailure; // what ended the search early; empty when nothing did
+};
+
+void ApplyOptions(const SearchOptions& options, Session& session) {
+    session.SearchHighAddress = options.HighestAddress;
+    Line& line = session.Line;
+    if (!options.BaudCodes.empty()) {
+        auto& enabled = line.SettingsOf(line.CurrentPort).BaudEnabled;
+        enabled.fill(0);
+        for (const std::int16_t code : options.BaudCodes)
+            enabled[static_cast<std::size_t>(code)] = 1;
+    }
+    if (options.TimeoutMs) {
+        line.ReplyTimeout = *options.TimeoutMs;
+        line.LongReplyTimeout = static_cast<std::int16_t>(LongTimeoutFactor * *options.TimeoutMs);
+    }
+}
+
+SearchResult Search(Session& session) {
+    SearchResult result;
+    const InterruptWatch watch;
+    SearchProgress progress(session.Line, session.SearchHighAddress);
+    NetworkSearch* running = nullptr;
+    SearchEvents events;
+    events.Address = [&](std::int16_t address) { result.LastAddress = progress.Address = address; };
+    events.Baud = [&](std::int32_t baud) {
+        progress.Baud = baud;
+        progress.Show();
+    };
+    events.Found = [&](int index) {
+        progress.Found = index + 1;
+        progress.Show();
+    };
+    events.Yield = [&] {
+        if (interrupted == 0)
+            return;
+        running->Stop();
+        progress.Stopping = true;
+        progress.Show();
+    };
+    NetworkSearch search(session, events);
+    running = &search;
+    try {
+        search.Run();
+    } catch (const RuntimeFailure& failure) {
+        result.PortFailure = failure.what();
+    }
+    return result;
+}
+
+int RunSearch(CliSession& cli, const SearchOptions& options) {
+    Session& session = cli.Session;
+    ApplyOptions(options, session);
+    cli.OpenPort();
+    const SearchResult result = Search(session);
+
+    const bool lostPort = !result.PortFailure.empty();
+    const bool complete = !lostPort && result.LastAddress == session.SearchHighAddress;
+    PrintOut(options.Json ? MapJson(session, {cli.Device(), complete}) : MapText(session));
+    if (lostPort)
+        throw RuntimeFailure(result.PortFailure);
+    if (!complete)
+        PrintNote("Stopped after address " + std::to_string(result.LastAddress) + " of " +
+                  std::to_string(session.SearchHighAddress) + ".");
+    if (session.ModuleCount == 0)
+        PrintNote("No module found!");
+    return session.ModuleCount == 0 ? ExitNothingFound : ExitSuccess;
+}
+
+} // namespace
+
+void AddSearchOptions(QCommandLineParser& parser) {
+    parser.addOptions({
+        {"to", "Search the addresses 0 to ADDRESS; 255 unless given. Hexadecimal as 0xFF or FFH.", "ADDRESS"},
+        {"baud", "Baud rates to try, separated by commas; those of the port's settings unless given.",
+         "LIST"},
+        {"timeout", "Silence after which a reply is given up, in milliseconds, at least 100.", "MS"},
+        {"json", "Print the modules as JSON."},
+    });
+}
+
+SearchOptions ReadSearchOptions(const QCommandLineParser& parser) {
+    SearchOptions options;
+    if (parser.isSet("to"))
+        options.HighestAddress = ParseAddress(parser.value("to").toStdString());
+    if (parser.isSet("baud"))
+        options.BaudCodes = ParseBaudList(parser.value("baud").toStdString());
+    if (parser.isSet("timeout"))
+        options.TimeoutMs = ParseTimeout(parser.value("timeout").toStdString());
+    options.Json = parser.isSet("json");
+    return options;
+}
+
+CommandAction PrepareSearch(const QCommandLineParser& parser) {
+    const SearchOptions options = ReadSearchOptions(parser);
+    const auto cli = std::make_shared<CliSession>(ReadLineOptions(parser));
+    return [options, cli] { return RunSearch(*cli, options); };
+}
+
+} // namespace kavro

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "cli/subcommand.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kavro {
+
+/// Options of `kavroctl search`.
+struct SearchOptions {
+    std::int16_t HighestAddress = 255;
+    std::vector<std::int16_t> BaudCodes;   ///< to try; empty: those of the port's settings
+    std::optional<std::int16_t> TimeoutMs; ///< nothing: that of the settings
+    bool Json = false;
+};
+
+/// Adds the options of `search`.
+void AddSearchOptions(QCommandLineParser& parser);
+
+/// Reads the options of `search`. Throws `RuntimeFailure` when one is wrong.
+SearchOptions ReadSearchOptions(const QCommandLineParser& parser);
+
+/// Turns the options of `search` into work: it searches a line, with progress on standard error, and prints
+/// the modules found, also those found before the port failed or Ctrl+C ended the search.
+CommandAction PrepareSearch(const QCommandLineParser& parser);
+
+} // namespace kavro

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <functional>
+
+class QCommandLineParser;
+
+namespace kavro {
+
+/// Exit codes of `kavroctl`.
+enum ExitCode : int {
+    ExitSuccess = 0,
+    ExitWrongUse = 2,     ///< the command line is wrong; one line on standard error says what
+    ExitPortTrouble = 3,  ///< the port, or standard output, failed
+    ExitNothingFound = 4, ///< a search that found no module
+};
+
+/// The work of a command whose options are understood. Returns the exit code; a `RuntimeFailure` stands for
+/// `ExitPortTrouble`.
+using CommandAction = std::function<int()>;
+
+/// One command of `kavroctl`. Help and the common options are added to each.
+struct Subcommand {
+    const char* Name;
+    const char* Help;  ///< one line
+    int MostArguments; ///< arguments that may stand beside the options
+    /// Adds the command's own options and arguments.
+    void (*AddOptions)(QCommandLineParser& parser);
+    /// Turns options into work, without doing any of it. A `RuntimeFailure` stands for `ExitWrongUse`.
+    CommandAction (*Prepare)(const QCommandLineParser& parser);
+};
+
+} // namespace kavro
