@@ -1,0 +1,401 @@
+#include "map/search.h"
+#include "sim/demo_line.h"
+#include "sim/wire_text.h"
+#include "support/test_session.h"
+
+#include <gtest/gtest.h>
+
+#include <iomanip>
+#include <sstream>
+
+namespace kavro {
+namespace {
+
+/// The fields of a record that are not zero, but address and model.
+std::string Fields(const ModuleRecord& record) {
+    const CounterSettings& counter = record.Counter;
+    const std::pair<const char*, double> fields[] = {{"format", record.DataFormat},
+                                                     {"baud", record.BaudCode},
+                                                     {"range", record.InputRange},
+                                                     {"checksum", record.Checksum},
+                                                     {"low", record.LowAlarm},
+                                                     {"high", record.HighAlarm},
+                                                     {"mode", record.AlarmMode},
+                                                     {"state", record.AlarmInput.AlarmState},
+                                                     {"signed", record.AlarmInput.SignedSetting},
+                                                     {"code", record.AlarmInput.CodeSetting},
+                                                     {"polarity", record.Digital.Polarity},
+                                                     {"interface", record.ConverterInterface},
+                                                     {"parity", record.ConverterParity},
+                                                     {"stop", record.ConverterStopBits},
+                                                     {"second", record.Converter.SecondBaudCode},
+                                                     {"word", record.Converter.FormatWord},
+                                                     {"bit13", record.Converter.FormatBit13},
+                                                     {"bit8", record.Converter.FormatBit8},
+                                                     {"gateTime", counter.GateTime},
+                                                     {"input", counter.InputMode},
+                                                     {"gate", counter.GateMode},
+                                                     {"filter", counter.DigitalFilter},
+                                                     {"minHigh", counter.MinAtHigh},
+                                                     {"minLow", counter.MinAtLow},
+                                                     {"ttlHigh", counter.TtlAtHigh},
+                                                     {"ttlLow", counter.TtlAtLow},
+                                                     {"status0", counter.CounterStatus[0]},
+                                                     {"status1", counter.CounterStatus[1]},
+                                                     {"max0", counter.MaxValue[0]},
+                                                     {"max1", counter.MaxValue[1]},
+                                                     {"initial0", counter.InitialValue[0]},
+                                                     {"initial1", counter.InitialValue[1]},
+                                                     {"alarm0", counter.AlarmSetting[0]},
+                                                     {"alarm1", counter.AlarmSetting[1]},
+                                                     {"limit0", counter.AlarmValue[0]},
+                                                     {"limit1", counter.AlarmValue[1]}};
+    std::ostringstream text;
+    text << std::setprecision(12);
+    for (const auto& [name, value] : fields)
+        if (value != 0)
+            text << name << ' ' << value << ' ';
+    return text.str();
+}
+
+/// A search over COM1, whose replies stand in a script; at 9600 baud unless a test enables other rates.
+class SearchTest : public testing::Test {
+protected:
+    SearchTest() { EnableBaudCodes(S, {3}); }
+
+    /// "9600 $012" gets the reply; with checksum both carry one.
+    void Answer(const std::string& command, const std::string& reply, bool checksum = false) {
+        const auto line = [checksum](const std::string& text) {
+            return checksum ? text + WireHex(WireSum(text), 2) : text;
+        };
+        Test.Port().Replies["9600 " + line(command)] = {line(reply) + "\r"};
+    }
+
+    void Search(std::int16_t highAddress, const SearchEvents& events = {}) {
+        S.SearchHighAddress = highAddress;
+        NetworkSearch(S, events).Run();
+    }
+
+    bool WasSent(const std::string& command) const {
+        return std::ranges::find(Test.Log, "COM1 9600 " + command) != Test.Log.end();
+    }
+
+    ScriptedSession Test;
+    Session& S = Test.Session;
+};
+
+TEST_F(SearchTest, CommandsAndEventsInOrder) {
+    EnableBaudCodes(S, {3, 5});
+    Test.Port().Replies = {
+        {"38400 $012", {"!01400800\r"}}, {"38400 $01M", {"!018410\r"}}, {"38400 ~01CR", {"!0110\r"}}};
+    SearchEvents events;
+    events.Address = [&](std::int16_t address) { Test.Log.push_back("address " + std::to_string(address)); };
+    events.Baud = [&](std::int32_t baud) { Test.Log.push_back("baud " + std::to_string(baud)); };
+    events.Found = [&](int index) {
+        Test.Log.push_back("found " + S.Device[static_cast<std::size_t>(index)]);
+    };
+    events.Yield = [&] { Test.Log.push_back("yield"); };
+    Search(1, events);
+    EXPECT_EQ(Test.Log, (Lines{"address 0",
+                               "baud 9600",
+                               "COM1 settings 9600,n,8,1",
+                               "COM1 9600 $002",
+                               "COM1 9600 $002B6",
+                               "yield",
+                               "baud 38400",
+                               "COM1 state 38400,n,8,1",
+                               "COM1 38400 $002",
+                               "COM1 38400 $002B6",
+                               "yield",
+                               "yield",
+                               "address 1",
+                               "baud 9600",
+                               "COM1 settings 9600,n,8,1",
+                               "COM1 9600 $012",
+                               "COM1 9600 $012B7",
+                               "yield",
+                               "baud 38400",
+                               "COM1 state 38400,n,8,1",
+                               "COM1 38400 $012",
+                               "COM1 38400 $01M",
+                               "COM1 38400 ~01CR",
+                               "found    1(01H)   8410      38400                Digital I/O",
+                               "yield"}));
+    EXPECT_EQ(S.ModuleCount, 1);
+    EXPECT_EQ(S.ScanIndex, -1);
+    EXPECT_EQ(S.ModuleTable[0].Digital.Polarity, 2);
+    EXPECT_EQ(Test.Time.GetTickCount(), 4 * 1000 + 3 * 200);
+}
+
+TEST_F(SearchTest, SilentAddressesCostWhatTheAlgorithmNames) {
+    const struct {
+        std::vector<int> Codes;
+        std::int64_t First, Again; // milliseconds of a first search and of the same once more
+    } cases[] = {{{3}, 256 * 200 + 1000, 256 * 200},
+                 {{0, 7}, 256 * (2 * 200 + 2 * 1000), 256 * (2 * 200 + 2 * 1000)},
+                 {{}, 0, 0}};
+    for (const auto& [codes, first, again] : cases) {
+        SimulatedSession test;
+        EnableBaudCodes(test.Session, codes);
+        test.Session.SearchHighAddress = 255;
+        NetworkSearch(test.Session, {}).Run();
+        EXPECT_EQ(test.Time.Microseconds(), first * 1000);
+        NetworkSearch(test.Session, {}).Run();
+        EXPECT_EQ(test.Time.Microseconds(), (first + again) * 1000);
+        EXPECT_EQ(test.Session.ModuleCount, 0);
+    }
+}
+
+TEST_F(SearchTest, ReplyTimeoutIsTheUsers) {
+    S.Line.ReplyTimeout = 250;
+    Search(9);
+    EXPECT_EQ(Test.Time.GetTickCount(), 10 * 500 + 1000);
+}
+
+TEST_F(SearchTest, AModuleAtAddress00IsListedWhereItReports) {
+    const std::string other = "   3(03H)   8410      9600                 Digital I/O";
+    const struct {
+        const char* Reported;
+        Lines Device;
+        std::int16_t ScanIndex;
+    } cases[] = {
+        {"05", {other, "*  5(05H)   8410      19200                Digital I/O"}, 1},
+        {"02", {"*  2(02H)   8410      19200                Digital I/O", other}, 0},
+        {"00", {"*  0(00H)   8410      19200                Digital I/O", other}, 0},
+        {"03", {"*  3(03H)   8410      19200                Digital I/O"}, 0}, // in place of the one at 03
+        {"07", {other}, -1},                                                   // above the highest address
+    };
+    for (const auto& [reported, device, scanIndex] : cases) {
+        SCOPED_TRACE(reported);
+        Test.Log.clear();
+        const std::string lead = std::string("!") + reported;
+        Answer("$002", lead + "400740");
+        Answer("$00M", lead + "8410");
+        Answer("~00CR", lead + "11"); // without checksum although the format byte has it
+        Answer("$032", "!03400600");
+        Answer("$03M", "!038410");
+        Search(6);
+        EXPECT_EQ(S.Device, device);
+        EXPECT_EQ(S.ScanIndex, scanIndex);
+        EXPECT_EQ(S.ModuleCount, static_cast<int>(device.size()));
+        EXPECT_EQ(WasSent(std::string("$") + reported + "2"), std::string("00") == reported)
+            << "its own address is not probed";
+        if (scanIndex < 0)
+            continue;
+        const ModuleRecord& record = S.ModuleTable[scanIndex];
+        EXPECT_EQ(std::tuple(record.Checksum, record.BaudCode, record.Digital.Polarity), std::tuple(1, 4, 3));
+    }
+}
+
+TEST_F(SearchTest, AModuleThatAnswersWithChecksumOnly) {
+    for (const bool formatHasChecksum : {true, false}) {
+        Test.Port().Replies.clear();
+        Test.Log.clear();
+        Answer("$012", formatHasChecksum ? "!01400640" : "!01400600", true);
+        Answer("$01M", "!018410", true);
+        Answer("~01CR", "!0101", formatHasChecksum);
+        Search(1);
+        EXPECT_EQ(S.Device, Lines{"   1(01H)   8410      9600                 Digital I/O"});
+        EXPECT_EQ(S.ModuleTable[0].Checksum, formatHasChecksum ? 1 : 0);
+        EXPECT_EQ(S.ModuleTable[0].Digital.Polarity, 1);
+        EXPECT_TRUE(WasSent("$01MD2"));
+        EXPECT_FALSE(WasSent("$01M"));
+        EXPECT_TRUE(WasSent(formatHasChecksum ? "~01CR74" : "~01CR"));
+        S.ModuleTable[0] = {};
+    }
+}
+
+TEST_F(SearchTest, WhatIsNotAModule) {
+    for (const char* reply : {"!014006001", "!0140060", "!01400600123", "?01400600", ">01400600", "!", "",
+                              "!01XX0600", "!014006ZZ", "!01400600 1", "!01400600\n\n"}) {
+        Test.Port().Replies["9600 $012"] = Test.Port().Replies["9600 $002"] = {std::string(reply) + "\r"};
+        Search(1);
+        EXPECT_EQ(S.ModuleCount, 0) << reply;
+    }
+    Test.Port().Replies = {{"9600 $002", {"!ZZ400600\r"}},
+                           {"9600 $012", {"!01400600"}}}; // no carriage return
+    Search(1);
+    EXPECT_EQ(S.ModuleCount, 0);
+    EXPECT_TRUE(S.Device.empty());
+    EXPECT_EQ(S.ModuleTable[0].Address, 0);
+}
+
+TEST_F(SearchTest, TheNameIsUsedAsItComes) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"", "   1(01H)             57600                Unknown Module"},
+        {"!01\r", "   1(01H)             57600                Unknown Module"},
+        {"?01no\r", "   1(01H)   no        57600                Unknown Module"},
+        {"!018", "   1(01H)   8         57600                Unknown Module"},
+        {"!018410XYZ\r", "   1(01H)   8410XY    57600                Digital I/O"}};
+    for (const auto& [reply, line] : cases) {
+        Answer("$012", "!01400A00");
+        Test.Port().Replies["9600 $01M"] = {reply};
+        Search(1);
+        EXPECT_EQ(S.Device, Lines{line});
+        EXPECT_EQ(S.ModuleTable[0].BaudCode, 7);
+    }
+}
+
+TEST_F(SearchTest, StopIsSeenBeforeTheNextAddress) {
+    for (const char* address : {"01", "02", "03"})
+        Answer(std::string("$") + address + "2", std::string("!") + address + "400600");
+    S.SearchHighAddress = 9;
+    NetworkSearch* running = nullptr;
+    SearchEvents events;
+    events.Address = [&](std::int16_t address) {
+        if (address == 2)
+            running->Stop();
+    };
+    NetworkSearch search(S, events);
+    running = &search;
+    search.Run();
+    EXPECT_EQ(S.ModuleCount, 2) << "the module being probed is finished first";
+    EXPECT_EQ(S.Device.size(), 2U);
+    EXPECT_TRUE(WasSent("$022"));
+    EXPECT_FALSE(WasSent("$032"));
+}
+
+TEST_F(SearchTest, ALostPortKeepsWhatWasFound) {
+    Answer("$012", "!01400600");
+    Answer("$022", "!02400600");
+    // 2 for address 0, 2 for address 1, then in the midst of address 2.
+    for (const int outputs : {4, 5}) {
+        Test.Port().PortOpen(true);
+        Test.Port().OutputsUntilFailure = outputs;
+        EXPECT_THROW(Search(9), RuntimeFailure);
+        EXPECT_EQ(S.ModuleCount, 1);
+        EXPECT_EQ(S.Device.size(), 1U);
+    }
+}
+
+TEST_F(SearchTest, ANewSearchBeginsAnew) {
+    Answer("$002", "!05400600");
+    Answer("$012", "!01400600");
+    Search(5);
+    EXPECT_EQ(std::tuple(S.ModuleCount, S.ScanIndex, S.Device.size()), std::tuple(2, 1, 2U));
+    Test.Port().Replies.erase("9600 $002");
+    Search(5);
+    EXPECT_EQ(std::tuple(S.ModuleCount, S.ScanIndex, S.Device.size()), std::tuple(1, -1, 1U));
+}
+
+TEST_F(SearchTest, ReadsOfEveryFamily) {
+    const struct {
+        const char *Config, *Model;
+        Lines Reads; // "command reply", in order
+        const char* Want;
+    } cases[] = {
+        {"400640", "8410", {"~01CR !0121"}, "baud 3 range 64 checksum 1 polarity 5 "},
+        {"050602",
+         "8220",
+         {"@01RL !01-01.5", "@01RH !01+2.25x", "@01DI !0120E01"},
+         "format 2 baud 3 range 5 low -1.5 high 2.25 mode 2 state 200 "},
+        {"080603",
+         "8240",
+         {"@01RL ?01", "@01RH !01+1e300", "@01DI !0112345", "$013 !01-0123", "$015 !01C5"},
+         "format 3 baud 3 range 8 mode 1 state 12345 signed -123 code 197 "},
+        {"310601", "8310", {}, "format 1 baud 3 range 49 "},
+        {"310601", "8320", {"~01CR !0101"}, "format 1 baud 3 range 49 polarity 1 "},
+        {"080642", "8250", {}, "format 2 baud 3 range 8 checksum 1 "},
+        {"500644",
+         "8510",
+         {"$01B !011", "$01A !012", "$015 !0110", "$013 !0100000010", "@01G !01FFFFFFFF", "$014 !011",
+          "$010H !010005", "$010L !0112345", "$011H !0124", "$011L !0108", "@01DI !0101",
+          "@01RP !010000000100000002", "@01RA !01FFFFFFFE0000000A"},
+         "baud 3 range 80 checksum 1 gateTime 1 input 1 gate 2 filter 1 minHigh 5 minLow 12345 ttlHigh 24 "
+         "ttlLow 8 status0 1 max0 16 max1 4294967295 initial0 1 initial1 2 alarm1 1 limit0 4294967294 limit1 "
+         "10 "},
+        {"510600",
+         "8510",
+         {"$01B ?01", "$01A ", "$015 >0111", "$013 !010000001", "@01G !01G", "$014 !01", "$010H !0199999",
+          "$010L !01x", "$011H !0124", "$011L ?", "@01DI !0111", "@01RP !0100000001",
+          "@01RA !01"}, // wrong replies: the rest is read all the same
+         "baud 3 range 81 ttlHigh 24 max0 1 initial0 1 alarm0 1 alarm1 1 "},
+        {"0076E11D",
+         "8620",
+         {},
+         "format 1 baud 3 checksum 1 interface 1 parity 3 stop 1 second 4 word 57629 bit13 1 bit8 1 "},
+        {"00A30002", "8610", {}, "format 2 second 7 word 2 "},
+        {"7F0640", "8999", {}, "baud 3 range 127 checksum 1 "}};
+    for (const auto& [config, model, reads, want] : cases) {
+        SCOPED_TRACE(model);
+        const bool checksum = std::string(want).find("checksum") != std::string::npos;
+        S.ModuleTable[0] = {};
+        Test.Port().Replies.clear();
+        Test.Log.clear();
+        Answer("$012", std::string("!01") + config);
+        Answer("$01M", std::string("!01") + model);
+        Lines sent = {"COM1 9600 $012", "COM1 9600 $01M"};
+        for (const std::string& read : reads) {
+            const std::string command = read.substr(0, read.find(' '));
+            Answer(command, read.substr(command.size() + 1), checksum);
+            sent.push_back("COM1 9600 " + command + (checksum ? WireHex(WireSum(command), 2) : ""));
+        }
+        Search(1);
+        EXPECT_EQ(Lines(std::ranges::find(Test.Log, sent[0]), Test.Log.end()), sent);
+        EXPECT_EQ(Fields(S.ModuleTable[0]), want);
+    }
+}
+
+TEST_F(SearchTest, FindsTheDemoLineCompletelyAndExactly) {
+    SimulatedSession test(DemoLine());
+    EnableBaudCodes(test.Session, {3, 4, 5, 6});
+    test.Session.SearchHighAddress = 255;
+    NetworkSearch(test.Session, {}).Run();
+    EXPECT_EQ(test.Session.Device, (Lines{
+                                       "   1(01H)   8210      9600        V        +/- 2.5V        ",
+                                       "   2(02H)   8220      9600        mA       +/- 20mA        ",
+                                       "   3(03H)   8230      9600        C        Pt, +/- 100C    ",
+                                       "   4(04H)   8240      9600        V        +/- 10V         ",
+                                       "   5(05H)   8250      9600        V        +/- 10V         ",
+                                       "   6(06H)   8260      9600        C        T/C Type K      ",
+                                       "   7(07H)   8250      9600        2's      +/- 5V          ",
+                                       "   8(08H)   8310      9600        %        4 to 20mA       ",
+                                       "   9(09H)   8320      9600        V        +/- 10V         ",
+                                       "  10(0AH)   8410      9600                 Digital I/O",
+                                       "  11(0BH)   8420      9600                 Digital I/O",
+                                       "  12(0CH)   8430      9600                 Digital I/O",
+                                       "  13(0DH)   8440      9600                 Digital I/O",
+                                       "  14(0EH)   8450      9600                 Digital I/O",
+                                       "  15(0FH)   8460      9600                 Digital I/O",
+                                       "  16(10H)   8470      9600                 Digital I/O",
+                                       "  18(12H)   8510      9600                 Counter         ",
+                                       "  20(14H)   8610      9600       n,8,1     RS-485",
+                                       "* 22(16H)   8250      19200       V        +/- 10V         ",
+                                       "  24(18H)   8999      9600                 Unknown Module",
+                                       "  32(20H)   8480      19200                Digital I/O",
+                                       "  33(21H)   8510      19200                Frequency       ",
+                                       "  34(22H)   8230      19200       Ohms     Pt, +/- 100C    ",
+                                       "  48(30H)   8490      38400                Digital I/O",
+                                       "  49(31H)   8260      38400       %        T/C Type J      ",
+                                       "  64(40H)   8620      115200     e,7,2     RS-422",
+                                       " 255(FFH)   8250      115200      V        +/- 10V         ",
+                                   }));
+    EXPECT_EQ(test.Session.ModuleCount, 27);
+    EXPECT_EQ(test.Session.ScanIndex, 18);
+    const ModuleTable& table = test.Session.ModuleTable;
+    EXPECT_EQ(std::tuple(table[0].LowAlarm, table[0].HighAlarm, table[0].AlarmMode),
+              std::tuple(-1.5F, 1.5F, 2));
+    EXPECT_EQ(std::tuple(table[11].Digital.Polarity, table[12].Digital.Polarity), std::tuple(2, 1));
+    EXPECT_EQ(std::tuple(table[16].Counter.CounterStatus[0], table[16].Counter.MaxValue[0]),
+              std::tuple(1, 100000));
+    EXPECT_EQ(std::tuple(table[16].Counter.AlarmSetting[1], table[16].Counter.AlarmValue[1]),
+              std::tuple(1, 5000));
+    EXPECT_EQ(std::tuple(table[21].Counter.GateTime, table[21].Checksum), std::tuple(1, 1));
+    EXPECT_EQ(table[25].Converter.SecondBaudCode, 4);
+}
+
+TEST(SearchTimeLeft, BeginsWithTheAlgorithmsCostAndFollowsWhatIsMeasured) {
+    ScriptedSession test;
+    const Line& line = test.Session.Line;
+    EXPECT_EQ(SearchTimeLeft(line, 0, 256, 0), 0) << "no rate enabled";
+    EnableBaudCodes(test.Session, {3});
+    EXPECT_EQ(SearchTimeLeft(line, 0, 256, 0), 256 * 200);
+    EXPECT_EQ(SearchTimeLeft(line, 100, 256, 100 * 200), 156 * 200);
+    EXPECT_GT(SearchTimeLeft(line, 100, 256, 100 * 400), 156 * 380);
+    EXPECT_EQ(SearchTimeLeft(line, 256, 256, 60000), 0);
+    EnableBaudCodes(test.Session, {3, 4});
+    EXPECT_EQ(SearchTimeLeft(line, 0, 256, 0), 256 * 2400);
+}
+
+} // namespace
+} // namespace kavro

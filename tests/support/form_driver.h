@@ -1,0 +1,108 @@
+#pragma once
+
+#include "link/port_devices.h"
+#include "link/runtime_failure.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QApplication>
+#include <QDialog>
+#include <QElapsedTimer>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QTimer>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace kavro {
+
+/// The control of that name below `form`. Throws `RuntimeFailure` when there is none, so that a test fails
+/// plainly.
+template <class Control>
+Control& Find(QObject& form, const QString& name) {
+    auto* control = form.findChild<Control*>(name);
+    if (!control)
+        throw RuntimeFailure("There is no control " + name.toStdString() + ".");
+    return *control;
+}
+
+inline void Click(QObject& form, const QString& name) {
+    Find<QAbstractButton>(form, name).click();
+}
+
+inline void Trigger(QObject& form, const QString& name) {
+    Find<QAction>(form, name).trigger();
+}
+
+/// Types characters as a keyboard does, through the control's event filters.
+inline void Type(QWidget& control, const QString& text) {
+    for (const QChar character : text) {
+        QKeyEvent press(QEvent::KeyPress, character.unicode(), Qt::NoModifier, QString(character));
+        QApplication::sendEvent(&control, &press);
+    }
+}
+
+/// Acts on modal dialogs as they come up: each step waits for the dialog of its name, acts on it once, and
+/// hands over to the next. Lives as long as the operation that shows them.
+class DialogDriver {
+public:
+    struct Step {
+        QString Dialog;
+        std::function<void(QDialog&)> Act;
+    };
+
+    explicit DialogDriver(std::vector<Step> steps) : steps_(std::move(steps)) {
+        QObject::connect(&timer_, &QTimer::timeout, [this] { Look(); });
+        timer_.start(1);
+        sinceStart_.start();
+    }
+
+    /// Whether every step found its dialog.
+    bool Finished() const { return next_ == steps_.size(); }
+
+private:
+    void Look() {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (!dialog || Finished()) {
+            return;
+        }
+        if (dialog->objectName() == steps_[next_].Dialog) {
+            const auto act = steps_[next_++].Act;
+            act(*dialog);
+        } else if (sinceStart_.elapsed() > 20000) {
+            dialog->done(QDialog::Rejected); // a dialog that nobody expects must not hang the run
+        }
+    }
+
+    std::vector<Step> steps_;
+    std::size_t next_ = 0;
+    QTimer timer_;
+    QElapsedTimer sinceStart_;
+};
+
+/// Devices of the COM ports without a device behind them.
+class FakeDevices : public PortDevices {
+public:
+    std::map<int, std::string> Devices;
+    std::vector<DetectedDevice> Present;
+    std::string Refused; ///< device that cannot be assigned
+    int Saves = 0;
+
+    std::string Device(int port) const override {
+        const auto found = Devices.find(port);
+        return found == Devices.end() ? "/dev/none" + std::to_string(port) : found->second;
+    }
+    std::vector<DetectedDevice> Detect() const override { return Present; }
+    void Assign(int port, const std::string& device) override {
+        if (device == Refused)
+            throw RuntimeFailure("There is no device " + device + ".");
+        Devices[port] = device;
+    }
+    void Save() override { ++Saves; }
+};
+
+} // namespace kavro
