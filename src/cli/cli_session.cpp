@@ -1,7 +1,7 @@
 #include "cli/cli_session.h"
 
 #include "cli/cli_text.h"
-#include "cli/saved_port.h"
+#include "link/port_config.h"
 #include "link/runtime_failure.h"
 #include "ports/replace_file.h"
 #include "ports/settings_folder.h"
@@ -16,15 +16,22 @@ namespace {
 
 constexpr std::size_t Baud9600Code = 3;
 
-// A COM.CFG that cannot be used matters only to a command line that names no port.
-std::optional<SavedPort> SavedSettings(const std::string& configFilePath, bool portNamed) {
+// Puts COM.CFG into the line's settings; false when there is none. One that cannot be used matters only to a
+// command line that names no port.
+bool LoadSaved(Line& line, const std::string& configFilePath, bool portNamed) {
+    std::error_code ignored;
+    if (!std::filesystem::exists(std::filesystem::u8path(configFilePath), ignored))
+        return false;
     try {
-        return ReadSavedPort(configFilePath);
+        if (ApplyFileTimeouts(line, LoadPortConfig(line, configFilePath, std::nullopt)))
+            return true;
+        throw RuntimeFailure("The settings file " + configFilePath +
+                             " cannot be used. Correct it, or delete it to begin with default settings.");
     } catch (const RuntimeFailure& failure) {
         if (!portNamed)
             throw;
         PrintNote(std::string(failure.what()) + " Going on with default settings.");
-        return std::nullopt;
+        return false;
     }
 }
 
@@ -50,22 +57,14 @@ CliSession::CliSession(const LineOptions& options)
 
 void CliSession::LoadSettings(const LineOptions& options) {
     Line& line = Session.Line;
-    const auto saved = SavedSettings(Session.ConfigFilePath, options.Port.has_value());
-    if (options.Port)
-        line.CurrentPort = *options.Port;
-    else
-        line.CurrentPort = saved ? saved->Port : PortWithoutSettings();
-    if (saved) {
-        line.ReplyTimeout = saved->ReplyTimeout;
-        line.LongReplyTimeout = saved->LongReplyTimeout;
-    }
+    const bool saved = LoadSaved(line, Session.ConfigFilePath, options.Port.has_value());
+    if (saved && line.CurrentPort == options.Port.value_or(line.CurrentPort))
+        return;
+    line.CurrentPort = options.Port ? *options.Port : PortWithoutSettings();
     PortSettingsRecord& settings = line.SettingsOf(line.CurrentPort);
-    if (saved && saved->Port == line.CurrentPort) {
-        settings = saved->Settings;
-    } else {
-        settings.DataBits = 8;
-        settings.BaudEnabled[Baud9600Code] = 1;
-    }
+    settings = {};
+    settings.DataBits = 8;
+    settings.BaudEnabled[Baud9600Code] = 1;
 }
 
 } // namespace kavro

@@ -80,6 +80,12 @@ std::optional<std::uint32_t> SeedOf(const QString& text) {
     return seed;
 }
 
+// The parser begins with the path of the program and ends with an empty line.
+std::string HelpText(const QCommandLineParser& parser) {
+    const QString text = parser.helpText();
+    return "Usage: kavrosim [options]" + text.mid(text.indexOf('\n')).trimmed().prepend('\n').toStdString();
+}
+
 KavrosimOptions ParseOptions(const QStringList& arguments) {
     const QCommandLineOption lineFile(
         "line", "Line described in the JSON file <file>; without it the demo line.", "file");
@@ -98,7 +104,7 @@ KavrosimOptions ParseOptions(const QStringList& arguments) {
 
     KavrosimOptions options;
     if (parser.isSet(help) || parser.isSet(version)) {
-        options.Information = parser.isSet(help) ? parser.helpText().toStdString() : Version;
+        options.Information = parser.isSet(help) ? HelpText(parser) : Version;
         return options;
     }
     const QStringList others = parser.positionalArguments();

@@ -41,7 +41,7 @@ public:
         const bool quoted = text_[at_] == '"';
         const auto start = at_ + (quoted ? 1 : 0);
         const auto end = std::min(text_.find_first_of(quoted ? "\"" : ",\r\n", start), text_.size());
-        const std::string item = text_.substr(start, end - start);
+        std::string item = text_.substr(start, end - start);
         at_ = quoted ? std::min(text_.find_first_of(",\r\n", end), text_.size()) : end;
         SkipSeparator();
         return item;
@@ -84,14 +84,8 @@ void StartWithoutFile(Line& line, std::int16_t port) {
     line.LongReplyTimeout = DefaultTimeoutMs * StartUpTimeoutFactor;
 }
 
-// What ReadPortConfig still has to do with the file's first item.
-struct FileResult {
-    bool Ok = true;
-    std::int16_t Timeout = 0;
-};
-
-FileResult ReadItems(Line& line, ItemReader& items, std::optional<std::int16_t> startPort) {
-    FileResult result;
+PortConfigFile ReadItems(Line& line, ItemReader& items, std::optional<std::int16_t> startPort) {
+    PortConfigFile result;
     result.Timeout = WholeNumber16(items.Next("reply time-out"), "reply time-out");
     line.CurrentPort = WholeNumber16(items.Next("port number"), "port number");
     if (startPort)
@@ -125,20 +119,13 @@ FileResult ReadItems(Line& line, ItemReader& items, std::optional<std::int16_t> 
 
 void StartWithFile(Line& line, const std::string& path, std::optional<std::int16_t> startPort,
                    Messages& messages) {
-    ItemReader items(ReadWholeFile(path));
-    const FileResult result = ReadItems(line, items, startPort);
+    const PortConfigFile file = LoadPortConfig(line, path, startPort);
     line.CommPort(line.CurrentPort).PortOpen(true); // also when the content is wrong
-    if (result.Ok && result.Timeout * StartUpTimeoutFactor <= INT16_MAX &&
-        result.Timeout * StartUpTimeoutFactor >= INT16_MIN) {
-        line.ReplyTimeout = result.Timeout;
-        line.LongReplyTimeout = static_cast<std::int16_t>(result.Timeout * StartUpTimeoutFactor);
+    if (ApplyFileTimeouts(line, file))
         return;
-    }
     // The message names COM2 and 9600 in every case, though only an invalid port number moves the port to 2
     // and the accepted baud rates stay enabled.
     messages.Show("COM config file content error. Use default setting: COM2, baud rate 9600");
-    line.ReplyTimeout = DefaultTimeoutMs;
-    line.LongReplyTimeout = DefaultTimeoutMs * StartUpTimeoutFactor;
 }
 
 bool IsPort(int port) {
@@ -199,6 +186,21 @@ void ApplyChoice(Line& line, PortChoice& choice, Messages& messages) {
 }
 
 } // namespace
+
+PortConfigFile LoadPortConfig(Line& line, const std::string& configFilePath,
+                              std::optional<std::int16_t> startPort) {
+    ItemReader items(ReadWholeFile(configFilePath));
+    return ReadItems(line, items, startPort);
+}
+
+bool ApplyFileTimeouts(Line& line, const PortConfigFile& file) {
+    const int longTimeout = StartUpTimeoutFactor * file.Timeout;
+    const bool usable = file.Ok && longTimeout >= INT16_MIN && longTimeout <= INT16_MAX;
+    line.ReplyTimeout = usable ? file.Timeout : DefaultTimeoutMs;
+    line.LongReplyTimeout =
+        static_cast<std::int16_t>(usable ? longTimeout : StartUpTimeoutFactor * DefaultTimeoutMs);
+    return usable;
+}
 
 void ReadPortConfig(Line& line, const std::string& configFilePath, std::optional<std::int16_t> startPort,
                     Messages& messages, const std::function<void()>& showComPortForm) {

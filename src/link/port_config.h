@@ -20,6 +20,20 @@ namespace kavro {
 void ReadPortConfig(Line& line, const std::string& configFilePath, std::optional<std::int16_t> startPort,
                     Messages& messages, const std::function<void()>& showComPortForm);
 
+/// What is left of COM.CFG once its port and baud rates are in the line's settings.
+struct PortConfigFile {
+    bool Ok = true;           ///< false: a wrong port, or no usable baud rate, was replaced by a default
+    std::int16_t Timeout = 0; ///< reply time-out, ms
+};
+
+/// The first half of `ReadPortConfig`: reads the file into `CurrentPort` and the port's settings; opens
+/// nothing. Throws `RuntimeFailure` when the file cannot be read or has not the items.
+PortConfigFile LoadPortConfig(Line& line, const std::string& configFilePath,
+                              std::optional<std::int16_t> startPort);
+
+/// The second half: the time-outs. False, with default time-outs, when the content is wrong or they overflow.
+bool ApplyFileTimeouts(Line& line, const PortConfigFile& file);
+
 /// The content of COM.CFG for the line's current port, one item per line, lines ending in "\n".
 std::string PortConfigText(const Line& line);
 

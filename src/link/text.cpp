@@ -58,14 +58,14 @@ struct Decimal {
 
 Decimal ToDecimal(double value) {
     char buffer[32];
-    // Not printf: its decimal separator follows the user's locale.
     const auto end =
-        std::to_chars(buffer, std::end(buffer), std::fabs(value), std::chars_format::scientific, 14).ptr;
-    const std::string text(buffer, end);
+        std::to_chars(buffer, buffer + sizeof buffer, std::fabs(value), std::chars_format::scientific, 14)
+            .ptr;
+    const std::string text(buffer, static_cast<std::size_t>(end - buffer));
     const auto mark = text.find('e');
-    const char* exponent = text.c_str() + mark + (text[mark + 1] == '+' ? 2 : 1);
     Decimal decimal{text.substr(0, 1) + text.substr(2, mark - 2), 0};
-    std::from_chars(exponent, text.c_str() + text.size(), decimal.Exponent);
+    const auto exponent = mark + (text[mark + 1] == '+' ? 2 : 1);
+    std::from_chars(text.data() + exponent, text.data() + text.size(), decimal.Exponent);
     return decimal;
 }
 

@@ -9,14 +9,14 @@ namespace kavro {
 
 namespace {
 
-// Runs an operation on a device and puts the port's and the device's name in front of what it throws.
+// Runs an operation on a device and puts the device's name in front of what it throws.
 template <class Operation>
-auto Named(int number, const std::string& device, Operation operation) {
+auto Named(const std::string& device, Operation operation) {
     try {
         return operation();
     } catch (const RuntimeFailure& failure) {
-        const std::string shown = device == SimulatedLineDevice ? "simulated line" : device;
-        throw RuntimeFailure("COM" + std::to_string(number) + " (" + shown + "): " + failure.what());
+        throw RuntimeFailure((device == SimulatedLineDevice ? "Simulated line" : device) + ": " +
+                             failure.what());
     }
 }
 
@@ -38,12 +38,12 @@ std::string& CommPort::Device() const {
 
 SerialPort& CommPort::Backend() const {
     if (!backend_)
-        throw RuntimeFailure("The port is not open. Choose a port under Network > COM Port.");
+        throw RuntimeFailure("The port is not open. Choose a port under Network > ComPort.");
     return *backend_;
 }
 
 std::unique_ptr<SerialPort> CommPort::Opened(const std::string& device) const {
-    return Named(number_, device, [&] {
+    return Named(device, [&] {
         auto backend = device == SimulatedLineDevice ? table_->MakeSimulatedPort()
                                                      : std::make_unique<DevicePort>(device);
         backend->PortOpen(true);
@@ -54,7 +54,7 @@ std::unique_ptr<SerialPort> CommPort::Opened(const std::string& device) const {
 }
 
 void CommPort::Apply(Setter setter, const std::string& text) {
-    Named(number_, Device(), [&] { (Backend().*setter)(text); });
+    Named(Device(), [&] { (Backend().*setter)(text); });
     setter_ = setter;
     settings_ = text;
 }
@@ -80,23 +80,23 @@ bool CommPort::PortOpen() const {
 }
 
 int CommPort::InBufferCount() {
-    return Named(number_, Device(), [&] { return Backend().InBufferCount(); });
+    return Named(Device(), [&] { return Backend().InBufferCount(); });
 }
 
 void CommPort::EmptyInBuffer() {
-    Named(number_, Device(), [&] { Backend().EmptyInBuffer(); });
+    Named(Device(), [&] { Backend().EmptyInBuffer(); });
 }
 
 char CommPort::Input() {
-    return Named(number_, Device(), [&] { return Backend().Input(); });
+    return Named(Device(), [&] { return Backend().Input(); });
 }
 
 void CommPort::Output(const std::string& text) {
-    Named(number_, Device(), [&] { Backend().Output(text); });
+    Named(Device(), [&] { Backend().Output(text); });
 }
 
 bool CommPort::WaitForInput(int milliseconds) {
-    return Named(number_, Device(), [&] { return Backend().WaitForInput(milliseconds); });
+    return Named(Device(), [&] { return Backend().WaitForInput(milliseconds); });
 }
 
 void CommPort::Replace(const std::string& device) {

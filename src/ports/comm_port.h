@@ -9,7 +9,7 @@
 namespace kavro {
 
 /// A COM port of the system, on whatever device the table names when it is opened. Every failure is told
-/// with the port and the device in front: "COM3 (/dev/ttyS2): ...".
+/// with the device in front: "/dev/ttyS2: ...".
 class CommPort : public SerialPort {
 public:
     /// COM port `number`, 1 to 8. Enters itself in the table and leaves it when it ends.

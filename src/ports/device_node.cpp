@@ -29,7 +29,7 @@ std::string NoPermissionText(const DeviceRights& rights) {
 namespace {
 
 constexpr const char* DeviceFolder = "/dev/";
-constexpr const char* ChooseAnother = "choose another device under Network > COM Port.";
+constexpr const char* ChooseAnother = "choose another device.";
 
 // Where lock files of serial devices may lie, in the order in which QSerialPort tries them.
 constexpr const char* LockFolders[] = {"/var/lock", "/etc/locks", "/var/spool/locks",  "/var/spool/uucp",
@@ -113,7 +113,7 @@ std::string BusyText(const std::string& path) {
         return "The device is in use by another program. Close that program, then open the port again.";
     if (process == getpid())
         return "The device is already open in this program as another COM port. Choose a device of its own "
-               "for each COM port under Network > COM Port.";
+               "for each COM port under Network > ComPort.";
     const std::string number = std::to_string(process);
     if (kill(process, 0) != 0 && errno == ESRCH)
         return "The lock file " + lockFile + " was left behind by another user's program (process " + number +

@@ -62,13 +62,13 @@ void DevicePort::ThrowIfLost() {
     port_.close();
     lost_ = false; // told once: from now on the port is simply not open
     throw RuntimeFailure(
-        "The device has been disconnected. Plug it in, then open the port again under Network > COM Port.");
+        "The device has been disconnected. Plug it in, then open the port again under Network > ComPort.");
 }
 
 void DevicePort::RequireOpen() {
     ThrowIfLost();
     if (!port_.isOpen())
-        throw RuntimeFailure("The port is not open. Choose a port under Network > COM Port.");
+        throw RuntimeFailure("The port is not open. Choose a port under Network > ComPort.");
 }
 
 void DevicePort::PortOpen(bool open) {
@@ -104,13 +104,12 @@ std::string DevicePort::OpenFailureText() const {
     case QSerialPort::PermissionError:
         return BusyText(path_);
     case QSerialPort::DeviceNotFoundError:
-        return "There is no such device. Plug the adapter in, or choose another device under Network > COM "
-               "Port.";
+        return "There is no such device. Plug the adapter in, or choose another device.";
     case QSerialPort::UnsupportedOperationError:
-        return "This is not a serial device: choose another device under Network > COM Port.";
+        return "This is not a serial device: choose another device.";
     default:
         return "The device cannot be opened (" + port_.errorString().toStdString() +
-               "). Check the adapter, or choose another device under Network > COM Port.";
+               "). Check the adapter, or choose another device.";
     }
 }
 
@@ -141,14 +140,17 @@ void DevicePort::DropReceived() {
 }
 
 char DevicePort::Input() {
+    if (next_ == received_.size())
+        TakeReceived();
+    return received_[next_++];
+}
+
+void DevicePort::TakeReceived() {
     if (InBufferCount() == 0)
         throw RuntimeFailure("No character is waiting at the device. Wait for one before reading.");
-    if (next_ == received_.size()) {
-        received_.resize(static_cast<std::size_t>(port_.bytesAvailable()));
-        port_.read(received_.data(), static_cast<qint64>(received_.size()));
-        next_ = 0;
-    }
-    return received_[next_++];
+    received_.resize(static_cast<std::size_t>(port_.bytesAvailable()));
+    port_.read(received_.data(), static_cast<qint64>(received_.size()));
+    next_ = 0;
 }
 
 void DevicePort::Output(const std::string& text) {

@@ -32,6 +32,7 @@ private:
     void Open();
     void OnError(QSerialPort::SerialPortError error);
     void RequireOpen();
+    void TakeReceived();
     void DropReceived();
     void ThrowIfLost();
     std::string OpenFailureText() const;

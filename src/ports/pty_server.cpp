@@ -114,7 +114,7 @@ struct PtyServer::Device {
     std::string Read() const;
     void Write(char byte) const;
     void MakeRaw() const;
-    bool SessionChanged();
+    bool OwnerChanged();
 
     Descriptor Master;
     std::string Path;
@@ -171,7 +171,7 @@ void PtyServer::Device::Write(char byte) const {
 
 // Whether the device was opened anew, or closed by the last program that had it, since the last call. Like a
 // serial port it then holds nothing of before.
-bool PtyServer::Device::SessionChanged() {
+bool PtyServer::Device::OwnerChanged() {
     alignas(inotify_event) std::array<char, 4096> events{};
     bool changed = false;
     for (ssize_t length = 0; (length = read(Watch, events.data(), events.size())) > 0;)
@@ -221,7 +221,7 @@ void PtyServer::Run(int stopDescriptor) {
         if (waits[1].revents != 0 || waits[2].revents != 0)
             return;
         // Before reading and writing: what follows belongs to the program that has the device now.
-        if (device_->SessionChanged())
+        if (device_->OwnerChanged())
             transmission_.Clear();
         if (waits[0].revents != 0)
             transmission_.Send(device_->Read(), device_->Baud(), clock_.Microseconds());

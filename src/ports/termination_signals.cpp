@@ -33,7 +33,7 @@ TerminationSignals::TerminationSignals() {
 
 TerminationSignals::~TerminationSignals() {
     // A signal that has been heeded must not strike once it is no longer held back.
-    signalfd_siginfo heeded;
+    signalfd_siginfo heeded{};
     while (read(descriptor_, &heeded, sizeof heeded) == static_cast<ssize_t>(sizeof heeded)) {
     }
     close(descriptor_);

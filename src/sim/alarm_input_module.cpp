@@ -30,7 +30,7 @@ std::optional<std::string> AlarmInputModule::AnswerOwn(std::string_view command,
         {"$AA5", [](Self& module, const Request&) { return module.Valid(WireHex(module.MaskSetting, 2)); }},
     };
     if (Settings.Model == "8240")
-        if (const auto reply = AnswerFrom(CommandsOf8240, *this, command, moment))
+        if (auto reply = AnswerFrom(CommandsOf8240, *this, command, moment))
             return reply;
     return AnswerFrom(Commands, *this, command, moment);
 }

@@ -38,7 +38,8 @@ std::string WireSigned(double value, int integerDigits, int decimals) {
     const auto end =
         std::to_chars(buffer, std::end(buffer), std::fabs(value), std::chars_format::fixed, decimals).ptr;
     const std::string_view number(buffer, static_cast<std::size_t>(end - buffer));
-    const auto width = static_cast<std::size_t>(integerDigits + (decimals > 0 ? decimals + 1 : 0));
+    const auto width =
+        static_cast<std::size_t>(integerDigits) + static_cast<std::size_t>(decimals > 0 ? decimals + 1 : 0);
     std::string text(1, value < 0 ? '-' : '+');
     if (number.size() < width)
         text.append(width - number.size(), '0');

@@ -1,6 +1,5 @@
 #include "cli/cli_text.h"
 #include "cli/map_output.h"
-#include "cli/saved_port.h"
 #include "link/codes.h"
 #include "link/runtime_failure.h"
 
@@ -229,22 +228,6 @@ TEST(KavroCtl, SearchesThePortOfTheSavedSettings) {
     const Outcome unusable = ctl.Run({"search"});
     EXPECT_EQ(unusable.Exit, 2);
     EXPECT_NE(unusable.Err.find("COM.CFG cannot be used"), std::string::npos) << unusable.Err;
-}
-
-TEST(KavroCtl, ReadsSavedSettingsWithoutAPort) {
-    QTemporaryDir folder;
-    const std::string path = folder.filePath("COM.CFG").toStdString();
-    EXPECT_FALSE(ReadSavedPort(path).has_value());
-    QFile file(QString::fromStdString(path));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("150\n2\nn,8,1\n19200\n");
-    file.close();
-    const auto saved = ReadSavedPort(path);
-    ASSERT_TRUE(saved.has_value());
-    EXPECT_EQ(saved->Port, 2);
-    EXPECT_EQ(saved->Settings.BaudEnabled, (std::array<std::int16_t, 9>{0, 0, 0, 0, 1}));
-    EXPECT_EQ(saved->ReplyTimeout, 150);
-    EXPECT_EQ(saved->LongReplyTimeout, 600);
 }
 
 TEST(KavroCtl, EndedSearchPrintsWhatItFound) {

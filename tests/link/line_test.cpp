@@ -97,10 +97,10 @@ TEST_F(LineTest, WhatCameBeforeTheCommandIsDiscarded) {
 TEST_F(LineTest, TimeOutsRunFromTheLastCharacter) {
     const struct {
         ScriptedReply Incoming;
-        int DelayMs, TimeoutMs;
-        bool Complete;
-        const char* Reply;
-        std::int64_t Milliseconds;
+        int DelayMs = 0, TimeoutMs = 100;
+        bool Complete = false;
+        const char* Reply = "";
+        std::int64_t Milliseconds = 0;
     } cases[] = {{{""}, 0, 100, false, "", 100},  // silence
                  {{""}, 50, 100, false, "", 150}, // the time-out begins after the pause
                  {{""}, 0, 0, false, "", 0},
@@ -131,22 +131,24 @@ TEST_F(LineTest, ReplyChecksum) {
         const char* Incoming;
         bool Good;
         const char* Reply;
-    } cases[] = {{"!0182", true, "!01"},
-                 {"!0183", false, "!0183"},
-                 {"!01082", false, "!01082"},
-                 {"!01", false, "!01"},
-                 {"!01ZZ", false, "!01ZZ"},
-                 {"!01 8", false, "!01 8"},
-                 {">+1.5EF", false, ">+1.5EF"},
-                 {"z~F8", true, "z~"},
-                 {"z~f8", true, "z~"},
-                 {"\377\377FE", true, "\377\377"},
-                 {"00", true, ""},
-                 {"01", false, "01"},
-                 {"", false, ""},
-                 {"0", true, ""},
-                 {"1", false, "1"},
-                 {"!", false, "!"}};
+    } cases[] = {
+        {"!0182", true, "!01"},
+        {"!0183", false, "!0183"},
+        {"!01082", false, "!01082"},
+        {"!01", false, "!01"},
+        {"!01ZZ", false, "!01ZZ"},
+        {"!01 8", false, "!01 8"},
+        {">+1.5EF", false, ">+1.5EF"},
+        {"z~F8", true, "z~"},
+        {"z~f8", true, "z~"},
+        {"\377\377FE", true, "\377\377"},
+        {"00", true, ""},
+        {"01", false, "01"},
+        {"", false, ""},
+        {"0", true, ""},
+        {"1", false, "1"},
+        {"!", false, "!"},
+    };
     for (const auto& [incoming, good, expected] : cases) {
         Test.Port().Receive({std::string(incoming) + "\r"});
         std::string reply;

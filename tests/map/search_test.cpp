@@ -11,50 +11,30 @@
 namespace kavro {
 namespace {
 
-/// The fields of a record that are not zero, but address and model.
+/// The groups of a record's fields that are not all zero, but address and model.
 std::string Fields(const ModuleRecord& record) {
-    const CounterSettings& counter = record.Counter;
-    const std::pair<const char*, double> fields[] = {{"format", record.DataFormat},
-                                                     {"baud", record.BaudCode},
-                                                     {"range", record.InputRange},
-                                                     {"checksum", record.Checksum},
-                                                     {"low", record.LowAlarm},
-                                                     {"high", record.HighAlarm},
-                                                     {"mode", record.AlarmMode},
-                                                     {"state", record.AlarmInput.AlarmState},
-                                                     {"signed", record.AlarmInput.SignedSetting},
-                                                     {"code", record.AlarmInput.CodeSetting},
-                                                     {"polarity", record.Digital.Polarity},
-                                                     {"interface", record.ConverterInterface},
-                                                     {"parity", record.ConverterParity},
-                                                     {"stop", record.ConverterStopBits},
-                                                     {"second", record.Converter.SecondBaudCode},
-                                                     {"word", record.Converter.FormatWord},
-                                                     {"bit13", record.Converter.FormatBit13},
-                                                     {"bit8", record.Converter.FormatBit8},
-                                                     {"gateTime", counter.GateTime},
-                                                     {"input", counter.InputMode},
-                                                     {"gate", counter.GateMode},
-                                                     {"filter", counter.DigitalFilter},
-                                                     {"minHigh", counter.MinAtHigh},
-                                                     {"minLow", counter.MinAtLow},
-                                                     {"ttlHigh", counter.TtlAtHigh},
-                                                     {"ttlLow", counter.TtlAtLow},
-                                                     {"status0", counter.CounterStatus[0]},
-                                                     {"status1", counter.CounterStatus[1]},
-                                                     {"max0", counter.MaxValue[0]},
-                                                     {"max1", counter.MaxValue[1]},
-                                                     {"initial0", counter.InitialValue[0]},
-                                                     {"initial1", counter.InitialValue[1]},
-                                                     {"alarm0", counter.AlarmSetting[0]},
-                                                     {"alarm1", counter.AlarmSetting[1]},
-                                                     {"limit0", counter.AlarmValue[0]},
-                                                     {"limit1", counter.AlarmValue[1]}};
     std::ostringstream text;
     text << std::setprecision(12);
-    for (const auto& [name, value] : fields)
-        if (value != 0)
-            text << name << ' ' << value << ' ';
+    const auto put = [&text](const char* name, const auto... values) {
+        if (((values != 0) || ...)) {
+            text << name;
+            ((text << ' ' << values), ...);
+        }
+    };
+    const AlarmInputSettings& input = record.AlarmInput;
+    const ConverterSettings& converter = record.Converter;
+    const CounterSettings& counter = record.Counter;
+    put("set", record.DataFormat, record.BaudCode, record.InputRange, record.Checksum);
+    put(" polarity", record.Digital.Polarity);
+    put(" alarm", record.LowAlarm, record.HighAlarm, record.AlarmMode, input.AlarmState);
+    put(" 8240", input.SignedSetting, input.CodeSetting);
+    put(" converter", record.ConverterInterface, record.ConverterParity, record.ConverterStopBits,
+        converter.SecondBaudCode, converter.FormatWord, converter.FormatBit13, converter.FormatBit8);
+    put(" modes", counter.GateTime, counter.InputMode, counter.GateMode, counter.DigitalFilter);
+    put(" levels", counter.MinAtHigh, counter.MinAtLow, counter.TtlAtHigh, counter.TtlAtLow);
+    for (const std::size_t i : {0U, 1U})
+        put(i == 0 ? " first" : " second", counter.CounterStatus[i], counter.MaxValue[i],
+            counter.InitialValue[i], counter.AlarmSetting[i], counter.AlarmValue[i]);
     return text.str();
 }
 
@@ -96,41 +76,23 @@ TEST_F(SearchTest, CommandsAndEventsInOrder) {
     };
     events.Yield = [&] { Test.Log.push_back("yield"); };
     Search(1, events);
-    EXPECT_EQ(Test.Log, (Lines{"address 0",
-                               "baud 9600",
-                               "COM1 settings 9600,n,8,1",
-                               "COM1 9600 $002",
-                               "COM1 9600 $002B6",
-                               "yield",
-                               "baud 38400",
-                               "COM1 state 38400,n,8,1",
-                               "COM1 38400 $002",
-                               "COM1 38400 $002B6",
-                               "yield",
-                               "yield",
-                               "address 1",
-                               "baud 9600",
-                               "COM1 settings 9600,n,8,1",
-                               "COM1 9600 $012",
-                               "COM1 9600 $012B7",
-                               "yield",
-                               "baud 38400",
-                               "COM1 state 38400,n,8,1",
-                               "COM1 38400 $012",
-                               "COM1 38400 $01M",
-                               "COM1 38400 ~01CR",
-                               "found    1(01H)   8410      38400                Digital I/O",
-                               "yield"}));
-    EXPECT_EQ(S.ModuleCount, 1);
-    EXPECT_EQ(S.ScanIndex, -1);
-    EXPECT_EQ(S.ModuleTable[0].Digital.Polarity, 2);
+    std::string log;
+    for (const std::string& entry : Test.Log)
+        log += entry + "; ";
+    EXPECT_EQ(log, "address 0; baud 9600; COM1 settings 9600,n,8,1; COM1 9600 $002; COM1 9600 $002B6; yield; "
+                   "baud 38400; COM1 state 38400,n,8,1; COM1 38400 $002; COM1 38400 $002B6; yield; "
+                   "yield; "
+                   "address 1; baud 9600; COM1 settings 9600,n,8,1; COM1 9600 $012; COM1 9600 $012B7; yield; "
+                   "baud 38400; COM1 state 38400,n,8,1; COM1 38400 $012; COM1 38400 $01M; COM1 38400 ~01CR; "
+                   "found    1(01H)   8410      38400                Digital I/O; yield; ");
+    EXPECT_EQ(std::tuple(S.ModuleCount, S.ScanIndex), std::tuple(1, -1));
     EXPECT_EQ(Test.Time.GetTickCount(), 4 * 1000 + 3 * 200);
 }
 
 TEST_F(SearchTest, SilentAddressesCostWhatTheAlgorithmNames) {
     const struct {
         std::vector<int> Codes;
-        std::int64_t First, Again; // milliseconds of a first search and of the same once more
+        int First, Again; // milliseconds of a first search and of the same once more
     } cases[] = {{{3}, 256 * 200 + 1000, 256 * 200},
                  {{0, 7}, 256 * (2 * 200 + 2 * 1000), 256 * (2 * 200 + 2 * 1000)},
                  {{}, 0, 0}};
@@ -139,9 +101,9 @@ TEST_F(SearchTest, SilentAddressesCostWhatTheAlgorithmNames) {
         EnableBaudCodes(test.Session, codes);
         test.Session.SearchHighAddress = 255;
         NetworkSearch(test.Session, {}).Run();
-        EXPECT_EQ(test.Time.Microseconds(), first * 1000);
+        EXPECT_EQ(test.Time.GetTickCount(), first);
         NetworkSearch(test.Session, {}).Run();
-        EXPECT_EQ(test.Time.Microseconds(), (first + again) * 1000);
+        EXPECT_EQ(test.Time.GetTickCount(), first + again);
         EXPECT_EQ(test.Session.ModuleCount, 0);
     }
 }
@@ -223,7 +185,6 @@ TEST_F(SearchTest, WhatIsNotAModule) {
 TEST_F(SearchTest, TheNameIsUsedAsItComes) {
     const std::pair<const char*, const char*> cases[] = {
         {"", "   1(01H)             57600                Unknown Module"},
-        {"!01\r", "   1(01H)             57600                Unknown Module"},
         {"?01no\r", "   1(01H)   no        57600                Unknown Module"},
         {"!018", "   1(01H)   8         57600                Unknown Module"},
         {"!018410XYZ\r", "   1(01H)   8410XY    57600                Digital I/O"}};
@@ -240,17 +201,13 @@ TEST_F(SearchTest, StopIsSeenBeforeTheNextAddress) {
     for (const char* address : {"01", "02", "03"})
         Answer(std::string("$") + address + "2", std::string("!") + address + "400600");
     S.SearchHighAddress = 9;
-    NetworkSearch* running = nullptr;
     SearchEvents events;
-    events.Address = [&](std::int16_t address) {
-        if (address == 2)
-            running->Stop();
-    };
+    std::function<void()> stop;
+    events.Address = [&](std::int16_t address) { address == 2 ? stop() : void(); };
     NetworkSearch search(S, events);
-    running = &search;
+    stop = [&] { search.Stop(); };
     search.Run();
     EXPECT_EQ(S.ModuleCount, 2) << "the module being probed is finished first";
-    EXPECT_EQ(S.Device.size(), 2U);
     EXPECT_TRUE(WasSent("$022"));
     EXPECT_FALSE(WasSent("$032"));
 }
@@ -281,53 +238,42 @@ TEST_F(SearchTest, ANewSearchBeginsAnew) {
 TEST_F(SearchTest, ReadsOfEveryFamily) {
     const struct {
         const char *Config, *Model;
-        Lines Reads; // "command reply", in order
-        const char* Want;
+        bool Checksum;            // of the reads
+        const char *Reads, *Want; // "command reply", in order, commas between
     } cases[] = {
-        {"400640", "8410", {"~01CR !0121"}, "baud 3 range 64 checksum 1 polarity 5 "},
-        {"050602",
-         "8220",
-         {"@01RL !01-01.5", "@01RH !01+2.25x", "@01DI !0120E01"},
-         "format 2 baud 3 range 5 low -1.5 high 2.25 mode 2 state 200 "},
-        {"080603",
-         "8240",
-         {"@01RL ?01", "@01RH !01+1e300", "@01DI !0112345", "$013 !01-0123", "$015 !01C5"},
-         "format 3 baud 3 range 8 mode 1 state 12345 signed -123 code 197 "},
-        {"310601", "8310", {}, "format 1 baud 3 range 49 "},
-        {"310601", "8320", {"~01CR !0101"}, "format 1 baud 3 range 49 polarity 1 "},
-        {"080642", "8250", {}, "format 2 baud 3 range 8 checksum 1 "},
-        {"500644",
-         "8510",
-         {"$01B !011", "$01A !012", "$015 !0110", "$013 !0100000010", "@01G !01FFFFFFFF", "$014 !011",
-          "$010H !010005", "$010L !0112345", "$011H !0124", "$011L !0108", "@01DI !0101",
-          "@01RP !010000000100000002", "@01RA !01FFFFFFFE0000000A"},
-         "baud 3 range 80 checksum 1 gateTime 1 input 1 gate 2 filter 1 minHigh 5 minLow 12345 ttlHigh 24 "
-         "ttlLow 8 status0 1 max0 16 max1 4294967295 initial0 1 initial1 2 alarm1 1 limit0 4294967294 limit1 "
-         "10 "},
-        {"510600",
-         "8510",
-         {"$01B ?01", "$01A ", "$015 >0111", "$013 !010000001", "@01G !01G", "$014 !01", "$010H !0199999",
-          "$010L !01x", "$011H !0124", "$011L ?", "@01DI !0111", "@01RP !0100000001",
-          "@01RA !01"}, // wrong replies: the rest is read all the same
-         "baud 3 range 81 ttlHigh 24 max0 1 initial0 1 alarm0 1 alarm1 1 "},
-        {"0076E11D",
-         "8620",
-         {},
-         "format 1 baud 3 checksum 1 interface 1 parity 3 stop 1 second 4 word 57629 bit13 1 bit8 1 "},
-        {"00A30002", "8610", {}, "format 2 second 7 word 2 "},
-        {"7F0640", "8999", {}, "baud 3 range 127 checksum 1 "}};
-    for (const auto& [config, model, reads, want] : cases) {
+        {"400640", "8410", true, "~01CR !0121", "set 0 3 64 1 polarity 5"},
+        {"050602", "8220", false, "@01RL !01-01.5,@01RH !01+2.25x,@01DI !0120E01",
+         "set 2 3 5 0 alarm -1.5 2.25 2 200"},
+        {"080603", "8240", false, "@01RL ?01,@01RH !01+1e300,@01DI !0112345,$013 !01-0123,$015 !01C5",
+         "set 3 3 8 0 alarm 0 0 1 12345 8240 -123 197"},
+        {"310601", "8310", false, "", "set 1 3 49 0"},
+        {"310601", "8320", false, "~01CR !0101", "set 1 3 49 0 polarity 1"},
+        {"080642", "8250", true, "", "set 2 3 8 1"},
+        {"500644", "8510", true,
+         "$01B !011,$01A !012,$015 !0110,$013 !0100000010,@01G !01FFFFFFFF,$014 !011,$010H !010005,$010L "
+         "!0112345,$011H !0124,$011L !0108,@01DI !0101,@01RP !010000000100000002,@01RA !01FFFFFFFE0000000A",
+         "set 0 3 80 1 modes 1 1 2 1 levels 5 12345 24 8 first 1 16 1 0 4294967294 second 0 4294967295 2 1 "
+         "10"},
+        // Wrong replies: the rest is read all the same.
+        {"510600", "8510", false,
+         "$01B ?01,$01A ,$015 >0111,$013 !010000001,@01G !01G,$014 !01,$010H !0199999,$010L !01x,$011H "
+         "!0124,$011L ?,@01DI !0111,@01RP !0100000001,@01RA !01",
+         "set 0 3 81 0 levels 0 0 24 0 first 0 1 1 1 0 second 0 0 0 1 0"},
+        {"0076E11D", "8620", true, "", "set 1 3 0 1 converter 1 3 1 4 57629 1 1"},
+        {"00A30002", "8610", false, "", "set 2 0 0 0 converter 0 0 0 7 2 0 0"},
+        {"7F0640", "8999", true, "", "set 0 3 127 1"}};
+    for (const auto& [config, model, checksum, reads, want] : cases) {
         SCOPED_TRACE(model);
-        const bool checksum = std::string(want).find("checksum") != std::string::npos;
         S.ModuleTable[0] = {};
         Test.Port().Replies.clear();
         Test.Log.clear();
         Answer("$012", std::string("!01") + config);
         Answer("$01M", std::string("!01") + model);
         Lines sent = {"COM1 9600 $012", "COM1 9600 $01M"};
-        for (const std::string& read : reads) {
-            const std::string command = read.substr(0, read.find(' '));
-            Answer(command, read.substr(command.size() + 1), checksum);
+        std::istringstream script(reads);
+        for (std::string command, reply;
+             std::getline(script, command, ' ') && std::getline(script, reply, ',');) {
+            Answer(command, reply, checksum);
             sent.push_back("COM1 9600 " + command + (checksum ? WireHex(WireSum(command), 2) : ""));
         }
         Search(1);

@@ -6,6 +6,8 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 namespace kavro {
 namespace {
 
@@ -87,7 +89,7 @@ TEST_F(LineFileTest, SaysWhatIsWrongAndWhere) {
     };
     const std::string head = "The line file \"" + Path + "\" cannot be used: ";
     for (const auto& [text, description] : cases)
-        EXPECT_EQ(FailureOf(text).substr(0, head.size() + strlen(description)), head + description);
+        EXPECT_EQ(FailureOf(text).substr(0, head.size() + std::strlen(description)), head + description);
 }
 
 TEST_F(LineFileTest, NeedsARegularFile) {

@@ -107,8 +107,7 @@ TEST_F(PortRegistryTest, OpenPortMovesOnlyToADeviceThatOpens) {
     port.PortOpen(true);
     port.SetCommState("57600,n,8,1");
 
-    EXPECT_EQ(FailureText([&] { registry.Assign(3, "/dev/none"); }).rfind("COM3 (/dev/none): There is no", 0),
-              0U);
+    EXPECT_EQ(FailureText([&] { registry.Assign(3, "/dev/none"); }).rfind("/dev/none: There is no", 0), 0U);
     EXPECT_EQ(registry.Device(3), before.Device);
     port.Output("a");
     EXPECT_EQ(before.Received(10), "a");
@@ -131,7 +130,7 @@ TEST_F(PortRegistryTest, OpenPortMovesOnlyToADeviceThatOpens) {
 
     after.Unplug();
     const std::string lost = FailureText([&] { port.Output("d"); });
-    EXPECT_EQ(lost.rfind("COM3 (" + link + "): The device has been disconnected.", 0), 0U) << lost;
+    EXPECT_EQ(lost.rfind(link + ": The device has been disconnected.", 0), 0U) << lost;
     EXPECT_EQ(lost.find("COM3", 1), std::string::npos);
     EXPECT_FALSE(port.PortOpen());
 }
@@ -140,7 +139,7 @@ TEST_F(PortRegistryTest, SimulatedLine) {
     auto registry = Registry({{1, "demo"}});
     const auto ports = registry.Ports();
     const std::string closed = FailureText([&] { ports[0]->Output("x"); });
-    EXPECT_EQ(closed.rfind("COM1 (simulated line): The port is not open.", 0), 0U) << closed;
+    EXPECT_EQ(closed.rfind("Simulated line: The port is not open.", 0), 0U) << closed;
     ports[0]->PortOpen(true);
     ports[0]->Settings("9600,n,8,1");
     ports[0]->Output("$012\r");
@@ -155,7 +154,7 @@ TEST_F(PortRegistryTest, RegistryAndPortsEndInAnyOrder) {
         registry.Assign(1, "/dev/none");
         ports = registry.Ports();
     }
-    EXPECT_EQ(FailureText([&] { ports[0]->PortOpen(true); }).rfind("COM1 (/dev/none)", 0), 0U);
+    EXPECT_EQ(FailureText([&] { ports[0]->PortOpen(true); }).rfind("/dev/none:", 0), 0U);
 }
 
 } // namespace

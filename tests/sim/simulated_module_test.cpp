@@ -151,17 +151,16 @@ TEST(SimulatedModule, RefusesSettingsNoModuleHas) {
 
 TEST(Readings, AreWrittenInTheirRangeAndFormat) {
     const struct {
-        int Code;
         double Value;
-        int Format;
+        int Code, Format;
         const char* Text;
     } cases[] = {
-        {0x08, 5.1234, 0, "+05.123"}, {0x08, -0.5, 0, "-00.500"},  {0x05, 1.25, 0, "+1.2500"},
-        {0x0F, 12.34, 0, "+0012.3"},  {0x20, -99.5, 0, "-099.50"}, {0x50, 7, 0, "+00007"},
-        {0x08, -5, 1, "-050.00"},     {0x08, 10, 2, "7FFF"},       {0x08, -10, 2, "8001"},
-        {0x20, 100, 3, "+138.50"},    {0x2A, 42, 3, "+042.00"},
+        {5.1234, 0x08, 0, "+05.123"}, {-0.5, 0x08, 0, "-00.500"},  {1.25, 0x05, 0, "+1.2500"},
+        {12.34, 0x0F, 0, "+0012.3"},  {-99.5, 0x20, 0, "-099.50"}, {7, 0x50, 0, "+00007"},
+        {-5, 0x08, 1, "-050.00"},     {10, 0x08, 2, "7FFF"},       {-10, 0x08, 2, "8001"},
+        {100, 0x20, 3, "+138.50"},    {42, 0x2A, 3, "+042.00"},
     };
-    for (const auto& [code, value, format, text] : cases)
+    for (const auto& [value, code, format, text] : cases)
         EXPECT_EQ(ReadingText(value, ShapeOf(code), format), text);
 }
 

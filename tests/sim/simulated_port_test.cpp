@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace kavro {
 namespace {
 
@@ -87,19 +89,19 @@ TEST_F(SimulatedPortTest, EmptyingTheBufferKeepsALateReply) {
 TEST_F(SimulatedPortTest, FaultsOfModuleAndLine) {
     const struct {
         Faults Fault;
-        const char* Reply;
-        int MoreMs; // than without the fault
+        int MoreMs = 0; // than without the fault
+        const char* Reply = "";
     } cases[] = {
-        {{.Silent = true}, "", -17},
-        {{.DelayMs = 50}, Answer, 50},
-        {{.WrongChecksum = true}, Answer, 0}, // this module has no checksum that could be wrong
-        {{.NoCarriageReturn = true}, "!01080600", -1},
-        {{.SlowCharacterMs = 20}, Answer, 9 * 20},
-        {{.Refuse = true}, "?01\r", -6},
-        {{.Silent = true, .DelayMs = 50}, "", -17},
+        {{.Silent = true}, -17, ""},
+        {{.DelayMs = 50}, 50, Answer},
+        {{.WrongChecksum = true}, 0, Answer}, // this module has no checksum that could be wrong
+        {{.NoCarriageReturn = true}, -1, "!01080600"},
+        {{.SlowCharacterMs = 20}, 9 * 20, Answer},
+        {{.Refuse = true}, -6, "?01\r"},
+        {{.Silent = true, .DelayMs = 50}, -17, ""},
     };
     for (Faults* place : {&Line.LineFaults, &Line.Modules().front()->OwnFaults})
-        for (const auto& [fault, reply, moreMs] : cases) {
+        for (const auto& [fault, moreMs, reply] : cases) {
             *place = fault;
             const std::int64_t start = Time.Microseconds();
             EXPECT_EQ(Exchange(Question), reply);
@@ -114,9 +116,9 @@ TEST_F(SimulatedPortTest, NoiseDependsOnTheSeedAlone) {
     Line.LineFaults.Noise = true;
     const auto twentyReplies = [this](std::uint32_t seed) {
         Line.SetSeed(seed);
-        std::vector<std::string> replies;
-        for (int i = 0; i < 20; ++i)
-            replies.push_back(Exchange(Question));
+        std::vector<std::string> replies(20);
+        for (std::string& reply : replies)
+            reply = Exchange(Question);
         return replies;
     };
     const auto first = twentyReplies(7);
