@@ -63,8 +63,10 @@ void StorePolarity(ModuleRecord& record, const std::string& reply) {
 
 void StoreAlarm(ModuleRecord& record, const std::string& reply) {
     record.AlarmMode = DigitAt(reply, DataStart);
-    const double state = DataNumber(reply);
-    if (std::fabs(state) <= std::numeric_limits<std::int32_t>::max())
+    // Digits alone: an "E" among the hexadecimal ones is no exponent.
+    const std::string data = Middle(reply, DataStart);
+    const double state = NumericValue(data.substr(0, data.find_first_not_of("0123456789")));
+    if (state <= std::numeric_limits<std::int32_t>::max())
         record.AlarmInput.AlarmState = static_cast<std::int32_t>(state);
 }
 
