@@ -123,7 +123,7 @@ void KavroForm::BuildMenus() {
 }
 
 void KavroForm::AddItem(QMenu& menu, const char* name, const char* text, void (KavroForm::*operation)(),
-                        QKeySequence shortcut) {
+                        const QKeySequence& shortcut) {
     auto* action = menu.addAction(text);
     action->setObjectName(name);
     action->setShortcut(shortcut);
@@ -166,17 +166,20 @@ bool KavroForm::eventFilter(QObject* watched, QEvent* event) {
 
 void KavroForm::closeEvent(QCloseEvent* event) {
     event->ignore();
-    if (scan_)
-        scan_->StopBtn_Click();
-    exitAsked_ = running_; // asked when what runs now has ended
+    if (asking_)
+        return;
+    exitAsked_ = running_; // the question comes when what runs now has ended
     if (!running_)
         Run(&KavroForm::Exit);
+    else if (auto* dialog = QApplication::activeModalWidget())
+        dialog->close(); // as its own close button: a search stops, a choice is cancelled
 }
 
 void KavroForm::Exit() {
-    ExitForm question(this);
-    const bool yes = question.exec() == QDialog::Accepted;
-    exitAsked_ = false; // asked and answered
+    exitAsked_ = false;
+    asking_ = true;
+    const bool yes = ExitForm(this).exec() == QDialog::Accepted;
+    asking_ = false;
     if (!yes)
         return;
     SaveSettings(session_);
@@ -226,9 +229,7 @@ void KavroForm::Scan() {
     UpdateStatus("Searching...");
     ScanForm scan(
         session_, messages_, [this](int index) { AppendLine(index); }, this);
-    scan_ = &scan;
     scan.exec();
-    scan_ = nullptr;
     if (session_.ModuleCount == 0 && !scan.Failed())
         messages_.Show("No module found!");
 }

@@ -17,7 +17,6 @@ class QMenu;
 namespace kavro {
 
 class OperationPanel;
-class ScanForm;
 
 /// How the main window opens the dialogs that it does not know; each shows its dialog modally over `parent`
 /// and returns when it has closed. What does not exist yet opens nothing.
@@ -45,7 +44,7 @@ private:
     void Build();
     void BuildMenus();
     void AddItem(QMenu& menu, const char* name, const char* text, void (KavroForm::*operation)(),
-                 QKeySequence shortcut = {});
+                 const QKeySequence& shortcut = {});
     void Run(void (KavroForm::*operation)());
 
     void Save();
@@ -78,9 +77,9 @@ private:
     QLabel* portStatus_ = nullptr;
     QLabel* countStatus_ = nullptr;
     QLabel* activityStatus_ = nullptr;
-    ScanForm* scan_ = nullptr; // while a search runs
-    bool running_ = false;     // while an operation runs; nothing can start a second one underneath it
-    bool exitAsked_ = false;   // the close button was used while an operation ran
+    bool running_ = false;   // while an operation runs; nothing can start a second one underneath it
+    bool asking_ = false;    // while the exit question is up
+    bool exitAsked_ = false; // the close button was used while an operation ran
 };
 
 } // namespace kavro

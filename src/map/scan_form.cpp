@@ -18,7 +18,7 @@ namespace kavro {
 
 namespace {
 
-constexpr int ListColumns = 70; // the longest list line, and a scroll bar
+constexpr int ListColumns = 70;  // the longest list line, and a scroll bar
 constexpr int FirstPaintMs = 50; // so that the window is drawn before the first transaction blocks it
 
 QString TimeLeftText(std::int64_t milliseconds) {

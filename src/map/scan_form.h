@@ -22,9 +22,6 @@ public:
     /// `found` is called with the entry's index after each module found.
     ScanForm(Session& session, Messages& messages, std::function<void(int index)> found, QWidget* parent);
 
-    /// Asks the search to end; the module being probed is finished first.
-    void StopBtn_Click();
-
     /// Whether the search ended by a failure, which has been told.
     bool Failed() const { return failed_; }
 
@@ -35,6 +32,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    void StopBtn_Click();
     SearchEvents Events(std::function<void(int index)> found);
     void Build();
     void Run();
