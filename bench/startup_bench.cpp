@@ -22,8 +22,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-extern char** environ;
-
 namespace kavro {
 
 namespace {

@@ -80,16 +80,17 @@ bool Line::ReceiveReply(std::string& reply, std::int16_t checksumOn, int delayMs
     SerialPort& port = CommPort(CurrentPort);
     clock_.Sleep(delayMs);
     reply.clear();
-    // The time-out runs anew from each character, so that a long reply that keeps coming is never cut off.
-    auto last = clock_.GetTickCount();
     while (true) {
-        auto now = clock_.GetTickCount();
-        while (port.InBufferCount() == 0 && now - last < timeoutMs) {
-            port.WaitForInput(static_cast<int>(timeoutMs - (now - last)));
-            now = clock_.GetTickCount();
+        if (port.InBufferCount() == 0) {
+            // The time-out runs anew from the last character, so that a long reply that keeps coming is never
+            // cut off.
+            const auto last = clock_.GetTickCount();
+            for (auto now = last; port.InBufferCount() == 0; now = clock_.GetTickCount()) {
+                if (now - last >= timeoutMs)
+                    return false;
+                port.WaitForInput(static_cast<int>(timeoutMs - (now - last)));
+            }
         }
-        if (port.InBufferCount() == 0)
-            return false;
         const char character = port.Input();
         if (character == CarriageReturn)
             break;
@@ -98,7 +99,6 @@ bool Line::ReceiveReply(std::string& reply, std::int16_t checksumOn, int delayMs
                 "The line does not fall silent: " + std::to_string(LongestReply) +
                 " characters came without a carriage return. Check the wiring and the baud rate.");
         reply += character;
-        last = clock_.GetTickCount();
     }
     if (checksumOn != 1)
         return true;

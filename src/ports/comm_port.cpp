@@ -47,24 +47,20 @@ std::unique_ptr<SerialPort> CommPort::Opened(const std::string& device) const {
         auto backend = device == SimulatedLineDevice ? table_->MakeSimulatedPort()
                                                      : std::make_unique<DevicePort>(device);
         backend->PortOpen(true);
-        if (setter_ != nullptr)
-            (backend.get()->*setter_)(settings_);
+        if (!settings_.empty())
+            backend->Settings(settings_);
         return backend;
     });
 }
 
-void CommPort::Apply(Setter setter, const std::string& text) {
-    Named(Device(), [&] { (Backend().*setter)(text); });
-    setter_ = setter;
+void CommPort::Settings(const std::string& text) {
+    Named(Device(), [&] { Backend().Settings(text); });
     settings_ = text;
 }
 
-void CommPort::Settings(const std::string& text) {
-    Apply(&SerialPort::Settings, text);
-}
-
 void CommPort::SetCommState(const std::string& text) {
-    Apply(&SerialPort::SetCommState, text);
+    Named(Device(), [&] { Backend().SetCommState(text); });
+    settings_ = text;
 }
 
 void CommPort::PortOpen(bool open) {

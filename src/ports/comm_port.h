@@ -33,18 +33,14 @@ public:
     void Replace(const std::string& device);
 
 private:
-    using Setter = void (SerialPort::*)(const std::string&);
-
     std::string& Device() const;
     std::unique_ptr<SerialPort> Opened(const std::string& device) const;
     SerialPort& Backend() const;
-    void Apply(Setter setter, const std::string& text);
 
     int number_;
     std::shared_ptr<PortTable> table_;
     std::unique_ptr<SerialPort> backend_; // null until first opened, and after closing
-    Setter setter_ = nullptr;             // how the settings were last applied; null: never
-    std::string settings_;
+    std::string settings_;                // last applied, empty: never
 };
 
 } // namespace kavro

@@ -10,6 +10,7 @@
 #include <csignal>
 #include <grp.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #endif
@@ -51,7 +52,7 @@ std::string FindLockFile(const std::string& path) {
         if (character == '/')
             character = '_';
     for (const char* const folder : LockFolders) {
-        const std::string file = std::string(folder) + "/LCK.." + name;
+        std::string file = std::string(folder) + "/LCK.." + name;
         if (std::error_code ignored; std::filesystem::exists(file, ignored))
             return file;
     }
@@ -106,6 +107,11 @@ bool LockForThisProgram(const QSerialPort& port) {
     return flock(port.handle(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
+bool InputPending(const QSerialPort& port) {
+    int waiting = 0;
+    return ioctl(port.handle(), FIONREAD, &waiting) != 0 || waiting > 0;
+}
+
 std::string BusyText(const std::string& path) {
     const std::string lockFile = FindLockFile(path);
     const pid_t process = LockingProcess(lockFile);
@@ -137,6 +143,10 @@ bool DevicePresent(const std::string& /*path*/) {
 
 bool LockForThisProgram(const QSerialPort& /*port*/) {
     return true; // Windows opens serial ports for one program only
+}
+
+bool InputPending(const QSerialPort& /*port*/) {
+    return true;
 }
 
 std::string BusyText(const std::string& /*path*/) {

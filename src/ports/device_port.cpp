@@ -32,6 +32,11 @@ qint32 BaudOfSettings(const std::string& text) {
 DevicePort::DevicePort(std::string device) : device_(std::move(device)) {
     QObject::connect(&port_, &QSerialPort::errorOccurred, &port_,
                      [this](QSerialPort::SerialPortError error) { OnError(error); });
+    closing_.setSingleShot(true);
+    QObject::connect(&closing_, &QTimer::timeout, &closing_, [this] {
+        if (lost_)
+            port_.close();
+    });
     // A device that babbles while nobody reads must not fill the memory.
     QObject::connect(&port_, &QSerialPort::readyRead, &port_, [this] {
         if (port_.bytesAvailable() > LargestBacklog)
@@ -40,20 +45,14 @@ DevicePort::DevicePort(std::string device) : device_(std::move(device)) {
 }
 
 // A vanished device reports its error again in every turn of an event loop until it is closed, and it cannot
-// be closed inside its own signal. Operations close it themselves; an idle port is closed by the queued call.
+// be closed inside its own signal. Operations close it themselves; an idle port is closed by the timer.
 void DevicePort::OnError(QSerialPort::SerialPortError error) {
     const bool harmless = error == QSerialPort::NoError || error == QSerialPort::TimeoutError ||
                           error == QSerialPort::UnsupportedOperationError;
     if (harmless || lost_)
         return;
     lost_ = true;
-    QMetaObject::invokeMethod(
-        &port_,
-        [this] {
-            if (lost_)
-                port_.close();
-        },
-        Qt::QueuedConnection);
+    closing_.start(0);
 }
 
 void DevicePort::ThrowIfLost() {
@@ -130,7 +129,9 @@ int DevicePort::InBufferCount() {
 void DevicePort::EmptyInBuffer() {
     RequireOpen();
     DropReceived();
-    port_.clear(QSerialPort::Input);
+    // Discarding in the system takes about as long as the rest of an exchange, so only when there is something.
+    if (port_.bytesAvailable() > 0 || InputPending(port_))
+        port_.clear(QSerialPort::Input);
     ThrowIfLost();
 }
 

@@ -3,6 +3,7 @@
 #include "link/serial_port.h"
 
 #include <QSerialPort>
+#include <QTimer>
 
 #include <string>
 
@@ -42,6 +43,7 @@ private:
     std::string received_; // taken from the device in one piece, handed out by character
     std::size_t next_ = 0; // of `received_`
     bool lost_ = false;    // the device failed and nobody has been told yet
+    QTimer closing_;       // closes a lost device outside its own signal
     QSerialPort port_;     // last, so that it is gone before what its signals touch
 };
 
