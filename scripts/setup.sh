@@ -1,6 +1,6 @@
 # What ./run and ./test share: sourced, not run. Installs what is missing from Debian's packages and builds.
 
-packages=(g++ cmake ninja-build pkg-config qt6-base-dev libqt6serialport6-dev libqt6svg6 libgtest-dev fonts-dejavu-core)
+packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-serialport-dev libqt6svg6 qt6-wayland libgtest-dev fonts-dejavu-core)
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 

@@ -4,6 +4,7 @@
 #include "ports/settings_folder.h"
 #include "sim/demo_line.h"
 #include "sim/simulated_port.h"
+#include "terminal/terminal_form.h"
 
 #include <QLocale>
 
@@ -24,10 +25,16 @@ Program::Program(const Options& options)
     : options_(options), simulatedLine_(DemoLine()),
       registry_(PortsFilePath(options.Demo), options.Devices,
                 [this] { return std::make_unique<SimulatedPort>(simulatedLine_, clock_); }),
-      session_(registry_.Ports(), clock_), form_(session_, messages_, registry_, {}) {
+      session_(registry_.Ports(), clock_), form_(session_, messages_, registry_, Openers()) {
     session_.ConfigFilePath = ConfigFilePath(options.Demo);
     session_.DecimalSeparator = LocaleDecimalSeparator();
     session_.ReplaceFile = ReplaceFile;
+}
+
+DialogOpeners Program::Openers() {
+    DialogOpeners openers;
+    openers.Terminal = [this](QWidget* parent) { TerminalForm(session_, messages_, parent).exec(); };
+    return openers;
 }
 
 void Program::Start() {

@@ -20,6 +20,8 @@ public:
     void Start();
 
 private:
+    DialogOpeners Openers();
+
     Options options_;
     SteadyClock clock_;
     MessageBoxes messages_;

@@ -16,11 +16,9 @@ void AddLineOptions(QCommandLineParser& parser) {
 }
 
 LineOptions ReadLineOptions(const QCommandLineParser& parser) {
-    if (parser.isSet("demo") && parser.isSet("port"))
-        throw RuntimeFailure("Give either --demo or --port, not both.");
-    if (parser.isSet("demo"))
-        return {1, {{1, SimulatedLineDevice}}, true};
     LineOptions options;
+    if (parser.isSet("demo"))
+        options = {1, {{1, SimulatedLineDevice}}, true};
     for (const QString& value : parser.values("port")) {
         const auto [port, device] = ParsePortOption(value.toStdString());
         if (!options.Devices.emplace(port, device).second)

@@ -16,23 +16,16 @@ namespace {
 
 constexpr std::size_t Baud9600Code = 3;
 
-// Puts COM.CFG into the line's settings; false when there is none. One that cannot be used matters only to a
-// command line that names no port.
-bool LoadSaved(Line& line, const std::string& configFilePath, bool portNamed) {
+// Puts COM.CFG into the line's settings; false when there is none. Throws `RuntimeFailure` when it cannot be
+// used.
+bool LoadSaved(Line& line, const std::string& configFilePath) {
     std::error_code ignored;
     if (!std::filesystem::exists(std::filesystem::u8path(configFilePath), ignored))
         return false;
-    try {
-        if (ApplyFileTimeouts(line, LoadPortConfig(line, configFilePath, std::nullopt)))
-            return true;
+    if (!ApplyFileTimeouts(line, LoadPortConfig(line, configFilePath, std::nullopt)))
         throw RuntimeFailure("The settings file " + configFilePath +
                              " cannot be used. Correct it, or delete it to begin with default settings.");
-    } catch (const RuntimeFailure& failure) {
-        if (!portNamed)
-            throw;
-        PrintNote(std::string(failure.what()) + " Going on with default settings.");
-        return false;
-    }
+    return true;
 }
 
 // Devices without a COM.CFG: the program begins with COM1 then.
@@ -55,9 +48,24 @@ CliSession::CliSession(const LineOptions& options)
     LoadSettings(options);
 }
 
+void CliSession::OpenPort() {
+    if (!settingsFailure_.empty())
+        throw RuntimeFailure(settingsFailure_);
+    Session.Line.CommPort(Session.Line.CurrentPort).PortOpen(true);
+}
+
 void CliSession::LoadSettings(const LineOptions& options) {
     Line& line = Session.Line;
-    const bool saved = LoadSaved(line, Session.ConfigFilePath, options.Port.has_value());
+    bool saved = false;
+    try {
+        saved = LoadSaved(line, Session.ConfigFilePath);
+    } catch (const RuntimeFailure& failure) {
+        if (!options.Port) {
+            settingsFailure_ = failure.what(); // told on opening: the command line itself is right
+            return;
+        }
+        PrintNote(std::string(failure.what()) + " Going on with default settings.");
+    }
     if (saved && line.CurrentPort == options.Port.value_or(line.CurrentPort))
         return;
     line.CurrentPort = options.Port ? *options.Port : PortWithoutSettings();

@@ -13,13 +13,13 @@ namespace kavro {
 class CliSession {
 public:
     /// Picks the port: the one that the options name, else the one the user has saved. Opens
-    /// nothing. Throws `RuntimeFailure` when there is none.
+    /// nothing.
     explicit CliSession(const LineOptions& options);
     CliSession(const CliSession&) = delete; // its ports hold on to its members
     CliSession& operator=(const CliSession&) = delete;
 
-    /// Opens the port. Throws `RuntimeFailure` when it cannot be opened.
-    void OpenPort() { Session.Line.CommPort(Session.Line.CurrentPort).PortOpen(true); }
+    /// Opens the port. Throws `RuntimeFailure` when it cannot be opened, or when no port is set up.
+    void OpenPort();
 
     /// Device of the port: a path, or "demo".
     std::string Device() const { return registry_.Device(Session.Line.CurrentPort); }
@@ -35,6 +35,8 @@ public:
 
 private:
     void LoadSettings(const LineOptions& options);
+
+    std::string settingsFailure_;
 };
 
 } // namespace kavro

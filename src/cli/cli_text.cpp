@@ -5,6 +5,7 @@
 #include "link/text.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cstdio>
 #include <optional>
@@ -34,17 +35,6 @@ std::optional<std::int64_t> AddressNumber(std::string_view text) {
     return DecimalNumber(text);
 }
 
-std::int16_t ParseBaud(const std::string& text) {
-    const auto baud = DecimalNumber(text);
-    if (baud && IsStandardBaud(*baud))
-        return CodeFromBaud(*baud);
-    std::string known;
-    for (const char* name : BaudNames)
-        known += std::string(known.empty() ? "" : ", ") + name;
-    throw RuntimeFailure("'" + text + "' is not a baud rate; give some of " + known +
-                         ", separated by commas.");
-}
-
 } // namespace
 
 std::string Printable(std::string_view text) {
@@ -54,10 +44,14 @@ std::string Printable(std::string_view text) {
     return shown;
 }
 
-void PrintOut(const std::string& text) {
-    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)
+bool PrintOut(const std::string& text) {
+    errno = 0;
+    if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0)
+        return true;
+    if (errno != EPIPE)
         throw RuntimeFailure(
             "Standard output cannot be written. Check where it leads and whether there is room.");
+    return false;
 }
 
 void PrintNote(const std::string& text) {
@@ -73,6 +67,16 @@ std::int16_t ParseAddress(const std::string& text) {
     if (!address || *address > HighestAddress)
         throw RuntimeFailure("'" + text + "' is not an address; give 0 to 255, in hexadecimal 0xFF or FFH.");
     return static_cast<std::int16_t>(*address);
+}
+
+std::int16_t ParseBaud(const std::string& text) {
+    const auto baud = DecimalNumber(text);
+    if (baud && IsStandardBaud(*baud))
+        return CodeFromBaud(*baud);
+    std::string known;
+    for (const char* name : BaudNames)
+        known += std::string(known.empty() ? "" : ", ") + name;
+    throw RuntimeFailure("'" + text + "' is not a baud rate; the rates are " + known + ".");
 }
 
 std::vector<std::int16_t> ParseBaudList(const std::string& text) {
@@ -92,6 +96,14 @@ std::int16_t ParseTimeout(const std::string& text) {
         throw RuntimeFailure("'" + text + "' is not a time-out; give " + std::to_string(LowestTimeoutMs) +
                              " to " + std::to_string(HighestTimeoutMs) + " milliseconds.");
     return static_cast<std::int16_t>(*timeout);
+}
+
+std::int16_t ParsePasses(const std::string& text) {
+    const auto passes = DecimalNumber(text);
+    if (!passes || *passes < 1 || *passes > INT16_MAX)
+        throw RuntimeFailure("'" + text + "' is not a number of passes; give 1 to " +
+                             std::to_string(INT16_MAX) + ".");
+    return static_cast<std::int16_t>(*passes);
 }
 
 } // namespace kavro

@@ -11,8 +11,9 @@ namespace kavro {
 /// and of the same width.
 std::string Printable(std::string_view text);
 
-/// Writes to standard output at once. Throws `RuntimeFailure` when it cannot be written.
-void PrintOut(const std::string& text);
+/// Writes to standard output at once. False when it is a pipe that nobody reads any more, which is nothing to
+/// complain of. Throws `RuntimeFailure` when it cannot be written.
+bool PrintOut(const std::string& text);
 
 /// One line on standard error, led by the program's name; control characters become "?".
 void PrintNote(const std::string& text);
@@ -21,6 +22,9 @@ void PrintNote(const std::string& text);
 /// Throws `RuntimeFailure` for any other text.
 std::int16_t ParseAddress(const std::string& text);
 
+/// Baud code of a rate such as "9600". Throws `RuntimeFailure` for a rate that is not one of the eight.
+std::int16_t ParseBaud(const std::string& text);
+
 /// Baud codes of a list such as "9600,19200". Throws `RuntimeFailure` for a rate that is not one of the
 /// eight.
 std::vector<std::int16_t> ParseBaudList(const std::string& text);
@@ -28,5 +32,8 @@ std::vector<std::int16_t> ParseBaudList(const std::string& text);
 /// A reply time-out in ms. Throws `RuntimeFailure` below 100 and above 6553, whose fivefold, the long
 /// time-out, would not fit.
 std::int16_t ParseTimeout(const std::string& text);
+
+/// A number of passes, 1 to 32767. Throws `RuntimeFailure` for any other text.
+std::int16_t ParsePasses(const std::string& text);
 
 } // namespace kavro

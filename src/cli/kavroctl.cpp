@@ -2,22 +2,30 @@
 
 #include "cli/cli_options.h"
 #include "cli/cli_text.h"
+#include "cli/interrupt.h"
 #include "cli/search_command.h"
 #include "cli/subcommand.h"
+#include "cli/terminal_commands.h"
 #include "link/runtime_failure.h"
+#include "link/text.h"
+#include "map/product.h"
 
 #include <QCommandLineParser>
 
 #include <algorithm>
+#include <climits>
 
 namespace kavro {
 
 namespace {
 
-constexpr const char* VersionText = "kavroctl 4.01\n";
+constexpr std::size_t NameWidth = 8;
 
 constexpr Subcommand Subcommands[] = {
     {"search", "Search a line and print its modules.", 0, AddSearchOptions, PrepareSearch},
+    {"send", "Send commands and print their replies.", INT_MAX, AddSendOptions, PrepareSend},
+    {"batch", "Send a file of commands, line by line, and print the replies.", 1, AddBatchOptions,
+     PrepareBatch},
 };
 
 CommandAction Printing(std::string text) {
@@ -31,7 +39,7 @@ std::string ProgramHelp() {
     std::string text = "Usage: kavroctl COMMAND [options]\n"
                        "Works with the modules on a serial line, without a window.\n\nCommands:\n";
     for (const Subcommand& command : Subcommands)
-        text += "  " + std::string(command.Name) + "  " + command.Help + "\n";
+        text += "  " + FixedText(command.Name, NameWidth) + command.Help + "\n";
     return text + "\nOptions:\n"
                   "  -h, --help     Show this help; after a command, the help of that command.\n"
                   "  -v, --version  Show the version.\n";
@@ -40,7 +48,7 @@ std::string ProgramHelp() {
 // The parser begins the usage line with the path of the program and does not know the commands.
 std::string CommandHelp(const Subcommand& command, const QCommandLineParser& parser) {
     const std::string text = parser.helpText().toStdString();
-    return "Usage: kavroctl " + std::string(command.Name) + " [options]" + text.substr(text.find('\n'));
+    return "Usage: kavroctl " + std::string(command.Name) + text.substr(text.find(" [options]"));
 }
 
 void ParseArguments(QCommandLineParser& parser, const QStringList& arguments) {
@@ -73,7 +81,7 @@ CommandAction Prepare(const QStringList& arguments) {
     if (parser.isSet("help"))
         return Printing(ProgramHelp());
     if (parser.isSet("version"))
-        return Printing(VersionText);
+        return Printing(std::string("kavroctl ") + ProductVersion + "\n");
 
     const QStringList words = parser.positionalArguments();
     if (words.isEmpty())
@@ -89,6 +97,7 @@ CommandAction Prepare(const QStringList& arguments) {
 } // namespace
 
 int RunKavroctl(const QStringList& arguments) {
+    IgnoreClosedPipes();
     int exitOnFailure = ExitWrongUse;
     try {
         const CommandAction action = Prepare(arguments);

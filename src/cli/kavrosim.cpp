@@ -1,6 +1,7 @@
 #include "cli/kavrosim.h"
 
 #include "link/runtime_failure.h"
+#include "map/product.h"
 #include "ports/line_file.h"
 #include "ports/pty_server.h"
 #include "ports/termination_signals.h"
@@ -18,7 +19,6 @@ namespace {
 
 constexpr int WrongUse = 2;
 constexpr int PortTrouble = 3;
-constexpr const char* Version = "kavrosim 4.01";
 
 struct KavrosimOptions {
     std::string LineFile; // empty: the demo line
@@ -104,7 +104,8 @@ KavrosimOptions ParseOptions(const QStringList& arguments) {
 
     KavrosimOptions options;
     if (parser.isSet(help) || parser.isSet(version)) {
-        options.Information = parser.isSet(help) ? HelpText(parser) : Version;
+        options.Information =
+            parser.isSet(help) ? HelpText(parser) : std::string("kavrosim ") + ProductVersion;
         return options;
     }
     const QStringList others = parser.positionalArguments();

@@ -2,8 +2,8 @@
 
 #include "cli/cli_text.h"
 #include "link/baud.h"
-#include "link/codes.h"
 #include "link/text.h"
+#include "map/list_line.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -3,6 +3,7 @@
 #include "cli/cli_options.h"
 #include "cli/cli_session.h"
 #include "cli/cli_text.h"
+#include "cli/interrupt.h"
 #include "cli/map_output.h"
 #include "cli/search_progress.h"
 #include "link/runtime_failure.h"
@@ -10,7 +11,6 @@
 
 #include <QCommandLineParser>
 
-#include <csignal>
 #include <memory>
 
 namespace kavro {
@@ -18,29 +18,6 @@ namespace kavro {
 namespace {
 
 constexpr std::int16_t LongTimeoutFactor = 5; // as in the COM Port dialog
-
-// A signal handler reaches nothing but what stands outside every object.
-volatile std::sig_atomic_t interrupted = 0;
-
-extern "C" void NoteInterrupt(int) {
-    interrupted = 1;
-    std::signal(SIGINT, SIG_DFL); // the second Ctrl+C ends the program
-}
-
-// While one lives, the first Ctrl+C only sets `interrupted`.
-class InterruptWatch {
-public:
-    InterruptWatch() : before_(std::signal(SIGINT, NoteInterrupt)) {
-        if (before_ == SIG_IGN) // started in the background: Ctrl+C is meant for others
-            std::signal(SIGINT, SIG_IGN);
-    }
-    ~InterruptWatch() { std::signal(SIGINT, before_); }
-    InterruptWatch(const InterruptWatch&) = delete;
-    InterruptWatch& operator=(const InterruptWatch&) = delete;
-
-private:
-    void (*before_)(int);
-};
 
 struct SearchResult {
     int LastAddress = 0;     // the last one that was begun
@@ -78,7 +55,7 @@ SearchResult Search(Session& session) {
         progress.Show();
     };
     events.Yield = [&] {
-        if (interrupted == 0)
+        if (!watch.Interrupted())
             return;
         running->Stop();
         progress.Stopping = true;

@@ -10,8 +10,9 @@ namespace kavro {
 enum ExitCode : int {
     ExitSuccess = 0,
     ExitWrongUse = 2,     ///< the command line is wrong; one line on standard error says what
-    ExitPortTrouble = 3,  ///< the port, or standard output, failed
+    ExitPortTrouble = 3,  ///< the port, standard output or a file being written failed
     ExitNothingFound = 4, ///< a search that found no module
+    ExitReplyMissing = 4, ///< commands of which not every one got a complete reply
 };
 
 /// The work of a command whose options are understood. Returns the exit code; a `RuntimeFailure` stands for

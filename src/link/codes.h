@@ -7,9 +7,6 @@
 
 namespace kavro {
 
-/// Heading of the module list; the columns of every list line stand under it.
-inline constexpr const char* ListHeading = "Address     Model    BaudRate    Format    Remark";
-
 /// Families of module models, by their number.
 enum Family : std::int16_t {
     DigitalIo = 0,

@@ -210,6 +210,10 @@ std::vector<ComPortForm::DeviceChange> ComPortForm::ChangedDevices() const {
 // A choice that fails anywhere leaves every device as it was.
 void ComPortForm::Apply(PortChoice& choice) {
     const auto changes = ChangedDevices();
+    for (const DeviceChange& change : changes)
+        if (change.After.empty())
+            throw RuntimeFailure("COM" + std::to_string(change.Port) +
+                                 " has no device. Choose one, or type its path.");
     const auto isLeft = [&](const DeviceChange& change) {
         return change.Port == line_.CurrentPort && change.Port != choice.Port;
     };
@@ -230,8 +234,8 @@ void ComPortForm::Apply(PortChoice& choice) {
     }
     for (const DeviceChange& change : changes)
         devices_.Assign(change.Port, change.After); // the port just left is closed by now
-    if (!changes.empty())
-        devices_.Save();
+    if (!changes.empty())                           // a choice that cannot be kept still counts for this run
+        Guard(messages_, [this] { devices_.Save(); });
 }
 
 void ComPortForm::OKBtn_Click() {

@@ -13,13 +13,12 @@ constexpr std::int32_t FirstDeviceControlBaud =
     38400;                                  // from here on rates go through the device-control block
 constexpr std::int16_t DefaultBaudCode = 3; // 9600
 constexpr char CarriageReturn = '\r';
-constexpr std::size_t LongestReply =
-    32767; // no module sends as much: only a line that babbles without an end
+constexpr std::size_t LongestReply = 1024; // far beyond any module's: only a line that babbles gets there
 
 std::size_t PortIndex(int port) {
     if (port < 1 || port > PortTotal)
         throw RuntimeFailure("Index out of bounds: there is no COM port " + std::to_string(port) +
-                             ", only COM1 to COM8.");
+                             ". Choose COM1 to COM8 under Network > ComPort.");
     return static_cast<std::size_t>(port - 1);
 }
 

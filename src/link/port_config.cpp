@@ -137,14 +137,13 @@ std::int16_t LowestBaudCode(const std::array<std::int16_t, 8>& enabled) {
     return static_cast<std::int16_t>(found - enabled.begin()); // 8 when there is none: applied as 9600
 }
 
-// Puts the port back into use that was before a change failed half-way.
+// Puts the port back into use that was before a change failed half-way, and into the state it was in.
 void RestorePort(Line& line, std::int16_t oldPort, bool wasOpen) {
-    if (line.CurrentPort == oldPort)
-        return;
     const std::int16_t failedPort = line.CurrentPort;
     line.CurrentPort = oldPort;
     try {
-        line.CommPort(failedPort).PortOpen(false);
+        if (failedPort != oldPort || !wasOpen)
+            line.CommPort(failedPort).PortOpen(false);
         if (wasOpen)
             line.CommPort(oldPort).PortOpen(true);
     } catch (const RuntimeFailure&) {
@@ -206,8 +205,9 @@ void ReadPortConfig(Line& line, const std::string& configFilePath, std::optional
                     Messages& messages, const std::function<void()>& showComPortForm) {
     constexpr const char* Title = "Open or configure COM port error";
     try {
-        std::error_code ignored;
-        if (!std::filesystem::exists(std::filesystem::u8path(configFilePath), ignored))
+        std::error_code ignored; // a folder that cannot be read is told when the file is read
+        const auto status = std::filesystem::status(std::filesystem::u8path(configFilePath), ignored);
+        if (status.type() == std::filesystem::file_type::not_found)
             StartWithoutFile(line, startPort.value_or(1));
         else
             StartWithFile(line, configFilePath, startPort, messages);

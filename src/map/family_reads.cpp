@@ -145,20 +145,24 @@ void DecodeConverter(std::int32_t format, ModuleRecord& record) {
 
 } // namespace
 
-void DecodeConfigReply(const std::string& reply, const std::string& model, ModuleRecord& record) {
+bool DecodeConfigReply(const std::string& reply, const std::string& model, ModuleRecord& record) {
     const std::int16_t family = ModuleFamily(model);
+    const auto format = HexNumber(Middle(reply, 8, family == Converter ? 4 : 2));
+    if (!format)
+        return false;
+    const auto bits = static_cast<std::int32_t>(*format);
     record.BaudCode = BaudCodeAt(reply, 7);
     if (family == Converter) {
         record.Converter.SecondBaudCode = BaudCodeAt(reply, 6);
-        DecodeConverter(static_cast<std::int32_t>(HexNumber(Middle(reply, 8, 4)).value_or(0)), record);
-        return;
+        DecodeConverter(bits, record);
+        return true;
     }
-    const auto format = static_cast<std::int16_t>(HexNumber(Middle(reply, 8, 2)).value_or(0));
-    record.Checksum = static_cast<std::int16_t>(format / 64 % 2);
+    record.Checksum = static_cast<std::int16_t>(bits / 64 % 2);
     if (family == AnalogInput || family == AnalogOutput || family == MultiAnalogInput)
-        record.DataFormat = static_cast<std::int16_t>(format % 4);
+        record.DataFormat = static_cast<std::int16_t>(bits % 4);
     if (family == CounterFrequency)
-        record.Counter.GateTime = static_cast<std::int16_t>(format / 4 % 2);
+        record.Counter.GateTime = static_cast<std::int16_t>(bits / 4 % 2);
+    return true;
 }
 
 void ReadFamilySettings(Line& line, const std::string& model, const ModuleContact& contact,

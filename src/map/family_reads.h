@@ -16,8 +16,8 @@ struct ModuleContact {
 };
 
 /// Decodes the baud code, checksum flag and format of a configuration reply ("!AATTCCFF", of a converter
-/// "!AATTCCFFFF") whose format characters are known to be hexadecimal.
-void DecodeConfigReply(const std::string& reply, const std::string& model, ModuleRecord& record);
+/// "!AATTCCFFFF"). False, with the record unchanged, when the format is not hexadecimal.
+bool DecodeConfigReply(const std::string& reply, const std::string& model, ModuleRecord& record);
 
 /// Sends the commands that read the further settings of the model's family, in order. A reply that is not "!"
 /// or not complete leaves its own fields as they were.

@@ -1,6 +1,5 @@
 #include "map/kavro_form.h"
 
-#include "link/codes.h"
 #include "link/com_port_form.h"
 #include "link/port_config.h"
 #include "map/about_form.h"
@@ -19,6 +18,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QFileDialog>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QListWidget>
 #include <QMenuBar>
@@ -30,17 +30,14 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace kavro {
 
 namespace {
 
 constexpr int ListColumns = 75; // characters of a list line and of the dash lines of a map file
 constexpr int ListRows = 18;
-
-// List lines hold one byte a character, also where a module reports bytes that are no ASCII.
-QString ShownLine(const std::string& line) {
-    return QString::fromLatin1(line.c_str());
-}
 
 } // namespace
 
@@ -85,6 +82,7 @@ void KavroForm::Build() {
     layout->addWidget(heading);
     layout->addWidget(device_, 1);
     setCentralWidget(center);
+    device_->installEventFilter(this);
     for (QWidget* background : {center, static_cast<QWidget*>(heading), device_->viewport()}) {
         background->setMouseTracking(true);
         background->installEventFilter(this);
@@ -159,9 +157,20 @@ bool KavroForm::event(QEvent* event) {
 }
 
 bool KavroForm::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == device_ && event->type() == QEvent::KeyPress)
+        return SelectFirst(static_cast<QKeyEvent*>(event)->key());
     if (event->type() == QEvent::MouseMove)
         panel_->HidePrompts();
     return QMainWindow::eventFilter(watched, event);
+}
+
+// The first arrow key selects the line that the focus is on; the list itself would go on to the next.
+bool KavroForm::SelectFirst(int key) {
+    const bool arrow = key == Qt::Key_Up || key == Qt::Key_Down;
+    if (!arrow || device_->count() == 0 || session_.SelectedModule >= 0)
+        return false;
+    device_->setCurrentRow(std::max(device_->currentRow(), 0));
+    return true;
 }
 
 void KavroForm::closeEvent(QCloseEvent* event) {
@@ -169,9 +178,11 @@ void KavroForm::closeEvent(QCloseEvent* event) {
     if (asking_)
         return;
     exitAsked_ = running_; // the question comes when what runs now has ended
-    if (!running_)
+    if (!running_) {
         Run(&KavroForm::Exit);
-    else if (auto* dialog = QApplication::activeModalWidget())
+        return;
+    }
+    for (auto* dialog : findChildren<QDialog*>(Qt::FindDirectChildrenOnly))
         dialog->close(); // as its own close button: a search stops, a choice is cancelled
 }
 
@@ -206,7 +217,7 @@ void KavroForm::Print() {
         return;
     QStringList lines;
     for (const std::string& line : session_.Device)
-        lines << ShownLine(line);
+        lines << QString::fromStdString(line);
     if (!PrintLines(printer, lines))
         throw RuntimeFailure(
             "The list could not be printed. Check the printer, or the folder of the PDF file.");
@@ -235,7 +246,7 @@ void KavroForm::Scan() {
 }
 
 void KavroForm::AppendLine(int index) {
-    device_->addItem(ShownLine(session_.Device[static_cast<std::size_t>(index)]));
+    device_->addItem(QString::fromStdString(session_.Device[static_cast<std::size_t>(index)]));
     countStatus_->setText(QString("Modules: %1").arg(device_->count()));
 }
 
@@ -277,7 +288,7 @@ void KavroForm::RebuildSelectedLine() {
     session_.Device.at(static_cast<std::size_t>(index)) = BuildListLine(session_, index);
     const QSignalBlocker keepsSelectedModule(device_);
     delete device_->takeItem(index);
-    device_->insertItem(index, ShownLine(session_.Device[static_cast<std::size_t>(index)]));
+    device_->insertItem(index, QString::fromStdString(session_.Device[static_cast<std::size_t>(index)]));
 }
 
 void KavroForm::SelectLine() {

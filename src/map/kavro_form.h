@@ -65,6 +65,7 @@ private:
     void AppendLine(int index);
     void RebuildSelectedLine();
     void SelectLine();
+    bool SelectFirst(int key);
     void UpdateStatus(const QString& activity = "Ready");
 
     Session& session_;

@@ -4,6 +4,8 @@
 #include "link/codes.h"
 #include "link/text.h"
 
+#include <algorithm>
+
 namespace kavro {
 
 namespace {
@@ -24,6 +26,13 @@ std::string AnalogFormat(const ModuleRecord& record, bool output) {
     default:
         return "";
     }
+}
+
+std::string ShownModel(const std::string& model) {
+    std::string shown = FixedText(model, 6);
+    std::replace_if(
+        shown.begin(), shown.end(), [](char c) { return c < ' ' || c > '~'; }, '?');
+    return shown;
 }
 
 std::string ConverterParityText(std::int16_t parity) {
@@ -59,7 +68,7 @@ std::string FamilyColumns(const ModuleRecord& record) {
 std::string BuildListLine(const Session& session, int index) {
     const ModuleRecord& record = session.ModuleTable[index];
     return (index == session.ScanIndex ? "*" : " ") + PadLeft(std::to_string(record.Address), 3) + "(" +
-           ToHex(record.Address, 2) + "H)" + Sep + FixedText(record.Model, 6) + Sep + " " +
+           ToHex(record.Address, 2) + "H)" + Sep + ShownModel(record.Model) + Sep + " " +
            FixedText(std::to_string(BaudFromCode(record.BaudCode)), 6) + FamilyColumns(record);
 }
 

@@ -1,7 +1,7 @@
 #include "map/map_file.h"
 
-#include "link/codes.h"
 #include "link/port_config.h"
+#include "map/list_line.h"
 
 namespace kavro {
 

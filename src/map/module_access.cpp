@@ -129,7 +129,7 @@ AnalogReading ReadAnalogInput(Session& session, int index, int channel) {
                                  ? RangeFullScale(session.ModuleTable[session.SelectedModule].InputRange)
                                  : 0;
     const auto value = DecodeReading(Middle(session.Line.ReplyText, 2), record.DataFormat, fullScale);
-    if (!value)
+    if (!value) // a garbled reply must not pass for a reading of 0
         return {"*error*", std::nullopt};
     return {FormatNumber(*value, 1, 4), value};
 }

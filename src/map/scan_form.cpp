@@ -55,6 +55,7 @@ void ScanForm::Build() {
     found_->setFont(FixedFont());
     found_->setMinimumWidth(QFontMetrics(found_->font()).horizontalAdvance(' ') * ListColumns);
     stop_ = Named(new QPushButton("&Stop"), "StopBtn", "Stop");
+    stop_->setAutoDefault(false); // Return, pressed for the dialog before, must not stop the search
     connect(stop_, &QPushButton::clicked, this, [this] { StopBtn_Click(); });
 
     auto* labels = new QFormLayout;
@@ -75,7 +76,7 @@ SearchEvents ScanForm::Events(std::function<void(int index)> found) {
     events.Address = [this](std::int16_t address) { ShowAddress(address); };
     events.Baud = [this](std::int32_t baud) { baud_->setText(QString::number(baud)); };
     events.Found = [this, found = std::move(found)](int index) {
-        found_->addItem(QString::fromLatin1(session_.Device[static_cast<std::size_t>(index)].c_str()));
+        found_->addItem(QString::fromStdString(session_.Device[static_cast<std::size_t>(index)]));
         found_->scrollToBottom();
         foundCount_->setText(FoundText(index + 1));
         found(index);

@@ -98,7 +98,7 @@ bool NetworkSearch::ConfigReplyIsGood() const {
 bool NetworkSearch::Identify(const Probe& probe, ModuleRecord& record) {
     const auto reportedAddress = HexNumber(Middle(probe.ConfigReply, 2, 2));
     const auto typeCode = HexNumber(Middle(probe.ConfigReply, 4, 2));
-    const auto format = HexNumber(Middle(probe.ConfigReply, 8));
+    const auto format = HexNumber(Middle(probe.ConfigReply, 8, 2));
     if (!typeCode || !format || (probe.Address == 0 && !reportedAddress))
         return false;
     record.Address = probe.Address == 0 ? static_cast<std::int16_t>(*reportedAddress) : probe.Address;
@@ -109,7 +109,8 @@ bool NetworkSearch::Identify(const Probe& probe, ModuleRecord& record) {
     const std::string moduleName = Middle(line.ReplyText, 4); // used as it comes, valid or not
     record.Model = FixedText(moduleName, 6);
 
-    DecodeConfigReply(probe.ConfigReply, moduleName, record);
+    if (!DecodeConfigReply(probe.ConfigReply, moduleName, record))
+        return false;
     const std::int16_t checksum = probe.Address == 0 ? std::int16_t{0} : record.Checksum;
     ReadFamilySettings(line, moduleName, {probe.AddressHex, checksum, probe.BaudCode}, record);
     return true;

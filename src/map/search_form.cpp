@@ -36,6 +36,7 @@ SearchForm::SearchForm(Session& session, Messages& messages, QWidget* parent)
     setObjectName("SearchForm");
     setWindowTitle("Search");
 
+    const PortSettingsRecord& settings = session.Line.SettingsOf(session.Line.CurrentPort);
     // Two blanks between "exist" and "modules": an empty name stands between them.
     auto* note = Named(new QLabel("Search all exist  modules in network, if you just want to do new module "
                                   "initialization, select Cancel button to skip it."),
@@ -43,8 +44,7 @@ SearchForm::SearchForm(Session& session, Messages& messages, QWidget* parent)
     note->setWordWrap(true);
     note->setMinimumWidth(fontMetrics().averageCharWidth() * 70);
     auto* comPort = Named(new QLabel(QString("COM%1").arg(session.Line.CurrentPort)), "ComPort", {});
-    auto* baudRate =
-        Named(new QLabel(EnabledRates(session.Line.SettingsOf(session.Line.CurrentPort))), "BaudRate", {});
+    auto* baudRate = Named(new QLabel(EnabledRates(settings)), "BaudRate", {});
     baudRate->setWordWrap(true);
     hiAddress_ = Named(new QLineEdit("255"), "HiAddress", "Search address range from 0 to");
     hiAddress_->selectAll();

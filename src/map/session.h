@@ -1,6 +1,7 @@
 #pragma once
 
 #include "link/line.h"
+#include "link/text.h"
 #include "map/module_record.h"
 
 #include <cstdint>
@@ -13,6 +14,9 @@ namespace kavro {
 /// Replaces the file at a path by a content whose lines end in "\n", atomically and with the platform's line
 /// ends. Throws `RuntimeFailure` when it cannot; the old file is then still whole.
 using FileReplacer = std::function<void(const std::string& path, const std::string& content)>;
+
+/// Characters that Repeat Command keeps of a command.
+inline constexpr std::size_t RepeatCommandWidth = 16;
 
 /// All that lives for the whole run; handed down by reference to every dialog and operation.
 struct Session {
@@ -30,6 +34,11 @@ struct Session {
     std::int16_t ConfigResult = 0;      ///< 1: a configuration dialog changed the module, 2: it did not
     std::int16_t SearchAccepted = 0;    ///< -1 when the search dialog was accepted
     std::int16_t SearchHighAddress = 0; ///< highest address to probe, 0 to 255
+
+    std::string RepeatCommandText =
+        FixedText("", RepeatCommandWidth); ///< command of the terminal's Repeat Command, always that wide
+    std::int16_t RepeatCommandCount = 0;   ///< how often Repeat Command sends it
+    std::int16_t BatchRepeatCount = 1;     ///< passes of a batch run
 
     std::string ConfigFilePath;         ///< of COM.CFG
     std::string DecimalSeparator = "."; ///< of the user's locale, UTF-8

@@ -1,12 +1,10 @@
 #include "ports/line_file.h"
 
 #include "link/runtime_failure.h"
+#include "ports/json_file.h"
 #include "sim/module_factory.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <algorithm>
@@ -174,35 +172,12 @@ constexpr Key<SimulatedLine> LineKeys[] = {
      }},
 };
 
-QByteArray ReadWhole(const QString& path) {
-    const QFileInfo info(path);
-    if (!info.exists())
-        Fail("there is no such file.");
-    if (info.isDir())
-        Fail("it is a folder; name a file.");
-    QFile file(path);
-    if (!info.isFile() || !file.open(QIODevice::ReadOnly))
-        Fail(info.isFile() ? file.errorString() + "." : QString("it is not a regular file."));
-    if (file.size() > LargestFile)
-        Fail(QString("it is larger than %1 bytes, which no line description is.").arg(LargestFile));
-    return file.readAll();
-}
-
-SimulatedLine ReadDescription(const QString& path) {
-    const QByteArray text = ReadWhole(path);
-    QJsonParseError error{};
-    const QJsonDocument document = QJsonDocument::fromJson(text, &error);
-    if (error.error != QJsonParseError::NoError)
-        Fail(QString("it is not JSON at offset %1 (line %2): %3.")
-                 .arg(error.offset)
-                 .arg(text.left(error.offset).count('\n') + 1)
-                 .arg(error.errorString()));
-    if (!document.isObject())
-        Fail("it must hold one object in braces with the key \"modules\".");
-    if (!document.object().contains(QLatin1String("modules")))
+SimulatedLine ReadDescription(const std::string& path) {
+    const QJsonObject description = ReadJsonObject(path, LargestFile);
+    if (!description.contains(QLatin1String("modules")))
         Fail("it lacks the key \"modules\".");
     SimulatedLine line;
-    ReadObject<SimulatedLine>({document.object(), WholeLine}, LineKeys, line);
+    ReadObject<SimulatedLine>({description, WholeLine}, LineKeys, line);
     return line;
 }
 
@@ -210,7 +185,7 @@ SimulatedLine ReadDescription(const QString& path) {
 
 SimulatedLine ReadLineFile(const std::string& path) {
     try {
-        return ReadDescription(QString::fromStdString(path));
+        return ReadDescription(path);
     } catch (const RuntimeFailure& failure) {
         throw RuntimeFailure("The line file \"" + path + "\" cannot be used: " + failure.what());
     }

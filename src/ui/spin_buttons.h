@@ -1,7 +1,5 @@
 #pragma once
 
-#include <functional>
-
 class QBoxLayout;
 class QLineEdit;
 

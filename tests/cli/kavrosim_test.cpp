@@ -16,11 +16,7 @@ TEST(Kavrosim, LogsCommandAndReplyOnOneLine) {
 }
 
 TEST(Kavrosim, SaysInOneLineWhyItDoesNotStart) {
-    const struct {
-        QStringList Arguments;
-        int ExitCode = 0;
-        const char* Description = "";
-    } cases[] = {
+    const std::tuple<QStringList, int, const char*> cases[] = {
         {{"--loud"}, 2, "Unknown option 'loud'"},
         {{"line.json"}, 2, "\"line.json\" is not understood"},
         {{"a\nb"}, 2, "\"a?b\" is not understood"},
@@ -29,8 +25,7 @@ TEST(Kavrosim, SaysInOneLineWhyItDoesNotStart) {
         {{"--line", ""}, 2, "--line needs the path of a file."},
         {{"--link", ""}, 2, "--link needs a path."},
         {{"--line", "/nowhere.json"}, 3, "The line file \"/nowhere.json\" cannot be used"},
-        {{"--link", "/"}, 3, "The link \"/\" cannot be made"},
-    };
+        {{"--link", "/"}, 3, "The link \"/\" cannot be made"}};
     for (const auto& [arguments, exitCode, description] : cases) {
         testing::internal::CaptureStderr();
         EXPECT_EQ(RunKavrosim(QStringList{"kavrosim"} + arguments), exitCode);

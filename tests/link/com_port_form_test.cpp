@@ -3,155 +3,120 @@
 #include "support/form_driver.h"
 #include "support/test_session.h"
 
-#include <QCheckBox>
 #include <QComboBox>
-#include <QRadioButton>
 
 #include <gtest/gtest.h>
 
 namespace kavro {
 namespace {
 
-struct Dialog {
-    Dialog() {
-        EnableBaudCodes(Test.Session, {3, 6});
-        Test.Session.Line.SettingsOf(1).DataBits = 8;
+class ComPortFormTest : public testing::Test, protected ScriptedSession {
+protected:
+    ComPortFormTest() {
+        EnableBaudCodes(Session, {3, 6});
+        TestLine.SettingsOf(1).DataBits = 8;
         Devices.Devices[1] = "/dev/ttyUSB7";
         Devices.Present = {{"/dev/ttyUSB0", "485 adapter", "Maker", "A1", true}};
     }
 
     ComPortForm& Open() {
-        Form = std::make_unique<ComPortForm>(Test.Session.Line, Devices, Test.Messages, nullptr);
+        Form = std::make_unique<ComPortForm>(TestLine, Devices, Messages, nullptr);
         Form->show();
         return *Form;
     }
 
-    ScriptedSession Test;
+    QString Text(const char* name) { return Find<QLineEdit>(*Form, name).text(); }
+    QComboBox& Device(int port) { return Find<QComboBox>(*Form, QString("ComDevice_%1").arg(port)); }
+    void Enter(const char* name, const char* text) { Find<QLineEdit>(*Form, name).setText(text); }
+
+    Line& TestLine = Session.Line;
     FakeDevices Devices;
     std::unique_ptr<ComPortForm> Form;
+    const ShownMessages Complete = {{"COM Port configuration complete.", ""}};
 };
 
-const auto Complete = std::make_pair(std::string("COM Port configuration complete."), std::string());
+TEST_F(ComPortFormTest, ShowsAndAppliesTheSettings) {
+    ComPortForm& form = Open();
+    for (const char* control : {"ComOption_1", "ParityOption_0", "BaudCheck_6"})
+        EXPECT_TRUE(Find<QAbstractButton>(form, control).isChecked());
+    EXPECT_EQ(Find<QAbstractButton>(form, "BaudCheck_6").text(), "115200");
+    EXPECT_EQ(Text("Timeout"), "100");
+    EXPECT_EQ(Device(1).currentText(), "/dev/ttyUSB7");
 
-TEST(ComPortForm, ShowsAndAppliesTheSettings) {
-    Dialog dialog;
-    ComPortForm& form = dialog.Open();
-    EXPECT_TRUE(Find<QRadioButton>(form, "ComOption_1").isChecked());
-    EXPECT_TRUE(Find<QRadioButton>(form, "ParityOption_0").isChecked());
-    EXPECT_TRUE(Find<QCheckBox>(form, "BaudCheck_6").isChecked());
-    EXPECT_EQ(Find<QCheckBox>(form, "BaudCheck_6").text(), "115200");
-    EXPECT_EQ(Find<QLineEdit>(form, "Timeout").text(), "100");
-    EXPECT_EQ(Find<QComboBox>(form, "ComDevice_1").currentText(), "/dev/ttyUSB7");
-
-    Click(form, "ComOption_2");
-    Click(form, "ParityOption_2");
-    Click(form, "BaudCheck_3");
+    for (const char* control : {"ComOption_2", "ParityOption_2", "BaudCheck_3", "BaudCheck_7"})
+        Click(form, control);
     Find<QComboBox>(form, "StopBits").setCurrentIndex(2);
-    auto& dataBits = Find<QLineEdit>(form, "DataBits");
     for (int click = 0; click < 6; ++click)
         Click(form, "DataBitSpin_Down");
-    EXPECT_EQ(dataBits.text(), "4");
-    auto& timeout = Find<QLineEdit>(form, "Timeout");
-    timeout.clear();
-    Type(timeout, "2e5 0");
+    EXPECT_EQ(Text("DataBits"), "4");
+    Enter("Timeout", "");
+    Type(Find<QLineEdit>(form, "Timeout"), "2e5 0");
     Click(form, "OKBtn");
-
-    EXPECT_FALSE(form.isVisible());
-    EXPECT_EQ(dialog.Test.Messages.Shown, (std::vector{Complete}));
+    EXPECT_EQ(Messages.Shown, Complete);
     // The new port is opened before the old one is closed; the lowest rate checked is applied.
-    EXPECT_EQ(dialog.Test.Log, (Lines{"COM2 open", "COM1 close", "COM2 state 115200,n,8,1"}));
-    const Line& line = dialog.Test.Session.Line;
-    EXPECT_EQ(line.CurrentPort, 2);
-    EXPECT_EQ(line.ReplyTimeout, 250);
-    EXPECT_EQ(line.LongReplyTimeout, 1250);
-    EXPECT_EQ(line.SettingsOf(2).Parity, 2);
-    EXPECT_EQ(line.SettingsOf(2).DataBits, 4);
-    EXPECT_EQ(line.SettingsOf(2).StopBits, 2);
-    EXPECT_EQ(dialog.Devices.Saves, 0);
+    EXPECT_EQ(Log, (Lines{"COM2 open", "COM1 close", "COM2 state 115200,n,8,1"}));
+    EXPECT_EQ(TestLine.CurrentPort, 2);
+    EXPECT_EQ(std::tuple(TestLine.ReplyTimeout, TestLine.LongReplyTimeout), std::tuple(250, 1250));
+    const PortSettingsRecord& settings = TestLine.SettingsOf(2);
+    EXPECT_EQ(settings.BaudEnabled, (std::array<std::int16_t, 9>{0, 0, 0, 0, 0, 0, 1, 1, 0}));
+    EXPECT_EQ(std::tuple(settings.Parity, settings.DataBits, settings.StopBits), std::tuple(2, 4, 2));
+    EXPECT_EQ(Devices.Saves, 0);
 }
 
-TEST(ComPortForm, CancelChangesNothing) {
-    Dialog dialog;
-    ComPortForm& form = dialog.Open();
-    Click(form, "ComOption_3");
-    Click(form, "BaudCheck_0");
-    Find<QLineEdit>(form, "Timeout").setText("500");
-    Find<QComboBox>(form, "ComDevice_3").setEditText("/dev/other");
-    Click(form, "CancelBtn");
-    EXPECT_TRUE(dialog.Test.Log.empty());
-    EXPECT_EQ(dialog.Test.Session.Line.CurrentPort, 1);
-    EXPECT_EQ(dialog.Test.Session.Line.ReplyTimeout, 100);
-    EXPECT_EQ(dialog.Test.Session.Line.SettingsOf(1).BaudEnabled[0], 0);
-    EXPECT_EQ(dialog.Devices.Device(3), "/dev/none3");
-}
-
-TEST(ComPortForm, ChoosesDevices) {
-    Dialog dialog;
-    ComPortForm& form = dialog.Open();
-    auto& first = Find<QComboBox>(form, "ComDevice_1");
-    EXPECT_EQ(first.itemText(0), "/dev/ttyUSB0  (485 adapter, Maker, A1)");
-    first.setCurrentIndex(0);
-    Find<QComboBox>(form, "ComDevice_2").setCurrentText("Simulated line");
-    Find<QComboBox>(form, "ComDevice_3").setEditText("  /dev/serial/by-id/x ");
-    Click(form, "OKBtn");
-    EXPECT_EQ(dialog.Test.Messages.Shown, (std::vector{Complete}));
-    EXPECT_EQ(dialog.Devices.Device(1), "/dev/ttyUSB0");
-    EXPECT_EQ(dialog.Devices.Device(2), "demo");
-    EXPECT_EQ(dialog.Devices.Device(3), "/dev/serial/by-id/x");
-    EXPECT_EQ(dialog.Devices.Saves, 1);
+TEST_F(ComPortFormTest, ChoosesDevices) {
+    Open();
+    EXPECT_EQ(Device(1).itemText(0), "/dev/ttyUSB0  (485 adapter, Maker, A1)");
+    Device(1).setCurrentIndex(0);
+    Device(2).setCurrentText("Simulated line");
+    Device(3).setEditText("  /dev/serial/by-id/x ");
+    Click(*Form, "OKBtn");
+    EXPECT_EQ(Messages.Shown, Complete);
+    EXPECT_EQ(Devices.Devices,
+              (std::map<int, std::string>{{1, "/dev/ttyUSB0"}, {2, "demo"}, {3, "/dev/serial/by-id/x"}}));
+    EXPECT_EQ(Devices.Saves, 1);
 }
 
 // A failure is told once, closes the dialog and leaves port, devices and time-outs as they were.
-TEST(ComPortForm, FailureLeavesEverythingAsItWas) {
-    const std::function<void(Dialog&, ComPortForm&)> failures[] = {
-        [](Dialog& dialog, ComPortForm& form) {
-            dialog.Test.Port(2).FailOpen = true;
-            Click(form, "ComOption_2");
-        },
-        [](Dialog& dialog, ComPortForm& form) {
-            dialog.Devices.Refused = "/dev/gone";
-            Find<QComboBox>(form, "ComDevice_2").setEditText("/dev/gone");
-            Click(form, "ComOption_2");
-        },
-        [](Dialog&, ComPortForm& form) { Find<QLineEdit>(form, "Timeout").clear(); },
-        [](Dialog&, ComPortForm& form) { Find<QLineEdit>(form, "Timeout").setText("6554"); },
-        [](Dialog&, ComPortForm& form) { Find<QLineEdit>(form, "DataBits").setText("99999"); },
+TEST_F(ComPortFormTest, FailureLeavesEverythingAsItWas) {
+    const std::function<void()> failures[] = {
+        [this] { Port(2).FailOpen = true; },       [this] { Port(2).FailSettings = true; },
+        [this] { Devices.Refused = "/dev/gone"; }, [this] { Enter("Timeout", ""); },
+        [this] { Enter("Timeout", "6554"); }, // 5 times that overflows
+        [this] { Enter("DataBits", "99999"); },
     };
     for (const auto& fail : failures) {
-        Dialog dialog;
-        ComPortForm& form = dialog.Open();
-        Find<QComboBox>(form, "ComDevice_1").setEditText("/dev/new");
-        fail(dialog, form);
-        Click(form, "OKBtn");
-        ASSERT_EQ(dialog.Test.Messages.Shown.size(), 1u);
-        EXPECT_EQ(dialog.Test.Messages.Shown[0].second, "Error");
-        EXPECT_FALSE(form.isVisible());
-        EXPECT_EQ(dialog.Test.Session.Line.CurrentPort, 1);
-        EXPECT_EQ(dialog.Test.Session.Line.ReplyTimeout, 100);
-        EXPECT_EQ(dialog.Test.Session.Line.LongReplyTimeout, 400);
-        EXPECT_EQ(dialog.Devices.Device(1), "/dev/ttyUSB7");
-        EXPECT_TRUE(dialog.Test.Port(1).PortOpen());
+        Messages.Shown.clear();
+        Port(2).FailOpen = Port(2).FailSettings = false;
+        Open();
+        Device(1).setEditText("/dev/new");
+        Device(2).setEditText("/dev/gone");
+        Click(*Form, "ComOption_2");
+        fail();
+        Click(*Form, "OKBtn");
+        ASSERT_EQ(Messages.Shown.size(), 1U);
+        EXPECT_EQ(Messages.Shown[0].second, "Error");
+        EXPECT_FALSE(Form->isVisible());
+        EXPECT_EQ(TestLine.CurrentPort, 1);
+        EXPECT_EQ(std::tuple(TestLine.ReplyTimeout, TestLine.LongReplyTimeout), std::tuple(100, 400));
+        EXPECT_EQ(Devices.Device(1), "/dev/ttyUSB7");
+        EXPECT_TRUE(Port(1).PortOpen());
+        EXPECT_FALSE(Port(2).PortOpen());
     }
 }
 
-TEST(ComPortForm, ServesAPortNumberThatDoesNotExist) {
-    Dialog dialog;
-    dialog.Test.Session.Line.CurrentPort = 0;
-    dialog.Test.Session.Line.CommPort(1).PortOpen(false);
-    ComPortForm& form = dialog.Open();
-    Click(form, "OKBtn");
-    EXPECT_TRUE(form.isVisible());
-    Click(form, "ComOption_4");
-    Find<QLineEdit>(form, "Timeout").setText("99");
-    Click(form, "OKBtn");
-    EXPECT_EQ(dialog.Test.Session.Line.CurrentPort, 4);
-    const std::vector<std::pair<std::string, std::string>> expected = {
-        {"Please choose a COM port.", "Error"},
-        {"TimeOut Value must greater than or equal to 100.", ""},
-        Complete};
-    EXPECT_EQ(dialog.Test.Messages.Shown, expected);
-    EXPECT_EQ(dialog.Test.Session.Line.ReplyTimeout, 100);
-    EXPECT_EQ(dialog.Test.Session.Line.LongReplyTimeout, 500);
+TEST_F(ComPortFormTest, ServesAPortNumberThatDoesNotExist) {
+    TestLine.CurrentPort = 0;
+    Open();
+    Click(*Form, "OKBtn");
+    EXPECT_TRUE(Form->isVisible());
+    Click(*Form, "ComOption_4");
+    Enter("Timeout", "99");
+    Click(*Form, "OKBtn");
+    EXPECT_EQ(TestLine.CurrentPort, 4);
+    EXPECT_EQ(Messages.Shown, (ShownMessages{{"Please choose a COM port.", "Error"},
+                                             {"TimeOut Value must greater than or equal to 100.", ""},
+                                             Complete[0]}));
+    EXPECT_EQ(std::tuple(TestLine.ReplyTimeout, TestLine.LongReplyTimeout), std::tuple(100, 500));
 }
 
 } // namespace

@@ -1,10 +1,7 @@
 #include "map/module_access.h"
+#include "map/module_dispatch.h"
 #include "support/failure_text.h"
 #include "support/test_session.h"
-
-#include <gtest/gtest.h>
-
-#include <functional>
 
 namespace kavro {
 namespace {
@@ -21,8 +18,7 @@ protected:
 
     /// The commands sent since the last call, with their rates.
     Lines Sent() {
-        std::erase_if(Test.Log,
-                      [](const std::string& entry) { return entry.find(",n,8,1") != std::string::npos; });
+        std::erase_if(Test.Log, [](const auto& entry) { return entry.ends_with(",n,8,1"); });
         return std::exchange(Test.Log, {});
     }
 
@@ -31,18 +27,12 @@ protected:
 };
 
 TEST_F(ModuleAccessTest, HowModulesAreSpokenTo) {
-    const struct {
-        int Index;
-        std::int16_t Address, BaudCode, Checksum;
-        const char* Text;
-    } cases[] = {{1, 10, 4, 1, "0A"}, {2, 0, 3, 0, "00"}, {3, 0, 6, 0, "00"}};
-    for (const auto& [index, address, baudCode, checksum, text] : cases) {
-        EXPECT_EQ(ModuleAddress(S, index), address);
-        EXPECT_EQ(ModuleBaudCode(S, index), baudCode);
-        EXPECT_EQ(ModuleChecksum(S, index), checksum);
-        EXPECT_EQ(AddressText(S, index), text);
-    }
-    for (const int index : {-1, 256, 32767}) {
+    EXPECT_FALSE(ExchangeWithModule(S, 1, "$" + AddressText(S, 1) + "M", 250));
+    EXPECT_EQ(Test.Time.GetTickCount(), 1000 + 250);
+    for (const int index : {2, 3})
+        EXPECT_FALSE(ExchangeWithModule(S, index, "$" + AddressText(S, index) + "M", 100));
+    EXPECT_EQ(Sent(), (Lines{"COM1 19200 $0AME2", "COM1 9600 $00M", "COM1 115200 $00M"}));
+    for (const int index : {-1, 256}) {
         S.ScanIndex = static_cast<std::int16_t>(index); // the bounds hold for this one too
         EXPECT_THROW(ModuleAddress(S, index), RuntimeFailure);
         EXPECT_THROW(ModuleBaudCode(S, index), RuntimeFailure);
@@ -52,104 +42,69 @@ TEST_F(ModuleAccessTest, HowModulesAreSpokenTo) {
 }
 
 TEST_F(ModuleAccessTest, ReadModuleConfigTakesGoodRepliesOnly) {
+    using Values = std::array<std::int16_t, 4>; // range, baud code, checksum, format
+    const Values before = {99, 99, 99, 99};
     const struct {
-        const char *Model = "", *Reply = "";
-        std::int16_t InputRange = 99, BaudCode = 99, Checksum = 99, DataFormat = 99;
-        bool Fails = false; // "0A" fails as it is not decimal
-    } cases[] = {
-        {"8310  ", "!0A0E0640\r", 14, 3, 1, 0},
-        {"8310  ", "!0A2A1042\r", 42, 7, 1, 2},
-        {"8320  ", "!0A330903\r", 51, 6, 0, 3},
-        {"8250  ", "!0A0b0343\r", 11, 0, 1},
-        {"8510  ", "!0A510644\r", 81, 3, 1},
-        {"8999  ", "!0A5100FF\r", 81, -3, 1},
-        {"8310  ", "?0A0E0640\r"},
-        {"8310  ", "!0A0E064\r"},
-        {"8310  ", "!0A0E06400\r"},
-        {"8310  ", "!0A0E0640"},
-        {"8310  ", ""},
-        {"8310  ", "!0A2A0A42\r", 99, 99, 99, 99, true},
-        {"8310  ", "!0A0X0640\r", 99, 99, 99, 99, true},
-        {"8310  ", "!0A0E06G0\r", 99, 99, 99, 99, true},
-    };
-    for (const auto& row : cases) {
-        SCOPED_TRACE(row.Reply);
+        const char *Model, *Reply;
+        Values After;
+        bool Fails = false;
+    } cases[] = {{"8310  ", "!0A0E0640\r", {14, 3, 1, 0}},  {"8310  ", "!0A2A1042\r", {42, 7, 1, 2}},
+                 {"8320  ", "!0A330903\r", {51, 6, 0, 3}},  {"8250  ", "!0A0b0343\r", {11, 0, 1, 99}},
+                 {"8510  ", "!0A510644\r", {81, 3, 1, 99}}, {"8999  ", "!0A5100FF\r", {81, -3, 1, 99}},
+                 {"8310  ", "?0A0E0640\r", before},         {"8310  ", "!0A0E064\r", before},
+                 {"8310  ", "!0A0E06400\r", before},        {"8310  ", "!0A0E0640", before},
+                 {"8310  ", "!0A2A0A42\r", before, true}, // "0A" is not decimal
+                 {"8310  ", "!0A0X0640\r", before, true},   {"8310  ", "!0A0E06G0\r", before, true}};
+    for (const auto& [model, reply, after, fails] : cases) {
+        SCOPED_TRACE(reply);
         ModuleRecord& record = S.ModuleTable[4];
-        record = {.Address = 0,
-                  .Model = row.Model,
-                  .DataFormat = 99,
-                  .BaudCode = 99,
-                  .InputRange = 99,
-                  .Checksum = 99};
-        Test.Port().Queue = {{row.Reply}};
-        EXPECT_EQ(!FailureText([&] { ReadModuleConfig(S, 4); }).empty(), row.Fails);
-        EXPECT_EQ(std::tuple(record.InputRange, record.BaudCode, record.Checksum, record.DataFormat),
-                  std::tuple(row.InputRange, row.BaudCode, row.Checksum, row.DataFormat));
+        record = {.Model = model, .DataFormat = 99, .BaudCode = 99, .InputRange = 99, .Checksum = 99};
+        Test.Port().Queue = {{reply}};
+        EXPECT_EQ(!FailureText([&] { ReadModuleConfig(S, 4); }).empty(), fails);
+        EXPECT_EQ((Values{record.InputRange, record.BaudCode, record.Checksum, record.DataFormat}), after);
         EXPECT_EQ(Sent(), Lines{"COM1 9600 $002"});
     }
 }
 
 TEST_F(ModuleAccessTest, ReadModuleConfigReadsAlarms) {
-    const struct {
-        const char *Low, *High, *State;
-        float LowAlarm, HighAlarm;
-        std::int16_t AlarmMode;
-    } cases[] = {{"!16-01.500\r", "!16+01.500\r", "!1620000\r", -1.5F, 1.5F, 2},
-                 {"", "!16+7\r", "!161FFFF\r", 9, 7, 1},
-                 {"?16\r", "", "!162000\r", 9, 9, 9}, // one character short
-                 {"!16+3\r", ">16+4\r", "!16100000\r", 3, 9, 9},
-                 {"!16+1e300\r", "!16\r", "?1610000\r", 9, 0, 9}};
-    for (const auto& [low, high, state, lowAlarm, highAlarm, alarmMode] : cases) {
+    using Alarms = std::tuple<float, float, std::int16_t>; // low, high, mode
+    const std::tuple<const char*, const char*, const char*, Alarms> cases[] = {
+        {"!16-01.500\r", "!16+01.500\r", "!1620000\r", {-1.5F, 1.5F, 2}},
+        {"", "!16+7\r", "!161FFFF\r", {9, 7, 1}},
+        {"?16\r", "", "!162000\r", {9, 9, 9}}, // one character short
+        {"!16+3\r", ">16+4\r", "!16100000\r", {3, 9, 9}},
+        {"!16+1e300\r", "!16\r", "?1610000\r", {9, 0, 9}}};
+    for (const auto& [low, high, state, alarms] : cases) {
         ModuleRecord& record = S.ModuleTable[2];
         record.LowAlarm = record.HighAlarm = record.AlarmMode = 9;
         Test.Port().Queue = {{"!16050742\r"}, {low}, {high}, {state}};
         ReadModuleConfig(S, 2);
-        EXPECT_EQ(std::tuple(record.LowAlarm, record.HighAlarm, record.AlarmMode),
-                  std::tuple(lowAlarm, highAlarm, alarmMode));
+        EXPECT_EQ(Alarms(record.LowAlarm, record.HighAlarm, record.AlarmMode), alarms);
         EXPECT_EQ(record.DataFormat, 2);
         EXPECT_EQ(Sent(), (Lines{"COM1 9600 $002", "COM1 9600 @00RL", "COM1 9600 @00RH", "COM1 9600 @00DI"}));
     }
 }
 
-TEST_F(ModuleAccessTest, ReadAnalogInputCommands) {
-    const struct {
-        const char* Model;
-        std::int16_t Address, Checksum;
-        int Channel;
-        const char* Command;
-    } cases[] = {{"8250  ", 3, 0, 1, "#031"},
-                 {"8230  ", 3, 0, 2, "#032"},
-                 {"8260  ", 171, 1, 7, "#AB7DD"},
-                 {"8210  ", 3, 0, 1, "#03"},
-                 {"8999  ", 3, 0, 1, "#03"}};
-    for (const auto& [model, address, checksum, channel, command] : cases) {
-        S.ModuleTable[4] = {.Address = address, .Model = model, .BaudCode = 3, .Checksum = checksum};
-        EXPECT_EQ(ReadAnalogInput(S, 4, channel).Text, "*error*");
+TEST_F(ModuleAccessTest, ReadAnalogInput) {
+    for (const auto& [model, command] : {std::pair{"8250  ", "#007"}, {"8210  ", "#00"}, {"8999  ", "#00"}}) {
+        S.ModuleTable[4] = {.Model = model, .BaudCode = 3};
+        EXPECT_EQ(ReadAnalogInput(S, 4, 7).Text, "*error*");
         EXPECT_EQ(Sent(), Lines{std::string("COM1 9600 ") + command});
     }
-}
-
-TEST_F(ModuleAccessTest, ReadAnalogInputFormats) {
     // The full scale is that of the selected module (10 V), the format that of the module read (20 mA).
     S.ModuleTable[0].InputRange = 8;
     S.SelectedModule = 0;
-    const struct {
-        std::int16_t Format = 0;
-        const char *Reply = "", *Text = "";
-        std::optional<double> Value;
-    } cases[] = {{0, ">+05.123\r", "5.1230", 5.123}, {3, ">-100.55\r", "-100.5500", -100.55},
-                 {1, ">+050.00\r", "5.0000", 5.0},   {1, ">-033.33\r", "-3.3330", -3.333},
-                 {2, ">7FFF\r", "10.0000", 10.0},    {2, ">8001\r", "-10.0000", -10.0},
-                 {2, ">0000\r", "0.0000", 0.0},      {2, ">4000\r", "5.0002", 16384 * 10.0 / 32767},
-                 {4, ">+05.123\r", "", {}},          {-1, ">+05.123\r", "", {}},
-                 {0, ">\r", "*error*", {}},          {0, ">none\r", "*error*", {}},
-                 {2, ">10000\r", "*error*", {}},     {2, ">+1.5\r", "*error*", {}},
-                 {0, "?03\r", "*error*", {}},        {0, "!+05.123\r", "*error*", {}},
-                 {0, ">+05.123", "*error*", {}},     {0, "", "*error*", {}}};
+    const std::tuple<std::int16_t, const char*, const char*, std::optional<double>> cases[] = {
+        {0, ">+05.123\r", "5.1230", 5.123}, {3, ">-100.55\r", "-100.5500", -100.55},
+        {1, ">+050.00\r", "5.0000", 5.0},   {1, ">-033.33\r", "-3.3330", -3.333},
+        {2, ">7FFF\r", "10.0000", 10.0},    {2, ">8001\r", "-10.0000", -10.0},
+        {4, ">+05.123\r", "", {}},          {2, ">4000\r", "5.0002", 16384 * 10.0 / 32767},
+        {-1, ">+05.123\r", "", {}},         {0, ">none\r", "*error*", {}},
+        {2, ">10000\r", "*error*", {}},     {2, ">+1.5\r", "*error*", {}},
+        {0, "!+05.123\r", "*error*", {}},   {0, ">+05.123", "*error*", {}}};
     for (const auto& [format, reply, text, value] : cases) {
         SCOPED_TRACE(reply);
-        S.ModuleTable[4] = {
-            .Address = 3, .Model = "8250  ", .DataFormat = format, .BaudCode = 3, .InputRange = 6};
+        S.ModuleTable[4] = {.Model = "8250  ", .DataFormat = format, .BaudCode = 3, .InputRange = 6};
         Test.Port().Queue = {{reply}};
         const AnalogReading reading = ReadAnalogInput(S, 4, 0);
         EXPECT_EQ(reading.Text, text);
@@ -164,11 +119,40 @@ TEST_F(ModuleAccessTest, ReadAnalogInputFormats) {
     EXPECT_THROW(ReadAnalogInput(S, 4, 0), RuntimeFailure);
 }
 
-TEST_F(ModuleAccessTest, ExchangesUseTheModulesOwnRateAndChecksum) {
-    EXPECT_FALSE(ExchangeWithModule(S, 1, "$0AM", 250));
-    EXPECT_EQ(Test.Time.GetTickCount(), 1000 + 250);
-    EXPECT_FALSE(ExchangeWithModule(S, 3, "$00M", 100));
-    EXPECT_EQ(Sent(), (Lines{"COM1 19200 $0AME2", "COM1 115200 $00M"}));
+TEST(ModuleDispatch, EveryModelAndOperation) {
+    using enum ModuleDialog;
+    const Lines digital = {"8410", "8420", "8430", "8440", "8450", "8470", "8480", "8490"};
+    const std::string noDiagnostics = "Calibration: No diagnostics function provided for this module.";
+    const std::string noNeed = "Calibration: This module doesn't need calibration!";
+    struct Row {
+        Lines Models;
+        std::int16_t Range;
+        ModuleDialog Dialogs[3]; // configuration, diagnostic, calibration
+        std::string Messages[3];
+    };
+    const Row cases[] = {{digital, 64, {DioConfigForm, DioDiagForm, None}, {"", "", noNeed}},
+                         {{"8460"}, 64, {N46ConfigForm, N46DiagForm, None}, {"", "", noNeed}},
+                         {{"8210", "8220", "8240"}, 5, {MultiConfigForm, MultiDiagForm, AdCalibForm}, {}},
+                         {{"8310"}, 48, {DaConfigForm, DaDiagForm, DaCalibForm}, {}},
+                         {{"8320"}, 48, {DaConfigForm, N32DiagForm, DaCalibForm}, {}},
+                         {{"8230", "8250", "8260"}, 80, {AdConfigForm, AdDiagForm, AdCalibForm}, {}},
+                         {{"8510"}, 80, {CtrConfigForm, CtrDiagForm, None}, {}},
+                         {{"8510"}, 81, {CtrConfigForm, FreqDiagForm, None}, {}},
+                         {{"8510"}, 0, {CtrConfigForm, FreqDiagForm, None}, {}},
+                         {{"8610", "8620"}, 0, {N8610ConfigForm, None, None}, {"", noDiagnostics, noNeed}},
+                         {{"8999", ""}, 80, {None, None, None}, {}}};
+    ScriptedSession test;
+    test.Session.SelectedModule = 3;
+    for (const auto& row : cases)
+        for (const std::string& model : row.Models)
+            for (const int operation : {0, 1, 2}) {
+                SCOPED_TRACE(model + " " + std::to_string(operation));
+                test.Session.ModuleTable[3] = {.Model = model + "  ", .InputRange = row.Range};
+                const Dispatch result = DispatchModule(test.Session, static_cast<Operation>(operation));
+                EXPECT_EQ(result.Dialog, row.Dialogs[operation]);
+                const std::string message = std::string(result.Title) + ": " + result.Message;
+                EXPECT_EQ(message, row.Messages[operation].empty() ? ": " : row.Messages[operation]);
+            }
 }
 
 } // namespace

@@ -2,6 +2,8 @@
 
 #include "link/runtime_failure.h"
 
+#include <gtest/gtest.h>
+
 #include <string>
 
 namespace kavro {
@@ -15,6 +17,12 @@ std::string FailureText(Operation operation) {
         return failure.what();
     }
     return {};
+}
+
+/// Whether `part` occurs in `text`, which is shown when it does not.
+inline testing::AssertionResult Contains(const std::string& text, const std::string& part) {
+    const bool found = text.find(part) != std::string::npos;
+    return (found ? testing::AssertionSuccess() : testing::AssertionFailure()) << '"' << text << '"';
 }
 
 } // namespace kavro

@@ -20,8 +20,7 @@
 
 namespace kavro {
 
-/// The control of that name below `form`. Throws `RuntimeFailure` when there is none, so that a test fails
-/// plainly.
+/// The control of that name below `form`. Throws `RuntimeFailure` when there is none.
 template <class Control>
 Control& Find(QObject& form, const QString& name) {
     auto* control = form.findChild<Control*>(name);
@@ -46,8 +45,8 @@ inline void Type(QWidget& control, const QString& text) {
     }
 }
 
-/// Acts on modal dialogs as they come up: each step waits for the dialog of its name, acts on it once, and
-/// hands over to the next. Lives as long as the operation that shows them.
+/// Acts on modal dialogs as they come up: each step waits for the dialog of its name and acts on it once.
+/// Lives as long as the operation that shows them.
 class DialogDriver {
 public:
     struct Step {
@@ -67,12 +66,11 @@ public:
 private:
     void Look() {
         auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        if (!dialog || Finished()) {
+        if (!dialog || Finished())
             return;
-        }
         if (dialog->objectName() == steps_[next_].Dialog) {
-            const auto act = steps_[next_++].Act;
-            act(*dialog);
+            // Not in this timer's own slot, where it would not tick for a dialog that the step brings up.
+            QTimer::singleShot(0, dialog, [dialog, act = steps_[next_++].Act] { act(*dialog); });
         } else if (sinceStart_.elapsed() > 20000) {
             dialog->done(QDialog::Rejected); // a dialog that nobody expects must not hang the run
         }

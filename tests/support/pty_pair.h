@@ -13,8 +13,7 @@
 
 namespace kavro {
 
-/// A raw pseudo-terminal: tests play the modules on the master and hand `Device` to a port. The device
-/// exists until `Unplug` or the end, whether or not somebody has it open.
+/// A raw pseudo-terminal: tests play the modules and hand `Device` to a port.
 class PtyPair {
 public:
     PtyPair() {
@@ -56,9 +55,6 @@ public:
         tcgetattr(master_, &settings);
         return cfgetospeed(&settings);
     }
-
-    /// The end that modules would be on.
-    int Master() const { return master_; }
 
     std::string Device;
 

@@ -8,12 +8,14 @@
 
 namespace kavro {
 
-/// Messages that are kept, as text and title, in place of being shown.
+using ShownMessages = std::vector<std::pair<std::string, std::string>>; // text and title
+
+/// Messages that are kept in place of being shown.
 class RecordedMessages : public Messages {
 public:
     void Show(const std::string& text, const std::string& title) override { Shown.emplace_back(text, title); }
 
-    std::vector<std::pair<std::string, std::string>> Shown;
+    ShownMessages Shown;
 };
 
 } // namespace kavro

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <deque>
-#include <limits>
 #include <map>
 #include <string>
 #include <utility>
@@ -33,8 +32,8 @@ public:
     std::map<std::string, ScriptedReply> Replies; ///< else by rate and output: "9600 $012"
     bool FailOpen = false;                        ///< opening fails
     bool FailSettings = false;                    ///< applying settings fails
-    int OutputsUntilFailure = std::numeric_limits<int>::max(); ///< then the port is lost
-    std::string LastOutput;                                    ///< every byte of it
+    int OutputsUntilFailure = 1 << 30;            ///< then the port is lost
+    std::string LastOutput;                       ///< every byte of it
 
     /// Makes characters arrive without a command.
     void Receive(const ScriptedReply& reply) {
@@ -48,13 +47,11 @@ public:
 
     void Settings(const std::string& text) override { Apply("settings ", text); }
     void SetCommState(const std::string& text) override { Apply("state ", text); }
-
     void PortOpen(bool open) override {
         if (open && FailOpen)
             throw RuntimeFailure("The device cannot be opened.");
-        if (open != open_)
+        if (std::exchange(open_, open) != open)
             Note(open ? "open" : "close");
-        open_ = open;
     }
     bool PortOpen() const override { return open_; }
 
@@ -86,12 +83,10 @@ public:
         LastOutput = text;
         const std::string command = rate_ + " " + text.substr(0, text.find('\r'));
         Note(command);
-        if (!Queue.empty()) {
-            Receive(Queue.front());
-            Queue.pop_front();
-        } else if (const auto found = Replies.find(command); found != Replies.end()) {
-            Receive(found->second);
-        }
+        if (Queue.empty())
+            return Receive(Replies[command]);
+        Receive(Queue.front());
+        Queue.pop_front();
     }
 
     bool WaitForInput(int milliseconds) override {

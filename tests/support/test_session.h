@@ -23,58 +23,50 @@ inline void EnableBaudCodes(Session& session, const std::vector<int>& codes) {
         session.Line.SettingsOf(1).BaudEnabled[static_cast<std::size_t>(code)] = 1;
 }
 
+/// A session on a virtual clock; its ports come from the classes below.
+struct TestSession {
+    VirtualClock Time;
+    Lines Log;                                ///< what was done to the ports of a script, in order
+    std::map<std::string, std::string> Files; ///< content of the files saved, by path
+    RecordedMessages Messages;
+    kavro::Session Session;
+
+protected:
+    template <class MakePort>
+    explicit TestSession(MakePort makePort) : Session(MakePorts(makePort), Time) {
+        Session.ReplaceFile = [this](const auto& path, const auto& content) { Files[path] = content; };
+    }
+
+private:
+    template <class MakePort>
+    static SerialPorts MakePorts(MakePort makePort) {
+        SerialPorts ports;
+        for (int number = 1; auto& port : ports)
+            port = makePort(number++);
+        return ports;
+    }
+};
+
 /// A session whose COM ports answer from a script; COM1 is open.
-class ScriptedSession {
-public:
-    ScriptedSession() : Session(MakePorts(), Time) {
-        Session.ReplaceFile = [this](const std::string& path, const std::string& content) {
-            Files[path] = content;
-        };
+struct ScriptedSession : TestSession {
+    ScriptedSession()
+        : TestSession([this](int number) { return std::make_unique<ScriptedPort>(number, Time, Log); }) {
         Port().PortOpen(true);
         Log.clear();
     }
 
     ScriptedPort& Port(int number = 1) { return static_cast<ScriptedPort&>(Session.Line.CommPort(number)); }
-
-    VirtualClock Time;
-    Lines Log;                                ///< what was done to the ports, in order
-    std::map<std::string, std::string> Files; ///< content of the files saved, by path
-    RecordedMessages Messages;
-    kavro::Session Session;
-
-private:
-    SerialPorts MakePorts() {
-        SerialPorts ports;
-        for (std::size_t i = 0; i < ports.size(); ++i)
-            ports[i] = std::make_unique<ScriptedPort>(static_cast<int>(i) + 1, Time, Log);
-        return ports;
-    }
 };
 
-/// A session whose COM ports all lead to one simulated line, on a virtual clock; COM1 is open.
-class SimulatedSession {
-public:
+/// A session whose COM ports all lead to one simulated line; COM1 is open.
+struct SimulatedSession : TestSession {
     explicit SimulatedSession(SimulatedLine line = SimulatedLine())
-        : Line(std::move(line)), Session(MakePorts(), Time) {
-        Session.ReplaceFile = [this](const std::string& path, const std::string& content) {
-            Files[path] = content;
-        };
+        : TestSession([this](int) { return std::make_unique<SimulatedPort>(Line, Time); }),
+          Line(std::move(line)) {
         Session.Line.CommPort(1).PortOpen(true);
     }
 
-    VirtualClock Time;
     SimulatedLine Line;
-    std::map<std::string, std::string> Files; ///< content of the files saved, by path
-    RecordedMessages Messages;
-    kavro::Session Session;
-
-private:
-    SerialPorts MakePorts() {
-        SerialPorts ports;
-        for (auto& port : ports)
-            port = std::make_unique<SimulatedPort>(Line, Time);
-        return ports;
-    }
 };
 
 } // namespace kavro

@@ -1,0 +1,56 @@
+#include "cli/exchange_printer.h"
+
+#include "cli/cli_text.h"
+#include "link/text.h"
+#include "terminal/console_rows.h"
+
+#include <string_view>
+
+namespace kavro {
+
+namespace {
+
+std::string JsonText(std::string_view text) {
+    std::string quoted = "\"";
+    for (const char character : text) {
+        const auto code = static_cast<unsigned char>(character);
+        const bool plain = code >= ' ' && code <= '~' && character != '"' && character != '\\';
+        quoted += plain ? std::string(1, character) : "\\u" + ToHex(code, 4);
+    }
+    return quoted + '"';
+}
+
+} // namespace
+
+std::string ExchangeText(const Exchanged& exchanged) {
+    std::string pair = VisibleText(exchanged.Command) + " -> " + VisibleText(exchanged.Reply);
+    if (exchanged.Complete)
+        return pair;
+    return pair + (exchanged.Reply.empty() ? "(no reply)" : " (incomplete, or a wrong checksum)");
+}
+
+std::string ExchangeJson(const Exchanged& exchanged) {
+    return "{\"command\": " + JsonText(exchanged.Command) + ", \"reply\": " + JsonText(exchanged.Reply) +
+           ", \"complete\": " + (exchanged.Complete ? "true" : "false") +
+           ", \"baud\": " + std::to_string(exchanged.Baud) + "}";
+}
+
+void ExchangePrinter::Print(const Exchanged& exchanged) {
+    if (json_)
+        Write((begun_ ? ",\n  " : "[\n  ") + ExchangeJson(exchanged));
+    else
+        Write(ExchangeText(exchanged) + "\n");
+    begun_ = true;
+}
+
+void ExchangePrinter::Close() {
+    if (json_)
+        Write(begun_ ? "\n]\n" : "[]\n");
+}
+
+void ExchangePrinter::Write(const std::string& text) {
+    if (!abandoned_)
+        abandoned_ = !PrintOut(text);
+}
+
+} // namespace kavro

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace kavro {
+
+/// A command and its reply as they are printed.
+struct Exchanged {
+    std::string Command;
+    std::string Reply;     ///< what came, without carriage return
+    bool Complete = false; ///< the reply ended with its carriage return and a good checksum
+    std::int32_t Baud = 0; ///< at which it was sent
+};
+
+/// A pair as a line: "$012 -> !01400600", with codes such as "<0A>" for what cannot be printed.
+std::string ExchangeText(const Exchanged& exchanged);
+
+/// A pair as a JSON object in plain ASCII on one line. A byte is the character of the same number, so that
+/// nothing is lost.
+std::string ExchangeJson(const Exchanged& exchanged);
+
+/// Prints pairs on standard output, each at once: as lines, or as one JSON array that is whole as soon as
+/// `Close` was called, whatever happened before. Throws `RuntimeFailure` when it cannot be written.
+class ExchangePrinter {
+public:
+    explicit ExchangePrinter(bool json) : json_(json) {}
+
+    void Print(const Exchanged& exchanged);
+
+    /// Ends the output.
+    void Close();
+
+    /// Whether standard output is a pipe that nobody reads any more.
+    bool Abandoned() const { return abandoned_; }
+
+private:
+    void Write(const std::string& text);
+
+    const bool json_;
+    bool begun_ = false;
+    bool abandoned_ = false;
+};
+
+} // namespace kavro

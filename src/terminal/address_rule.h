@@ -1,0 +1,36 @@
+#pragma once
+
+#include "map/session.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace kavro {
+
+/// How a command is sent.
+struct SendSettings {
+    std::int16_t Checksum = 0; ///< 1 = with checksum, 0 = without
+    std::int16_t BaudCode = 3; ///< 0 to 7
+
+    bool operator==(const SendSettings&) const = default;
+};
+
+/// The address that a command names in its 2nd and, if present, 3rd character; nothing when these are no
+/// hexadecimal digits or the command has but one character.
+std::optional<std::int16_t> CommandAddress(const std::string& command);
+
+/// The baud code at which a command is sent: that of the first known module at its address, else 3 (9600);
+/// always 3 for address 00 and for a command without an address.
+std::int16_t TerminalAddressBaud(const Session& session, const std::string& command);
+
+/// How a typed command is sent: as `checksumEnable` (1 or 0) says, but to address 00 always without checksum.
+SendSettings TypedCommandSettings(const Session& session, const std::string& command,
+                                  std::int16_t checksumEnable);
+
+/// How a repeated command or a line of a batch file is sent. Unlike a typed one it goes as `checksumEnable`
+/// says to address 00 as well; the difference is meant.
+SendSettings RepeatedCommandSettings(const Session& session, const std::string& command,
+                                     std::int16_t checksumEnable);
+
+} // namespace kavro

@@ -1,0 +1,101 @@
+#include "terminal/batch_file.h"
+
+#include "link/runtime_failure.h"
+
+#include <filesystem>
+#include <system_error>
+
+namespace kavro {
+
+namespace {
+
+constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::size_t LongestLine = 32767; // no command is as long: only a file that is no text
+constexpr int EndOfFile = std::ifstream::traits_type::eof();
+
+} // namespace
+
+void BatchFile::Open(const std::string& path) {
+    Close();
+    path_ = path;
+    std::error_code error;
+    // Opening a folder succeeds on some systems, and opening a pipe waits for its other end.
+    if (!std::filesystem::is_regular_file(path, error))
+        throw RuntimeFailure("There is no file " + path + ". Choose a batch file.");
+    file_.clear();
+    file_.open(path, std::ios::binary);
+    if (!file_.is_open())
+        throw RuntimeFailure("The batch file " + path + " cannot be opened. Check that you may read it.");
+    std::string start(ByteOrderMark.size(), '\0');
+    file_.read(start.data(), static_cast<std::streamsize>(start.size()));
+    if (start != ByteOrderMark) {
+        file_.clear();
+        file_.seekg(0);
+    }
+}
+
+void BatchFile::Close() {
+    if (file_.is_open())
+        file_.close();
+}
+
+void BatchFile::Rewind() {
+    const std::string path = path_;
+    Open(path);
+}
+
+bool BatchFile::AtEnd() {
+    RequireOpen();
+    return Peek() == EndOfFile;
+}
+
+std::string BatchFile::ReadLine() {
+    RequireOpen();
+    std::string line;
+    while (true) {
+        const int next = Take();
+        if (next == EndOfFile || next == '\n')
+            return line;
+        if (next == '\r') {
+            if (Peek() == '\n')
+                Take();
+            return line;
+        }
+        if (line.size() == LongestLine)
+            throw RuntimeFailure("A line of " + path_ + " has more than " + std::to_string(LongestLine) +
+                                 " characters. Choose a text file with one command per line.");
+        line += static_cast<char>(next);
+    }
+}
+
+void BatchFile::Skip(int lines) {
+    for (; lines > 0 && !AtEnd(); --lines)
+        ReadLine();
+}
+
+// The buffer is read directly, as a file of a million lines should cost a moment only.
+int BatchFile::Peek() {
+    try {
+        return file_.rdbuf()->sgetc();
+    } catch (const std::ios_base::failure&) {
+        throw RuntimeFailure("The batch file " + path_ + " cannot be read. Check its disk.");
+    }
+}
+
+int BatchFile::Take() {
+    const int next = Peek();
+    file_.rdbuf()->sbumpc();
+    return next;
+}
+
+void BatchFile::RequireOpen() const {
+    if (!IsOpen())
+        throw RuntimeFailure("No batch file is open. Choose it again.");
+}
+
+bool SameFile(const std::string& first, const std::string& second) {
+    std::error_code error;
+    return std::filesystem::equivalent(first, second, error);
+}
+
+} // namespace kavro

@@ -1,0 +1,108 @@
+#include "terminal/batch_panel_form.h"
+
+#include "link/runtime_failure.h"
+#include "link/text.h"
+#include "terminal/disp_batch_form.h"
+#include "terminal/file_chooser_form.h"
+#include "terminal/repeat_form.h"
+#include "ui/named.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace kavro {
+
+BatchPanel::BatchPanel(Session& session, Messages& messages, CommandRunner& runner, Around around)
+    : QGroupBox("Batch"), session_(session), messages_(messages), runner_(runner), around_(std::move(around)),
+      control_(runner, [this] { ShowButtons(); }) {
+    Build();
+    ShowButtons();
+}
+
+void BatchPanel::Build() {
+    // Only the chooser opens a file, so the name cannot be typed.
+    batchFileName_ = Named(new QLineEdit, "BatchFileName", "Batch file");
+    batchFileName_->setReadOnly(true);
+    auto* browse = Named(new QToolButton, "BatchDialogBtn", "Choose batch file");
+    browse->setText("...");
+    browse->setToolTip("Choose the batch file");
+    connect(browse, &QToolButton::clicked, this,
+            [this] { around_.Operate([this] { BatchDialogBtn_Click(); }); });
+    auto* label = new QLabel("&Batch file:");
+    label->setBuddy(browse);
+    auto* file = new QHBoxLayout;
+    file->addWidget(label);
+    file->addWidget(batchFileName_, 1);
+    file->addWidget(browse);
+
+    struct Button {
+        QPushButton*& Widget;
+        const char* Name;
+        const char* Text;
+        std::function<void()> Click;
+    };
+    const Button buttons[] = {
+        {run_, "RunBatchBtn", "&Run", [this] { control_.Run(); }},
+        {step_, "StepBatchBtn", "&Step", [this] { control_.Step(); }},
+        {stop_, "StopBatchBtn", "S&top", {}},
+        {display_, "DisplayBatchBtn", "&Display", [this] { DisplayBatchBtn_Click(); }},
+        {goTop_, "GoTopBtn", "&Go Top", [this] { control_.GoTop(); }},
+        {repeat_, "RepeatBtn", "Re&peat...", [this] { RepeatBtn_Click(); }},
+    };
+    auto* row = new QHBoxLayout;
+    for (const Button& button : buttons) {
+        button.Widget = Named(new QPushButton(button.Text), button.Name, QString(button.Text).remove('&'));
+        button.Widget->setAutoDefault(false);
+        row->addWidget(button.Widget);
+        if (button.Click)
+            connect(button.Widget, &QPushButton::clicked, this,
+                    [this, click = button.Click] { around_.Operate(click); });
+    }
+    connect(stop_, &QPushButton::clicked, this, [this] { runner_.Stop(); }); // while a run is going on
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(file);
+    layout->addLayout(row);
+}
+
+void BatchPanel::ShowButtons() {
+    const BatchButtons& buttons = control_.Buttons();
+    run_->setEnabled(buttons.Run);
+    step_->setEnabled(buttons.Step);
+    stop_->setEnabled(buttons.Stop);
+    display_->setEnabled(buttons.Display);
+    goTop_->setEnabled(buttons.GoTop);
+    repeat_->setEnabled(buttons.Repeat);
+}
+
+bool BatchPanel::IsBatchFile(const std::string& path) {
+    return control_.File().IsOpen() && SameFile(control_.File().Path(), path);
+}
+
+void BatchPanel::BatchDialogBtn_Click() {
+    control_.BeginChoosing();
+    batchFileName_->setText(ChooseFile(this, "Batch File", QFileDialog::AcceptOpen));
+    const std::string name = batchFileName_->text().toStdString();
+    try {
+        control_.File().Close();
+        if (around_.IsLogFile(name))
+            throw RuntimeFailure("The file is open as the log file.");
+        control_.Choose(name);
+    } catch (const RuntimeFailure&) {
+        messages_.Show("Error opening file.", "Error");
+    }
+}
+
+void BatchPanel::DisplayBatchBtn_Click() {
+    control_.Display([this](BatchFile& file) { DispBatchForm(file, messages_, this).exec(); });
+}
+
+void BatchPanel::RepeatBtn_Click() {
+    RepeatForm(session_, messages_, this).exec();
+}
+
+} // namespace kavro

@@ -1,0 +1,98 @@
+#include "app/program.h"
+
+#include "support/form_driver.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QListWidget>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace kavro {
+namespace {
+
+struct Outcome {
+    int Exit = -1;
+    QString Out, Err;
+};
+
+Outcome RunWithoutDisplay(const QStringList& arguments) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        environment.remove(name);
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.start(KAVRO_PROGRAM, arguments);
+    process.waitForFinished();
+    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
+TEST(Program, AnswersTheCommandLineWithoutADisplay) {
+    EXPECT_EQ(RunWithoutDisplay({"--version"}).Out, "kavro 4.01\n");
+    const Outcome help = RunWithoutDisplay({"--help"});
+    EXPECT_EQ(help.Exit, 0);
+    EXPECT_TRUE(help.Out.contains("--port") && help.Err.isEmpty());
+    for (const QStringList& wrong : {QStringList{"--bogus"}, {"file"}, {"--port", "9=x"}, {"--port", "1="}}) {
+        const Outcome outcome = RunWithoutDisplay(wrong);
+        EXPECT_EQ(outcome.Exit, 2) << wrong.join(' ').toStdString();
+        EXPECT_EQ(outcome.Err.count('\n'), 1) << outcome.Err.toStdString();
+        EXPECT_TRUE(outcome.Err.startsWith("kavro: "));
+    }
+    EXPECT_EQ(RunWithoutDisplay({}).Exit, 1);
+}
+
+// The whole program on a pseudo-terminal: start, search, exit, and the settings read back at the next start.
+TEST(Program, SearchesAPortAndKeepsItsSettings) {
+    QTemporaryDir folder;
+    qputenv("XDG_CONFIG_HOME", folder.path().toLocal8Bit());
+    QDir::setCurrent(folder.path()); // admin.map goes there
+    const QString link = folder.filePath("line");
+    QProcess simulator;
+    simulator.start(KAVROSIM_PROGRAM, {"--link", link});
+    ASSERT_TRUE(simulator.waitForReadyRead()); // the device path
+
+    const Options options{.Devices = {{1, link.toStdString()}}};
+    for (const char* timeout : {"100", "150"}) {
+        Program program(options);
+        program.Start();
+        QWidget* form = QApplication::topLevelWidgets().value(0);
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            form = widget->objectName() == "KavroForm" ? widget : form;
+        DialogDriver driver({{"ComPortForm",
+                              [&](QDialog& dialog) {
+                                  EXPECT_EQ(Find<QLineEdit>(dialog, "Timeout").text(), timeout);
+                                  Find<QLineEdit>(dialog, "Timeout").setText("150");
+                                  Click(dialog, "OKBtn");
+                              }},
+                             {"", [](QDialog& complete) { complete.accept(); }},
+                             {"SearchForm",
+                              [](QDialog& dialog) {
+                                  Find<QLineEdit>(dialog, "HiAddress").setText("2");
+                                  Click(dialog, "OKBtn");
+                              }},
+                             {"ExitForm", [](QDialog& dialog) { Click(dialog, "YesBtn"); }}});
+        QTimer::singleShot(0, form, [form] {
+            Trigger(*form, "mnuComPort");
+            Trigger(*form, "mnuSearch");
+            const auto& list = Find<QListWidget>(*form, "Device");
+            EXPECT_EQ(list.count(), 2);
+            EXPECT_EQ(list.item(0)->text(), "   1(01H)   8210      9600        V        +/- 2.5V        ");
+            form->close();
+        });
+        EXPECT_EQ(QApplication::exec(), 0); // ended by the exit question
+        EXPECT_TRUE(driver.Finished());
+        EXPECT_FALSE(form->isVisible());
+    }
+    QFile config(folder.filePath("kavro/COM.CFG"));
+    ASSERT_TRUE(config.open(QIODevice::ReadOnly));
+    EXPECT_EQ(config.readAll(), "150\n1\nn,8,1\n9600\n");
+    EXPECT_TRUE(QFile::exists(folder.filePath("admin.map")));
+    simulator.terminate();
+    simulator.waitForFinished();
+    EXPECT_FALSE(QFile::exists(link));
+}
+
+} // namespace
+} // namespace kavro

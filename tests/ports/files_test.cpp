@@ -1,0 +1,154 @@
+#include "ports/line_file.h"
+#include "ports/replace_file.h"
+#include "ports/settings_folder.h"
+#include "support/failure_text.h"
+
+#include <QTemporaryDir>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include <sys/resource.h>
+
+namespace kavro {
+namespace {
+
+namespace fs = std::filesystem;
+
+class ReplaceFileTest : public testing::Test {
+protected:
+    static std::string Content(const fs::path& path) {
+        std::ostringstream text;
+        text << std::ifstream(path).rdbuf();
+        return text.str();
+    }
+
+    static std::ptrdiff_t Entries(const fs::path& folder) {
+        return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
+    }
+
+    QTemporaryDir Temporary;
+    fs::path Folder = Temporary.path().toStdString();
+};
+
+TEST_F(ReplaceFileTest, MakesFoldersKeepsRightsAndFollowsLinks) {
+    const fs::path file = Folder / "new" / "f\xc3\xbcr" / "COM.CFG";
+    ReplaceFile(file, "100\n2\n");
+    EXPECT_EQ(Content(file), "100\n2\n");
+    fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
+    fs::create_symlink(file, Folder / "link");
+    ReplaceFile(Folder / "link", "");
+    EXPECT_TRUE(fs::is_symlink(Folder / "link"));
+    EXPECT_EQ(Content(file), "");
+    EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_EQ(Entries(file.parent_path()), 1);
+}
+
+TEST_F(ReplaceFileTest, WhatCannotBeReplaced) {
+    std::ofstream(Folder / "file") << "old";
+    fs::create_directory(Folder / "folder");
+    for (const fs::path& path : {Folder / "folder", Folder / "file" / "below", fs::path("/dev/null")})
+        EXPECT_TRUE(Contains(FailureText([&] { ReplaceFile(path, "new"); }), path.string()));
+    EXPECT_EQ(Content(Folder / "file"), "old");
+    EXPECT_TRUE(fs::is_directory(Folder / "folder"));
+    EXPECT_TRUE(fs::is_character_file("/dev/null"));
+}
+
+TEST_F(ReplaceFileTest, FullDiskLeavesTheOldFileWhole) {
+    const fs::path file = Folder / "admin.map";
+    ReplaceFile(file, "old");
+    // A limit on the size of files makes writing fail as a full disk does.
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit small = {100'000, before.rlim_max};
+    const auto ignoring = std::signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &small);
+    const std::string told = FailureText([&] { ReplaceFile(file, std::string(1'000'000, 'x')); });
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, ignoring);
+    EXPECT_TRUE(Contains(told, file.string()));
+    EXPECT_EQ(Content(file), "old");
+    EXPECT_EQ(Entries(Folder), 1); // nothing half-written stays behind
+}
+
+TEST(SettingsFolder, FollowsTheDesktopRules) {
+    const QByteArray before = qgetenv("XDG_CONFIG_HOME");
+    const std::string home = qgetenv("HOME").toStdString() + "/.config/kavro/";
+    for (const auto& [value, folder] :
+         {std::pair{"/etc/own/", std::string("/etc/own/kavro/")}, {"", home}, {"relative", home}}) {
+        qputenv("XDG_CONFIG_HOME", value);
+        EXPECT_EQ(ConfigFilePath(false), folder + "COM.CFG");
+        EXPECT_EQ(PortsFilePath(true), folder + "demo/ports.ini");
+    }
+    qputenv("XDG_CONFIG_HOME", before);
+}
+
+class LineFileTest : public testing::Test {
+protected:
+    SimulatedLine Read(const std::string& text) {
+        std::ofstream(Path) << text;
+        return ReadLineFile(Path);
+    }
+
+    QTemporaryDir Folder;
+    std::string Path = Folder.filePath("json").toStdString();
+};
+
+TEST_F(LineFileTest, ReadsEveryKey) {
+    const SimulatedLine line = Read(R"({"seed": 4294967295, "faults": {"noise": true, "slowCharacters": 3},
+        "modules": [{"model": "8250", "address": 3, "baud": 19200, "checksum": true, "initialisation": true,
+                     "range": "0a", "format": 2, "revision": "B7", "faults": {"delay": 50, "refuse": true,
+                     "silent": true, "wrongChecksum": true, "noCarriageReturn": true, "unplugged": true}},
+                    {"address": 255, "model": "8610"}]})");
+    EXPECT_TRUE(line.LineFaults.Noise);
+    EXPECT_EQ(line.LineFaults.SlowCharacterMs, 3);
+    const ModuleSettings& first = line.ModuleAt(3).Settings;
+    EXPECT_EQ(std::tuple(first.Baud, first.TypeCode, first.DataFormat), std::tuple(19200, 0x0A, 2));
+    EXPECT_TRUE(first.Checksum && first.Initialisation);
+    EXPECT_EQ(first.Revision, "B7");
+    const Faults& faults = line.ModuleAt(3).OwnFaults;
+    EXPECT_EQ(faults.DelayMs, 50);
+    EXPECT_TRUE(faults.Refuse && faults.Silent && faults.WrongChecksum && faults.NoCarriageReturn);
+    EXPECT_TRUE(faults.Unplugged);
+    EXPECT_EQ(line.ModuleAt(255).Hear("$FF2", 9600, 0), "!FF00668003") << "factory settings, own class";
+}
+
+TEST_F(LineFileTest, SaysWhatIsWrongAndWhere) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"{\"modules\":\n[}", "it is not JSON at offset 14 (line 2): "},
+        {"", "it is not JSON at offset 0 (line 1): "},
+        {"[]", "it must hold one object"},
+        {"{}", "it lacks the key \"modules\"."},
+        {R"({"modules": {}})", "modules must be a list"},
+        {R"({"modules": [], "sed": 1})",
+         "The line has the unknown key \"sed\"; known are modules, faults, seed."},
+        {R"({"modules": [], "seed": -1})", "seed must be a whole number from 0 to 4294967295."},
+        {R"({"modules": [], "faults": {"delay": 1.5}})", "faults.delay must be a whole number"},
+        {R"({"modules": [], "faults": {"silent": 1}})", "faults.silent must be true or false."},
+        {R"({"modules": [7]})", "modules[0] must be an object"},
+        {R"({"modules": [{"address": 1}]})", "modules[0] lacks the key \"model\"."},
+        {R"({"modules": [{"model": "8250"}]})", "modules[0] lacks the key \"address\"."}};
+    const std::pair<const char*, const char*> moduleCases[] = {
+        {R"("8250", "address": 256)", "address must be a whole number from 0 to 255."},
+        {R"("8250", "address": -1)", "address must be"},
+        {R"("82\r", "address": 1)", "model must be a text"},
+        {R"(8250, "address": 1)", "model must be a text"},
+        {R"("8250", "address": 1, "baud": 14400)", "baud must be one of"},
+        {R"("8250", "address": 1, "range": "+8")", "range must be two"},
+        {R"("8250", "address": 1, "format": 4)", "format must be"},
+        {R"("8250", "address": 1, "faults": [])", "faults must be an object"}};
+    const auto expect = [this](const std::string& text, const std::string& told) {
+        EXPECT_TRUE(Contains(FailureText([&] { Read(text); }), "\"" + Path + "\" cannot be used: " + told));
+    };
+    for (const auto& [text, told] : cases)
+        expect(text, told);
+    for (const auto& [text, told] : moduleCases)
+        expect("{\"modules\": [{\"model\": \"8250\", \"address\": 1}, {\"model\": " + std::string(text) +
+                   "}]}",
+               std::string("modules[1].") + told);
+}
+
+} // namespace
+} // namespace kavro

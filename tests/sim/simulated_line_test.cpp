@@ -1,0 +1,237 @@
+#include "sim/alarm_input_module.h"
+#include "sim/analog_input_module.h"
+#include "sim/converter_module.h"
+#include "sim/counter_module.h"
+#include "sim/digital_module.h"
+#include "sim/module_factory.h"
+#include "sim/readings.h"
+#include "sim/simulated_port.h"
+#include "sim/virtual_clock.h"
+#include "support/failure_text.h"
+
+#include <sstream>
+
+namespace kavro {
+namespace {
+
+constexpr const char* Silence = "(silence)";
+
+std::string Reply(SimulatedModule& module, std::string_view line, int baud = 9600) {
+    return module.Hear(line, baud, 0).value_or(Silence);
+}
+
+/// A script of "command reply,command reply" with the replies that the module really gives.
+std::string Played(SimulatedModule& module, const std::string& script) {
+    std::istringstream steps(script);
+    std::string played;
+    for (std::string command, reply; std::getline(steps, command, ' ') && std::getline(steps, reply, ',');)
+        played += (played.empty() ? "" : ",") + command + " " + Reply(module, command);
+    return played;
+}
+
+TEST(SimulatedModule, AnswersEachCommandOfItsFamily) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"8250",
+         "$052 !05080600,$05M !058250,$05F !05A1.0,$056 !05FF,#050 >-03.157,#058 ?05,#05 ?05,$059 ?05,"
+         "@05RL ?05,$05 ?05,$052\n ?05,$062 (silence),$0 (silence), (silence),!052 (silence)"},
+        {"8230", "$056 !0507,#053 ?05"},
+        {"8210", "#05 >-0.7893,@05RL !05-2.0000,@05RH !05+2.0000,@05DI !0500000,$053 ?05"},
+        {"8220", "@05RL !05-16.000"},
+        {"8240", "$053 !05+0123,$055 !0505"},
+        {"8310", "$052 !05300600,~05CR ?05"},
+        {"8320", "~05CR !0500"},
+        {"8490", "$052 !05400600,~05CR !0500"},
+        {"8510", "$052 !05500600,$05B !050,$05A !052,$055 !0500,$053 !05FFFFFFFF,@05G !05FFFFFFFF,$054 !050,"
+                 "$050H !050010,$050L !050010,$051H !0524,$051L !0508,@05DI !0500,"
+                 "@05RP !050000000000000000,@05RA !05FFFFFFFFFFFFFFFF"},
+        {"8610", "$052 !0500668003"},
+        {"8999", "$052 !05000600,$05M !058999,#05 ?05"}};
+    for (const auto& [model, script] : cases)
+        EXPECT_EQ(Played(*MakeModule(model, 5), script), script) << model;
+}
+
+TEST(SimulatedModule, ReportsWhatItIsSetTo) {
+    const auto expect = [](SimulatedModule& module, const std::string& script) {
+        EXPECT_EQ(Played(module, script), script);
+    };
+    AlarmInputModule alarm(FactorySettings("8240"));
+    alarm.AlarmMode = 2;
+    alarm.DigitalOutputs = 0x0A;
+    alarm.DigitalInputs = 0x3;
+    alarm.SignedSetting = -42;
+    expect(alarm, "@01DI !0120A03,$013 !01-0042");
+
+    DigitalModule digital(FactorySettings("8410"));
+    digital.OutputInverted = true;
+    expect(digital, "~01CR !0110"); // output polarity first
+
+    AnalogInputModule analog(FactorySettings("8250"));
+    analog.EnabledMask = 0xFB;
+    expect(analog, "$016 !01FB,#012 ?01");
+
+    CounterModule counter(FactorySettings("8510"));
+    counter.Counters[0] = {.Started = true, .MaximumCount = 100000, .InitialCount = 1};
+    counter.Counters[1] = {.MaximumCount = 255, .InitialCount = 2, .AlarmEnabled = true, .AlarmLimit = 16};
+    counter.LongGateTime = true;
+    expect(counter, "$012 !01500604,$015 !0110,$013 !01000186A0,@01G !01000000FF,@01DI !0101,"
+                    "@01RP !010000000100000002,@01RA !01FFFFFFFF00000010");
+
+    ConverterModule converter(FactorySettings("8620"));
+    converter.SecondBaud = 57600;
+    converter.Rs485 = false;
+    converter.Setting13 = converter.Setting8 = true;
+    converter.Parity = 3;
+    converter.StopBits = 1;
+    expect(converter, "$012 !0100A6211F");
+}
+
+TEST(SimulatedModule, HearsItsOwnBaudRateOnly) {
+    EXPECT_THROW(MakeModule("8250", 1, 14400), RuntimeFailure);
+    const std::pair<int, const char*> codes[] = {{1200, "03"},  {2400, "04"},  {4800, "05"},   {9600, "06"},
+                                                 {19200, "07"}, {38400, "08"}, {115200, "09"}, {57600, "0A"}};
+    for (const auto& [baud, code] : codes)
+        for (const auto& [spoken, unused] : codes)
+            EXPECT_EQ(Reply(*MakeModule("8250", 1, baud), "$012", spoken),
+                      spoken == baud ? std::string("!0108") + code + "00" : Silence);
+}
+
+TEST(SimulatedModule, HearsAndSendsOnlyGoodChecksums) {
+    const auto module = MakeModule("8250", 1, 9600, true);
+    EXPECT_EQ(Reply(*module, "$012B7"), "!01080640B4");
+    for (const char* line : {"$012", "$012B8", "$012b7", "$012B7B7", "", "7"})
+        EXPECT_EQ(Reply(*module, line), Silence) << line;
+    EXPECT_EQ(module->Hear("$012B7", 9600, 0, {.WrongChecksum = true}), "!01080640B5");
+}
+
+TEST(Readings, AreWrittenInTheirRangeAndFormat) {
+    const std::tuple<double, int, int, const char*> cases[] = {
+        {5.1234, 0x08, 0, "+05.123"}, {-0.5, 0x08, 0, "-00.500"},  {1.25, 0x05, 0, "+1.2500"},
+        {12.34, 0x0F, 0, "+0012.3"},  {-99.5, 0x20, 0, "-099.50"}, {7, 0x50, 0, "+00007"},
+        {-5, 0x08, 1, "-050.00"},     {10, 0x08, 2, "7FFF"},       {-10, 0x08, 2, "8001"},
+        {100, 0x20, 3, "+138.50"},    {42, 0x2A, 3, "+042.00"}};
+    for (const auto& [value, code, format, text] : cases)
+        EXPECT_EQ(ReadingText(value, ShapeOf(code), format), text);
+}
+
+constexpr const char* Question = "$012\r";
+constexpr const char* Answer = "!01080600\r";
+
+/// A port on a line with one 8250 at address 1, 9600 baud, on a virtual clock.
+class SimulatedPortTest : public testing::Test {
+protected:
+    SimulatedPortTest() { Port.PortOpen(true); }
+
+    /// Everything that comes before `milliseconds` of silence.
+    std::string Receive(int milliseconds = 100) {
+        std::string text;
+        while (Port.WaitForInput(milliseconds))
+            text += Port.Input();
+        return text;
+    }
+
+    std::string Exchange(const std::string& text) {
+        Port.Output(text);
+        return Receive();
+    }
+
+    VirtualClock Time;
+    SimulatedLine Line;
+    SimulatedModule& Module = Line.Add(MakeModule("8250", 1));
+    SimulatedPort Port{Line, Time};
+};
+
+TEST_F(SimulatedPortTest, CharactersTakeTheirTime) {
+    // 5 characters out, 2 ms to turn around, 10 characters back, 10 bits each.
+    for (const auto& [settings, first, last] :
+         {std::tuple{"1200,n,8,1", 51'999, 126'999}, std::tuple{"115200,n,8,1", 2'520, 3'302}}) {
+        Module.Settings.Baud = std::stoi(settings);
+        Port.Settings(settings);
+        const std::int64_t start = Time.Microseconds();
+        Port.Output(Question);
+        ASSERT_TRUE(Port.WaitForInput(100));
+        EXPECT_EQ(Time.Microseconds() - start, first);
+        EXPECT_EQ(Port.InBufferCount(), 1);
+        Time.SleepUntil(start + last - 1);
+        EXPECT_EQ(Port.InBufferCount(), 9);
+        EXPECT_EQ(Receive().size(), 10U);
+        EXPECT_EQ(Time.Microseconds() - start, last + 100'000);
+    }
+}
+
+TEST_F(SimulatedPortTest, CommandsMayComeInPiecesOrTogether) {
+    EXPECT_EQ(Exchange("$0"), "");
+    EXPECT_EQ(Exchange("12\r"), Answer);
+    EXPECT_EQ(Exchange("$012\r$022\r$01M\r"), std::string(Answer) + "!018250\r");
+    Line.Add(MakeModule("8310", 1));
+    EXPECT_EQ(Exchange("$01M\r"), "!!001188235100\r\r") << "two at one address talk into each other";
+    EXPECT_EQ(Exchange(std::string(100'000, 'x') + "\r"), "") << "an endless line is nobody's command";
+}
+
+TEST_F(SimulatedPortTest, EmptyingTheBufferKeepsALateReply) {
+    Line.LineFaults.DelayMs = 500;
+    EXPECT_EQ(Exchange(Question), "");
+    Port.EmptyInBuffer();
+    EXPECT_EQ(Receive(1000), Answer);
+    Port.Output(Question);
+    Time.Sleep(1000);
+    Port.EmptyInBuffer();
+    EXPECT_EQ(Receive(), "");
+}
+
+TEST_F(SimulatedPortTest, FaultsOfModuleAndLine) {
+    const std::tuple<Faults, int, const char*> cases[] = {
+        {{.Silent = true}, -17, ""},
+        {{.DelayMs = 50}, 50, Answer},
+        {{.WrongChecksum = true}, 0, Answer}, // this module has no checksum that could be wrong
+        {{.NoCarriageReturn = true}, -1, "!01080600"},
+        {{.SlowCharacterMs = 20}, 9 * 20, Answer},
+        {{.Refuse = true}, -6, "?01\r"},
+        {{.Silent = true, .DelayMs = 50}, -17, ""}};
+    for (Faults* place : {&Line.LineFaults, &Module.OwnFaults})
+        for (const auto& [fault, moreMs, reply] : cases) {
+            *place = fault;
+            const std::int64_t start = Time.Microseconds();
+            EXPECT_EQ(Exchange(Question), reply);
+            EXPECT_NEAR(static_cast<double>(Time.Microseconds() - start) / 1000, 117.6 + moreMs, 1.1);
+            *place = {};
+        }
+    Line.LineFaults.DelayMs = Module.OwnFaults.DelayMs = 60;
+    EXPECT_EQ(Exchange(Question), "") << "delays add up";
+}
+
+TEST_F(SimulatedPortTest, NoiseDependsOnTheSeedAlone) {
+    Line.LineFaults.Noise = true;
+    const auto noisy = [this](std::uint32_t seed) {
+        Line.SetSeed(seed);
+        std::string text;
+        for (int i = 0; i < 20; ++i)
+            text += Exchange(Question);
+        return text;
+    };
+    EXPECT_EQ(noisy(7), noisy(7));
+    EXPECT_NE(noisy(7), noisy(8));
+    EXPECT_TRUE(Contains(noisy(7), Answer));
+    EXPECT_LT(std::ranges::count(noisy(7), '\r'), 20) << "now and then noise comes instead of a reply";
+}
+
+TEST_F(SimulatedPortTest, AnUnpluggedLineIsToldOnce) {
+    const auto wait = [this] { Port.WaitForInput(100); };
+    const auto open = [this] { Port.PortOpen(true); };
+    Port.Output(Question);
+    Line.Unplug();
+    EXPECT_TRUE(Contains(FailureText(wait), "The simulated line is unplugged."));
+    EXPECT_FALSE(Port.PortOpen());
+    EXPECT_TRUE(Contains(FailureText(wait), "The port is not open."));
+    EXPECT_TRUE(Contains(FailureText(open), "The simulated line is unplugged."));
+    Line.Plug();
+    open();
+    EXPECT_EQ(Receive(), "") << "nothing of before is left";
+    EXPECT_EQ(Exchange(Question), Answer);
+
+    Line.Unplug();
+    Line.Plug();
+    EXPECT_TRUE(Contains(FailureText(wait), "The simulated line is unplugged.")) << "it was gone meanwhile";
+}
+
+} // namespace
+} // namespace kavro

@@ -1,0 +1,194 @@
+#include "terminal/command_runner.h"
+
+#include "support/failure_text.h"
+#include "support/test_session.h"
+#include "terminal/batch_control.h"
+#include "terminal/test_folder.h"
+
+#include <gtest/gtest.h>
+
+namespace kavro {
+namespace {
+
+// A runner on COM1 at 9600 baud, with the module 31 at 19200, that writes down what it does.
+struct Console {
+    Console()
+        : Runner(Test.Session,
+                 {.CheckSumEnable = [this] { return Checksum; },
+                  .Log = [this](const std::string& text) { Test.Log.push_back("log " + text); },
+                  .Show = [this](const std::string& command,
+                                 const std::string& reply) { Shown.emplace_back(command, reply); },
+                  .Progress = [this](const RunProgress& progress) { Progress.push_back(progress); },
+                  .Yield = [this] { OnYield(); }}),
+          Control(Runner, [this] { Buttons.push_back(Control.Buttons()); }) {
+        Test.Session.ModuleTable[0].Address = 31;
+        Test.Session.ModuleTable[0].BaudCode = 4;
+        Test.Session.ModuleCount = 1;
+        Test.Session.Line.SetPortBaud(1, 3, 0, 0, 0);
+        Test.Log.clear();
+    }
+
+    void Choose(const std::string& content) { Control.Choose(Folder.Write("batch", content)); }
+
+    // Milliseconds that an operation takes.
+    template <class Operation>
+    std::int64_t Cost(Operation operation) {
+        const auto start = Test.Time.GetTickCount();
+        operation();
+        return Test.Time.GetTickCount() - start;
+    }
+
+    TestFolder Folder;
+    ScriptedSession Test;
+    std::int16_t Checksum = 0;
+    std::function<void()> OnYield = [] {};
+    std::vector<std::pair<std::string, std::string>> Shown;
+    std::vector<RunProgress> Progress;
+    std::vector<BatchButtons> Buttons;
+    CommandRunner Runner;
+    BatchControl Control;
+};
+
+constexpr BatchButtons Chosen = {.Run = true, .Step = true, .Display = true, .Repeat = true};
+constexpr BatchButtons Stepped = {.Run = true, .Step = true, .Display = true, .GoTop = true, .Repeat = true};
+constexpr BatchButtons SteppedToEnd = {.Display = true, .GoTop = true, .Repeat = true};
+
+TEST(CommandRunner, SendsTypedCommands) {
+    const struct {
+        const char* Command;
+        std::int16_t Checksum;
+        const char* Reply;
+        const char* Bytes;
+        const char* Shown;
+        bool Good;
+    } cases[] = {
+        {"$012", 0, "!01\r", "$012\r", "!01", true},
+        {"$012", 1, "!0182\r", "$012B7\r", "!01", true},
+        {"$012", 1, "!0183\r", "$012B7\r", "!0183", false}, // shown with its checksum characters
+        {"$002", 1, "!00\r", "$002\r", "!00", true},
+        {"", 0, "", "\r", "", false},
+        {"", 1, "", "00\r", "", false},
+        {"~", 1, "", "~7E\r", "", false},
+    };
+    for (const auto& c : cases) {
+        Console console;
+        console.Checksum = c.Checksum;
+        console.Test.Port().Queue = {{c.Reply}};
+        const auto cost = console.Cost([&] { console.Runner.SendTyped(c.Command); });
+        EXPECT_EQ(console.Test.Port().LastOutput, c.Bytes);
+        EXPECT_EQ(console.Shown.at(0), std::make_pair(std::string(c.Command), std::string(c.Shown)));
+        EXPECT_EQ(console.Test.Session.Line.ReplyStatus, c.Good ? -1 : 0) << c.Command;
+        EXPECT_EQ(cost, *c.Reply ? 0 : 400) << c.Command; // the long time-out
+        EXPECT_EQ(console.Test.Log.at(0), std::string("log ") + c.Command);
+    }
+}
+
+TEST(CommandRunner, RepeatsACommand) {
+    Console console;
+    console.Checksum = 1;
+    console.Test.Session.RepeatCommandText = FixedText("$00abcdefghijklmnopq", RepeatCommandWidth);
+    console.Test.Port().Queue = {{"!0081\r"}, {}};
+    EXPECT_EQ(console.Cost([&] { console.Runner.Repeat(); }), 0); // no count yet
+    console.Test.Session.RepeatCommandCount = 2;
+    EXPECT_EQ(console.Cost([&] { console.Runner.Repeat(); }), 100 + 400 + 100);
+    // To address 00 with checksum, unlike a typed command.
+    const std::string sent = "COM1 9600 $00abcdefghijklm" + ChecksumOf("$00abcdefghijklm");
+    EXPECT_EQ(console.Test.Log, (Lines{"log $00abcdefghijklm", sent, "log $00abcdefghijklm", sent}));
+    EXPECT_EQ(console.Shown.at(0).second, "!00");
+    EXPECT_EQ(console.Progress, (std::vector<RunProgress>{{1, 1, 1, 2}, {1, 1, 2, 2}}));
+}
+
+TEST(BatchControl, RunsPassByPass) {
+    Console console;
+    console.Choose("$012\r\n\r\n$1F2");
+    EXPECT_EQ(console.Control.Buttons(), Chosen);
+    console.Test.Session.BatchRepeatCount = 2;
+    console.Buttons.clear();
+    const Lines pass = {"log $012",       "COM1 9600 $012", "log ",
+                        "COM1 9600 ",     "log $1F2",       "COM1 settings 19200,n,8,1",
+                        "COM1 19200 $1F2"};
+    Lines twice = pass;
+    twice.insert(twice.end(), pass.begin(), pass.end());
+    twice.insert(twice.begin() + 8, "COM1 settings 9600,n,8,1");
+    // Every line: no reply and a pause; three changes of the baud rate; a pause after each pass.
+    EXPECT_EQ(console.Cost([&] { console.Control.Run(); }), 6 * 500 + 3 * 1000 + 2 * 100);
+    EXPECT_EQ(console.Test.Log, twice);
+    EXPECT_EQ(console.Buttons, (std::vector<BatchButtons>{{.Stop = true}, Chosen}));
+    EXPECT_EQ(console.Progress.size(), 6u);
+    EXPECT_EQ(console.Progress[4], (RunProgress{2, 2, 2, 3}));
+
+    console.Test.Session.BatchRepeatCount = 0;
+    console.Test.Log.clear();
+    EXPECT_EQ(console.Cost([&] { console.Control.Run(); }), 0);
+    EXPECT_TRUE(console.Test.Log.empty());
+    EXPECT_EQ(console.Control.Buttons(), Chosen);
+}
+
+TEST(BatchControl, StepsRunsAndRewinds) {
+    Console console;
+    console.Checksum = 1;
+    console.Choose("$002\n$012\n$022\n");
+    const auto sent = [&] { return console.Shown.empty() ? std::string() : console.Shown.back().first; };
+    const auto step = [&](const char* command, const BatchButtons& buttons, int next) {
+        EXPECT_EQ(console.Cost([&] { console.Control.Step(); }), 400); // no pause
+        EXPECT_EQ(sent(), command);
+        EXPECT_EQ(console.Control.Buttons(), buttons);
+        EXPECT_EQ(console.Control.BatchLineNumber(), next);
+    };
+    step("$002", Stepped, 2);
+    EXPECT_EQ(console.Test.Port().LastOutput, "$002B6\r"); // with checksum, unlike a typed command
+    step("$012", Stepped, 3);
+
+    Lines shown;
+    console.Control.Display([&](BatchFile& file) {
+        while (!file.AtEnd())
+            shown.push_back(file.ReadLine());
+    });
+    EXPECT_EQ(shown, (Lines{"$002", "$012", "$022"}));
+    step("$022", SteppedToEnd, 4);
+    console.Shown.clear();
+    console.Control.Step(); // nothing is left
+    EXPECT_TRUE(console.Shown.empty());
+    EXPECT_EQ(console.Control.Buttons(), SteppedToEnd);
+
+    console.Control.GoTop();
+    EXPECT_EQ(console.Control.Buttons(), Chosen);
+    step("$002", Stepped, 2);
+    console.Shown.clear();
+    console.Buttons.clear();
+    console.Control.Run();
+    EXPECT_EQ(console.Shown.size(), 3u);
+    EXPECT_EQ(console.Buttons, (std::vector<BatchButtons>{{.Stop = true, .GoTop = true}, Stepped}));
+    step("$002", Stepped, 2);
+}
+
+TEST(BatchControl, StopEndsARunOfAnEmptyFile) {
+    Console console;
+    console.Choose("");
+    console.Test.Session.BatchRepeatCount = 32767;
+    console.OnYield = [&] { console.Runner.Stop(); };
+    EXPECT_EQ(console.Cost([&] { console.Control.Run(); }), 100);
+    EXPECT_EQ(console.Control.Buttons(), Chosen);
+}
+
+TEST(BatchControl, GoesOnAfterALostPort) {
+    Console console;
+    console.Choose("$012\n$022\n$032\n");
+    console.Control.Step();
+    console.Test.Port().OutputsUntilFailure = 0;
+    EXPECT_NE(FailureText([&] { console.Control.Step(); }), "");
+    console.Test.Port().OutputsUntilFailure = 1;
+    console.Test.Port().PortOpen(true);
+    console.Control.Step(); // the line that could not be sent
+    EXPECT_EQ(console.Shown.back().first, "$022");
+
+    EXPECT_NE(FailureText([&] { console.Control.Run(); }), "");
+    EXPECT_EQ(console.Control.Buttons(), Stepped);
+    console.Test.Port().OutputsUntilFailure = 1;
+    console.Test.Port().PortOpen(true);
+    console.Control.Step();
+    EXPECT_EQ(console.Shown.back().first, "$012");
+}
+
+} // namespace
+} // namespace kavro

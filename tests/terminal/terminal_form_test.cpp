@@ -1,0 +1,330 @@
+#include "terminal/terminal_form.h"
+
+#include "support/form_driver.h"
+#include "support/test_session.h"
+#include "terminal/batch_file.h"
+#include "terminal/console_form.h"
+#include "terminal/disp_batch_form.h"
+#include "terminal/repeat_cmd_form.h"
+#include "terminal/repeat_form.h"
+#include "terminal/test_folder.h"
+
+#include <QCheckBox>
+#include <QClipboard>
+#include <QFileDialog>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+
+#include <gtest/gtest.h>
+
+namespace kavro {
+namespace {
+
+// The form on a scripted COM1, whose modules do not answer unless told to.
+struct Terminal {
+    Terminal() {
+        // An exit that an earlier test asked for would end every dialog at once.
+        QTimer::singleShot(0, qApp, [] { QApplication::quit(); });
+        QApplication::exec();
+        QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+        Test.Session.Line.SetPortBaud(1, 3, 0, 0, 0);
+        Test.Log.clear();
+        Test.Session.Line.SettingsOf(1).StopBits = 2;
+        Test.Session.Line.SettingsOf(1).Parity = 9; // leaves its label as designed
+        Form = std::make_unique<TerminalForm>(Test.Session, Test.Messages, nullptr);
+        Form->show();
+    }
+
+    QLineEdit& CmdText() { return Find<QLineEdit>(*Form, "CmdText"); }
+    QString Shown() { return static_cast<ConsoleView&>(Find<QWidget>(*Form, "Terminal")).ShownText(); }
+
+    void Enter(const QString& command) {
+        CmdText().setText(command);
+        Type(CmdText(), "\r");
+    }
+
+    // Presses a button that shows a file chooser, and picks a file there; an empty path cancels.
+    void Choose(const QString& button, const std::string& path) {
+        DialogDriver driver(
+            {{"FileDialog", [&](QDialog& dialog) {
+                  auto& chooser = static_cast<QFileDialog&>(dialog);
+                  EXPECT_EQ(chooser.windowTitle(), button == "LogDialogBtn" ? "Log File" : "Batch File");
+                  chooser.setOption(QFileDialog::DontConfirmOverwrite);
+                  Find<QLineEdit>(chooser, "fileNameEdit").setText(QString::fromStdString(path));
+                  path.empty() ? dialog.reject() : dialog.accept();
+              }}});
+        Click(*Form, button);
+        EXPECT_TRUE(driver.Finished());
+    }
+
+    void ChooseBatch(const std::string& content) { Choose("BatchDialogBtn", Folder.Write("batch", content)); }
+
+    // Repeat Command; `during` is called in its first pause.
+    void Repeat(
+        const QString& command, const QString& times, std::function<void()> during = [] {}) {
+        DialogDriver driver({{"RepeatCmdForm", [&](QDialog& dialog) {
+                                  Find<QLineEdit>(dialog, "RepeatCmd").setText(command);
+                                  Find<QLineEdit>(dialog, "RepeatTimes").setText(times);
+                                  Click(dialog, "OKBtn");
+                                  InNextPause(during);
+                              }}});
+        Click(*Form, "RepeatCmdBtn");
+        EXPECT_TRUE(driver.Finished());
+    }
+
+    // Names of the batch buttons that are enabled.
+    QStringList Enabled() {
+        QStringList enabled;
+        for (const char* name :
+             {"RunBatchBtn", "StepBatchBtn", "StopBatchBtn", "DisplayBatchBtn", "GoTopBtn", "RepeatBtn"})
+            if (Find<QAbstractButton>(*Form, name).isEnabled())
+                enabled << QString(name).remove("Batch").remove("Btn");
+        return enabled;
+    }
+
+    // Does something the next time events run in a pause.
+    void InNextPause(std::function<void()> act) { QTimer::singleShot(0, Form.get(), std::move(act)); }
+
+    TestFolder Folder;
+    ScriptedSession Test;
+    std::unique_ptr<TerminalForm> Form;
+};
+
+const QStringList Chosen = {"Run", "Step", "Display", "Repeat"};
+
+TEST(TerminalForm, ShowsThePortAndTheModulesChecksum) {
+    Terminal terminal;
+    EXPECT_EQ(terminal.Form->windowTitle(), "Terminal Emulation");
+    const std::pair<const char*, const char*> labels[] = {
+        {"ComPort", "COM1"}, {"DataBits", "8"}, {"StopBits", "2"}, {"Parity", "None"}};
+    for (const auto& [name, text] : labels)
+        EXPECT_EQ(Find<QLabel>(*terminal.Form, name).text(), text);
+    EXPECT_FALSE(Find<QCheckBox>(*terminal.Form, "CheckSumEnable").isChecked());
+    EXPECT_TRUE(terminal.Enabled().isEmpty());
+
+    terminal.Test.Session.SelectedModule = 4;
+    terminal.Test.Session.ModuleTable[4].Checksum = 1;
+    terminal.Test.Session.BatchRepeatCount = 7;
+    const TerminalForm second(terminal.Test.Session, terminal.Test.Messages, nullptr);
+    EXPECT_TRUE(second.findChild<QCheckBox*>("CheckSumEnable")->isChecked());
+    EXPECT_EQ(terminal.Test.Session.BatchRepeatCount, 1);
+}
+
+TEST(TerminalForm, SendsWhatIsTyped) {
+    Terminal terminal;
+    terminal.Test.Port().Queue = {{"!01\n~\x7F\xE9\r"}, {}};
+    terminal.Enter("$012");
+    EXPECT_EQ(terminal.Test.Port().LastOutput, "$012\r");
+    EXPECT_EQ(terminal.CmdText().text(), "");
+    const int row = terminal.CmdText().y();
+    terminal.Enter("$022");
+    EXPECT_EQ(terminal.Shown(), ">$012\n!01<0A>~<7F><E9>\n>$022\n");
+    EXPECT_EQ(terminal.CmdText().y(), 2 * row);
+    for (const char* again : {"$022", " "}) // not recalled twice, and not at all
+        terminal.Enter(again);
+
+    // Recall, copy, and what cannot be sent.
+    for (const auto& [key, text] :
+         {std::pair(Qt::Key_Up, "$022"), std::pair(Qt::Key_Up, "$012"), std::pair(Qt::Key_Up, "$012"),
+          std::pair(Qt::Key_Down, "$022"), std::pair(Qt::Key_Down, "")}) {
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+        QApplication::sendEvent(&terminal.CmdText(), &press);
+        EXPECT_EQ(terminal.CmdText().text(), text);
+    }
+    QKeyEvent copy(QEvent::KeyPress, Qt::Key_C, Qt::ControlModifier);
+    QApplication::sendEvent(&terminal.CmdText(), &copy);
+    EXPECT_EQ(QApplication::clipboard()->text(), terminal.Shown());
+    const auto sent = terminal.Test.Log.size();
+    for (const QString& text : {QString("$01\n$02"), QString(QChar(0x20AC))})
+        terminal.Enter(text);
+    EXPECT_EQ(terminal.Test.Log.size(), sent);
+    EXPECT_EQ(terminal.Test.Messages.Shown.size(), 2u);
+    EXPECT_EQ(WireText("\r\n$012\u2028"), "$012");
+
+    terminal.Test.Port().PortOpen(false);
+    terminal.Enter("$032");
+    EXPECT_EQ(terminal.Test.Messages.Shown.size(), 3u);
+    EXPECT_EQ(terminal.CmdText().text(), "$032"); // to be sent again
+}
+
+TEST(TerminalForm, DoesOneThingAtATime) {
+    Terminal terminal;
+    terminal.ChooseBatch("$FF2\n");
+    QString progress;
+    terminal.Repeat("$012", "2", [&] {
+        progress = Find<QLabel>(*terminal.Form, "Progress").text();
+        terminal.Enter("$FF2");
+        for (const char* button :
+             {"RepeatCmdBtn", "RunBatchBtn", "StepBatchBtn", "DisplayBatchBtn", "RepeatBtn", "LogDialogBtn"})
+            Click(*terminal.Form, button);
+    });
+    EXPECT_EQ(terminal.Test.Log, (Lines{"COM1 9600 $012", "COM1 9600 $012"}));
+    EXPECT_EQ(progress, "Command 1 of 2");
+    EXPECT_EQ(Find<QLabel>(*terminal.Form, "Progress").text(), "");
+    EXPECT_EQ(terminal.Test.Session.RepeatCommandText, FixedText("$012", 16));
+}
+
+TEST(TerminalForm, LogsBeforeSending) {
+    Terminal terminal;
+    auto& enabled = Find<QCheckBox>(*terminal.Form, "LogToFile");
+    auto& name = Find<QLineEdit>(*terminal.Form, "LogFileName");
+    enabled.click();
+    terminal.Enter("$012"); // without a name nothing is logged
+    terminal.Choose("LogDialogBtn", terminal.Folder.Write("log", "old"));
+    EXPECT_EQ(terminal.Folder.Read("log"), "");
+    terminal.Enter(" $022 ");
+    terminal.Repeat("$032", "1");
+    terminal.ChooseBatch(" $042\n");
+    Click(*terminal.Form, "StepBatchBtn");
+    terminal.Test.Port().OutputsUntilFailure = 0;
+    terminal.Enter("$052");
+    EXPECT_EQ(terminal.Folder.Read("log"), "$022\n$032\n$042\n$052\n");
+    EXPECT_EQ(terminal.Test.Messages.Shown.size(), 1u);             // the port
+    terminal.Choose("BatchDialogBtn", terminal.Folder.Path("log")); // in use
+    EXPECT_EQ(terminal.Test.Messages.Shown.at(1),
+              std::pair(std::string("Error opening file."), std::string("Error")));
+    EXPECT_TRUE(terminal.Enabled().isEmpty());
+    terminal.ChooseBatch(" $042\n");
+
+    // What cannot be opened is not told, but the box says so; the batch file is not emptied.
+    for (const std::string& path : {terminal.Folder.Path(), terminal.Folder.Path("batch")}) {
+        enabled.setChecked(false);
+        name.setText(QString::fromStdString(path));
+        enabled.click();
+        EXPECT_FALSE(enabled.isChecked()) << path;
+    }
+    EXPECT_EQ(terminal.Folder.Read("batch"), " $042\n");
+    EXPECT_EQ(terminal.Test.Messages.Shown.size(), 2u);
+}
+
+TEST(TerminalForm, TellsAFullDiskOnceAndSendsOn) {
+    Terminal terminal;
+    Find<QLineEdit>(*terminal.Form, "LogFileName").setText("/dev/full");
+    Click(*terminal.Form, "LogToFile");
+    terminal.ChooseBatch("$012\n$022\n");
+    Click(*terminal.Form, "RunBatchBtn");
+    EXPECT_EQ(terminal.Test.Log, (Lines{"COM1 9600 $012", "COM1 9600 $022"}));
+    EXPECT_EQ(terminal.Test.Messages.Shown.size(), 1u);
+    EXPECT_FALSE(Find<QCheckBox>(*terminal.Form, "LogToFile").isChecked());
+}
+
+TEST(TerminalForm, RunsABatchFileThatCanBeStopped) {
+    Terminal terminal;
+    terminal.ChooseBatch("$012\n$022\n$032\n");
+    EXPECT_EQ(terminal.Enabled(), Chosen);
+    terminal.Test.Session.BatchRepeatCount = 3;
+    QString progress;
+    terminal.InNextPause([&] {
+        EXPECT_EQ(terminal.Enabled(), QStringList("Stop"));
+        progress = Find<QLabel>(*terminal.Form, "Progress").text();
+        Click(*terminal.Form, "StopBatchBtn");
+    });
+    Click(*terminal.Form, "RunBatchBtn");
+    EXPECT_EQ(progress, "Pass 1 of 3: Command 1 of 3");
+    EXPECT_EQ(terminal.Test.Log, Lines{"COM1 9600 $012"});
+    EXPECT_EQ(terminal.Enabled(), Chosen);
+
+    terminal.Test.Port().OutputsUntilFailure = 1; // lost at the second line
+    Click(*terminal.Form, "RunBatchBtn");
+    EXPECT_EQ(terminal.Test.Messages.Shown.size(), 1u);
+    EXPECT_EQ(terminal.Enabled(), Chosen);
+
+    terminal.Choose("BatchDialogBtn", ""); // cancelled
+    EXPECT_TRUE(terminal.Enabled().isEmpty());
+}
+
+// Every way to close ends a repeat or a run after the command being awaited, and then closes the form.
+TEST(TerminalForm, ClosingEndsWhatIsGoingOn) {
+    for (const bool run : {true, false})
+        for (const bool exitButton : {true, false}) {
+            Terminal terminal;
+            terminal.ChooseBatch("$012\n$022\n");
+            const auto end = [&] {
+                exitButton ? Click(*terminal.Form, "ExitBtn") : static_cast<void>(terminal.Form->close());
+                EXPECT_TRUE(terminal.Form->isVisible()); // until it has really ended
+            };
+            if (run)
+                terminal.InNextPause(end);
+            run ? Click(*terminal.Form, "RunBatchBtn") : terminal.Repeat("$012", "9", end);
+            EXPECT_EQ(terminal.Test.Log.size(), 1u);
+            EXPECT_FALSE(terminal.Form->isVisible());
+        }
+}
+
+TEST(TerminalForm, ClosingClosesItsDialogs) {
+    Terminal terminal;
+    terminal.ChooseBatch("$012\n");
+    for (const char* button : {"RepeatCmdBtn", "RepeatBtn", "DisplayBatchBtn", "LogDialogBtn"}) {
+        terminal.Form->show();
+        QTimer::singleShot(10, terminal.Form.get(), [&] { terminal.Form->close(); });
+        Click(*terminal.Form, button);
+        EXPECT_FALSE(terminal.Form->isVisible()) << button;
+        EXPECT_EQ(QApplication::activeModalWidget(), nullptr) << button;
+    }
+    EXPECT_TRUE(terminal.Test.Log.empty());
+}
+
+TEST(RepeatForms, CheckTheNumber) {
+    const struct {
+        const char* Times;
+        bool Accepted;
+    } cases[] = {{"", false},  {" ", false}, {"32768", false}, {"-1", false},
+                 {"x", false}, {"0", true},  {"32767", true}};
+    ScriptedSession test;
+    const auto check = [&](QDialog& form, std::int16_t& result) {
+        for (const auto& c : cases) {
+            test.Messages.Shown.clear();
+            form.show();
+            Find<QLineEdit>(form, "RepeatTimes").setText(c.Times);
+            Click(form, "OKBtn");
+            EXPECT_EQ(form.isVisible(), !c.Accepted) << c.Times;
+            EXPECT_EQ(test.Messages.Shown.size(), c.Accepted ? 0u : 1u) << c.Times;
+            EXPECT_TRUE(!c.Accepted || std::to_string(result) == c.Times);
+        }
+        Find<QLineEdit>(form, "RepeatTimes").setText("2");
+        for (const auto& [button, text] : {std::pair("TimesSpin_Down", "1"), std::pair("TimesSpin_Down", "1"),
+                                           std::pair("TimesSpin_Up", "2")}) {
+            Click(form, button);
+            EXPECT_EQ(Find<QLineEdit>(form, "RepeatTimes").text(), text);
+        }
+        test.Session.RepeatCommandCount = 5;
+        form.show();
+        form.close(); // as Cancel
+        EXPECT_EQ(test.Session.RepeatCommandCount, 0);
+    };
+    test.Session.RepeatCommandText = FixedText("$012", RepeatCommandWidth);
+    RepeatCmdForm command(test.Session, test.Messages, nullptr);
+    EXPECT_EQ(Find<QLineEdit>(command, "RepeatCmd").text(), "$012");
+    check(command, test.Session.RepeatCommandCount);
+    RepeatForm batch(test.Session, test.Messages, nullptr);
+    check(batch, test.Session.BatchRepeatCount);
+    EXPECT_EQ(test.Session.BatchRepeatCount, 32767); // Cancel does not touch it
+}
+
+TEST(DispBatchForm, ShowsEveryLine) {
+    const TestFolder folder;
+    RecordedMessages messages;
+    BatchFile file;
+    const auto content = [](QDialog& form) {
+        return Find<QPlainTextEdit>(form, "BatchContent").toPlainText();
+    };
+    constexpr int Count = 100000;
+    std::string text = "\x80\n\n";
+    for (int i = 2; i < Count; ++i)
+        text += "$" + std::to_string(i) + "\r\n";
+    file.Open(folder.Write("large", text));
+    DispBatchForm large(file, messages, nullptr);
+    EXPECT_EQ(large.windowTitle(), "Batch File Content");
+    EXPECT_TRUE(content(large).startsWith("<80>\n\n$2\n")); // at once
+    EXPECT_FALSE(file.AtEnd());                             // the rest comes while the form is used
+    while (!file.AtEnd())
+        QApplication::processEvents();
+    QApplication::processEvents();
+    EXPECT_EQ(Find<QPlainTextEdit>(large, "BatchContent").document()->blockCount(), Count + 1);
+    EXPECT_TRUE(content(large).endsWith("\n$99999\n"));
+    EXPECT_TRUE(messages.Shown.empty());
+}
+
+} // namespace
+} // namespace kavro
