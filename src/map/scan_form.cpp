@@ -5,7 +5,6 @@
 #include "ui/named.h"
 
 #include <QApplication>
-#include <QCloseEvent>
 #include <QFontMetrics>
 #include <QFormLayout>
 #include <QLabel>
@@ -102,7 +101,6 @@ void ScanForm::showEvent(QShowEvent* event) {
 void ScanForm::Run() {
     elapsed_.start();
     failed_ = !Guard(messages_, [this] { search_.Run(); });
-    ended_ = true;
     accept();
 }
 
@@ -113,17 +111,8 @@ void ScanForm::StopBtn_Click() {
 }
 
 void ScanForm::reject() {
+    // The window stays until the search has really ended, so that none runs on unseen.
     StopBtn_Click();
-}
-
-void ScanForm::closeEvent(QCloseEvent* event) {
-    if (!ended_) {
-        // The window stays until the search has really ended, so that none runs on unseen.
-        StopBtn_Click();
-        event->ignore();
-        return;
-    }
-    QDialog::closeEvent(event);
 }
 
 } // namespace kavro

@@ -25,11 +25,10 @@ public:
     /// Whether the search ended by a failure, which has been told.
     bool Failed() const { return failed_; }
 
-    void reject() override; // Escape
+    void reject() override; // Escape and the close button
 
 protected:
     void showEvent(QShowEvent* event) override;
-    void closeEvent(QCloseEvent* event) override;
 
 private:
     void StopBtn_Click();
@@ -44,7 +43,6 @@ private:
     QElapsedTimer elapsed_;
     bool started_ = false;
     bool failed_ = false;
-    bool ended_ = false;
     QLabel* baud_ = nullptr;
     QLabel* address_ = nullptr;
     QLabel* timeLeft_ = nullptr;

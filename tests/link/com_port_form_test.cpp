@@ -76,6 +76,19 @@ TEST_F(ComPortFormTest, ChoosesDevices) {
     EXPECT_EQ(Devices.Saves, 1);
 }
 
+TEST_F(ComPortFormTest, CancelChangesNothing) {
+    Open();
+    Click(*Form, "ComOption_2");
+    Click(*Form, "BaudCheck_0");
+    Enter("Timeout", "500");
+    Device(1).setEditText("/dev/other");
+    const auto before = Devices.Devices;
+    Click(*Form, "CancelBtn");
+    EXPECT_EQ(std::tuple(TestLine.CurrentPort, TestLine.ReplyTimeout), std::tuple(1, 100));
+    EXPECT_EQ(TestLine.SettingsOf(1).BaudEnabled[0], 0);
+    EXPECT_EQ(Devices.Devices, before);
+}
+
 // A failure is told once, closes the dialog and leaves port, devices and time-outs as they were.
 TEST_F(ComPortFormTest, FailureLeavesEverythingAsItWas) {
     const std::function<void()> failures[] = {

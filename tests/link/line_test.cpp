@@ -101,9 +101,11 @@ TEST_F(LineTest, ReplyChecksum) {
         EXPECT_FALSE(TestLine.ReceiveReply(Reply, 1, 0, 100)) << wrong;
         EXPECT_EQ(Reply, wrong);
     }
-    Test.Port().Receive({"!0182\r"}); // not asked for: stays part of the reply
-    EXPECT_TRUE(TestLine.ReceiveReply(Reply, 0, 0, 100));
-    EXPECT_EQ(Reply, "!0182");
+    for (const std::int16_t checksumOn : std::array<std::int16_t, 3>{0, 2, -1}) {
+        Test.Port().Receive({"!0182\r"});
+        EXPECT_TRUE(TestLine.ReceiveReply(Reply, checksumOn, 0, 100));
+        EXPECT_EQ(Reply, "!0182") << "not asked for: stays part of the reply";
+    }
 }
 
 TEST_F(LineTest, Exchange) {
