@@ -40,9 +40,10 @@ THEME
     export XDG_CURRENT_DESKTOP=KDE KDE_FULL_SESSION=true KDE_SESSION_VERSION=5
 }
 
-# shot NAME: the active window, with its frame.
+# shot NAME: the active window, with its frame. Only what the documents show is kept.
 shot() {
     sleep 0.7
+    case $1 in main-window | main-window-dark | searching | com-port | terminal) ;; *) return ;; esac
     import -window "$(xdotool getactivewindow)" -frame "$shots/$1.png"
 }
 
@@ -58,7 +59,6 @@ round() {
     sleep 3
     press ctrl+f
     xdotool type 60
-    shot "search$1"
     press Return
     sleep 5
     shot "searching$1"
@@ -68,6 +68,14 @@ round() {
     press alt+n
     press c
     shot "com-port$1"
+    press Escape
+    press alt+o
+    press t
+    for command in '$012' '$01M' '#01'; do
+        xdotool type "$command"
+        press Return
+    done
+    shot "terminal$1"
     press Escape
     press ctrl+q
     press Return
