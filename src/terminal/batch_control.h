@@ -21,7 +21,8 @@ struct BatchButtons {
 };
 
 /// The open batch file with its stepping position, and what its buttons do. Every operation throws
-/// `RuntimeFailure` when the file or the port fails, with the buttons as before the operation.
+/// `RuntimeFailure` when the file or the port fails, with the buttons as before the operation unless said
+/// otherwise.
 class BatchControl {
 public:
     /// `buttonsChanged` is called whenever `Buttons` may have changed.

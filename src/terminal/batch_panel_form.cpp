@@ -14,6 +14,8 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include <utility>
+
 namespace kavro {
 
 BatchPanel::BatchPanel(Session& session, Messages& messages, CommandRunner& runner, Around around)
@@ -71,16 +73,24 @@ void BatchPanel::Build() {
 
 void BatchPanel::ShowButtons() {
     const BatchButtons& buttons = control_.Buttons();
-    run_->setEnabled(buttons.Run);
-    step_->setEnabled(buttons.Step);
-    stop_->setEnabled(buttons.Stop);
-    display_->setEnabled(buttons.Display);
-    goTop_->setEnabled(buttons.GoTop);
-    repeat_->setEnabled(buttons.Repeat);
+    const std::pair<QPushButton*, bool> states[] = {{run_, buttons.Run},     {step_, buttons.Step},
+                                                    {stop_, buttons.Stop},   {display_, buttons.Display},
+                                                    {goTop_, buttons.GoTop}, {repeat_, buttons.Repeat}};
+    // A disabled button hands the focus on: to Stop in a run, never to Exit, where a second Space would close
+    // the form.
+    for (const auto& [button, enabled] : states)
+        if (enabled)
+            button->setEnabled(true);
+    if (buttons.Stop)
+        stop_->setFocus();
+    for (const auto& [button, enabled] : states)
+        button->setEnabled(enabled);
 }
 
 bool BatchPanel::IsBatchFile(const std::string& path) {
-    return control_.File().IsOpen() && SameFile(control_.File().Path(), path);
+    // By its name: a run that failed has closed the file, and a step opens it again.
+    const std::string name = batchFileName_->text().toStdString();
+    return !name.empty() && SameFile(name, path);
 }
 
 void BatchPanel::BatchDialogBtn_Click() {

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 
 namespace kavro {
 
@@ -12,6 +13,9 @@ void CommandLog::Open(const std::string& path) {
     Close();
     path_ = path;
     file_.clear();
+    std::error_code ignored;
+    if (std::filesystem::is_fifo(std::filesystem::u8path(path), ignored)) // opening one waits for a reader
+        throw RuntimeFailure("The log file " + path + " is a pipe. Choose a file.");
     errno = 0;
     file_.open(path, std::ios::trunc);
     if (!file_.is_open())

@@ -10,6 +10,7 @@
 #include <QClipboard>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPainter>
 #include <QStringList>
 
@@ -57,7 +58,14 @@ ConsoleView::ConsoleView(std::function<void()> entered) : entered_(std::move(ent
     copy->setObjectName("CopyAction");
     connect(copy, &QAction::triggered, this, [this] { Copy(); });
     addAction(copy);
-    setContextMenuPolicy(Qt::ActionsContextMenu);
+    // A menu of its own: one that Qt runs itself would hold up a run and outlive the form.
+    setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(this, &QWidget::customContextMenuRequested, this, [this, copy](const QPoint& place) {
+        auto* menu = new QMenu(this);
+        menu->setAttribute(Qt::WA_DeleteOnClose);
+        menu->addAction(copy);
+        menu->popup(mapToGlobal(place));
+    });
     Arrange();
 }
 
@@ -99,7 +107,8 @@ QString ConsoleView::ShownText() const {
 }
 
 void ConsoleView::Copy() const {
-    QApplication::clipboard()->setText(ShownText());
+    if (const QString text = ShownText(); !text.isEmpty())
+        QApplication::clipboard()->setText(text);
 }
 
 void ConsoleView::paintEvent(QPaintEvent* /*event*/) {

@@ -51,7 +51,8 @@ DispBatchForm::DispBatchForm(BatchFile& file, Messages& messages, QWidget* paren
     layout->addWidget(batchContent_, 1);
     layout->addWidget(exit, 0, Qt::AlignRight);
     connect(&loading_, &QTimer::timeout, this, [this] { LoadPiece(); });
-    LoadPiece();
+    loading_.start(
+        0); // from the dialog's own event loop, so that closing it during a message really closes it
     exit->setFocus();
     CenterForm(*this);
 }

@@ -34,6 +34,10 @@ LogPanel::LogPanel(Messages& messages, Around around) : messages_(messages), aro
     layout->addWidget(browse);
 }
 
+void LogPanel::SetNameReadOnly(bool readOnly) {
+    logFileName_->setReadOnly(readOnly);
+}
+
 bool LogPanel::LoggingOn() const {
     return logToFile_->isChecked() && !Trim(FileName()).empty();
 }

@@ -30,6 +30,10 @@ public:
     /// off.
     void Log(const std::string& command);
 
+    /// Keeps the file name from being typed while commands are sent: each half-typed name would be opened,
+    /// and emptied.
+    void SetNameReadOnly(bool readOnly);
+
     /// Closes the log file.
     void Close() { log_.Close(); }
 

@@ -38,10 +38,10 @@ std::int16_t RepeatTimesIn(const QLineEdit& box) {
     const std::string text = box.text().toStdString();
     if (Trim(text).empty())
         throw RuntimeFailure("Repeat times is empty. Enter a number between 0 and 32767.");
-    const std::int16_t times = WholeNumber16(text, "Repeat times");
-    if (times < 0)
-        throw RuntimeFailure("Repeat times is negative. Enter a number between 0 and 32767.");
-    return times;
+    const std::int32_t times = WholeNumber32(text, "Repeat times");
+    if (times < 0 || times > TimesRange.High)
+        throw RuntimeFailure("Repeat times must be between 0 and 32767.");
+    return static_cast<std::int16_t>(times);
 }
 
 void AddOkAndCancel(QFormLayout& layout, QDialog& dialog, std::function<void()> ok) {

@@ -12,14 +12,15 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <array>
+#include <utility>
 
 namespace kavro {
 
@@ -156,16 +157,15 @@ void TerminalForm::Operate(const std::function<void()>& operation) {
     if (operating_)
         return;
     operating_ = true;
-    const QPointer<QWidget> focus = focusWidget();
     console_->CmdText().setReadOnly(true); // what is typed now would be lost with the next line shown
+    log_->SetNameReadOnly(true);
     Guard(messages_, operation);
     console_->CmdText().setReadOnly(false);
+    log_->SetNameReadOnly(false);
     progress_->clear();
     progressBar_->hide();
-    if (focus && focus->isEnabled())
-        focus->setFocus();
     operating_ = false;
-    if (closeAsked_)
+    if (std::exchange(closeAsked_, false))
         reject();
 }
 
@@ -185,11 +185,14 @@ void TerminalForm::ShowProgress(const RunProgress& progress) {
     progress_->setText(ProgressText(progress));
     const double sent = static_cast<double>(progress.Pass - 1) * progress.Commands + progress.Command;
     const double total = static_cast<double>(progress.Passes) * progress.Commands;
-    progressBar_->setValue(static_cast<int>(ProgressSteps * sent / total));
+    if (total > 0) // a file that was empty when it was counted may have grown since
+        progressBar_->setValue(static_cast<int>(std::min(1.0, sent / total) * ProgressSteps));
     progressBar_->show();
 }
 
 void TerminalForm::reject() {
+    if (auto* menu = QApplication::activePopupWidget())
+        menu->close();
     if (operating_) {
         // The form stays until the operation has really ended.
         closeAsked_ = true;

@@ -26,12 +26,18 @@ struct Outcome {
 
 // A run of kavroctl with a settings folder of its own and no display.
 struct KavroCtl {
-    KavroCtl() {
+    Outcome Run(const QStringList& arguments) {
+        Start(arguments);
+        return Finish();
+    }
+
+    void Start(const QStringList& arguments) {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert("XDG_CONFIG_HOME", Folder.path());
-        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY"})
-            environment.remove(name);
+        environment.remove("DISPLAY");
+        environment.remove("WAYLAND_DISPLAY");
         Process.setProcessEnvironment(environment);
+        Process.start(KAVROCTL_PROGRAM, arguments);
     }
 
     Outcome Finish() {
@@ -39,11 +45,6 @@ struct KavroCtl {
             return {};
         return {Process.exitCode(), Process.readAllStandardOutput().toStdString(),
                 Process.readAllStandardError().toStdString()};
-    }
-
-    Outcome Run(const QStringList& arguments) {
-        Process.start(KAVROCTL_PROGRAM, arguments);
-        return Finish();
     }
 
     QTemporaryDir Folder;
@@ -97,18 +98,13 @@ TEST(KavroCtl, WrongUseIsToldInOneLineAndHelpNeedsNothing) {
     const std::pair<QStringList, const char*> cases[] = {
         {{}, "No command"},
         {{"serch"}, "no command 'serch'"},
-        {{"--demo", "search"}, "'demo'"},
         {{"search", "--frob"}, "'frob'"},
-        {{"search", "--demo", "extra"}, "'extra'"},
-        {{"search", "--demo", "--to", "256"}, "'256'"},
         {{"search", "--demo", "--to", "a\nb"}, "'a?b'"},
         {{"search", "--demo", "--to"}, "'--to'"},
         {{"search", "--demo", "--baud", "9601"}, "'9601'"},
         {{"search", "--demo", "--timeout", "99"}, "'99'"},
         {{"search", "--demo", "--port", "1=/dev/null"}, "two devices"},
-        {{"search", "--port", "9=/dev/null"}, "9"},
         {{"search", "--port", "2=/dev/a", "--port", "2=/dev/b"}, "COM2"},
-        {{"search", "--port", "/dev/null"}, "/dev/null"},
         {{"search", "--to", "3"}, "--port 1="},
     };
     for (const auto& [arguments, piece] : cases) {
@@ -156,32 +152,26 @@ TEST(KavroCtl, NothingFoundAndPortTroubleHaveExitCodes) {
     EXPECT_EQ(std::tuple(none.Exit, none.Out), std::tuple(4, std::string(ListHeading) + "\n"));
     EXPECT_EQ(none.Err, "kavroctl: No module found!\n");
 
-    const Outcome trouble = KavroCtl().Run({"search", "--port", "2=/nowhere/tty"});
-    EXPECT_EQ(std::tuple(trouble.Exit, trouble.Out), std::tuple(3, ""));
-    EXPECT_TRUE(Contains(trouble.Err, "/nowhere/tty"));
-}
-
-TEST(KavroCtl, SearchesThePortOfTheSavedSettings) {
+    // The port of the saved settings.
     KavroCtl ctl;
     QDir(ctl.Folder.path()).mkpath("kavro");
     const std::string folder = ctl.Folder.path().toStdString() + "/kavro/";
     std::ofstream(folder + "ports.ini") << "[General]\nCOM2=/nowhere/second\n";
-    std::ofstream(folder + "COM.CFG") << "150\n2\nn,8,1\n19200\n";
-    const Outcome saved = ctl.Run({"search"});
-    EXPECT_EQ(saved.Exit, 3);
-    EXPECT_TRUE(Contains(saved.Err, "/nowhere/second"));
-
-    std::ofstream(folder + "COM.CFG") << "150\n7\nn,8,1\n";
-    const Outcome unusable = ctl.Run({"search"});
-    EXPECT_EQ(unusable.Exit, 3);
-    EXPECT_TRUE(Contains(unusable.Err, "COM.CFG cannot be used"));
+    const std::pair<const char*, const char*> cases[] = {{"150\n2\nn,8,1\n19200\n", "/nowhere/second"},
+                                                         {"150\n7\nn,8,1\n", "COM.CFG cannot be used"}};
+    for (const auto& [config, piece] : cases) {
+        std::ofstream(folder + "COM.CFG") << config;
+        const Outcome trouble = ctl.Run({"search"});
+        EXPECT_EQ(std::tuple(trouble.Exit, trouble.Out), std::tuple(3, ""));
+        EXPECT_TRUE(Contains(trouble.Err, piece));
+    }
 }
 
 TEST(KavroCtl, EndedSearchPrintsWhatItFound) {
     for (const bool interrupt : {true, false}) {
         ServedLine line;
         KavroCtl ctl;
-        ctl.Process.start(KAVROCTL_PROGRAM, {"search", "--port", "1=" + line.Line("/dev/"), "--json"});
+        ctl.Start({"search", "--port", "1=" + line.Line("/dev/"), "--json"});
         ASSERT_FALSE(line.Line("$022").isEmpty());
         if (interrupt)
             ASSERT_EQ(kill(static_cast<pid_t>(ctl.Process.processId()), SIGINT), 0);

@@ -3,15 +3,14 @@
 #include "ports/device_node.h"
 #include "support/failure_text.h"
 #include "support/pty_pair.h"
+#include "terminal/test_folder.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
-#include <QTemporaryDir>
 #include <QTimer>
 
 #include <ctime>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <thread>
 
@@ -23,22 +22,18 @@ namespace {
 
 constexpr int LongMs = 60000; // a wait that must end early
 
-double ProcessorMs() {
-    return 1e3 * static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
-}
-
 class DevicePortTest : public testing::Test {
 protected:
     DevicePortTest() { Port.PortOpen(true); }
 
+    static std::string OpenFailure(const std::string& device) {
+        return FailureText([&] { DevicePort(device).PortOpen(true); });
+    }
+
     PtyPair Pty;
     DevicePort Port{Pty.Device};
-    QTemporaryDir Folder;
+    TestFolder Folder;
 };
-
-std::string OpenFailure(const std::string& device) {
-    return FailureText([&] { DevicePort(device).PortOpen(true); });
-}
 
 TEST_F(DevicePortTest, Exchange) {
     Pty.Send("late reply\r");
@@ -48,7 +43,9 @@ TEST_F(DevicePortTest, Exchange) {
 
     Port.Output("$012\r");
     EXPECT_EQ(Pty.Received(100), "$012\r");
-    EXPECT_FALSE(Port.WaitForInput(1));
+    const std::clock_t before = std::clock();
+    EXPECT_FALSE(Port.WaitForInput(100));
+    EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC / 50) << "waiting takes no processor time";
 
     const std::string reply = {'!', '\0', '\x11', '\x13', '\xff', '\n', '\r'}; // nothing is translated
     Pty.Send(reply);
@@ -58,10 +55,6 @@ TEST_F(DevicePortTest, Exchange) {
         received += Port.Input();
     EXPECT_EQ(received, reply);
     EXPECT_NE(FailureText([&] { Port.Input(); }), "");
-
-    const double before = ProcessorMs();
-    EXPECT_FALSE(Port.WaitForInput(100));
-    EXPECT_LT(ProcessorMs() - before, 20) << "waiting takes no processor time";
 }
 
 TEST_F(DevicePortTest, SettingsHoldAcrossClosing) {
@@ -73,9 +66,8 @@ TEST_F(DevicePortTest, SettingsHoldAcrossClosing) {
     ASSERT_NE(Pty.Speed(), B1200);
     Port.PortOpen(true);
     EXPECT_EQ(Pty.Speed(), B1200);
-    for (const char* const wrong : {"", "9600", "fast,n,8,1", "0,n,8,1", "9600,e,7,1", "9600 ,n,8,1"})
+    for (const char* const wrong : {"", "fast,n,8,1", "0,n,8,1", "9600,e,7,1"})
         EXPECT_TRUE(Contains(FailureText([&] { Port.Settings(wrong); }), "not understood")) << wrong;
-    EXPECT_TRUE(Port.PortOpen());
 }
 
 // Whatever is done first with a device that is gone tells so, once.
@@ -104,12 +96,12 @@ TEST_F(DevicePortTest, VanishesWhileWaiting) {
 }
 
 TEST_F(DevicePortTest, VanishesInAnIdleEventLoop) {
-    const double before = ProcessorMs();
+    const std::clock_t before = std::clock();
     QEventLoop loop;
     QTimer::singleShot(200, &loop, [&] { loop.quit(); });
     QTimer::singleShot(0, &loop, [&] { Pty.Unplug(); });
     loop.exec();
-    EXPECT_LT(ProcessorMs() - before, 50); // without closing the port, all of the 200
+    EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC / 20); // without closing the port, all of the 200 ms
     EXPECT_FALSE(Port.PortOpen());
     EXPECT_TRUE(Contains(FailureText([&] { Port.InBufferCount(); }), "has been disconnected"));
     EXPECT_TRUE(Contains(FailureText([&] { Port.InBufferCount(); }), "The port is not open"));
@@ -125,17 +117,13 @@ TEST_F(DevicePortTest, BabbleIsBounded) {
 }
 
 TEST_F(DevicePortTest, WhatCannotBeOpened) {
-    const std::string folder = Folder.path().toStdString();
-    const std::string link = folder + "/adapter";
+    const std::string link = Folder.Path("adapter");
     std::filesystem::create_symlink(Pty.Device, link);
-    std::ofstream(folder + "/file") << "text";
-    const std::pair<std::string, const char*> cases[] = {{"/dev/no_such_device", "There is no such device"},
-                                                         {"no_such_device", "There is no such device"},
-                                                         {folder, "This is a folder"},
-                                                         {folder + "/file", "This is a file"},
-                                                         {"/dev/null", "This is not a serial device"},
-                                                         {Pty.Device, "already open in this program"},
-                                                         {link, "already open in this program"}};
+    const std::pair<std::string, const char*> cases[] = {
+        {"/dev/no_such_device", "There is no such device"}, {Folder.Path(), "This is a folder"},
+        {Folder.Write("file", "text"), "This is a file"},   {"/dev/null", "This is not a serial device"},
+        {Pty.Device, "already open in this program"},       {link, "already open in this program"},
+    };
     for (const auto& [device, told] : cases)
         EXPECT_TRUE(Contains(OpenFailure(device), told)) << device;
     EXPECT_TRUE(Port.PortOpen());

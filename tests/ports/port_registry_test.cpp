@@ -1,16 +1,14 @@
 #include "ports/port_registry.h"
 
+#include "ports/replace_file.h"
 #include "sim/demo_line.h"
 #include "sim/simulated_port.h"
 #include "sim/virtual_clock.h"
 #include "support/failure_text.h"
 #include "support/pty_pair.h"
-
-#include <QTemporaryDir>
+#include "terminal/test_folder.h"
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 namespace kavro {
 namespace {
@@ -21,8 +19,8 @@ protected:
         return {Ini, commandLine, [this] { return std::make_unique<SimulatedPort>(Simulated, Time); }};
     }
 
-    QTemporaryDir Folder;
-    std::string Ini = Folder.path().toStdString() + "/new/ports.ini";
+    TestFolder Folder;
+    std::string Ini = Folder.Path("new/ports.ini");
     VirtualClock Time;
     SimulatedLine Simulated = DemoLine();
 };
@@ -30,21 +28,19 @@ protected:
 TEST(PortOption, Parsed) {
     EXPECT_EQ(ParsePortOption("8=/dev/serial/by-id/usb=1"),
               std::pair(8, std::string("/dev/serial/by-id/usb=1")));
-    const std::pair<const char*, const char*> wrong[] = {{"/dev/ttyS0", "names no device"},
-                                                         {"", "names no device"},
-                                                         {"0=a", "from 1 to 8"},
-                                                         {"9=a", "from 1 to 8"},
-                                                         {"12=a", "from 1 to 8"},
-                                                         {"x=a", "from 1 to 8"},
-                                                         {"=a", "from 1 to 8"},
-                                                         {"1=", "after \"=\""}};
+    const std::pair<const char*, const char*> wrong[] = {
+        {"/dev/ttyS0", "names no device"},
+        {"0=a", "from 1 to 8"},
+        {"9=a", "from 1 to 8"},
+        {"x=a", "from 1 to 8"},
+        {"1=", "after \"=\""},
+    };
     for (const auto& [text, told] : wrong)
         EXPECT_TRUE(Contains(FailureText([&] { ParsePortOption(text); }), told));
 }
 
 TEST_F(PortRegistryTest, CommandLineThenFileThenDefault) {
-    std::filesystem::create_directories(std::filesystem::path(Ini).parent_path());
-    std::ofstream(Ini) << "COM1=/dev/kept1\nCOM2=/dev/kept2\nCOM3=/dev/a,b\nCOM4=\n";
+    ReplaceFile(Ini, "COM1=/dev/kept1\nCOM2=/dev/kept2\nCOM3=/dev/a,b\nCOM4=\n");
     const auto registry = Registry({{1, "/dev/given"}});
     const char* const devices[] = {"/dev/given", "/dev/kept2", "/dev/a,b",   "/dev/ttyS3",
                                    "/dev/ttyS4", "/dev/ttyS5", "/dev/ttyS6", "/dev/ttyS7"};
@@ -71,9 +67,7 @@ TEST_F(PortRegistryTest, KeepsWhatTheUserChose) {
     registry.Assign(3, "/dev/ttyS2");
     registry.Save();
     EXPECT_EQ(Registry().Device(2), "/dev/given2");
-    std::ostringstream text;
-    text << std::ifstream(Ini).rdbuf();
-    EXPECT_FALSE(Contains(text.str(), "COM3")); // the default needs no entry
+    EXPECT_FALSE(Contains(Folder.Read("new/ports.ini"), "COM3")); // the default needs no entry
 }
 
 TEST_F(PortRegistryTest, OpenPortMovesOnlyToADeviceThatOpens) {
@@ -91,7 +85,7 @@ TEST_F(PortRegistryTest, OpenPortMovesOnlyToADeviceThatOpens) {
     EXPECT_EQ(before.Received(10), "a");
 
     // The same device by another name stays open.
-    const std::string link = Folder.path().toStdString() + "/link";
+    const std::string link = Folder.Path("link");
     std::filesystem::create_symlink(after.Device, link);
     for (const std::string& device : {after.Device, link}) {
         registry.Assign(3, device);

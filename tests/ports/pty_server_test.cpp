@@ -1,6 +1,7 @@
 #include "ports/pty_server.h"
 
 #include "link/runtime_failure.h"
+#include "ports/device_port.h"
 #include "sim/module_factory.h"
 
 #include <QTemporaryDir>
@@ -10,11 +11,6 @@
 #include <optional>
 #include <semaphore>
 #include <thread>
-
-#include <fcntl.h>
-#include <poll.h>
-#include <termios.h>
-#include <unistd.h>
 
 namespace kavro {
 namespace {
@@ -40,23 +36,13 @@ protected:
         Server.reset();
     }
 
-    int Open() const { return open(Link.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK); }
-
-    static std::string Exchange(int device, const std::string& command, int timeoutMs = 500) {
-        EXPECT_EQ(write(device, command.data(), command.size()), static_cast<ssize_t>(command.size()));
+    // What comes back to an output, up to its carriage return.
+    static std::string Exchange(DevicePort& port, const std::string& command, int timeoutMs = 500) {
+        port.Output(command);
         std::string reply;
-        pollfd wait = {device, POLLIN, 0};
-        char character = 0;
-        while (!reply.ends_with('\r') && poll(&wait, 1, timeoutMs) == 1 && read(device, &character, 1) == 1)
-            reply += character;
+        while (!reply.ends_with('\r') && port.WaitForInput(timeoutMs))
+            reply += port.Input();
         return reply;
-    }
-
-    static void SetSpeed(int device, speed_t speed) {
-        termios settings{};
-        tcgetattr(device, &settings);
-        cfsetspeed(&settings, speed);
-        tcsetattr(device, TCSANOW, &settings);
     }
 
     QTemporaryDir Folder;
@@ -69,30 +55,29 @@ protected:
 };
 
 TEST_F(PtyServerTest, HearsAtTheRateThatTheOtherSideHasSetAndTakesRealTime) {
-    const int device = Open();
-    EXPECT_EQ(Exchange(device, "$012\r"), "!01080600\r");
+    DevicePort port(Link);
+    port.PortOpen(true);
+    EXPECT_EQ(Exchange(port, "$012\r"), "!01080600\r");
     const std::int64_t start = Time.Microseconds();
-    EXPECT_EQ(Exchange(device, "$01M\r"), "!018250\r");
+    EXPECT_EQ(Exchange(port, "$01M\r"), "!018250\r");
     EXPECT_GE(Time.Microseconds() - start, 15'500) << "5 characters, 2 ms, 8 characters";
-    SetSpeed(device, B115200);
-    EXPECT_EQ(Exchange(device, "$012\r", 50), "");
-    EXPECT_EQ(Exchange(device, "$022B8\r"), "!02300940B3\r");
-    SetSpeed(device, B0);
-    EXPECT_EQ(Exchange(device, "$022B8\r", 50), "");
-    close(device);
+    port.Settings("115200,n,8,1");
+    EXPECT_EQ(Exchange(port, "$012\r", 50), "");
+    EXPECT_EQ(Exchange(port, "$022B8\r"), "!02300940B3\r");
 }
 
 TEST_F(PtyServerTest, WhoOpensAnewGetsNothingOfBefore) {
+    DevicePort port(Link);
     for (int round = 0; round < 3; ++round) {
-        const int first = Open();
-        EXPECT_EQ(Exchange(first, "$01M\r"), "!018250\r");
-        EXPECT_EQ(write(first, "$032\r", 5), 5);
+        port.PortOpen(true);
+        EXPECT_EQ(Exchange(port, "$01M\r"), "!018250\r");
+        port.Output("$032\r");
         Heard.acquire(); // "$01M"
         Heard.acquire();
-        close(first);
-        const int second = Open();
-        EXPECT_EQ(Exchange(second, "", 150), "");
-        close(second);
+        port.PortOpen(false);
+        port.PortOpen(true);
+        EXPECT_FALSE(port.WaitForInput(150));
+        port.PortOpen(false);
     }
 }
 

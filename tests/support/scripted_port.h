@@ -61,10 +61,7 @@ public:
         return static_cast<int>(end - coming_.begin());
     }
 
-    void EmptyInBuffer() override {
-        for (int count = InBufferCount(); count > 0; --count)
-            coming_.pop_front();
-    }
+    void EmptyInBuffer() override { coming_.erase(coming_.begin(), coming_.begin() + InBufferCount()); }
 
     char Input() override {
         if (InBufferCount() == 0)

@@ -33,17 +33,11 @@ struct TestSession {
 
 protected:
     template <class MakePort>
-    explicit TestSession(MakePort makePort) : Session(MakePorts(makePort), Time) {
+    explicit TestSession(MakePort makePort)
+        : Session({makePort(1), makePort(2), makePort(3), makePort(4), makePort(5), makePort(6), makePort(7),
+                   makePort(8)},
+                  Time) {
         Session.ReplaceFile = [this](const auto& path, const auto& content) { Files[path] = content; };
-    }
-
-private:
-    template <class MakePort>
-    static SerialPorts MakePorts(MakePort makePort) {
-        SerialPorts ports;
-        for (int number = 1; auto& port : ports)
-            port = makePort(number++);
-        return ports;
     }
 };
 
