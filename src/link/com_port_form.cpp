@@ -6,6 +6,7 @@
 #include "ui/center_form.h"
 #include "ui/key_filter.h"
 #include "ui/named.h"
+#include "ui/ok_cancel.h"
 #include "ui/spin_buttons.h"
 
 #include <QButtonGroup>
@@ -16,7 +17,6 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QRadioButton>
 #include <QVBoxLayout>
 
@@ -65,11 +65,7 @@ ComPortForm::ComPortForm(Line& line, PortDevices& devices, Messages& messages, Q
     groups->addWidget(BuildBaudChecks());
     groups->addLayout(BuildValues(), 1);
 
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-    Named(buttons->button(QDialogButtonBox::Ok), "OKBtn", "OK");
-    Named(buttons->button(QDialogButtonBox::Cancel), "CancelBtn", "Cancel");
-    connect(buttons, &QDialogButtonBox::accepted, this, [this] { OKBtn_Click(); });
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto* buttons = OkAndCancel(*this, [this] { OKBtn_Click(); });
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(BuildPorts());

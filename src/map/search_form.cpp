@@ -5,12 +5,12 @@
 #include "ui/center_form.h"
 #include "ui/key_filter.h"
 #include "ui/named.h"
+#include "ui/ok_cancel.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 
 #include <algorithm>
 
@@ -50,12 +50,7 @@ SearchForm::SearchForm(Session& session, Messages& messages, QWidget* parent)
     hiAddress_->selectAll();
     FilterKeys(*hiAddress_, FilterDigitKey);
 
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-    Named(buttons->button(QDialogButtonBox::Ok), "OKBtn", "OK");
-    Named(buttons->button(QDialogButtonBox::Cancel), "CancelBtn", "Cancel");
-    connect(buttons, &QDialogButtonBox::accepted, this,
-            [this] { Guard(messages_, [this] { OKBtn_Click(); }); });
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto* buttons = OkAndCancel(*this, [this] { Guard(messages_, [this] { OKBtn_Click(); }); });
 
     auto* layout = new QFormLayout(this);
     layout->addRow(note);

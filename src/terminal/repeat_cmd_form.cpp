@@ -6,7 +6,9 @@
 #include "ui/center_form.h"
 #include "ui/fixed_font.h"
 #include "ui/named.h"
+#include "ui/ok_cancel.h"
 
+#include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLineEdit>
 
@@ -35,7 +37,7 @@ RepeatCmdForm::RepeatCmdForm(Session& session, Messages& messages, QWidget* pare
     auto* layout = new QFormLayout(this);
     layout->addRow("&Command:", repeatCmd_);
     repeatTimes_ = AddRepeatTimes(*layout, session.RepeatCommandCount);
-    AddOkAndCancel(*layout, *this, [this, &messages] { Guard(messages, [this] { OKBtn_Click(); }); });
+    layout->addRow(OkAndCancel(*this, [this, &messages] { Guard(messages, [this] { OKBtn_Click(); }); }));
     repeatCmd_->setFocus();
     CenterForm(*this);
 }

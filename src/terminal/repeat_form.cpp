@@ -2,7 +2,9 @@
 
 #include "terminal/repeat_times_form.h"
 #include "ui/center_form.h"
+#include "ui/ok_cancel.h"
 
+#include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLineEdit>
 
@@ -16,7 +18,7 @@ RepeatForm::RepeatForm(Session& session, Messages& messages, QWidget* parent)
     auto* layout = new QFormLayout(this);
     repeatTimes_ = AddRepeatTimes(*layout, session.BatchRepeatCount);
     repeatTimes_->selectAll();
-    AddOkAndCancel(*layout, *this, [this, &messages] { Guard(messages, [this] { OKBtn_Click(); }); });
+    layout->addRow(OkAndCancel(*this, [this, &messages] { Guard(messages, [this] { OKBtn_Click(); }); }));
     repeatTimes_->setFocus();
     CenterForm(*this);
 }

@@ -6,13 +6,10 @@
 #include "ui/named.h"
 #include "ui/spin_buttons.h"
 
-#include <QDialog>
-#include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 
 namespace kavro {
 
@@ -42,15 +39,6 @@ std::int16_t RepeatTimesIn(const QLineEdit& box) {
     if (times < 0 || times > TimesRange.High)
         throw RuntimeFailure("Repeat times must be between 0 and 32767.");
     return static_cast<std::int16_t>(times);
-}
-
-void AddOkAndCancel(QFormLayout& layout, QDialog& dialog, std::function<void()> ok) {
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-    Named(buttons->button(QDialogButtonBox::Ok), "OKBtn", "OK");
-    Named(buttons->button(QDialogButtonBox::Cancel), "CancelBtn", "Cancel")->setText("Cancel");
-    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, std::move(ok));
-    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
-    layout.addRow(buttons);
 }
 
 } // namespace kavro

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <functional>
+
+class QDialog;
+class QDialogButtonBox;
+
+namespace kavro {
+
+/// The buttons `OKBtn` and `CancelBtn` of a dialog. OK calls `ok`, which closes the dialog or leaves it open;
+/// Cancel rejects the dialog.
+QDialogButtonBox* OkAndCancel(QDialog& dialog, std::function<void()> ok);
+
+} // namespace kavro
