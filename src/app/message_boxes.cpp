@@ -16,7 +16,9 @@ void MessageBoxes::Show(const std::string& text, const std::string& title) {
     box.setWindowTitle(QString::fromStdString(title.empty() ? ApplicationTitle : title));
     box.setText(QString::fromStdString(text));
     box.setStandardButtons(QMessageBox::Ok);
+    QApplication::setOverrideCursor(Qt::ArrowCursor); // the user is asked, even while commands run
     box.exec();
+    QApplication::restoreOverrideCursor();
 }
 
 } // namespace kavro

@@ -1,5 +1,6 @@
 #include "app/program.h"
 
+#include "app/module_dialogs.h"
 #include "ports/replace_file.h"
 #include "ports/settings_folder.h"
 #include "sim/demo_line.h"
@@ -33,6 +34,9 @@ Program::Program(const Options& options)
 
 DialogOpeners Program::Openers() {
     DialogOpeners openers;
+    openers.Module = [this](ModuleDialog dialog, QWidget* parent) {
+        OpenModuleDialog(dialog, session_, messages_, parent);
+    };
     openers.Terminal = [this](QWidget* parent) { TerminalForm(session_, messages_, parent).exec(); };
     return openers;
 }

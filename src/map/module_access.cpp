@@ -134,4 +134,12 @@ AnalogReading ReadAnalogInput(Session& session, int index, int channel) {
     return {FormatNumber(*value, 1, 4), value};
 }
 
+std::optional<unsigned> ReadChannelEnables(Session& session, int index, int timeoutMs) {
+    if (!ExchangeWithModule(session, index, "$" + AddressText(session, index) + "6", timeoutMs))
+        return std::nullopt;
+    const std::string& reply = session.Line.ReplyText;
+    return static_cast<unsigned>(HexDigitValue(Middle(reply, 4, 1)) * 16 +
+                                 HexDigitValue(Middle(reply, 5, 1)));
+}
+
 } // namespace kavro

@@ -40,4 +40,8 @@ struct AnalogReading {
 /// decimal).
 AnalogReading ReadAnalogInput(Session& session, int index, int channel);
 
+/// Reads which channels of entry `index` are enabled ("$AA6"): bit n for channel n. Nothing when no complete
+/// reply came. The reply's first character is not tested.
+std::optional<unsigned> ReadChannelEnables(Session& session, int index, int timeoutMs);
+
 } // namespace kavro

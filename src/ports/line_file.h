@@ -16,7 +16,7 @@ namespace kavro {
 ///
 /// Of a module only model and address must be given; the rest is as it leaves the factory. "range" is two
 /// hexadecimal digits. The faults are "silent", "delay" (ms), "wrongChecksum", "noCarriageReturn", "noise",
-/// "slowCharacters" (ms), "refuse" and "unplugged".
+/// "slowCharacters" (ms), "refuse", "wrongAddress" and "unplugged".
 ///
 /// Throws `RuntimeFailure` that names the file and the place in it for everything that is wrong.
 SimulatedLine ReadLineFile(const std::string& path);

@@ -5,8 +5,8 @@
 
 namespace kavro {
 
-/// Gives a control the name that code and tests find it by, and the one that a screen reader speaks (empty for a
-/// label, whose own text is spoken).
+/// Gives a control the name that code and tests find it by, and the one that a screen reader speaks (empty
+/// for a label, whose own text is spoken).
 template <class Control>
 Control* Named(Control* control, const QString& name, const QString& accessibleName) {
     control->setObjectName(name);

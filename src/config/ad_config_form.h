@@ -1,0 +1,32 @@
+#pragma once
+
+#include "config/config_form.h"
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+class QGroupBox;
+class QRadioButton;
+
+namespace kavro {
+
+/// The configuration of an analog input module with several channels: 8230, 8250, 8260.
+class AdConfigForm : public ConfigForm {
+public:
+    /// Reads the enabled channels from the module; all are shown as disabled when it does not answer.
+    AdConfigForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent = nullptr);
+
+protected:
+    ConfigOutcome Apply(const LinkSettings& link) override;
+
+private:
+    QGroupBox* BuildChannels(unsigned enabledChannels);
+
+    QComboBox* inputRange_ = nullptr;
+    QComboBox* dataFormat_ = nullptr;
+    std::vector<std::int16_t> formatMap_; // data format code by position in the list
+    std::array<QRadioButton*, 8> channelEnable_{};
+};
+
+} // namespace kavro

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "config/config_commands.h"
+#include "link/messages.h"
+#include "map/session.h"
+
+#include <cstdint>
+
+namespace kavro {
+
+/// Settings of an analog input module with several channels: 8230, 8250, 8260.
+struct AnalogInputSettings {
+    LinkSettings Link;
+    std::int16_t InputRange = 0;  ///< range code
+    std::int16_t DataFormat = 0;  ///< data format code
+    unsigned EnabledChannels = 0; ///< bit n: channel n is read; bits beyond the model's channels do not count
+};
+
+/// The entry's settings, with the enabled channels read from the module ("$AA6"): none when it does not
+/// answer.
+AnalogInputSettings ReadAnalogInputSettings(Session& session, int index);
+
+/// Writes the settings: the module configuration when it differs from the entry, then always the enabled
+/// channels ("$AA5VV"). Tells every failure and the success, keeps in the entry what the module accepted, and
+/// leaves `ConfigResult` 1 when it accepted anything, else 2.
+ConfigOutcome ApplyAnalogInputSettings(Session& session, int index, const AnalogInputSettings& settings,
+                                       Messages& messages);
+
+} // namespace kavro

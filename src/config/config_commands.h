@@ -1,0 +1,55 @@
+#pragma once
+
+#include "link/messages.h"
+#include "map/session.h"
+
+#include <cstdint>
+#include <string>
+
+namespace kavro {
+
+/// How a module is spoken to: what every configuration dialog can change.
+struct LinkSettings {
+    std::int32_t Address = 0;  ///< 0 to 255; above is refused
+    std::int16_t BaudCode = 0; ///< 0 to 7
+    std::int16_t Checksum = 0; ///< 0 or 1
+
+    bool operator==(const LinkSettings&) const = default;
+};
+
+/// What became of a module's new settings.
+enum class ConfigOutcome {
+    Refused,    ///< a setting is not possible: told, and nothing was sent
+    Incomplete, ///< a command was not accepted: told, and its settings are as they were
+    Complete,   ///< every command was accepted
+};
+
+/// Address, baud code and checksum of an entry.
+LinkSettings LinkSettingsOf(const ModuleRecord& record);
+
+/// Keeps what the module has accepted.
+void StoreLinkSettings(ModuleRecord& record, const LinkSettings& link);
+
+/// False, with the message shown and `ConfigResult` 2, when the address is above 255.
+bool CheckAddress(Session& session, const LinkSettings& link, Messages& messages);
+
+/// The format byte FF of a module configuration: bit 6 checksum, and the family's own bits.
+std::int16_t FormatByte(const LinkSettings& link, std::int16_t familyBits);
+
+/// Sends "%AANNTTCCFF": new address, type code, baud code + 3 and format byte, two hexadecimal digits each.
+/// True when the module answers exactly "!NN". Changes nothing in the entry.
+bool WriteModuleConfig(Session& session, int index, const LinkSettings& link, std::int16_t typeCode,
+                       std::int16_t formatByte);
+
+/// Sends `lead`, the entry's address at this moment, and `code`, for example "$", "01", "507". True when the
+/// module answers with a reply that begins with "!".
+bool WriteSetting(Session& session, int index, char lead, const std::string& code);
+
+/// Shows `text`, titled "Error".
+void ShowError(Messages& messages, const char* text);
+
+/// Texts that several dialogs share.
+inline constexpr const char* ConfigFailedText = "Configuration command failed.";
+inline constexpr const char* ConfigCompleteText = "Change configuration complete.";
+
+} // namespace kavro
