@@ -116,6 +116,7 @@ constexpr Key<Faults> FaultKeys[] = {
     {"slowCharacters",
      [](Faults& faults, const Item& item) { faults.SlowCharacterMs = SmallNumber(item, 0, LongestPauseMs); }},
     {"refuse", [](Faults& faults, const Item& item) { faults.Refuse = Flag(item); }},
+    {"wrongAddress", [](Faults& faults, const Item& item) { faults.WrongAddress = Flag(item); }},
     {"unplugged", [](Faults& faults, const Item& item) { faults.Unplugged = Flag(item); }},
 };
 

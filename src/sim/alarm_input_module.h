@@ -1,28 +1,38 @@
 #pragma once
 
-#include "sim/simulated_module.h"
+#include "sim/calibrated_input.h"
+
+#include <optional>
 
 namespace kavro {
 
-/// Analog input with one channel, alarm limits and digital inputs and outputs: 8210, 8220, 8240.
-class AlarmInputModule : public SimulatedModule {
+/// Analog input with one channel, alarm limits, two digital outputs and one digital input: 8210, 8220, 8240.
+///
+/// While the alarm is enabled it drives the outputs, by the reading at each command that the module hears:
+/// output 0 is on when the reading is at or below the low limit, output 1 at or above the high one. A latched
+/// alarm keeps them on until it is cleared.
+class AlarmInputModule : public CalibratedInput {
 public:
     explicit AlarmInputModule(ModuleSettings settings);
 
-    double LowLimit, HighLimit;  ///< alarm limits in the range's unit
-    int AlarmMode = 0;           ///< 0 disabled, 1 momentary, 2 latched
-    unsigned DigitalOutputs = 0; ///< one bit per output
-    unsigned DigitalInputs = 0;  ///< one bit per input
-    int SignedSetting = 123;     ///< 8240 only: what "$AA3" reports
-    unsigned MaskSetting = 0x05; ///< 8240 only: what "$AA5" reports
+    double LowLimit, HighLimit;         ///< alarm limits in the range's unit
+    int AlarmMode = 0;                  ///< 0 disabled, 1 momentary, 2 latched
+    unsigned DigitalOutputs = 0;        ///< one bit per output
+    std::optional<unsigned> HeldInputs; ///< levels of the inputs; nothing: they change over time
+    int SignedSetting = 123;            ///< 8240 only: what "$AA3" reports
+    unsigned MaskSetting = 0x05;        ///< 8240 only: what "$AA5" reports
 
 protected:
     std::optional<std::string> AnswerOwn(std::string_view command, std::int64_t moment) override;
-    int FormatByte() const override { return ChecksumBit() | Settings.DataFormat; }
 
 private:
-    std::string Read(const Request& request) const;
+    void DriveOutputs(std::int64_t moment);
     std::string LimitText(double limit) const;
+    std::string SetLimit(double& limit, const Request& request) const;
+    std::string SetAlarmMode(int mode);
+    std::string ClearAlarm();
+    std::string SetOutputs(const Request& request);
+    std::string ReadStates(const Request& request) const;
 };
 
 } // namespace kavro

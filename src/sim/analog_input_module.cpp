@@ -6,7 +6,7 @@
 namespace kavro {
 
 AnalogInputModule::AnalogInputModule(ModuleSettings settings)
-    : SimulatedModule(std::move(settings)), Channels(Settings.Model == "8230" ? 3 : 8),
+    : CalibratedInput(std::move(settings)), Channels(Settings.Model == "8230" ? 3 : 8),
       EnabledMask((1U << Channels) - 1) {}
 
 std::optional<std::string> AnalogInputModule::AnswerOwn(std::string_view command, std::int64_t moment) {
@@ -14,17 +14,33 @@ std::optional<std::string> AnalogInputModule::AnswerOwn(std::string_view command
     static constexpr CommandEntry<Self> Commands[] = {
         {"#AAd", [](Self& module, const Request& request) { return module.ReadChannel(request); }},
         {"$AA6", [](Self& module, const Request&) { return module.Valid(WireHex(module.EnabledMask, 2)); }},
+        {"$AA5hh", [](Self& module, const Request& request) { return module.EnableChannels(request); }},
     };
-    return AnswerFrom(Commands, *this, command, moment);
+    static constexpr CommandEntry<Self> CommandsOf8260[] = {
+        {"$AABA", [](Self& module, const Request&) { return module.Valid(WireHex(module.OpenChannels, 2)); }},
+    };
+    if (Settings.Model == "8260")
+        if (auto reply = AnswerFrom(CommandsOf8260, *this, command, moment))
+            return reply;
+    if (auto reply = AnswerFrom(Commands, *this, command, moment))
+        return reply;
+    return CalibratedInput::AnswerOwn(command, moment);
 }
 
 std::string AnalogInputModule::ReadChannel(const Request& request) const {
     const int channel = request.Arguments.front() - '0';
     if (channel >= Channels || (EnabledMask >> channel & 1U) == 0)
         return Refusal();
-    const RangeShape shape = ShapeOf(Settings.TypeCode);
-    const double value = MovingValue(shape, request.Moment, Settings.Address + channel);
-    return Data(ReadingText(value, shape, Settings.DataFormat));
+    const bool open = (OpenChannels >> channel & 1U) != 0;
+    return ReadingReply(open ? ShapeOf(Settings.TypeCode).High : Reading(channel, request.Moment));
+}
+
+std::string AnalogInputModule::EnableChannels(const Request& request) {
+    const unsigned mask = FromWireHex(request.Arguments);
+    if (mask >> Channels != 0)
+        return Refusal();
+    EnabledMask = mask;
+    return Valid();
 }
 
 } // namespace kavro

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 
 namespace kavro {
 
@@ -14,9 +15,21 @@ struct SimulatedCounter {
     std::uint32_t InitialCount = 0;
     bool AlarmEnabled = false;
     std::uint32_t AlarmLimit = 0xFFFFFFFF;
+    std::uint32_t Count = 0; ///< behind the maximum count comes the initial count
+    bool Overflow = false;   ///< the maximum count was passed
+
+    std::optional<std::int64_t> CountedFrom = std::nullopt; ///< moment of the start; nothing while stopped
+    std::int64_t Pulses = 0;                                ///< counted since then
+
+    /// Counts what has come in by `moment` (microseconds) at that many pulses a second.
+    void CountUntil(std::int64_t moment, int pulsesPerSecond);
+
+    /// Whether the alarm is enabled and the count has reached its limit.
+    bool AlarmActive() const { return AlarmEnabled && Count >= AlarmLimit; }
 };
 
-/// Counter and frequency input: 8510. Type code 50 (hexadecimal) counts, 51 measures a frequency.
+/// Counter and frequency input: 8510. Type code 50 (hexadecimal) counts, 51 measures a frequency. A counter
+/// that was started by setting `Started` counts from the first command on.
 class CounterModule : public SimulatedModule {
 public:
     using SimulatedModule::SimulatedModule;
@@ -31,9 +44,19 @@ public:
 
 protected:
     std::optional<std::string> AnswerOwn(std::string_view command, std::int64_t moment) override;
-    int FormatByte() const override { return ChecksumBit() | (LongGateTime ? 0x04 : 0); }
+    bool HasTypeCode(int typeCode) const override;
+    bool HasFormat(int bits) const override { return (bits & ~LongGateBit) == 0; }
+    void KeepFormat(int bits) override { LongGateTime = bits != 0; }
+    int FormatByte() const override { return ChecksumBit() | (LongGateTime ? LongGateBit : 0); }
 
 private:
+    static constexpr int LongGateBit = 0x04; // of the format byte
+
+    void CountUntil(std::int64_t moment);
+    std::uint32_t Frequency(int input, std::int64_t moment) const;
+    std::string ReadInput(const Request& request) const;
+    std::string ReadAlarms() const;
+    std::string Clear(const Request& request);
     /// "!AA" and what `text` makes of counter 0 and of counter 1.
     std::string OfBoth(std::string (*text)(const SimulatedCounter& counter)) const;
 };

@@ -2,10 +2,12 @@
 
 #include "sim/alarm_input_module.h"
 #include "sim/analog_input_module.h"
+#include "sim/analog_output_module.h"
 #include "sim/converter_module.h"
 #include "sim/counter_module.h"
 #include "sim/digital_module.h"
 #include "sim/module_factory.h"
+#include "sim/port_module.h"
 
 namespace kavro {
 
@@ -78,12 +80,27 @@ void Vary(const SimulatedLine& line) {
     alarmInput.LowLimit = -1.5;
     alarmInput.HighLimit = 1.5;
     FamilyAt<AlarmInputModule>(line, 4).AlarmMode = 1;
+    auto& voltages = FamilyAt<AnalogInputModule>(line, 5);
+    voltages.OffsetError = 0.4;
+    voltages.SpanError = -0.3;
+    auto& temperatures = FamilyAt<AnalogInputModule>(line, 6);
+    temperatures.ColdJunctionError = -1.8;
+    temperatures.OpenChannels = 0x08;
     FamilyAt<AnalogInputModule>(line, 7).EnabledMask = 0x3B;
-    FamilyAt<DigitalModule>(line, 12).OutputInverted = true;
+    auto& current = FamilyAt<AnalogOutputModule>(line, 8);
+    current.Error4mA = 0.012; // three trim counts
+    current.Error20mA = -0.02;
+    auto& outputs = FamilyAt<DigitalModule>(line, 12);
+    outputs.OutputInverted = true;
+    outputs.Commanded = 0x0F05;
     FamilyAt<DigitalModule>(line, 13).InputInverted = true;
+    auto& ports = FamilyAt<PortModule>(line, 15);
+    ports.Directions = 0x0A; // A and CH are inputs, B and CL outputs
+    ports.Commanded = 0x003C05;
     auto& counters = FamilyAt<CounterModule>(line, 18).Counters;
     counters[0].Started = true;
     counters[0].MaximumCount = 100000;
+    counters[1].Count = 6000;
     counters[1].AlarmEnabled = true;
     counters[1].AlarmLimit = 5000;
     FamilyAt<CounterModule>(line, 33).LongGateTime = true;

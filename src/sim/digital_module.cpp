@@ -1,8 +1,32 @@
 #include "sim/digital_module.h"
 
+#include "sim/moving_levels.h"
 #include "sim/wire_text.h"
 
 namespace kavro {
+
+namespace {
+
+struct Channels {
+    std::string_view Model;
+    int Inputs, Outputs;
+};
+
+constexpr Channels ModelChannels[] = {
+    {"8410", 8, 8}, {"8420", 16, 0}, {"8430", 0, 16}, {"8440", 8, 0},
+    {"8450", 7, 8}, {"8470", 4, 4},  {"8480", 0, 8},  {"8490", 4, 8},
+};
+
+} // namespace
+
+DigitalModule::DigitalModule(ModuleSettings settings)
+    : SimulatedModule(std::move(settings)), Inputs(0), Outputs(0) {
+    for (const Channels& channels : ModelChannels)
+        if (channels.Model == Settings.Model) {
+            Inputs = channels.Inputs;
+            Outputs = channels.Outputs;
+        }
+}
 
 std::optional<std::string> DigitalModule::AnswerOwn(std::string_view command, std::int64_t moment) {
     using Self = DigitalModule;
@@ -12,8 +36,46 @@ std::optional<std::string> DigitalModule::AnswerOwn(std::string_view command, st
              return module.Valid(WireDecimal(module.OutputInverted, 1) +
                                  WireDecimal(module.InputInverted, 1));
          }},
+        {"~AACPdd", [](Self& module, const Request& request) { return module.SetPolarity(request); }},
+        {"$AA6", [](Self& module, const Request& request) { return module.ReadStates(request); }},
+        {"@AADOhhhh", [](Self& module, const Request& request) { return module.SetOutputs(request); }},
+        {"@AASOhhd", [](Self& module, const Request& request) { return module.SetOutput(request); }},
     };
     return AnswerFrom(Commands, *this, command, moment);
+}
+
+std::string DigitalModule::SetPolarity(const Request& request) {
+    const char output = request.Arguments[0], input = request.Arguments[1];
+    if (output > '1' || input > '1')
+        return Refusal();
+    OutputInverted = output == '1';
+    InputInverted = input == '1';
+    return Valid();
+}
+
+std::string DigitalModule::ReadStates(const Request& request) const {
+    const unsigned all = (1U << Inputs) - 1;
+    const unsigned levels = HeldInputs.value_or(MovingLevels(request.Moment, Settings.Address, Inputs));
+    const unsigned inputs = (InputInverted ? ~levels : levels) & all;
+    return ValidUnaddressed(WireHex(Commanded, 4) + WireHex(inputs, 4));
+}
+
+std::string DigitalModule::SetOutputs(const Request& request) {
+    const unsigned states = FromWireHex(request.Arguments);
+    if (states >> Outputs != 0 || Outputs == 0)
+        return Refusal();
+    Commanded = states;
+    return Valid();
+}
+
+std::string DigitalModule::SetOutput(const Request& request) {
+    const auto channel = FromWireHex(std::string_view(request.Arguments).substr(0, 2));
+    const char state = request.Arguments[2];
+    if (channel >= static_cast<unsigned>(Outputs) || state > '1')
+        return Refusal();
+    const unsigned bit = 1U << channel;
+    Commanded = state == '1' ? Commanded | bit : Commanded & ~bit;
+    return Valid();
 }
 
 } // namespace kavro

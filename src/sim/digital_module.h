@@ -2,18 +2,29 @@
 
 #include "sim/simulated_module.h"
 
+#include <optional>
+
 namespace kavro {
 
-/// Digital inputs and outputs: 8410 to 8490.
+/// Digital inputs and outputs: 8410 to 8490 but 8460. Bit n of a state is channel n.
 class DigitalModule : public SimulatedModule {
 public:
-    using SimulatedModule::SimulatedModule;
+    explicit DigitalModule(ModuleSettings settings);
 
-    bool OutputInverted = false; ///< polarity of the outputs
-    bool InputInverted = false;  ///< polarity of the inputs
+    int Inputs, Outputs;                ///< number of channels
+    unsigned Commanded = 0;             ///< state of the outputs as commanded and as reported
+    bool OutputInverted = false;        ///< polarity of the outputs; on the wire nothing shows it
+    bool InputInverted = false;         ///< polarity of the inputs
+    std::optional<unsigned> HeldInputs; ///< levels at the input terminals; nothing: they change over time
 
 protected:
     std::optional<std::string> AnswerOwn(std::string_view command, std::int64_t moment) override;
+
+private:
+    std::string SetPolarity(const Request& request);
+    std::string ReadStates(const Request& request) const;
+    std::string SetOutputs(const Request& request);
+    std::string SetOutput(const Request& request);
 };
 
 } // namespace kavro

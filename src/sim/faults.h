@@ -11,6 +11,7 @@ struct Faults {
     bool Noise = false;            ///< random bytes before a reply, now and then instead of it
     int SlowCharacterMs = 0;       ///< pause between two characters of a reply, in ms
     bool Refuse = false;           ///< answers every command with "?" and its address
+    bool WrongAddress = false;     ///< names the address after its own in its replies
     bool Unplugged = false;        ///< a module: gone from the line; the line: the adapter was pulled out
 };
 
@@ -23,6 +24,7 @@ constexpr Faults Combined(const Faults& first, const Faults& second) {
             .Noise = first.Noise || second.Noise,
             .SlowCharacterMs = first.SlowCharacterMs + second.SlowCharacterMs,
             .Refuse = first.Refuse || second.Refuse,
+            .WrongAddress = first.WrongAddress || second.WrongAddress,
             .Unplugged = first.Unplugged || second.Unplugged};
 }
 

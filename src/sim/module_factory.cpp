@@ -6,7 +6,9 @@
 #include "sim/converter_module.h"
 #include "sim/counter_module.h"
 #include "sim/digital_module.h"
+#include "sim/port_module.h"
 #include "sim/unknown_module.h"
+#include "sim/voltage_output_module.h"
 
 namespace kavro {
 
@@ -29,10 +31,10 @@ constexpr ModelEntry Models[] = {
     {"8210", 0x05, 0, Make<AlarmInputModule>},   {"8220", 0x0D, 0, Make<AlarmInputModule>},
     {"8230", 0x20, 0, Make<AnalogInputModule>},  {"8240", 0x08, 0, Make<AlarmInputModule>},
     {"8250", 0x08, 0, Make<AnalogInputModule>},  {"8260", 0x0F, 0, Make<AnalogInputModule>},
-    {"8310", 0x30, 0, Make<AnalogOutputModule>}, {"8320", 0x33, 0, Make<AnalogOutputModule>},
+    {"8310", 0x30, 0, Make<AnalogOutputModule>}, {"8320", 0x33, 0, Make<VoltageOutputModule>},
     {"8410", 0x40, 0, Make<DigitalModule>},      {"8420", 0x40, 0, Make<DigitalModule>},
     {"8430", 0x40, 0, Make<DigitalModule>},      {"8440", 0x40, 0, Make<DigitalModule>},
-    {"8450", 0x40, 0, Make<DigitalModule>},      {"8460", 0x40, 0, Make<DigitalModule>},
+    {"8450", 0x40, 0, Make<DigitalModule>},      {"8460", 0x40, 0, Make<PortModule>},
     {"8470", 0x40, 0, Make<DigitalModule>},      {"8480", 0x40, 0, Make<DigitalModule>},
     {"8490", 0x40, 0, Make<DigitalModule>},      {"8510", 0x50, 0, Make<CounterModule>},
     {"8610", 0x00, 3, Make<ConverterModule>},    {"8620", 0x00, 3, Make<ConverterModule>},

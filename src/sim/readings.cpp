@@ -2,6 +2,7 @@
 
 #include "sim/wire_text.h"
 
+#include <charconv>
 #include <cmath>
 #include <numbers>
 
@@ -43,6 +44,10 @@ constexpr RangeShape Shapes[] = {
     {0x28, -80, 100, 100, 3, 2, 120, 0.8},
     {0x29, -120, 100, 100, 3, 2, 120, 0.8},
     {0x2A, 0, 60, 60, 3, 2},
+    {0x30, 0, 20, 20, 2, 3},
+    {0x31, 4, 20, 20, 2, 3},
+    {0x32, 0, 10, 10, 2, 3},
+    {0x33, -10, 10, 10, 2, 3},
 };
 
 constexpr double ShortestPeriod = 40; // seconds
@@ -79,6 +84,33 @@ std::string ReadingText(double value, const RangeShape& shape, int dataFormat) {
     default:
         return EngineeringText(value, shape);
     }
+}
+
+std::string FixedText(double value, int integerDigits, int decimals) {
+    return WireSigned(value, integerDigits, decimals).substr(1);
+}
+
+std::optional<double> FromFixedText(std::string_view text, int integerDigits, int decimals) {
+    const std::string shape = FixedText(0, integerDigits, decimals);
+    if (text.size() != shape.size())
+        return std::nullopt;
+    for (std::size_t i = 0; i < shape.size(); ++i)
+        if (shape[i] == '0' ? text[i] < '0' || text[i] > '9' : text[i] != shape[i])
+            return std::nullopt;
+    double value = 0;
+    std::from_chars(text.data(), text.data() + text.size(), value);
+    return value;
+}
+
+std::optional<double> FromSignedText(std::string_view text, int integerDigits, int decimals) {
+    if (text.empty() || (text.front() != '+' && text.front() != '-'))
+        return std::nullopt;
+    const auto size = FromFixedText(text.substr(1), integerDigits, decimals);
+    return size && text.front() == '-' ? -*size : size;
+}
+
+int TrimCount(std::string_view digits) {
+    return static_cast<std::int8_t>(FromWireHex(digits));
 }
 
 } // namespace kavro

@@ -36,7 +36,7 @@ std::vector<TimedByte> SimulatedLine::Deliver(const std::string& command, int ba
     if (baud > 0 && Plugged()) {
         const auto heard = AfterCharacters(moment, static_cast<std::int64_t>(command.size()) + 1, baud);
         for (const auto& module : modules_) {
-            const Faults faults = Combined(module->OwnFaults, LineFaults);
+            const Faults faults = Combined(module->FaultsAt(command), LineFaults);
             const auto reply = module->Hear(command, baud, heard, faults);
             if (!reply)
                 continue;

@@ -3,6 +3,7 @@
 #include "sim/faults.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -30,8 +31,9 @@ struct Request {
 /// One line of a command table: a command's pattern and the function that answers it.
 ///
 /// A pattern is the command as it stands on the wire, for example "$AA2". "AA" is the address; a "d" stands
-/// for any decimal digit, an "h" for any upper-case hexadecimal digit (no command has lower-case letters of
-/// its own), and these characters become `Request::Arguments`. Everything else must match exactly.
+/// for any decimal digit, an "h" for any upper-case hexadecimal digit, an "n" for a character of a number
+/// with sign (digit, sign or point); no command has lower-case letters of its own. These characters become
+/// `Request::Arguments`. Everything else must match exactly.
 template <class Module>
 struct CommandEntry {
     std::string_view Pattern;
@@ -52,10 +54,12 @@ std::optional<std::string> AnswerFrom(const CommandEntry<Module> (&table)[Size],
 }
 
 /// A module of the simulated line. Each family is a class with a table of its own commands; what all modules
-/// answer (configuration, name, firmware revision) is answered here.
+/// answer (configuration, name, firmware revision) is answered here. What a command sets is kept as long as
+/// the module lives.
 ///
 /// A module in its initialisation state answers at address 00, 9600 baud, without checksum, whatever its own
-/// settings are, and reports its own address and settings in its replies.
+/// settings are, and reports its own address and settings in its replies. Only there can its baud rate and
+/// checksum be changed.
 class SimulatedModule {
 public:
     explicit SimulatedModule(ModuleSettings settings);
@@ -66,6 +70,13 @@ public:
     ModuleSettings Settings;
     Faults OwnFaults;
 
+    /// Further faults at some commands only: asked for every command on the line, as it stands there (with
+    /// its checksum), whether it is for this module or not.
+    std::function<Faults(std::string_view command)> CommandFaults;
+
+    /// The module's own faults and those at this command.
+    Faults FaultsAt(std::string_view command) const;
+
     /// Reply to a command line (without carriage return, as the reply) heard at `baud`; nothing when the
     /// module stays silent: another address, baud rate or checksum, or a fault. `faults` are the module's own
     /// joined with the line's. `moment` in microseconds.
@@ -74,6 +85,8 @@ public:
 
     /// "!" + own address + `data`.
     std::string Valid(const std::string& data = {}) const;
+    /// "!" + `data`, for the few replies without address.
+    std::string ValidUnaddressed(const std::string& data) const;
     /// "?" + own address.
     std::string Refusal() const;
     /// ">" + `text`.
@@ -83,21 +96,38 @@ protected:
     /// Answers the family's own commands; nothing for all others.
     virtual std::optional<std::string> AnswerOwn(std::string_view command, std::int64_t moment);
 
+    /// Whether the configuration command may set this type (range) code: here the present one alone.
+    virtual bool HasTypeCode(int typeCode) const;
+    /// Whether it may set these `bits` of the format byte, all but the checksum bit: here none.
+    virtual bool HasFormat(int bits) const;
+    /// Takes such bits over.
+    virtual void KeepFormat(int bits);
+
+    /// Whether the configuration command may set `baud` (nothing: no baud rate) where `present` is set.
+    bool MaySetBaud(std::optional<int> baud, int present) const;
+    /// Switches the checksum on or off in the initialisation state; anywhere else it stays as it is.
+    void KeepChecksum(bool checksum);
+
     /// What follows the address in the reply to a configuration read: TTCCFF.
     virtual std::string ConfigurationText() const;
 
     /// The format byte FF: bit 6 checksum, bits 0 and 1 data format where the family has one.
     virtual int FormatByte() const;
 
+    static constexpr int ChecksumMask = 0x40; ///< of the format byte
+
     /// Checksum bit of the format byte.
-    int ChecksumBit() const { return Settings.Checksum ? 0x40 : 0; }
+    int ChecksumBit() const { return Settings.Checksum ? ChecksumMask : 0; }
 
     /// Baud code as a number, 3 to 10.
     int BaudCodeNumber() const;
 
 private:
     std::string AddressText() const;
+    std::string Configure(std::string_view digits);
     std::string Answer(std::string_view command, std::int64_t moment);
+
+    bool wrongAddress_ = false; // in the reply under way
 };
 
 } // namespace kavro

@@ -22,6 +22,13 @@ std::string Digits(std::uint32_t value, int digits, std::uint32_t base) {
     return text;
 }
 
+template <class Number>
+Number FromDigits(std::string_view digits, int base) {
+    Number value = 0;
+    std::from_chars(digits.data(), digits.data() + digits.size(), value, base);
+    return value;
+}
+
 } // namespace
 
 std::string WireHex(std::uint32_t value, int digits) {
@@ -46,6 +53,14 @@ std::string WireSigned(double value, int integerDigits, int decimals) {
     return text.append(number);
 }
 
+std::uint32_t FromWireHex(std::string_view digits) {
+    return FromDigits<std::uint32_t>(digits, 16);
+}
+
+int FromWireDecimal(std::string_view digits) {
+    return FromDigits<int>(digits, 10);
+}
+
 std::uint8_t WireSum(std::string_view text) {
     unsigned sum = 0;
     for (const char character : text)
@@ -57,6 +72,13 @@ std::optional<int> WireBaudCode(int baud) {
     for (const WireBaud& entry : WireBauds)
         if (entry.Baud == baud)
             return entry.Code;
+    return std::nullopt;
+}
+
+std::optional<int> FromWireBaudCode(int code) {
+    for (const WireBaud& entry : WireBauds)
+        if (entry.Code == code)
+            return entry.Baud;
     return std::nullopt;
 }
 

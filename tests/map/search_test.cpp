@@ -250,7 +250,7 @@ TEST(DemoSearch, FindsTheDemoLineCompletelyAndExactly) {
                                    }));
     EXPECT_EQ(std::tuple(test.Session.ModuleCount, test.Session.ScanIndex), std::tuple(27, 18));
     const ModuleTable& table = test.Session.ModuleTable;
-    EXPECT_EQ(Fields(table[0]), "set 0 3 5 0 alarm -1.5 1.5 2 20000");
+    EXPECT_EQ(Fields(table[0]), "set 0 3 5 0 alarm -1.5 1.5 2 20200");
     EXPECT_EQ(Fields(table[12]), "set 0 3 64 0 polarity 1");
     EXPECT_EQ(Fields(table[16]), "set 0 3 80 0 modes 0 0 2 0 levels 10 10 24 8 first 1 100000 0 0 4294967295 "
                                  "second 0 4294967295 0 1 5000");

@@ -1,3 +1,5 @@
+#include "sim/played.h"
+
 #include "sim/alarm_input_module.h"
 #include "sim/analog_input_module.h"
 #include "sim/converter_module.h"
@@ -9,25 +11,8 @@
 #include "sim/virtual_clock.h"
 #include "support/failure_text.h"
 
-#include <sstream>
-
 namespace kavro {
 namespace {
-
-constexpr const char* Silence = "(silence)";
-
-std::string Reply(SimulatedModule& module, std::string_view line, int baud = 9600) {
-    return module.Hear(line, baud, 0).value_or(Silence);
-}
-
-/// A script of "command reply,command reply" with the replies that the module really gives.
-std::string Played(SimulatedModule& module, const std::string& script) {
-    std::istringstream steps(script);
-    std::string played;
-    for (std::string command, reply; std::getline(steps, command, ' ') && std::getline(steps, reply, ',');)
-        played += (played.empty() ? "" : ",") + command + " " + Reply(module, command);
-    return played;
-}
 
 TEST(SimulatedModule, AnswersEachCommandOfItsFamily) {
     const std::pair<const char*, const char*> cases[] = {
@@ -35,14 +20,14 @@ TEST(SimulatedModule, AnswersEachCommandOfItsFamily) {
          "$052 !05080600,$05M !058250,$05F !05A1.0,$056 !05FF,#050 >-03.157,#058 ?05,#05 ?05,$059 ?05,"
          "@05RL ?05,$05 ?05,$052\n ?05,$062 (silence),$0 (silence), (silence),!052 (silence)"},
         {"8230", "$056 !0507,#053 ?05"},
-        {"8210", "#05 >-0.7893,@05RL !05-2.0000,@05RH !05+2.0000,@05DI !0500000,$053 ?05"},
+        {"8210", "#05 >-0.7893,@05RL !05-2.0000,@05RH !05+2.0000,@05DI !0500001,$053 >+0025.3"},
         {"8220", "@05RL !05-16.000"},
         {"8240", "$053 !05+0123,$055 !0505"},
         {"8310", "$052 !05300600,~05CR ?05"},
         {"8320", "~05CR !0500"},
         {"8490", "$052 !05400600,~05CR !0500"},
         {"8510", "$052 !05500600,$05B !050,$05A !052,$055 !0500,$053 !05FFFFFFFF,@05G !05FFFFFFFF,$054 !050,"
-                 "$050H !050010,$050L !050010,$051H !0524,$051L !0508,@05DI !0500,"
+                 "$050H !050010,$050L !050010,$051H !0524,$051L !0508,@05DI !050000,"
                  "@05RP !050000000000000000,@05RA !05FFFFFFFFFFFFFFFF"},
         {"8610", "$052 !0500668003"},
         {"8999", "$052 !05000600,$05M !058999,#05 ?05"}};
@@ -57,7 +42,7 @@ TEST(SimulatedModule, ReportsWhatItIsSetTo) {
     AlarmInputModule alarm(FactorySettings("8240"));
     alarm.AlarmMode = 2;
     alarm.DigitalOutputs = 0x0A;
-    alarm.DigitalInputs = 0x3;
+    alarm.HeldInputs = 0x3;
     alarm.SignedSetting = -42;
     expect(alarm, "@01DI !0120A03,$013 !01-0042");
 
@@ -73,7 +58,7 @@ TEST(SimulatedModule, ReportsWhatItIsSetTo) {
     counter.Counters[0] = {.Started = true, .MaximumCount = 100000, .InitialCount = 1};
     counter.Counters[1] = {.MaximumCount = 255, .InitialCount = 2, .AlarmEnabled = true, .AlarmLimit = 16};
     counter.LongGateTime = true;
-    expect(counter, "$012 !01500604,$015 !0110,$013 !01000186A0,@01G !01000000FF,@01DI !0101,"
+    expect(counter, "$012 !01500604,$015 !0110,$013 !01000186A0,@01G !01000000FF,@01DI !010100,"
                     "@01RP !010000000100000002,@01RA !01FFFFFFFF00000010");
 
     ConverterModule converter(FactorySettings("8620"));
