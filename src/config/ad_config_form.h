@@ -1,13 +1,10 @@
 #pragma once
 
 #include "config/config_form.h"
+#include "config/option_pairs_form.h"
 
-#include <array>
 #include <cstdint>
 #include <vector>
-
-class QGroupBox;
-class QRadioButton;
 
 namespace kavro {
 
@@ -21,12 +18,12 @@ protected:
     ConfigOutcome Apply(const LinkSettings& link) override;
 
 private:
-    QGroupBox* BuildChannels(unsigned enabledChannels);
+    void ShowChannels(unsigned enabledChannels);
 
     QComboBox* inputRange_ = nullptr;
     QComboBox* dataFormat_ = nullptr;
+    OptionPairs* channels_ = nullptr;
     std::vector<std::int16_t> formatMap_; // data format code by position in the list
-    std::array<QRadioButton*, 8> channelEnable_{};
 };
 
 } // namespace kavro

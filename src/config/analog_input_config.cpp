@@ -14,27 +14,19 @@ bool ApplyModuleConfig(Session& session, int index, const AnalogInputSettings& s
     if (settings.Link == LinkSettingsOf(record) && settings.InputRange == record.InputRange &&
         settings.DataFormat == record.DataFormat)
         return true;
-    if (!WriteModuleConfig(session, index, settings.Link, settings.InputRange,
-                           FormatByte(settings.Link, settings.DataFormat))) {
-        ShowError(messages, ConfigFailedText);
+    if (!ChangeModuleConfig(session, index, settings.Link, settings.InputRange,
+                            FormatByte(settings.Link, settings.DataFormat), messages))
         return false;
-    }
-    StoreLinkSettings(record, settings.Link);
     record.InputRange = settings.InputRange;
     record.DataFormat = settings.DataFormat;
-    session.ConfigResult = 1;
     return true;
 }
 
 bool ApplyChannels(Session& session, int index, unsigned enabled, Messages& messages) {
     const int channels = ChannelCount(session.ModuleTable[index].Model).value_or(0);
     const unsigned mask = enabled & ((1U << channels) - 1);
-    if (!WriteSetting(session, index, '$', "5" + ToHex(static_cast<std::int32_t>(mask), 2))) {
-        ShowError(messages, "Channel enable/disable configuration failed.");
-        return false;
-    }
-    session.ConfigResult = 1;
-    return true;
+    return ChangeSetting(session, index, '$', "5" + ToHex(static_cast<std::int32_t>(mask), 2),
+                         "Channel enable/disable configuration failed.", messages);
 }
 
 } // namespace

@@ -36,6 +36,13 @@ bool CheckAddress(Session& session, const LinkSettings& link, Messages& messages
 /// The format byte FF of a module configuration: bit 6 checksum, and the family's own bits.
 std::int16_t FormatByte(const LinkSettings& link, std::int16_t familyBits);
 
+/// What a baud code becomes on the wire: code 0 is sent as 3.
+inline constexpr std::int16_t WireBaudOffset = 3;
+
+/// Sends "%AANN" and `fields`, NN being the new address. True when the module answers exactly "!NN". Changes
+/// nothing in the entry.
+bool WriteModuleConfig(Session& session, int index, const LinkSettings& link, const std::string& fields);
+
 /// Sends "%AANNTTCCFF": new address, type code, baud code + 3 and format byte, two hexadecimal digits each.
 /// True when the module answers exactly "!NN". Changes nothing in the entry.
 bool WriteModuleConfig(Session& session, int index, const LinkSettings& link, std::int16_t typeCode,
@@ -44,6 +51,24 @@ bool WriteModuleConfig(Session& session, int index, const LinkSettings& link, st
 /// Sends `lead`, the entry's address at this moment, and `code`, for example "$", "01", "507". True when the
 /// module answers with a reply that begins with "!".
 bool WriteSetting(Session& session, int index, char lead, const std::string& code);
+
+/// The same, true only for the reply "!AA" and nothing behind it. AA is the address spoken to; a module in
+/// its initialisation state may name its own in place of 00.
+bool WriteAcknowledged(Session& session, int index, char lead, const std::string& code);
+
+/// A dialog's step "module configuration": `WriteModuleConfig`. Accepted, the link settings are kept in the
+/// entry and `ConfigResult` becomes 1; else the failure is told and `ConfigResult` becomes 2.
+bool ChangeModuleConfig(Session& session, int index, const LinkSettings& link, std::int16_t typeCode,
+                        std::int16_t formatByte, Messages& messages);
+
+/// The same step for a digital I/O module, whose type code is 40 and whose format byte has the checksum
+/// alone.
+bool ChangeDigitalModuleConfig(Session& session, int index, const LinkSettings& link, Messages& messages);
+
+/// A dialog's step for a further setting: `WriteSetting`. Accepted, `ConfigResult` becomes 1; else `failure`
+/// is told and `ConfigResult` stays as it was.
+bool ChangeSetting(Session& session, int index, char lead, const std::string& code, const char* failure,
+                   Messages& messages);
 
 /// Shows `text`, titled "Error".
 void ShowError(Messages& messages, const char* text);

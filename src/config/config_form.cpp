@@ -64,6 +64,10 @@ QComboBox* ConfigForm::AddList(QFormLayout& rows, const char* name, const char* 
     return list;
 }
 
+QComboBox* ConfigForm::AddPolarity(QFormLayout& rows, const char* name, const char* label, int polarity) {
+    return AddList(rows, name, label, {"Not change", "Change!"}, polarity);
+}
+
 void ConfigForm::AddModuleAndAddress(QFormLayout& rows, const char* addressLabel) {
     auto* moduleName = Named(new QLabel(QString::fromStdString(Trim(Record().Model))), "ModuleName", {});
     rows.addRow("Module:", moduleName);

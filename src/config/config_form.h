@@ -50,6 +50,8 @@ protected:
     /// A row with a list of `items` at `position`; nothing is selected when there is no such item.
     static QComboBox* AddList(QFormLayout& rows, const char* name, const char* label,
                               const QStringList& items, int position);
+    /// A row with the list of a polarity: 0 as it is, 1 inverted.
+    static QComboBox* AddPolarity(QFormLayout& rows, const char* name, const char* label, int polarity);
     /// `control` behind `label`, which it is spoken by.
     static void AddLabelled(QFormLayout& rows, const char* label, QWidget& control);
     /// Disables a control of the link when it cannot be changed, with the reason.

@@ -6,6 +6,8 @@
 
 #include <QComboBox>
 
+#include <algorithm>
+
 namespace kavro {
 
 namespace {
@@ -29,6 +31,11 @@ QStringList FormatItems(std::span<const std::int16_t> codes) {
 
 int RangePosition(const QStringList& items, std::int16_t code) {
     return static_cast<int>(items.indexOf(QString::fromStdString(Trim(RangeName(code)))));
+}
+
+int FormatPosition(std::span<const std::int16_t> codes, std::int16_t code) {
+    const auto found = std::ranges::find(codes, code);
+    return found == codes.end() ? -1 : static_cast<int>(found - codes.begin());
 }
 
 std::int16_t SelectedRange(const QComboBox& list, std::string_view model) {

@@ -115,35 +115,40 @@ constexpr FamilyRead CounterReads[] = {
     {"@", "RA", [](Record& record, const Reply& reply) { StorePair(reply, record.Counter.AlarmValue); }},
 };
 
-void SendReads(Line& line, std::span<const FamilyRead> reads, const ModuleContact& contact,
+// False when one of them was not answered with "!".
+bool SendReads(Line& line, std::span<const FamilyRead> reads, const ModuleContact& contact,
                ModuleRecord& record) {
+    bool all = true;
     for (const FamilyRead& read : reads) {
         line.Exchange(read.Prefix + contact.AddressHex + read.Code, contact.Checksum, contact.BaudCode,
                       line.ReplyTimeout);
         if (line.ReplyIs('!'))
             read.Store(record, line.ReplyText);
+        else
+            all = false;
     }
+    return all;
 }
 
 std::int16_t BaudCodeAt(const std::string& reply, std::size_t position) {
     return static_cast<std::int16_t>(DigitAt(reply, position) - 3);
 }
 
-void DecodeConverter(std::int32_t format, ModuleRecord& record) {
-    const auto bits = [format](int divisor, int modulus) {
-        return static_cast<std::int16_t>(format / divisor % modulus);
+} // namespace
+
+void DecodeConverterFormat(std::int32_t word, ModuleRecord& record) {
+    const auto bits = [word](int divisor, int modulus) {
+        return static_cast<std::int16_t>(word / divisor % modulus);
     };
     record.Checksum = bits(16384, 2);
     record.DataFormat = bits(1, 4);
-    record.ConverterInterface = static_cast<std::int16_t>(format / 32768);
+    record.ConverterInterface = static_cast<std::int16_t>(word / 32768);
     record.Converter.FormatBit13 = bits(8192, 2);
     record.Converter.FormatBit8 = bits(256, 2);
     record.ConverterParity = bits(8, 4);
     record.ConverterStopBits = bits(4, 2);
-    record.Converter.FormatWord = format;
+    record.Converter.FormatWord = word;
 }
-
-} // namespace
 
 bool DecodeConfigReply(const std::string& reply, const std::string& model, ModuleRecord& record) {
     const std::int16_t family = ModuleFamily(model);
@@ -154,7 +159,7 @@ bool DecodeConfigReply(const std::string& reply, const std::string& model, Modul
     record.BaudCode = BaudCodeAt(reply, 7);
     if (family == Converter) {
         record.Converter.SecondBaudCode = BaudCodeAt(reply, 6);
-        DecodeConverter(bits, record);
+        DecodeConverterFormat(bits, record);
         return true;
     }
     record.Checksum = static_cast<std::int16_t>(bits / 64 % 2);
@@ -165,18 +170,20 @@ bool DecodeConfigReply(const std::string& reply, const std::string& model, Modul
     return true;
 }
 
-void ReadFamilySettings(Line& line, const std::string& model, const ModuleContact& contact,
+bool ReadFamilySettings(Line& line, const std::string& model, const ModuleContact& contact,
                         ModuleRecord& record) {
     const std::string suffix = ModelSuffix(model);
     const std::int16_t family = ModuleFamily(model);
+    bool all = true;
     if (family == DigitalIo || suffix == "320")
-        SendReads(line, PolarityReads, contact, record);
+        all &= SendReads(line, PolarityReads, contact, record);
     if (family == AnalogInput)
-        SendReads(line, AlarmReads, contact, record);
+        all &= SendReads(line, AlarmReads, contact, record);
     if (suffix == "240")
-        SendReads(line, Suffix240Reads, contact, record);
+        all &= SendReads(line, Suffix240Reads, contact, record);
     if (family == CounterFrequency)
-        SendReads(line, CounterReads, contact, record);
+        all &= SendReads(line, CounterReads, contact, record);
+    return all;
 }
 
 } // namespace kavro

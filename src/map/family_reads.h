@@ -19,9 +19,12 @@ struct ModuleContact {
 /// "!AATTCCFFFF"). False, with the record unchanged, when the format is not hexadecimal.
 bool DecodeConfigReply(const std::string& reply, const std::string& model, ModuleRecord& record);
 
+/// Decodes a converter's format word (16 bits) into every field of the record that it fills.
+void DecodeConverterFormat(std::int32_t word, ModuleRecord& record);
+
 /// Sends the commands that read the further settings of the model's family, in order. A reply that is not "!"
-/// or not complete leaves its own fields as they were.
-void ReadFamilySettings(Line& line, const std::string& model, const ModuleContact& contact,
+/// or not complete leaves its own fields as they were; false when there was one.
+bool ReadFamilySettings(Line& line, const std::string& model, const ModuleContact& contact,
                         ModuleRecord& record);
 
 } // namespace kavro

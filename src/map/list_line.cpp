@@ -28,13 +28,6 @@ std::string AnalogFormat(const ModuleRecord& record, bool output) {
     }
 }
 
-std::string ShownModel(const std::string& model) {
-    std::string shown = FixedText(model, 6);
-    std::replace_if(
-        shown.begin(), shown.end(), [](char c) { return c < ' ' || c > '~'; }, '?');
-    return shown;
-}
-
 std::string ConverterParityText(std::int16_t parity) {
     if (parity == 1)
         return "  o,";
@@ -64,6 +57,13 @@ std::string FamilyColumns(const ModuleRecord& record) {
 }
 
 } // namespace
+
+std::string ShownModel(const std::string& model) {
+    std::string shown = FixedText(model, 6);
+    std::replace_if(
+        shown.begin(), shown.end(), [](char c) { return c < ' ' || c > '~'; }, '?');
+    return shown;
+}
 
 std::string BuildListLine(const Session& session, int index) {
     const ModuleRecord& record = session.ModuleTable[index];

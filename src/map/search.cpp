@@ -1,8 +1,6 @@
 #include "map/search.h"
 
 #include "link/baud.h"
-#include "link/text.h"
-#include "map/family_reads.h"
 #include "map/list_line.h"
 
 #include <algorithm>
@@ -50,70 +48,36 @@ void NetworkSearch::SearchAddresses() {
 }
 
 void NetworkSearch::SearchAddress(std::int16_t address) {
-    Probe probe;
-    probe.Address = address;
-    probe.AddressHex = ToHex(address, 2);
-    if (!FindAnswer(probe))
+    const auto answer = FindAnswer(address);
+    if (!answer)
         return;
+    Line& line = session_.Line;
     if (address == 0) {
         ModuleRecord found = pending_;
-        if (!Identify(probe, found))
+        if (IdentifyModule(line, *answer, found) == Identified::No)
             return;
         pending_ = found;
         FinishAddressZero();
-    } else if (Identify(probe, session_.ModuleTable[stored_])) {
+    } else if (IdentifyModule(line, *answer, session_.ModuleTable[stored_]) != Identified::No) {
         AppendEntry();
     }
 }
 
-bool NetworkSearch::FindAnswer(Probe& probe) {
+std::optional<ConfigAnswer> NetworkSearch::FindAnswer(std::int16_t address) {
     Line& line = session_.Line;
-    const std::string command = "$" + probe.AddressHex + "2";
     for (std::int16_t code = 0; code < BaudCodeCount; ++code) {
         if (line.SettingsOf(line.CurrentPort).BaudEnabled[static_cast<std::size_t>(code)] == 0)
             continue;
         events_.Baud(BaudFromCode(code));
         for (const std::int16_t checksum : {std::int16_t{0}, std::int16_t{1}}) {
-            line.Exchange(command, checksum, code, line.ReplyTimeout);
+            auto answer = AskForConfig(line, address, checksum, code);
             if (checksum == 1)
                 events_.Yield();
-            if (!ConfigReplyIsGood())
-                continue;
-            probe.Checksum = checksum;
-            probe.BaudCode = code;
-            probe.ConfigReply = line.ReplyText;
-            return true;
+            if (answer)
+                return answer;
         }
     }
-    return false;
-}
-
-bool NetworkSearch::ConfigReplyIsGood() const {
-    const std::size_t length = session_.Line.ReplyText.size();
-    return session_.Line.ReplyIs('!') && (length == 9 || length == 11);
-}
-
-// Fills `record` from the configuration reply and the reads that follow. False, with nothing stored, when the
-// reply is noise that merely looks like one.
-bool NetworkSearch::Identify(const Probe& probe, ModuleRecord& record) {
-    const auto reportedAddress = HexNumber(Middle(probe.ConfigReply, 2, 2));
-    const auto typeCode = HexNumber(Middle(probe.ConfigReply, 4, 2));
-    const auto format = HexNumber(Middle(probe.ConfigReply, 8, 2));
-    if (!typeCode || !format || (probe.Address == 0 && !reportedAddress))
-        return false;
-    record.Address = probe.Address == 0 ? static_cast<std::int16_t>(*reportedAddress) : probe.Address;
-    record.InputRange = static_cast<std::int16_t>(*typeCode);
-
-    Line& line = session_.Line;
-    line.Exchange("$" + probe.AddressHex + "M", probe.Checksum, probe.BaudCode, line.ReplyTimeout);
-    const std::string moduleName = Middle(line.ReplyText, 4); // used as it comes, valid or not
-    record.Model = FixedText(moduleName, 6);
-
-    if (!DecodeConfigReply(probe.ConfigReply, moduleName, record))
-        return false;
-    const std::int16_t checksum = probe.Address == 0 ? std::int16_t{0} : record.Checksum;
-    ReadFamilySettings(line, moduleName, {probe.AddressHex, checksum, probe.BaudCode}, record);
-    return true;
+    return std::nullopt;
 }
 
 void NetworkSearch::FinishAddressZero() {

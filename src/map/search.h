@@ -1,10 +1,11 @@
 #pragma once
 
+#include "map/identify.h"
 #include "map/session.h"
 
 #include <cstdint>
 #include <functional>
-#include <string>
+#include <optional>
 
 namespace kavro {
 
@@ -30,19 +31,9 @@ public:
     void Stop() { StopRequested = -1; }
 
 private:
-    struct Probe {
-        std::int16_t Address = 0;
-        std::string AddressHex;
-        std::int16_t Checksum = 0; // under which the module answered
-        std::int16_t BaudCode = 0;
-        std::string ConfigReply;
-    };
-
     void SearchAddresses();
     void SearchAddress(std::int16_t address);
-    bool FindAnswer(Probe& probe);
-    bool ConfigReplyIsGood() const;
-    bool Identify(const Probe& probe, ModuleRecord& record);
+    std::optional<ConfigAnswer> FindAnswer(std::int16_t address);
     void FinishAddressZero();
     void Store(const ModuleRecord& record);
     void AppendEntry();

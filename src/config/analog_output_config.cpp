@@ -1,0 +1,59 @@
+#include "config/analog_output_config.h"
+
+#include "link/codes.h"
+
+#include <string>
+
+namespace kavro {
+
+namespace {
+
+// True when the module accepted, or when there was nothing to change; so is `ApplyPolarity`.
+bool ApplyModuleConfig(Session& session, int index, const AnalogOutputConfig& config, Messages& messages) {
+    ModuleRecord& record = session.ModuleTable[index];
+    if (config.Link == LinkSettingsOf(record) && config.OutputRange == record.InputRange &&
+        config.DataFormat == record.DataFormat)
+        return true;
+    if (!ChangeModuleConfig(session, index, config.Link, config.OutputRange,
+                            FormatByte(config.Link, config.DataFormat), messages))
+        return false;
+    record.InputRange = config.OutputRange;
+    record.DataFormat = config.DataFormat;
+    messages.Show(ConfigCompleteText); // before the polarity is sent, which may still fail
+    return true;
+}
+
+bool ApplyPolarity(Session& session, int index, std::int16_t polarity, Messages& messages) {
+    ModuleRecord& record = session.ModuleTable[index];
+    if (!HasInputPolarity(record.Model) || polarity == record.Digital.Polarity % 2)
+        return true;
+    if (!ChangeSetting(session, index, '~', "CP0" + std::to_string(polarity),
+                       "Digital input polarity configuration failed.", messages))
+        return false;
+    record.Digital.Polarity = polarity;
+    return true;
+}
+
+} // namespace
+
+bool HasInputPolarity(std::string_view model) {
+    return ModelSuffix(model) == "320";
+}
+
+AnalogOutputConfig AnalogOutputConfigOf(const Session& session, int index) {
+    const ModuleRecord& record = session.ModuleTable[index];
+    return {LinkSettingsOf(record), record.InputRange, record.DataFormat,
+            static_cast<std::int16_t>(record.Digital.Polarity % 2)};
+}
+
+ConfigOutcome ApplyAnalogOutputConfig(Session& session, int index, const AnalogOutputConfig& config,
+                                      Messages& messages) {
+    // `ConfigResult` is not reset first; this is meant.
+    if (!CheckAddress(session, config.Link, messages))
+        return ConfigOutcome::Refused;
+    const bool configured = ApplyModuleConfig(session, index, config, messages);
+    const bool inverted = ApplyPolarity(session, index, config.InputPolarity, messages);
+    return configured && inverted ? ConfigOutcome::Complete : ConfigOutcome::Incomplete;
+}
+
+} // namespace kavro

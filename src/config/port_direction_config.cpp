@@ -1,0 +1,41 @@
+#include "config/port_direction_config.h"
+
+#include "link/text.h"
+#include "map/module_access.h"
+
+namespace kavro {
+
+namespace {
+
+constexpr unsigned AllPorts = 0x0F;
+
+// "!MM00": the reply has no address in it.
+unsigned ReadInputPorts(Session& session, int index) {
+    if (!ExchangeWithModule(session, index, "$" + AddressText(session, index) + "6",
+                            session.Line.ReplyTimeout))
+        return 0;
+    return HexNumber(Middle(session.Line.ReplyText, 2, 2)).value_or(0) & AllPorts;
+}
+
+} // namespace
+
+PortDirectionConfig ReadPortDirectionConfig(Session& session, int index) {
+    return {LinkSettingsOf(session.ModuleTable[index]), ReadInputPorts(session, index)};
+}
+
+ConfigOutcome ApplyPortDirectionConfig(Session& session, int index, const PortDirectionConfig& config,
+                                       Messages& messages) {
+    // `ConfigResult` is not reset first; this is meant.
+    if (!CheckAddress(session, config.Link, messages))
+        return ConfigOutcome::Refused;
+    const bool configured = config.Link == LinkSettingsOf(session.ModuleTable[index]) ||
+                            ChangeDigitalModuleConfig(session, index, config.Link, messages);
+    const auto mask = static_cast<std::int32_t>(config.InputPorts & AllPorts);
+    const bool directed = ChangeSetting(session, index, '$', "S" + ToHex(mask, 2),
+                                        "Port input/output configuration failed.", messages);
+    if (session.ConfigResult == 1)
+        messages.Show(ConfigCompleteText);
+    return configured && directed ? ConfigOutcome::Complete : ConfigOutcome::Incomplete;
+}
+
+} // namespace kavro

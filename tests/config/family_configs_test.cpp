@@ -1,0 +1,266 @@
+#include "config/analog_input_config.h"
+#include "config/analog_output_config.h"
+#include "config/digital_config.h"
+#include "config/model_choices.h"
+#include "config/port_direction_config.h"
+#include "support/test_session.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <sstream>
+
+namespace kavro {
+namespace {
+
+using Change = std::function<ConfigOutcome(Session& session, Messages& messages)>;
+
+/// Applies these settings to entry 0.
+template <class Config, auto Apply>
+Change Applying(Config config) {
+    return [config](Session& session, Messages& messages) { return Apply(session, 0, config, messages); };
+}
+
+constexpr auto Input = Applying<AnalogInputSettings, ApplyAnalogInputSettings>;
+constexpr auto Output = Applying<AnalogOutputConfig, ApplyAnalogOutputConfig>;
+constexpr auto Digital = Applying<DigitalConfig, ApplyDigitalConfig>;
+constexpr auto Ports = Applying<PortDirectionConfig, ApplyPortDirectionConfig>;
+
+const std::string Done = ConfigCompleteText, Failed = ConfigFailedText;
+const std::string TooHigh = "Address can not exceed 255.";
+const std::string ChannelsFailed = "Channel enable/disable configuration failed.";
+const std::string InputPolarityFailed = "Digital input polarity configuration failed.";
+const std::string PolarityFailed = "Digital I/O polarity configuration failed.";
+const std::string PortsFailed = "Port input/output configuration failed.";
+
+/// All that a configuration can change.
+struct Kept {
+    std::int16_t Address = 1, BaudCode = 3, Range = 0, Format = 0, Checksum = 0, Polarity = 0;
+    bool operator==(const Kept&) const = default;
+};
+
+/// A scripted module and its entry 0, selected.
+struct ConfigSession : ScriptedSession {
+    ConfigSession(const char* model, const Kept& kept, bool initialising = false) {
+        Session.Line.SetPortBaud(1, kept.BaudCode, 0, 8, 0);
+        Session.SelectedModule = 0;
+        Session.ScanIndex = initialising ? 0 : -1;
+        Record = {.Address = kept.Address,
+                  .Model = model,
+                  .DataFormat = kept.Format,
+                  .BaudCode = kept.BaudCode,
+                  .InputRange = kept.Range,
+                  .Checksum = kept.Checksum,
+                  .Digital = {kept.Polarity}};
+    }
+
+    kavro::Kept Kept() const {
+        return {Record.Address,    Record.BaudCode, Record.InputRange,
+                Record.DataFormat, Record.Checksum, Record.Digital.Polarity};
+    }
+
+    /// What was sent, each line behind its rate.
+    Lines Sent() const {
+        Lines sent;
+        for (const std::string& line : Log)
+            if (line.find(",n,8,1") == std::string::npos)
+                sent.push_back(line.substr(line.find(' ') + 1));
+        return sent;
+    }
+
+    /// The texts shown; each of them but the success is an error.
+    Lines Shown() const {
+        Lines texts;
+        for (const auto& [text, title] : Messages.Shown) {
+            EXPECT_EQ(title, text == Done ? "" : "Error");
+            texts.push_back(text);
+        }
+        return texts;
+    }
+
+    ModuleRecord& Record = Session.ModuleTable[0];
+};
+
+enum class State { Normal, Initialisation };
+
+struct Expected {
+    kavro::Kept Kept;
+    Lines Shown = {Done};
+    std::int16_t Result = 1; // `ConfigResult`
+    std::int16_t ResultBefore = 0;
+};
+
+/// `script` is all that is sent, each time rate, command and reply; "-" is no reply.
+void Check(const char* model, const Kept& before, const Change& apply, const char* script,
+           const Expected& expected, State state = State::Normal) {
+    SCOPED_TRACE(std::string(model) + script);
+    ConfigSession session(model, before, state == State::Initialisation);
+    session.Session.ConfigResult = expected.ResultBefore;
+    Lines sent;
+    std::istringstream words(script);
+    for (std::string rate, command, reply; words >> rate >> command >> reply;) {
+        sent.push_back(rate.append(" ").append(command));
+        session.Port().Queue.push_back({reply == "-" ? "" : reply + "\r"});
+    }
+    const bool complete = std::ranges::all_of(expected.Shown, [](const auto& text) { return text == Done; });
+    EXPECT_EQ(apply(session.Session, session.Messages) == ConfigOutcome::Complete, complete);
+    EXPECT_EQ(session.Sent(), sent);
+    EXPECT_EQ(session.Shown(), expected.Shown);
+    EXPECT_EQ(session.Kept(), expected.Kept);
+    EXPECT_EQ(session.Session.ConfigResult, expected.Result);
+}
+
+TEST(FamilyConfigs, AnalogInputAsBytes) {
+    // Nothing changed: the channels alone. Then with checksum: the channels go to the new address.
+    Check("8250  ", {1, 5, 8}, Input({{1, 5, 0}, 8, 0, 0xA5}), "38400 $015A5 !01", {{1, 5, 8}});
+    Check("8260  ", {1, 3, 2, 2, 1}, Input({{0x1F, 3, 1}, 2, 2, 0xFF}),
+          "9600 %011F0206422B !1F98 9600 $1F5FF5C !1F98", {{0x1F, 3, 2, 2, 1}});
+    // No channel beyond the model's; Ohms is code 3.
+    Check("8230  ", {1, 3, 0x20}, Input({{1, 3, 0}, 0x20, FormatCodes("8230").at(1), 0xFF}),
+          "9600 %0101200603 !01 9600 $01507 !01", {{1, 3, 0x20, 3}});
+    // In its initialisation state a module is spoken to at 00 to the end. 115200 is 09, 57600 is 0A.
+    Check("8260  ", {7, 6, 4, 0, 1}, Input({{8, 6, 1}, 4, 2, 1}), "9600 %0008040942 !08 9600 $00501 !08",
+          {{8, 6, 4, 2, 1}}, State::Initialisation);
+    // Of two ranges of one name the first; no range selected: the nameless code 07.
+    Check("8260  ", {7, 3, 0x0A}, Input({{7, 7, 0}, RangeCodeNamed("8260", "+/- 1V ")}),
+          "9600 %0007040A00 !07 9600 $00500 !07", {{7, 7, 4}}, State::Initialisation);
+    Check("8260  ", {1, 3, 0x1F}, Input({{1, 3, 0}, RangeCodeNamed("8260", "")}),
+          "9600 %0101070600 ?01 9600 $01500 ?01", {{1, 3, 0x1F}, {Failed, ChannelsFailed}, 2, 1});
+    // A result from before does not count.
+    Check("8250  ", {}, Input({{1, 3, 0}}), "9600 $01500 -", {{}, {ChannelsFailed}, 2, 1});
+    Check("8250  ", {}, Input({{256, 3, 0}}), "", {{}, {TooHigh}, 2, 1});
+}
+
+TEST(FamilyConfigs, AnalogOutputAsBytes) {
+    Check("8310  ", {}, Output({{300, 3, 0}}), "", {{}, {TooHigh}, 2, 1});
+    Check("8320  ", {1, 3, 0, 0, 0, 3}, Output({{1, 3, 0}, 0, 0, 1}), "", {{1, 3, 0, 0, 0, 3}, {}, 7, 7});
+    Check("8320  ", {}, Output({{1, 3, 0}, 0, 0, 1}), "9600 ~01CP01 !01", {{1, 3, 0, 0, 0, 1}, {}});
+    // The 8310 has no polarity.
+    Check("8310  ", {1, 3, 0x30}, Output({{1, 3, 1}, 0x30, 1, 1}), "9600 %0001300641 !01",
+          {{1, 3, 0x30, 1, 1}}, State::Initialisation);
+    // No range selected: one past the end. The polarity goes to the new address.
+    Check("8320  ", {1, 3, 0x30, 0, 0, 3}, Output({{2, 3, 0}, RangeCodeNamed("8320", ""), 0, 0}),
+          "9600 %0102340600 !02 9600 ~02CP00 !02", {{2, 3, 0x34}});
+}
+
+TEST(FamilyConfigs, DigitalAsBytes) {
+    Check("8410  ", {1, 3, 0, 0, 0, 2}, Digital({{1, 3, 0}, 0, 1}), "", {{1, 3, 0, 0, 0, 2}, {}, 7, 7});
+    Check("8410  ", {}, Digital({{1, 3, 0}, 1, 1}), "9600 ~01CP11 !", {{1, 3, 0, 0, 0, 3}, {}});
+    Check("8480  ", {1, 3, 0, 0, 0, 1}, Digital({{1, 3, 0}, 0, 1}), "9600 ~01CP10 !01",
+          {{1, 3, 0, 0, 0, 2}, {}});
+    Check("8490  ", {0}, Digital({{1, 3, 1}, 1, 0}), "9600 %0001400640 !01 9600 ~00CP01 !01",
+          {{1, 3, 0, 0, 1, 1}}, State::Initialisation);
+    // A result from before stays when the polarity alone fails.
+    Check("8410  ", {}, Digital({{1, 3, 0}, 1, 0}), "9600 ~01CP01 ?01", {{}, {PolarityFailed}, 1, 1});
+}
+
+TEST(FamilyConfigs, PortDirectionsAsBytes) {
+    Check("8460  ", {}, Ports({{1, 3, 0}, 15}), "9600 $01S0F !01", {{}});
+    Check("8460  ", {}, Ports({{255, 3, 0}, 8}), "9600 %01FF400600 !FF 9600 $FFS08 !FF", {{255}});
+    // A result from before is told although the directions failed.
+    Check("8460  ", {}, Ports({{1, 3, 0}}), "9600 $01S00 ?01", {{}, {PortsFailed, Done}, 1, 1});
+    Check("8460  ", {}, Ports({{1, 3, 0}}), "9600 $01S00 ?01", {{}, {PortsFailed}, 0, 0});
+    Check("8460  ", {}, Ports({{1, 3, 1}}), "9600 %0001400640 !00 9600 $00S00 ?00",
+          {{}, {Failed, PortsFailed}, 2, 1}, State::Initialisation);
+}
+
+/// A change that sends both commands of its family to a module at 01 with checksum, which the first moves to
+/// 02.
+struct FaultCase {
+    const char* Model;
+    Change Apply;
+    std::string First, Second;            // as they are sent, the second with "AA" for the address kept
+    std::string Failure;                  // of the second
+    bool ToldAtOnce;                      // the success of the first; else that of any, at the end
+    std::int16_t Range = 0, Polarity = 0; // kept when accepted
+};
+
+const Kept BeforeFault = {1, 3, 0, 0, 1};
+
+const FaultCase FaultCases[] = {
+    {"8250  ", Input({{2, 3, 1}, 9, 0, 3}), "%0102090640", "$AA503", ChannelsFailed, false, 9},
+    {"8320  ", Output({{2, 3, 1}, 51, 0, 1}), "%0102330640", "~AACP01", InputPolarityFailed, true, 51, 1},
+    {"8450  ", Digital({{2, 3, 1}, 1, 0}), "%0102400640", "~AACP01", PolarityFailed, true, 0, 1},
+    {"8460  ", Ports({{2, 3, 1}, 9}), "%0102400640", "$AAS09", PortsFailed, false},
+};
+
+std::string WithChecksum(const std::string& text) {
+    return text + ChecksumOf(text);
+}
+
+/// What the entry holds when the first, the second command was accepted.
+Kept KeptAfter(const FaultCase& test, bool first, bool second) {
+    Kept kept = BeforeFault;
+    if (first)
+        kept.Address = 2, kept.Range = test.Range;
+    if (second)
+        kept.Polarity = test.Polarity;
+    return kept;
+}
+
+/// One command of `test` gets `badReply`, which is accepted or not; the other a good one.
+void CheckFault(const FaultCase& test, bool firstIsBad, const std::string& badReply, bool accepted) {
+    SCOPED_TRACE(test.Model + badReply + (firstIsBad ? " first" : " second"));
+    ConfigSession session(test.Model, BeforeFault);
+    const std::string address = firstIsBad ? "01" : "02";
+    const std::string second = test.Second.substr(0, 1) + address + test.Second.substr(3);
+    const std::string good = WithChecksum("!" + address) + "\r";
+    session.Port().Queue = {{firstIsBad ? badReply : good}, {firstIsBad ? good : badReply}};
+    Lines shown;
+    if (firstIsBad)
+        shown.push_back(Failed);
+    else if (test.ToldAtOnce)
+        shown.push_back(Done);
+    if (!firstIsBad && !accepted)
+        shown.push_back(test.Failure);
+    if (!test.ToldAtOnce)
+        shown.push_back(Done);
+
+    const auto start = session.Time.GetTickCount();
+    EXPECT_EQ(test.Apply(session.Session, session.Messages) == ConfigOutcome::Complete, accepted);
+    EXPECT_GE(session.Time.GetTickCount() - start,
+              badReply.empty() ? session.Session.Line.LongReplyTimeout : 0);
+    EXPECT_EQ(session.Sent(), (Lines{"9600 " + WithChecksum(test.First), "9600 " + WithChecksum(second)}));
+    EXPECT_EQ(session.Shown(), shown);
+    EXPECT_EQ(session.Kept(), KeptAfter(test, !firstIsBad, firstIsBad || accepted));
+    EXPECT_EQ(session.Session.ConfigResult, 1) << "one of the two was accepted";
+}
+
+TEST(FamilyConfigs, EachFaultAtEachCommand) {
+    for (const FaultCase& test : FaultCases)
+        for (const bool first : {true, false}) {
+            for (const std::string& reply :
+                 {std::string(), WithChecksum("?01") + "\r", std::string("!02BD\r")})
+                CheckFault(test, first, reply, false);
+            // Of the second command's reply the "!" alone counts.
+            CheckFault(test, first, WithChecksum("!7F") + "\r", !first);
+
+            ConfigSession lost(test.Model, BeforeFault);
+            lost.Port().Queue = {{WithChecksum("!02") + "\r"}};
+            lost.Port().OutputsUntilFailure = first ? 0 : 1;
+            EXPECT_THROW(test.Apply(lost.Session, lost.Messages), RuntimeFailure);
+            EXPECT_EQ(lost.Kept(), KeptAfter(test, !first, false));
+            EXPECT_EQ(lost.Shown(), !first && test.ToldAtOnce ? Lines{Done} : Lines{});
+        }
+}
+
+TEST(FamilyConfigs, ReadsBeforeTheDialog) {
+    struct Case {
+        const char* Reply;
+        unsigned Channels, Inputs;
+    };
+    for (const Case& test : {Case{"!01A5\r", 0xA5, 1}, Case{"!0300\r", 0, 3}, Case{"?01fF\r", 0xFF, 1},
+                             Case{"!F\r", 0, 15}, Case{"!x\r", 0, 0}, Case{"!01A5", 0, 0}}) {
+        ConfigSession session("8460  ", {});
+        session.Port().Replies["9600 $016"] = {test.Reply};
+        EXPECT_EQ(ReadAnalogInputSettings(session.Session, 0).EnabledChannels, test.Channels) << test.Reply;
+        const auto start = session.Time.GetTickCount();
+        EXPECT_EQ(ReadPortDirectionConfig(session.Session, 0).InputPorts, test.Inputs) << test.Reply;
+        EXPECT_LE(session.Time.GetTickCount() - start, session.Session.Line.ReplyTimeout)
+            << "not the long one";
+    }
+}
+
+} // namespace
+} // namespace kavro
