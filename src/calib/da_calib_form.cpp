@@ -1,0 +1,89 @@
+#include "calib/da_calib_form.h"
+
+#include "ui/named.h"
+
+#include <QApplication>
+#include <QHBoxLayout>
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace kavro {
+
+namespace {
+
+constexpr int Steps = 5;
+
+enum class Answer { TryAgain, Leave, Stay };
+
+Answer AskToLeave(QWidget& parent, const char* failure) {
+    QMessageBox box(&parent);
+    box.setObjectName("RestoreQuestion");
+    box.setWindowTitle(parent.windowTitle());
+    box.setIcon(QMessageBox::Warning);
+    box.setTextFormat(Qt::PlainText);
+    box.setText("Leave without restoring the module's configuration?");
+    box.setInformativeText(failure);
+    auto* again = Named(box.addButton("&Try Again", QMessageBox::AcceptRole), "TryAgainBtn", "Try Again");
+    auto* leave = Named(box.addButton("&Leave Without Restoring", QMessageBox::DestructiveRole), "LeaveBtn",
+                        "Leave Without Restoring");
+    auto* stay = Named(box.addButton("&Stay", QMessageBox::RejectRole), "StayBtn", "Stay");
+    box.setDefaultButton(again);
+    box.setEscapeButton(stay);
+    QApplication::setOverrideCursor(Qt::ArrowCursor); // the user is asked while the pointer is busy
+    box.exec();
+    QApplication::restoreOverrideCursor();
+    if (box.clickedButton() == again)
+        return Answer::TryAgain;
+    return box.clickedButton() == leave ? Answer::Leave : Answer::Stay;
+}
+
+} // namespace
+
+DaCalibForm::DaCalibForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent)
+    : CalibForm("DaCalibForm", "Analog Output Calibration", Steps, session, messages, parent),
+      calibration_(session, Index()) {
+    trim_ = new QWidget;
+    auto* row = new QHBoxLayout(trim_);
+    row->addStretch(1);
+    row->addWidget(TrimButton("TrimUpBtn", "Trim &Up", &DaCalibration::TrimUpBtn_Click));
+    row->addWidget(TrimButton("TrimDownBtn", "Trim Do&wn", &DaCalibration::TrimDownBtn_Click));
+    row->addStretch(1);
+    AddToStage(*trim_, 1);
+    Finish([this] { calibration_.BackBtn_Click(); },
+           [this] { return calibration_.NextBtn_Click() && Leave(); });
+    // From here on the module may be set up, so that the dialog comes up even when the port fails.
+    Guard(messages, [this] { calibration_.SetUp(); });
+}
+
+QPushButton* DaCalibForm::TrimButton(const char* name, const char* caption, void (DaCalibration::*trim)()) {
+    QPushButton* button = Button(name, caption);
+    const auto operation = [this, trim] {
+        (calibration_.*trim)();
+        return false;
+    };
+    // Every press counts, also one that came while the module was answering the one before.
+    connect(button, &QPushButton::clicked, this, [this, operation] { Operate(operation, Clicks::Keep); });
+    return button;
+}
+
+QWidget& DaCalibForm::ShowView() {
+    const DaCalibrationView& view = calibration_.View();
+    ShowCommon(view);
+    trim_->setVisible(view.TrimShown);
+    return NextBtn();
+}
+
+bool DaCalibForm::Leave() {
+    while (true) {
+        try {
+            calibration_.Restore();
+            return true;
+        } catch (const RuntimeFailure& failure) {
+            const Answer answer = AskToLeave(*this, failure.what());
+            if (answer != Answer::TryAgain)
+                return answer == Answer::Leave;
+        }
+    }
+}
+
+} // namespace kavro

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "calib/calib_form.h"
+#include "calib/da_calibration.h"
+
+namespace kavro {
+
+/// Calibrates an analog output module, and gives it its own configuration back before the dialog closes. When
+/// that is not possible the user is asked: try again, leave without restoring, or stay.
+class DaCalibForm : public CalibForm {
+public:
+    DaCalibForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent = nullptr);
+
+protected:
+    QWidget& ShowView() override;
+    bool Leave() override;
+
+private:
+    QPushButton* TrimButton(const char* name, const char* caption, void (DaCalibration::*trim)());
+
+    DaCalibration calibration_;
+    QWidget* trim_ = nullptr;
+};
+
+} // namespace kavro
