@@ -115,8 +115,15 @@ bool Line::Exchange(const std::string& command, std::int16_t checksumOn, std::in
                     int timeoutMs) {
     CommandText = command;
     SendCommand(CommandText, checksumOn, baudCode);
+    ++Statistics.Transactions;
+    const std::int64_t sent = clock_.Microseconds();
     ReplyStatus = ReceiveReply(ReplyText, checksumOn, 0, timeoutMs) ? -1 : 0;
-    return ReplyStatus != 0;
+    if (ReplyStatus == 0)
+        return false;
+    ++Statistics.Replies;
+    Statistics.LastMicroseconds = clock_.Microseconds() - sent;
+    Statistics.TotalMicroseconds += Statistics.LastMicroseconds;
+    return true;
 }
 
 bool Line::ReplyIs(char replyClass) const {

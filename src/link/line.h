@@ -19,6 +19,22 @@ struct PortSettingsRecord {
     std::int16_t StopBits = 0; ///< 0 = 1, 1 = 1.5, 2 = 2 stop bits
 };
 
+/// How the transactions of a line have gone. One that a failing port breaks off counts as a failure.
+struct LineStatistics {
+    std::int64_t Transactions = 0;      ///< commands sent
+    std::int64_t Replies = 0;           ///< of these with a complete reply
+    std::int64_t LastMicroseconds = 0;  ///< from the last of these commands to the end of its reply
+    std::int64_t TotalMicroseconds = 0; ///< the same of all of them
+
+    std::int64_t Failures() const { return Transactions - Replies; }
+    double LastMs() const { return static_cast<double>(LastMicroseconds) / 1000; }
+    /// 0 before the first reply.
+    double MeanMs() const {
+        return Replies == 0 ? 0
+                            : static_cast<double>(TotalMicroseconds) / 1000 / static_cast<double>(Replies);
+    }
+};
+
 /// The line of modules behind one of eight COM ports: which port is in use, its settings and time-outs, and
 /// the one transaction of command and reply that may be going on. The only code that talks to a port.
 ///
@@ -39,6 +55,8 @@ public:
     std::string CommandText;      ///< command being sent, without checksum and carriage return
     std::string ReplyText;        ///< last reply, without carriage return and verified checksum
     std::int16_t ReplyStatus = 0; ///< -1 when the last reply was complete and its checksum good, else 0
+
+    LineStatistics Statistics; ///< of every `Exchange`; whoever shows them begins anew with `{}`
 
     /// COM port 1 to 8. Throws `RuntimeFailure` for any other number.
     SerialPort& CommPort(int port);
