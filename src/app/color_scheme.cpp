@@ -26,7 +26,7 @@ QPalette DarkPalette() {
     const QColor base(30, 30, 32);
     const QColor text(230, 230, 230);
     const QColor highlight(47, 127, 209);
-    QPalette palette(text, window);
+    QPalette palette(window, window); // buttons and windows; the texts follow from their darkness
     palette.setColor(QPalette::Base, base);
     palette.setColor(QPalette::AlternateBase, window);
     palette.setColor(QPalette::ToolTipBase, base);
