@@ -1,6 +1,22 @@
 #include "app/module_dialogs.h"
 
+#include "calib/ad_calib_form.h"
+#include "calib/da_calib_form.h"
 #include "config/ad_config_form.h"
+#include "config/ctr_config_form.h"
+#include "config/da_config_form.h"
+#include "config/dio_config_form.h"
+#include "config/multi_config_form.h"
+#include "config/n46_config_form.h"
+#include "config/n8610_config_form.h"
+#include "diag/ad_diag_form.h"
+#include "diag/ctr_diag_form.h"
+#include "diag/da_diag_form.h"
+#include "diag/dio_diag_form.h"
+#include "diag/freq_diag_form.h"
+#include "diag/multi_diag_form.h"
+#include "diag/n32_diag_form.h"
+#include "diag/n46_diag_form.h"
 
 namespace kavro {
 
@@ -18,6 +34,22 @@ void Open(Session& session, Messages& messages, QWidget* parent) {
 
 constexpr DialogEntry Dialogs[] = {
     {ModuleDialog::AdConfigForm, Open<AdConfigForm>},
+    {ModuleDialog::DaConfigForm, Open<DaConfigForm>},
+    {ModuleDialog::DioConfigForm, Open<DioConfigForm>},
+    {ModuleDialog::N46ConfigForm, Open<N46ConfigForm>},
+    {ModuleDialog::AdCalibForm, Open<AdCalibForm>},
+    {ModuleDialog::DaCalibForm, Open<DaCalibForm>},
+    {ModuleDialog::CtrConfigForm, Open<CtrConfigForm>},
+    {ModuleDialog::MultiConfigForm, Open<MultiConfigForm>},
+    {ModuleDialog::N8610ConfigForm, Open<N8610ConfigForm>},
+    {ModuleDialog::AdDiagForm, Open<AdDiagForm>},
+    {ModuleDialog::DaDiagForm, Open<DaDiagForm>},
+    {ModuleDialog::N32DiagForm, Open<N32DiagForm>},
+    {ModuleDialog::DioDiagForm, Open<DioDiagForm>},
+    {ModuleDialog::N46DiagForm, Open<N46DiagForm>},
+    {ModuleDialog::CtrDiagForm, Open<CtrDiagForm>},
+    {ModuleDialog::FreqDiagForm, Open<FreqDiagForm>},
+    {ModuleDialog::MultiDiagForm, Open<MultiDiagForm>},
 };
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "app/program.h"
 
 #include "app/module_dialogs.h"
+#include "diag/monitor_form.h"
 #include "ports/replace_file.h"
 #include "ports/settings_folder.h"
 #include "sim/demo_line.h"
@@ -38,6 +39,7 @@ DialogOpeners Program::Openers() {
         OpenModuleDialog(dialog, session_, messages_, parent);
     };
     openers.Terminal = [this](QWidget* parent) { TerminalForm(session_, messages_, parent).exec(); };
+    openers.Monitor = [this](QWidget* parent) { MonitorForm(session_, messages_, parent).exec(); };
     return openers;
 }
 

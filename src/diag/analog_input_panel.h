@@ -1,0 +1,22 @@
+#pragma once
+
+#include "map/module_access.h"
+#include "map/session.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kavro {
+
+/// A reading as it is shown: "+" before a number that has no "-", any other text as it is.
+std::string SignedReading(const AnalogReading& reading);
+
+/// Whether a model tells which of its inputs are open.
+bool HasOpenStatus(std::string_view model);
+
+/// Asks entry `index` which of its inputs are open ("$AABA"): two hexadecimal digits, bit n for channel n.
+/// Nothing unless a complete reply "!" comes.
+std::optional<std::string> ReadOpenStatus(Session& session, int index);
+
+} // namespace kavro

@@ -1,0 +1,90 @@
+#include "diag/analog_output_panel.h"
+
+#include "link/codes.h"
+#include "link/text.h"
+#include "map/module_access.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace kavro {
+
+namespace {
+
+constexpr float PortSpan = 20; // -10 V to 10 V
+constexpr std::size_t InputsReplyLength = 7;
+
+struct OutputRange {
+    std::int16_t Code = 0;
+    float Low = 0;
+    float Span = 0;
+};
+
+constexpr OutputRange OutputRanges[] = {{48, 0, 20}, {49, 4, 16}, {50, 0, 10}};
+
+OutputRange RangeOf(std::int16_t code) {
+    const auto* found = std::ranges::find(OutputRanges, code, &OutputRange::Code);
+    return found == std::end(OutputRanges) ? OutputRange{} : *found;
+}
+
+// Single precision, product before quotient.
+float ShareOf(float whole, BarPosition bar) {
+    const float product = static_cast<float>(bar.Position) * whole;
+    return product / static_cast<float>(bar.Total);
+}
+
+// `FormatNumber` writes a point whatever the user's locale, so no decimal comma can reach a module.
+std::string OutputData(const ModuleRecord& record, BarPosition bar) {
+    switch (record.DataFormat) {
+    case EngineeringUnits:
+        return FormatNumber(OutputValue(record.InputRange, bar), 2, 3);
+    case PercentOfRange:
+        return "+" + FormatNumber(ShareOf(100, bar), 3, 2);
+    case TwosComplement: // halves go to the even count, so that the middle of the bar is 800
+        return ToHex(static_cast<std::int32_t>(std::nearbyint(ShareOf(OutputCounts, bar))), 3);
+    default: // a format that no such module has: no data, which it refuses
+        return {};
+    }
+}
+
+} // namespace
+
+std::string ShownOutput(float value) {
+    return FormatNumber(value, 1, 3);
+}
+
+float OutputValue(std::int16_t rangeCode, BarPosition bar) {
+    const OutputRange range = RangeOf(rangeCode);
+    return ShareOf(range.Span, bar) + range.Low;
+}
+
+std::string LowRangeText(std::int16_t rangeCode) {
+    return FormatNumber(RangeOf(rangeCode).Low, 1, 0);
+}
+
+std::string HighRangeText(std::int16_t rangeCode) {
+    return FormatNumber(RangeFullScale(rangeCode), 1, 0);
+}
+
+std::string OutputCommand(const std::string& address, const ModuleRecord& record, BarPosition bar) {
+    return "#" + address + OutputData(record, bar);
+}
+
+float PortValue(BarPosition bar) {
+    return ShareOf(PortSpan, bar);
+}
+
+std::string PortCommand(const std::string& address, int port, float value) {
+    return "#" + address + static_cast<char>('A' + port) + (value < 0 ? "-" : "+") +
+           FormatNumber(std::abs(value), 2, 3);
+}
+
+std::optional<unsigned> ReadOutputModuleInputs(Session& session, int index) {
+    ExchangeWithModule(session, index, "$" + AddressText(session, index) + "8", session.Line.ReplyTimeout);
+    const std::string& reply = session.Line.ReplyText;
+    if (!session.Line.ReplyIs('!') || reply.size() != InputsReplyLength)
+        return std::nullopt;
+    return HexNumber(Middle(reply, 2, 2));
+}
+
+} // namespace kavro

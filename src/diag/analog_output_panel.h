@@ -1,0 +1,51 @@
+#pragma once
+
+#include "map/session.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace kavro {
+
+/// Counts of a 12-bit output beyond the first.
+inline constexpr int OutputCounts = 4095;
+
+/// Where a bar stands: `Position` of `Total` steps from end to end. A bar of a voltage on both sides of 0
+/// counts from its middle.
+struct BarPosition {
+    int Position = 0;
+    int Total = 1;
+};
+
+/// An output as it is shown: "12.500", "-7.250".
+std::string ShownOutput(float value);
+
+/// Value of the single output with this range code when its bar stands there; in single precision.
+float OutputValue(std::int16_t rangeCode, BarPosition bar);
+
+/// Lower and upper end of the range, as they stand at the ends of the bar.
+std::string LowRangeText(std::int16_t rangeCode);
+std::string HighRangeText(std::int16_t rangeCode);
+
+/// Command that sets the single output of the module at `address` (two hexadecimal digits): "#AA" and, by the
+/// record's data format, "12.500", "+062.50" or "A00".
+std::string OutputCommand(const std::string& address, const ModuleRecord& record, BarPosition bar);
+
+/// Ports A to D of a module with four voltage outputs.
+inline constexpr int OutputPorts = 4;
+
+/// Voltage of such a port, -10 to 10, when its bar stands there; in single precision.
+float PortValue(BarPosition bar);
+
+/// Command that sets port 0 to 3 to a voltage: "#02C-07.250".
+std::string PortCommand(const std::string& address, int port, float value);
+
+/// Digital inputs of a module with four voltage outputs.
+inline constexpr int OutputModuleInputs = 7;
+
+/// Reads these inputs of entry `index` ("$AA8"): bit n for input n. Nothing unless a complete reply "!" of 7
+/// characters comes.
+std::optional<unsigned> ReadOutputModuleInputs(Session& session, int index);
+
+} // namespace kavro

@@ -1,0 +1,117 @@
+#include "diag/csv_log.h"
+
+#include "link/runtime_failure.h"
+#include "link/text.h"
+#include "map/list_line.h"
+
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <ctime>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace kavro {
+
+namespace {
+
+std::string Digits(std::int64_t value, std::size_t width) {
+    return PadLeft(std::to_string(value), width, '0');
+}
+
+std::string Field(const std::string& text) {
+    if (text.find_first_of(",\"\r\n") == std::string::npos)
+        return text;
+    std::string quoted = "\"";
+    for (const char character : text)
+        quoted += character == '"' ? std::string("\"\"") : std::string(1, character);
+    return quoted + "\"";
+}
+
+bool WriteAll(int file, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t written = write(file, text.data(), text.size());
+        if (written < 0 && errno != EINTR)
+            return false;
+        text.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
+    }
+    // What is no file on a disk (a terminal, for one) has nothing to wait for and says EINVAL.
+    return fsync(file) == 0 || errno == EINVAL;
+}
+
+} // namespace
+
+WallTime SystemTime() {
+    using namespace std::chrono;
+    const auto now = system_clock::now();
+    const std::time_t seconds = system_clock::to_time_t(now);
+    std::tm local{};
+    localtime_r(&seconds, &local);
+    return {duration_cast<milliseconds>(now.time_since_epoch()).count(),
+            static_cast<int>(local.tm_gmtoff / 60)};
+}
+
+std::string IsoTime(const WallTime& time) {
+    using namespace std::chrono;
+    const sys_time<milliseconds> local{milliseconds(time.UnixMs) + minutes(time.OffsetMinutes)};
+    const auto day = floor<days>(local);
+    const year_month_day date(day);
+    const hh_mm_ss clock(local - day);
+    const int offset = std::abs(time.OffsetMinutes);
+    return Digits(static_cast<int>(date.year()), 4) + "-" + Digits(static_cast<unsigned>(date.month()), 2) +
+           "-" + Digits(static_cast<unsigned>(date.day()), 2) + "T" + Digits(clock.hours().count(), 2) + ":" +
+           Digits(clock.minutes().count(), 2) + ":" + Digits(clock.seconds().count(), 2) + "." +
+           Digits(clock.subseconds().count(), 3) + (time.OffsetMinutes < 0 ? "-" : "+") +
+           Digits(offset / 60, 2) + ":" + Digits(offset % 60, 2);
+}
+
+std::string CsvLines(const Session& session, int index, const std::vector<ChannelValue>& values,
+                     const WallTime& time) {
+    const ModuleRecord& record = session.ModuleTable[index];
+    const std::string start = IsoTime(time) + "," + std::to_string(record.Address) + "," +
+                              Field(Trim(ShownModel(record.Model))) + ",";
+    std::string lines;
+    for (const ChannelValue& value : values)
+        if (value.State != ValueState::Disabled)
+            lines += start + Field(value.Channel) + "," + Field(value.Text) + "," + Field(value.Unit) + "," +
+                     StateText(value.State) + "\n";
+    return lines;
+}
+
+void CsvLog::Open(const std::string& path) {
+    Close();
+    // Not blocking, as a pipe that nobody reads would keep the program waiting.
+    file_ = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666);
+    if (file_ < 0)
+        throw RuntimeFailure("The log file " + path + " cannot be opened: " + std::strerror(errno) +
+                             ". Choose another file.");
+    path_ = path;
+    Write(CsvHeader);
+}
+
+void CsvLog::Close() {
+    if (IsOpen())
+        close(file_);
+    file_ = -1;
+    path_.clear();
+}
+
+void CsvLog::Write(std::string_view lines) {
+    if (!IsOpen())
+        return;
+    const off_t before = lseek(file_, 0, SEEK_CUR);
+    if (WriteAll(file_, lines))
+        return;
+    const std::string reason = std::strerror(errno);
+    const std::string path = path_;
+    // Without the part of a line that may still have found room.
+    if (before >= 0 && ftruncate(file_, before) != 0)
+        errno = 0; // a device has no length
+    Close();
+    throw RuntimeFailure("The log file " + path + " cannot be written: " + reason +
+                         ". Logging is off; the values go on. Free space or choose another file, and switch "
+                         "logging on again.");
+}
+
+} // namespace kavro

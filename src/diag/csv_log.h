@@ -1,0 +1,65 @@
+#pragma once
+
+#include "diag/module_values.h"
+#include "map/session.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kavro {
+
+/// A moment on the wall clock and how local time stands to it.
+struct WallTime {
+    std::int64_t UnixMs = 0; ///< milliseconds since 1970-01-01 00:00 UTC
+    int OffsetMinutes = 0;   ///< local time minus UTC
+};
+
+/// Tells what time it is.
+using WallClock = std::function<WallTime()>;
+
+/// The machine's time in its time zone.
+WallTime SystemTime();
+
+/// Local time with milliseconds and offset: "2031-02-03T04:05:06.789+01:00".
+std::string IsoTime(const WallTime& time);
+
+/// The first line of a log of values, with its line end.
+inline constexpr const char* CsvHeader = "time,address,model,channel,value,unit,state\n";
+
+/// A log line for each of the values of entry `index`, disabled channels excepted; the address is decimal,
+/// the value empty unless the state is "ok". A field is quoted where its text needs it.
+std::string CsvLines(const Session& session, int index, const std::vector<ChannelValue>& values,
+                     const WallTime& time);
+
+/// A log file; what is written is on disk when the call returns, so that a crash loses none of it.
+class CsvLog {
+public:
+    CsvLog() = default;
+    ~CsvLog() { Close(); }
+    CsvLog(const CsvLog&) = delete;
+    CsvLog& operator=(const CsvLog&) = delete;
+
+    /// Closes the file that is open, opens `path` for output, emptying an existing file, and writes the
+    /// header. Throws `RuntimeFailure` when that fails.
+    void Open(const std::string& path);
+
+    void Close();
+
+    bool IsOpen() const { return file_ >= 0; }
+
+    /// The file opened last; empty when none is open.
+    const std::string& Path() const { return path_; }
+
+    /// Appends whole lines; does nothing when no file is open. Throws `RuntimeFailure`, with the file closed
+    /// and no part of the lines left in it, when they cannot be written.
+    void Write(std::string_view lines);
+
+private:
+    int file_ = -1;
+    std::string path_;
+};
+
+} // namespace kavro

@@ -1,0 +1,124 @@
+#include "diag/drive_form.h"
+
+#include "ui/fixed_font.h"
+#include "ui/named.h"
+
+#include <QFontMetrics>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace kavro {
+
+namespace {
+
+constexpr const char* StaleMark = " (stale)";
+constexpr double LargeFactor = 1.5;
+constexpr const char* NotYetRead = "-";
+constexpr const char* StaleText = "What is marked as stale was read before.";
+
+QLabel* StateLabel(const char* name) {
+    auto* label = Named(new QLabel, name, {});
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    return label;
+}
+
+} // namespace
+
+void DriveForm::FinishDrive() {
+    pollState_ = StateLabel("PollState");
+    commandState_ = StateLabel("CommandState");
+    Rows().addWidget(pollState_);
+    Rows().addWidget(commandState_);
+    Finish();
+    // Not on an output, which a stray press of the space bar would switch.
+    findChild<QPushButton*>("ExitBtn")->setFocus();
+    ReadRevision();
+    StartPolling();
+    Timer1_Timer();
+}
+
+void DriveForm::Drive(const QString& what, const std::function<Answer()>& command) {
+    const QString failed = WarningSign + what + " failed: ";
+    ShowState(*commandState_, failed + "the port has failed."); // and so it stays, unless the command ends
+    Operate([this, what, failed, command] {
+        const Answer answer = command();
+        ShowState(*commandState_,
+                  answer == Answer::Ok ? what + ": done." : failed + AnswerText(answer) + ".");
+    });
+}
+
+void DriveForm::Tick() {
+    failure_ = Answer::Ok;
+    ReadFrom(0);
+}
+
+// A module that is silent costs one time-out a tick: nothing more is asked then.
+void DriveForm::ReadFrom(std::size_t place) {
+    const Answer answer = reads_[place].Read();
+    reads_[place].Show(answer != Answer::Ok);
+    if (answer != Answer::Ok && failure_ == Answer::Ok) {
+        failed_ = reads_[place].What;
+        failure_ = answer;
+    }
+    const bool known = answer == Answer::Ok && reads_[place].Once;
+    if (known)
+        reads_.erase(reads_.begin() + static_cast<std::ptrdiff_t>(place));
+    const std::size_t next = known ? place : place + 1;
+    if (answer == Answer::NoReply)
+        ShowFrom(next, true);
+    if (answer == Answer::NoReply || next == reads_.size())
+        return ShowPoll();
+    Then([this, next] { ReadFrom(next); });
+}
+
+void DriveForm::ShowFrom(std::size_t place, bool stale) const {
+    for (; place < reads_.size(); ++place)
+        reads_[place].Show(stale);
+}
+
+void DriveForm::ShowStale(bool stale) {
+    if (!stale)
+        return; // each value is fresh again when it has been read
+    ShowFrom(0, true);
+    ShowState(*pollState_, QString(WarningSign) + StaleText);
+}
+
+void DriveForm::ShowPoll() {
+    ShowState(*pollState_, failure_ == Answer::Ok
+                               ? QString("Live")
+                               : WarningSign + failed_ + ": " + AnswerText(failure_) + ". " + StaleText);
+}
+
+// What wraps does not make its window grow by itself, and would squeeze the rest.
+void DriveForm::ShowState(QLabel& label, const QString& text) {
+    if (label.text() == text)
+        return;
+    label.setText(text);
+    const int needed = layout()->totalHeightForWidth(width());
+    if (needed > height())
+        resize(width(), needed);
+}
+
+QLabel* DriveForm::ValueLabel(const QString& name) {
+    auto* label = Named(new QLabel(NotYetRead), name, {});
+    label->setTextFormat(Qt::PlainText);
+    return label;
+}
+
+void DriveForm::ShowLarge(QLabel& label, const QString& widest) {
+    QFont font = FixedFont();
+    font.setPointSizeF(font.pointSizeF() * LargeFactor);
+    label.setFont(font);
+    label.setMinimumWidth(QFontMetrics(font).horizontalAdvance(widest + StaleMark));
+}
+
+void DriveForm::ShowValue(QLabel& label, const QString& text, bool stale) {
+    if (!stale)
+        label.setText(text);
+    else if (label.text() != NotYetRead && !label.text().endsWith(StaleMark))
+        label.setText(label.text() + StaleMark);
+}
+
+} // namespace kavro

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QPalette>
+#include <QWidget>
+
+class QPainter;
+
+namespace kavro {
+
+/// The pictures of a digital state: `Bit0` an empty ring with "0", `Bit1` a full square with "1", so that
+/// they differ without their colour too.
+enum class LampPicture { Bit0, Bit1 };
+
+/// Draws a lamp to fill the square `place`; a stale one without its colour, with a dashed edge.
+void DrawLamp(QPainter& painter, const QRectF& place, LampPicture picture, const QPalette& palette,
+              bool stale = false);
+
+/// Shows a digital state; "Input 3: on" to a screen reader when its caption is "Input 3".
+class Lamp : public QWidget {
+public:
+    /// `Bit0` at first.
+    Lamp(const QString& name, const QString& caption);
+
+    void Show(LampPicture picture);
+    LampPicture Shown() const { return picture_; }
+    /// Whether what is shown is no longer up to date.
+    void SetStale(bool stale);
+
+    QSize sizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void Describe();
+
+    QString caption_;
+    LampPicture picture_ = LampPicture::Bit0;
+    bool stale_ = false;
+};
+
+} // namespace kavro

@@ -1,0 +1,52 @@
+#include "diag/line_recovery.h"
+
+#include "link/runtime_failure.h"
+
+#include <utility>
+
+namespace kavro {
+
+namespace {
+
+constexpr int RetryMs = 1000;
+
+} // namespace
+
+LineRecovery::LineRecovery(Line& line, std::function<void(bool lost)> changed)
+    : line_(line), changed_(std::move(changed)) {}
+
+bool LineRecovery::Attempt(const std::function<void()>& operation) {
+    try {
+        operation();
+        return true;
+    } catch (const RuntimeFailure&) {
+        nextTry_ = line_.Time().GetTickCount() + RetryMs;
+        if (std::exchange(lost_, true))
+            return false;
+        changed_(true);
+        throw;
+    }
+}
+
+bool LineRecovery::Ready() {
+    if (!lost_)
+        return true;
+    const std::int64_t now = line_.Time().GetTickCount();
+    if (now < nextTry_)
+        return false;
+    nextTry_ = now + RetryMs;
+    try {
+        // Opening applies the settings last applied, so the baud rate is still that of `PortBaudCode`.
+        line_.CommPort(line_.CurrentPort).PortOpen(true);
+        return true;
+    } catch (const RuntimeFailure&) {
+        return false; // told when the outage began
+    }
+}
+
+void LineRecovery::Succeeded() {
+    if (std::exchange(lost_, false))
+        changed_(false);
+}
+
+} // namespace kavro

@@ -1,0 +1,78 @@
+#include "diag/monitor.h"
+
+#include <algorithm>
+
+namespace kavro {
+
+std::optional<MonitorTurn> Monitor::Tick() {
+    if (session_.ModuleCount <= 0)
+        return std::nullopt;
+    next_ %= session_.ModuleCount;
+    Module& module = modules_[static_cast<std::size_t>(next_)];
+    MonitorTurn turn{next_, ReadModuleValues(session_, next_, module.Enables)};
+    ++next_;
+    module.Asked = true;
+    Keep(module, turn.Values);
+    if (!turn.Values.empty())
+        trend_.Add(Now(), turn.Index, turn.Values);
+    return turn;
+}
+
+// A value that could not be read stays as it was, and ages.
+void Monitor::Keep(Module& module, const std::vector<ChannelValue>& values) const {
+    module.Values.resize(values.size());
+    for (std::size_t place = 0; place < values.size(); ++place) {
+        MonitoredValue& kept = module.Values[place];
+        if (values[place].State == ValueState::Ok || !kept.GoodAt)
+            kept.Value = values[place];
+        kept.Value.State = values[place].State;
+        if (values[place].State == ValueState::Ok)
+            kept.GoodAt = Now();
+    }
+}
+
+void Monitor::LineLost() {
+    for (Module& module : modules_)
+        for (MonitoredValue& kept : module.Values)
+            if (kept.Value.State != ValueState::Disabled)
+                kept.Value.State = ValueState::NoReply;
+    trend_.AddBreak(Now());
+}
+
+const std::vector<MonitoredValue>& Monitor::Values(int index) const {
+    return At(index).Values;
+}
+
+std::string Monitor::State(int index) const {
+    const Module& module = At(index);
+    if (!module.Asked)
+        return "waiting";
+    if (module.Values.empty())
+        return "no values";
+    // From the best to the worst.
+    constexpr ValueState order[] = {ValueState::Disabled, ValueState::Ok, ValueState::Error,
+                                    ValueState::NoReply};
+    const auto rank = [&](const MonitoredValue& kept) {
+        return std::ranges::find(order, kept.Value.State) - std::begin(order);
+    };
+    return StateText(std::ranges::max_element(module.Values, {}, rank)->Value.State);
+}
+
+std::optional<std::int64_t> Monitor::AgeMs(int index, std::size_t place) const {
+    const auto& goodAt = At(index).Values.at(place).GoodAt;
+    return goodAt ? std::optional(Now() - *goodAt) : std::nullopt;
+}
+
+std::optional<std::int64_t> Monitor::AgeMs(int index) const {
+    std::optional<std::int64_t> oldest; // nothing is less than any age
+    for (std::size_t place = 0; place < At(index).Values.size(); ++place)
+        if (At(index).Values[place].Value.State != ValueState::Disabled)
+            oldest = std::max(oldest, AgeMs(index, place));
+    return oldest;
+}
+
+std::vector<TrendPoint> Monitor::TrendOf(int index, std::size_t place) const {
+    return trend_.Points(index, place, Now());
+}
+
+} // namespace kavro

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "diag/module_values.h"
+#include "diag/trend.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kavro {
+
+/// Time between two turns of a monitor, in ms; each turn reads one module.
+inline constexpr int MonitorTickMs = 500;
+
+/// A value as a monitor shows it.
+struct MonitoredValue {
+    ChannelValue Value;                 ///< what was last read; after a failure with the state of the failure
+    std::optional<std::int64_t> GoodAt; ///< moment of the clock (ms) at which it was read; nothing yet
+};
+
+/// What one turn of a monitor read.
+struct MonitorTurn {
+    int Index = 0;                    ///< of the module's entry
+    std::vector<ChannelValue> Values; ///< empty for a model without values
+};
+
+/// Reads the modules of the map in rounds, one per turn, and keeps what they said. Its memory does not grow
+/// with time.
+class Monitor {
+public:
+    explicit Monitor(Session& session) : session_(session), modules_(ModuleTable::Size) {}
+
+    /// Reads the next module and goes on to the one after it, also when it fails: a silent module costs one
+    /// time-out a round. Nothing when the map is empty. Throws `RuntimeFailure` when the port fails; the same
+    /// module is then next.
+    std::optional<MonitorTurn> Tick();
+
+    /// Marks every value as not answered, because the line itself is lost.
+    void LineLost();
+
+    /// The values of entry `index`; empty before its first turn.
+    const std::vector<MonitoredValue>& Values(int index) const;
+
+    /// State of entry `index` in words: "waiting" before its first turn, "no values", else the worst state of
+    /// its values, of which "disabled" is the best.
+    std::string State(int index) const;
+
+    /// Milliseconds since value number `place` of entry `index` was read; nothing when it never was.
+    std::optional<std::int64_t> AgeMs(int index, std::size_t place) const;
+
+    /// Age of the oldest value of entry `index` whose channel is not disabled.
+    std::optional<std::int64_t> AgeMs(int index) const;
+
+    /// The last ten minutes of value number `place` of entry `index`.
+    std::vector<TrendPoint> TrendOf(int index, std::size_t place) const;
+
+private:
+    struct Module {
+        bool Asked = false;
+        std::vector<MonitoredValue> Values;
+        std::optional<unsigned> Enables;
+    };
+
+    const Module& At(int index) const { return modules_.at(static_cast<std::size_t>(index)); }
+    void Keep(Module& module, const std::vector<ChannelValue>& values) const;
+    std::int64_t Now() const { return session_.Line.Time().GetTickCount(); }
+
+    Session& session_;
+    std::vector<Module> modules_; // as the entries of the map
+    Trend trend_;
+    int next_ = 0;
+};
+
+} // namespace kavro

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "diag/csv_log.h"
+#include "diag/monitor.h"
+#include "diag/panel_form.h"
+
+class QLabel;
+class QPushButton;
+class QTimer;
+
+namespace kavro {
+
+class MonitorGrid;
+class TrendView;
+
+/// Shows the present values of every module of the map, reading one module each 500 ms, with a trend of the
+/// values that the user ticks and a log to a file.
+class MonitorForm : public PanelForm {
+public:
+    MonitorForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent,
+                WallClock wallClock = SystemTime);
+
+protected:
+    void Tick() override;
+    void ShowStale(bool stale) override;
+
+private:
+    QWidget* BuildValues();
+    QLayout* BuildButtons();
+    void Log(const MonitorTurn& turn);
+    void ShowAges();
+    void ShowTrend();
+    void LogBtn_Click();
+    void PictureBtn_Click();
+    void ShowLogState();
+
+    WallClock wallClock_;
+    Monitor monitor_;
+    CsvLog log_;
+    MonitorGrid* grid_ = nullptr;
+    TrendView* trend_ = nullptr;
+    QLabel* logState_ = nullptr;
+    QPushButton* logBtn_ = nullptr;
+    QTimer* outage_ = nullptr; // while nothing is read, the values grow older all the same
+};
+
+} // namespace kavro

@@ -1,0 +1,111 @@
+#include "diag/n32_diag_form.h"
+
+#include "diag/lamp_form.h"
+#include "diag/output_bar_form.h"
+#include "diag/output_control_form.h"
+#include "link/codes.h"
+#include "link/text.h"
+#include "map/module_access.h"
+#include "ui/named.h"
+
+#include <QGridLayout>
+#include <QLabel>
+
+namespace kavro {
+
+namespace {
+
+BarPosition BarAt(int position) {
+    return {position, 2 * OutputBarSteps};
+}
+
+} // namespace
+
+N32DiagForm::N32DiagForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent)
+    : PanelForm("N32DiagForm", "D/A Module Diagnostic", session, messages, parent) {
+    Build();
+    ReadRevision();
+    for (OutputControl* output : outputs_)
+        output->ShowValue(0);
+    Operate([this] { Start(); });
+    StartPolling();
+}
+
+void N32DiagForm::Build() {
+    AddHead();
+    auto* ports = new QGridLayout;
+    for (int port = 0; port < OutputPorts; ++port) {
+        outputs_[static_cast<std::size_t>(port)] = MakePort(port);
+        ports->addWidget(outputs_[static_cast<std::size_t>(port)], port / 2, port % 2);
+    }
+    Rows().addLayout(ports);
+    Rows().addWidget(BuildInputs());
+    Finish();
+}
+
+OutputControl* N32DiagForm::MakePort(int port) {
+    const QString nameEnd = "_" + QString::number(port);
+    return new OutputControl({
+        .Title = QString("Port %1").arg(QChar('A' + port)),
+        .NameEnd = nameEnd,
+        .UnitName = {"DataFormat" + nameEnd},
+        .Low = "-10",
+        .High = "+10",
+        .Unit = Trim(RangeUnit(Record().InputRange, Record().DataFormat)),
+        .Minimum = -OutputBarSteps,
+        .Designed = "-10.000",
+        .Shown = [](int position) { return ShownOutput(PortValue(BarAt(position))); },
+        .Change = [this, port](int position) { Operate([=, this] { Change(port, position); }); },
+    });
+}
+
+QWidget* N32DiagForm::BuildInputs() {
+    auto* frame = new QGroupBox("Digital input");
+    auto* grid = new QGridLayout(frame);
+    for (int input = 0; input < OutputModuleInputs; ++input) {
+        const QString number = QString::number(input);
+        auto* lamp = new Lamp("InputBit_" + number, "Digital input " + number);
+        inputs_[static_cast<std::size_t>(input)] = lamp;
+        grid->addWidget(lamp, 0, input, Qt::AlignCenter);
+        grid->addWidget(Named(new QLabel("DI" + number), "Label_di7_" + number, {}), 1, input,
+                        Qt::AlignCenter);
+    }
+    return frame;
+}
+
+void N32DiagForm::Start() {
+    for (int port = 0; port < OutputPorts; ++port)
+        Send(port, 0);
+    started_ = true;
+}
+
+// The reply to an output command is received to keep the line in step, and not tested.
+void N32DiagForm::Send(int port, int position) {
+    Ask(PortCommand(AddressText(Session(), Index()), port, PortValue(BarAt(position))));
+}
+
+void N32DiagForm::Change(int port, int position) {
+    OutputControl& output = *outputs_[static_cast<std::size_t>(port)];
+    output.ShowValue(position);
+    Send(port, position);
+    output.Confirm();
+}
+
+void N32DiagForm::Tick() {
+    if (!started_)
+        Start(); // the port failed while the panel opened
+    const auto bits = ReadOutputModuleInputs(Session(), Index());
+    if (!bits)
+        return;
+    for (std::size_t input = 0; input < inputs_.size(); ++input)
+        inputs_[input]->Show((*bits >> input & 1U) != 0 ? LampPicture::Bit1 : LampPicture::Bit0);
+}
+
+void N32DiagForm::ShowStale(bool stale) {
+    for (OutputControl* output : outputs_)
+        output->ShowStale(stale);
+    for (Lamp* input : inputs_)
+        input->SetStale(stale);
+}
+
+} // namespace kavro

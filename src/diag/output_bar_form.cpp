@@ -1,0 +1,58 @@
+#include "diag/output_bar_form.h"
+
+#include "ui/named.h"
+
+#include <QPainter>
+#include <QSignalBlocker>
+#include <QStyleOptionFocusRect>
+#include <QWheelEvent>
+
+namespace kavro {
+
+namespace {
+
+constexpr int CountSteps = OutputBarSteps / OutputCounts;
+constexpr int PageCounts = 256;
+constexpr int ShortestBar = 320; // pixels
+
+} // namespace
+
+OutputBar::OutputBar(const QString& name, const QString& accessibleName, int minimum, OutputBarEvents events)
+    : QScrollBar(Qt::Horizontal) {
+    Named(this, name, accessibleName);
+    setRange(minimum, OutputBarSteps);
+    setSingleStep(CountSteps);
+    setPageStep(PageCounts * CountSteps);
+    setValue(0);
+    setTracking(false);         // a drag is a change when it ends
+    setInvertedControls(false); // right, up and the wheel forwards raise the output
+    setFocusPolicy(Qt::StrongFocus);
+    setMinimumWidth(ShortestBar);
+    connect(this, &QScrollBar::sliderMoved, this, std::move(events.Scroll));
+    connect(this, &QScrollBar::valueChanged, this, std::move(events.Change));
+}
+
+void OutputBar::Revert() {
+    const QSignalBlocker silently(this);
+    setSliderDown(false);
+    setValue(confirmed_);
+}
+
+void OutputBar::paintEvent(QPaintEvent* event) {
+    QScrollBar::paintEvent(event);
+    if (!hasFocus())
+        return; // most styles do not show which scroll bar has the focus
+    QPainter painter(this);
+    painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+    painter.drawRect(rect().adjusted(1, 1, -1, -1));
+}
+
+// A wheel that only passes over must not drive an output.
+void OutputBar::wheelEvent(QWheelEvent* event) {
+    if (hasFocus())
+        QScrollBar::wheelEvent(event);
+    else
+        event->ignore();
+}
+
+} // namespace kavro

@@ -1,0 +1,187 @@
+#include "diag/panel_form.h"
+
+#include "link/text.h"
+#include "map/module_access.h"
+#include "ui/center_form.h"
+#include "ui/named.h"
+
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <utility>
+
+namespace kavro {
+
+namespace {
+
+constexpr int RecoveryTickMs = 500; // of a panel that does not poll
+constexpr const char* LostText = "\u26a0 The port has failed. Waiting for it to come back; values are stale.";
+
+QLabel* PlainLabel(const QString& text, const char* name) {
+    auto* label = Named(new QLabel(text), name, {});
+    label->setTextFormat(Qt::PlainText); // nothing that a module says is markup
+    return label;
+}
+
+void AddHeadRow(QFormLayout& rows, const char* captionName, const char* caption, QLabel* value) {
+    rows.addRow(PlainLabel(caption, captionName), value);
+}
+
+} // namespace
+
+PanelForm::PanelForm(const char* name, const char* title, kavro::Session& session, kavro::Messages& messages,
+                     QWidget* parent)
+    : QDialog(parent), session_(session), messages_(messages),
+      recovery_(session.Line, [this](bool lost) { ShowLost(lost); }) {
+    setObjectName(name);
+    setWindowTitle(title);
+    session.Line.Statistics = {};
+    auto* layout = new QVBoxLayout(this);
+    rows_ = new QVBoxLayout;
+    timer1_ = new QTimer(this);
+    timer1_->setObjectName("Timer1");
+    timer1_->setTimerType(Qt::PreciseTimer);
+    connect(timer1_, &QTimer::timeout, this, [this] { Timer1_Timer(); });
+    next_ = new QTimer(this);
+    next_->setSingleShot(true);
+    connect(next_, &QTimer::timeout, this, [this] { Next(); });
+    lineState_ = PlainLabel(LostText, "LineState");
+    lineState_->hide();
+    statistics_ = PlainLabel({}, "Statistics");
+    layout->addLayout(rows_);
+    layout->addWidget(lineState_);
+    layout->addStretch(1);
+}
+
+void PanelForm::AddHead() {
+    auto* head = new QFormLayout;
+    rev_ = PlainLabel({}, "Rev");
+    AddHeadRow(*head, "Label1",
+               "Module:", PlainLabel(QString::fromStdString(Trim(Record().Model)), "ModuleName"));
+    AddHeadRow(*head, "Label2",
+               "Address:", PlainLabel(QString::fromStdString(ShownAddress(Record().Address)), "Addr"));
+    AddHeadRow(*head, "Label11", "F/W rev.:", rev_);
+    rows_->addLayout(head);
+}
+
+void PanelForm::ReadRevision() {
+    Operate([this] {
+        Ask(Command('$', "F")); // whatever came is shown, complete or not
+        rev_->setText(QString::fromStdString(Middle(session_.Line.ReplyText, 4)));
+    });
+}
+
+void PanelForm::Finish() {
+    auto* exit = Named(new QPushButton("E&xit"), "ExitBtn", "Exit");
+    exit->setAutoDefault(false);
+    connect(exit, &QPushButton::clicked, this, &QDialog::reject);
+    auto* foot = new QHBoxLayout;
+    foot->addWidget(statistics_, 1);
+    foot->addWidget(exit);
+    static_cast<QVBoxLayout*>(layout())->addLayout(foot);
+    ShowStatistics();
+    CenterForm(*this);
+}
+
+void PanelForm::StartPolling(int intervalMs) {
+    polling_ = true;
+    timer1_->start(intervalMs);
+}
+
+std::string PanelForm::Command(char lead, const std::string& tail) const {
+    return lead + AddressText(session_, Index()) + tail;
+}
+
+bool PanelForm::Ask(const std::string& command) {
+    return ExchangeWithModule(session_, Index(), command, session_.Line.ReplyTimeout);
+}
+
+void PanelForm::Timer1_Timer() {
+    due_ = Busy();
+    if (due_ || !recovery_.Ready())
+        return;
+    Then([this] { Tick(); });
+    Next();
+}
+
+void PanelForm::Operate(Step action) {
+    if (recovery_.Lost())
+        return;
+    actions_.push_back(std::move(action));
+    Next();
+}
+
+// The one place that takes something from the queues.
+void PanelForm::Next() {
+    if (running_)
+        return; // a message is up; it goes on when that is read
+    const bool acting = !actions_.empty();
+    std::deque<Step>& queue = acting ? actions_ : steps_;
+    if (queue.empty()) {
+        if (due_)
+            Timer1_Timer();
+        return;
+    }
+    const Step step = std::move(queue.front());
+    queue.pop_front();
+    if (Run(step) && !acting && steps_.empty())
+        recovery_.Succeeded();
+    if (std::exchange(closeAsked_, false)) {
+        reject();
+        return;
+    }
+    if (!Busy() || acting)
+        ShowStatistics();
+    if (Busy() || due_)
+        next_->start(0);
+}
+
+bool PanelForm::Run(const Step& operation) {
+    running_ = true;
+    bool done = false;
+    Guard(messages_, [&] { done = recovery_.Attempt(operation); });
+    running_ = false;
+    if (!done) {
+        actions_.clear();
+        steps_.clear();
+    }
+    return done;
+}
+
+void PanelForm::reject() {
+    if (running_) {
+        closeAsked_ = true;
+        return;
+    }
+    timer1_->stop();
+    next_->stop();
+    actions_.clear();
+    steps_.clear();
+    QDialog::reject();
+}
+
+void PanelForm::ShowLost(bool lost) {
+    lineState_->setVisible(lost);
+    ShowStale(lost);
+    if (polling_)
+        return;
+    if (lost)
+        timer1_->start(RecoveryTickMs);
+    else
+        timer1_->stop();
+}
+
+void PanelForm::ShowStatistics() {
+    const LineStatistics& statistics = session_.Line.Statistics;
+    statistics_->setText(QString("Transactions: %1   Failures: %2   Reply time: %3 ms, mean %4 ms")
+                             .arg(statistics.Transactions)
+                             .arg(statistics.Failures())
+                             .arg(statistics.LastMs(), 0, 'f', 1)
+                             .arg(statistics.MeanMs(), 0, 'f', 1));
+}
+
+} // namespace kavro

@@ -1,0 +1,79 @@
+#include "diag/reading_rows_form.h"
+
+#include "ui/fixed_font.h"
+#include "ui/named.h"
+#include "ui/tinted_label.h"
+
+#include <QGridLayout>
+
+namespace kavro {
+
+namespace {
+
+constexpr QRgb Red = 0xFF0000;
+constexpr QRgb Grey = 0x808080;
+constexpr int RowSpacing = 6;
+constexpr const char* WidestReading = "-000000.0000";
+constexpr const char* WidestUnit = "ohms (stale)";
+
+} // namespace
+
+ReadingRows::ReadingRows(const QString& title, const QStringList& captions) : QGroupBox(title) {
+    auto* grid = new QGridLayout(this);
+    grid->setVerticalSpacing(RowSpacing);
+    grid->setColumnStretch(2, 1);
+    const QFont font = FixedFont();
+    for (const QString& caption : captions) {
+        const int row = static_cast<int>(rows_.size());
+        const QString number = "_" + QString::number(row);
+        auto* label = Named(new TintedLabel(caption), "Label3" + number, {});
+        auto* reading = Named(new TintedLabel("0000.0000"), "Reading" + number, {});
+        auto* unit = Named(new TintedLabel, "FormatText" + number, {});
+        reading->setFont(font);
+        reading->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        // Of a fixed size, so that a new reading does not lay the whole panel out anew.
+        const QFontMetrics metrics(font);
+        reading->setFixedSize(metrics.horizontalAdvance(WidestReading), metrics.height());
+        unit->setMinimumWidth(unit->fontMetrics().horizontalAdvance(WidestUnit));
+        grid->addWidget(label, row, 0);
+        grid->addWidget(reading, row, 1);
+        grid->addWidget(unit, row, 2);
+        rows_.push_back({label, reading, unit, false});
+    }
+}
+
+void ReadingRows::BeginReading(int row) {
+    At(row).Reading->SetTint(QColor(Red));
+}
+
+void ReadingRows::ShowReading(int row, const std::string& text, const std::string& unit) {
+    At(row).Live = true;
+    At(row).Reading->setText(QString::fromStdString(text));
+    At(row).Unit->SetTint({});
+    At(row).Unit->setText(QString::fromStdString(unit));
+}
+
+void ReadingRows::ShowDisabled(int row) {
+    At(row).Reading->SetTint(QColor(Grey));
+    At(row).Reading->setText("Disabled");
+    At(row).Unit->clear();
+}
+
+void ReadingRows::ShowMissing(int row) {
+    At(row).Caption->SetTint(QColor(Grey));
+    At(row).Reading->clear();
+    At(row).Unit->clear();
+}
+
+void ReadingRows::ShowStale() {
+    for (Row& row : rows_) {
+        if (!row.Live)
+            continue;
+        row.Live = false; // until it is read again
+        row.Reading->SetTint(QColor(StaleTint));
+        row.Unit->SetTint(QColor(StaleTint));
+        row.Unit->setText(row.Unit->text().trimmed() + StaleMark);
+    }
+}
+
+} // namespace kavro

@@ -1,0 +1,129 @@
+#include "diag/csv_log.h"
+#include "diag/full_disk.h"
+#include "diag/monitor.h"
+#include "sim/module_factory.h"
+#include "support/failure_text.h"
+#include "support/test_session.h"
+#include "terminal/test_folder.h"
+
+#include <malloc.h>
+
+namespace kavro {
+namespace {
+
+constexpr WallTime SomeTime = {1'928'275'506'789, 60}; // 2031-02-08 00:05:06.789 UTC
+
+/// Modules on the simulated line, known without a search.
+struct MonitorTest : testing::Test, SimulatedSession {
+    MonitorTest() {
+        Session.ScanIndex = -1;
+        for (const char* model : {"8210", "8410", "8610"}) {
+            const std::int16_t address = Session.ModuleCount++;
+            Line.Add(MakeModule(model, address, 9600, false));
+            Session.ModuleTable[address] = {
+                .Address = address, .Model = model, .BaudCode = 3, .InputRange = 8};
+        }
+        Session.Line.SetPortBaud(1, 3, 0, 0, 0); // with its pause, before any time counts
+    }
+
+    // One turn at the pace of the timer.
+    int Tick() {
+        const std::int64_t due = Time.Microseconds() + std::int64_t{1000} * MonitorTickMs;
+        const auto turn = Watch.Tick();
+        Time.SleepUntil(due);
+        return turn ? turn->Index : -1;
+    }
+
+    Monitor Watch{Session};
+};
+
+TEST_F(MonitorTest, RoundsStatesAndAges) {
+    EXPECT_EQ(Watch.State(0), "waiting");
+    EXPECT_EQ((std::vector{Tick(), Tick(), Tick()}), (std::vector{0, 1, 2}));
+    EXPECT_EQ((Lines{Watch.State(0), Watch.State(1), Watch.State(2)}), (Lines{"ok", "ok", "no values"}));
+    const std::string before = Watch.Values(0)[0].Value.Text;
+    EXPECT_FALSE(before.empty());
+
+    Line.ModuleAt(0).OwnFaults.Silent = true;
+    const auto start = Time.Microseconds();
+    Watch.Tick();
+    const auto took = (Time.Microseconds() - start) / 1000;
+    EXPECT_GE(took, Session.Line.ReplyTimeout);
+    EXPECT_LT(took, Session.Line.ReplyTimeout + 20);
+    EXPECT_EQ(Watch.State(0), "no reply");
+    EXPECT_EQ(Watch.Values(0)[0].Value.Text, before) << "the last value stays";
+    const auto age = Watch.AgeMs(0).value_or(0);
+    EXPECT_NEAR(static_cast<double>(age), static_cast<double>(1500 + took), 40);
+    EXPECT_EQ(Tick(), 1) << "the others go on";
+    EXPECT_EQ(Watch.AgeMs(0), age + MonitorTickMs);
+    EXPECT_EQ(Watch.AgeMs(2), std::nullopt);
+
+    Line.ModuleAt(0).OwnFaults = {.Refuse = true};
+    EXPECT_EQ((std::vector{Tick(), Tick()}), (std::vector{2, 0}));
+    EXPECT_EQ(Watch.State(0), "error");
+    const auto points = Watch.TrendOf(0, 0);
+    ASSERT_EQ(points.size(), 3U);
+    EXPECT_TRUE(points[0].Value && !points[1].Value && !points[2].Value);
+
+    Watch.LineLost();
+    EXPECT_EQ(Watch.State(1), "no reply");
+    EXPECT_FALSE(Watch.TrendOf(1, 0).back().Value) << "the line is broken";
+    Session.ModuleCount = 0;
+    EXPECT_EQ(Tick(), -1);
+}
+
+TEST_F(MonitorTest, ADayInFlatMemory) {
+    Session.ModuleCount = 1;
+    const auto run = [this](int minutes) {
+        for (int tick = 0; tick < minutes * 120; ++tick)
+            Tick();
+    };
+    run(11);
+    EXPECT_EQ(Watch.TrendOf(0, 0).size(), 1200U) << "ten minutes, two turns a second";
+    const auto used = mallinfo2().uordblks;
+    run(24 * 60);
+    EXPECT_LE(mallinfo2().uordblks, used + 4096);
+    EXPECT_EQ(Watch.TrendOf(0, 0).size(), 1200U);
+    EXPECT_GE(Watch.TrendOf(0, 0).back().AtMs, Time.GetTickCount() - MonitorTickMs) << "the newest stays";
+}
+
+TEST(CsvLog, ExactBytes) {
+    EXPECT_EQ(IsoTime(SomeTime), "2031-02-08T01:05:06.789+01:00");
+    EXPECT_EQ(IsoTime({951'782'400'001, -570}), "2000-02-28T14:30:00.001-09:30");
+    ScriptedSession test;
+    test.Session.ModuleTable[3] = {.Address = 255, .Model = "8\x01,\"  "};
+    const std::vector<ChannelValue> values = {{"0", "-1.5000", -1.5, "V", ValueState::Ok},
+                                              {"1", "", {}, "V", ValueState::Disabled},
+                                              {"IN", "", {}, "hex", ValueState::NoReply}};
+    const std::string lines = CsvLines(test.Session, 3, values, SomeTime);
+    EXPECT_EQ(lines, "2031-02-08T01:05:06.789+01:00,255,\"8?,\"\"\",0,-1.5000,V,ok\n"
+                     "2031-02-08T01:05:06.789+01:00,255,\"8?,\"\"\",IN,,hex,no reply\n");
+    const TestFolder folder;
+    folder.Write("log.csv", std::string(1000, 'x'));
+    CsvLog log;
+    log.Open(folder.Path("log.csv"));
+    log.Write(lines);
+    EXPECT_EQ(folder.Read("log.csv"), CsvHeader + lines) << "while the file is still open";
+    EXPECT_NE(FailureText([&] { log.Open(folder.Path("none/log.csv")); }), "");
+    EXPECT_FALSE(log.IsOpen());
+    log.Write(lines); // nothing happens
+    EXPECT_EQ(folder.Read("log.csv"), CsvHeader + lines);
+}
+
+TEST(CsvLog, AFullDisk) {
+    CsvLog log;
+    const std::string failure = FailureText([&] { log.Open("/dev/full"); });
+    EXPECT_TRUE(Contains(failure, "/dev/full cannot be written: No space left on device"));
+    EXPECT_FALSE(log.IsOpen());
+
+    // A disk with room for a part of the lines keeps none of them.
+    const TestFolder folder;
+    log.Open(folder.Path("log.csv"));
+    const FullDisk full(60);
+    EXPECT_NE(FailureText([&] { log.Write("one line\nanother line\n"); }), "");
+    EXPECT_FALSE(log.IsOpen());
+    EXPECT_EQ(folder.Read("log.csv"), CsvHeader);
+}
+
+} // namespace
+} // namespace kavro
