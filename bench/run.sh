@@ -13,6 +13,10 @@ cmake --build "$build" --target bench >/dev/null
 echo
 "$build/bench/search_bench"
 echo
+"$build/bench/panel_bench"
+echo
+"$build/bench/monitor_bench"
+echo
 
 if [ ! -x "$build/bench/startup_bench" ]; then
     echo "start: not measured, the X11 headers (libx11-dev) are missing"

@@ -9,7 +9,6 @@ namespace kavro {
 namespace {
 
 constexpr std::int64_t BitsPerCharacter = 10;
-constexpr std::int64_t TurnAroundMicroseconds = 2000;
 constexpr std::uint32_t NoiseInsteadOneIn = 8;
 constexpr std::uint32_t LongestNoise = 4;
 

@@ -39,6 +39,9 @@ public:
     /// Faults of the whole line; they join those of each module.
     Faults LineFaults;
 
+    /// Time between the end of a command and the beginning of a module's reply.
+    std::int64_t TurnAroundMicroseconds = 2000;
+
     /// Told about every command line, whether answered or not.
     std::function<void(const LineEvent& event)> Log;
 
@@ -55,8 +58,8 @@ public:
     void SetSeed(std::uint32_t seed) { random_.seed(seed); }
 
     /// Sends a command line (without carriage return) that begins at `moment` to all modules. Returns the
-    /// characters that come back, in order of their moments: the command's own time, 2 ms for the module to
-    /// turn around, then a character time each. Modules that share an address talk into each other.
+    /// characters that come back, in order of their moments: the command's own time, the time that a module
+    /// takes to turn around, then a character time each. Modules that share an address talk into each other.
     std::vector<TimedByte> Deliver(const std::string& command, int baud, std::int64_t moment);
 
     /// Pulls the adapter out: open ports are lost at their next operation, and none can be opened.

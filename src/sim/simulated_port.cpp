@@ -55,11 +55,14 @@ void SimulatedPort::EmptyInBuffer() {
 char SimulatedPort::Input() {
     if (InBufferCount() == 0)
         throw RuntimeFailure("No character is waiting at the simulated line. Wait for one before reading.");
-    return transmission_.Take();
+    const char character = transmission_.Take();
+    inReply_ = character != '\r';
+    return character;
 }
 
 void SimulatedPort::Output(const std::string& text) {
     RequireOpen();
+    inReply_ = false;
     transmission_.Send(text, baud_, clock_.Microseconds());
 }
 
@@ -67,7 +70,10 @@ bool SimulatedPort::WaitForInput(int milliseconds) {
     RequireOpen();
     const std::int64_t limit = clock_.Microseconds() + std::int64_t{1000} * std::max(milliseconds, 0);
     const std::int64_t next = transmission_.NextMoment().value_or(limit + 1);
-    clock_.SleepUntil(std::min(next, limit));
+    // The rest of a reply comes in one piece, as a serial chip with a buffer hands it over: at high rates
+    // waking for every character would cost more than everything else.
+    const std::int64_t awaited = inReply_ ? transmission_.RunEnd().value_or(next) : next;
+    clock_.SleepUntil(std::min(awaited, limit));
     return next <= limit;
 }
 

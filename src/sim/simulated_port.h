@@ -30,7 +30,8 @@ private:
     Transmission transmission_;
     int baud_ = 9600;
     bool open_ = false;
-    int unplugCount_ = 0; // of the line, when the port was opened
+    bool inReply_ = false; // the last character taken was not the end of its line
+    int unplugCount_ = 0;  // of the line, when the port was opened
 };
 
 } // namespace kavro

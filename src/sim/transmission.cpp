@@ -8,6 +8,7 @@ namespace kavro {
 namespace {
 
 constexpr std::size_t LongestCommand = 1024;
+constexpr int SlowestBaud = 1200;
 
 } // namespace
 
@@ -37,6 +38,16 @@ std::size_t Transmission::Arrived(std::int64_t moment) const {
 
 std::optional<std::int64_t> Transmission::NextMoment() const {
     return replies_.empty() ? std::nullopt : std::optional(replies_.front().Moment);
+}
+
+std::optional<std::int64_t> Transmission::RunEnd() const {
+    if (replies_.empty())
+        return std::nullopt;
+    const std::int64_t longestStep = AfterCharacters(0, 1, SlowestBaud) + 1; // moments are rounded
+    const auto last = std::ranges::adjacent_find(replies_, [&](const TimedByte& one, const TimedByte& next) {
+        return one.Byte == '\r' || next.Moment - one.Moment > longestStep;
+    });
+    return last == replies_.end() ? replies_.back().Moment : last->Moment;
 }
 
 char Transmission::Take() {

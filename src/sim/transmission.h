@@ -25,6 +25,10 @@ public:
     /// When the next character arrives or has arrived; nothing when none is under way.
     std::optional<std::int64_t> NextMoment() const;
 
+    /// When the last character of the run that begins with the next one arrives: the run ends at a carriage
+    /// return, or where a pause follows. Nothing when none is under way.
+    std::optional<std::int64_t> RunEnd() const;
+
     /// Takes the next character; one must be under way.
     char Take();
 
