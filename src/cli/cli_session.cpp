@@ -15,6 +15,7 @@ namespace kavro {
 namespace {
 
 constexpr std::size_t Baud9600Code = 3;
+constexpr std::int16_t LongTimeoutFactor = 5; // as in the COM Port dialog
 
 // Puts COM.CFG into the line's settings; false when there is none. Throws `RuntimeFailure` when it cannot be
 // used.
@@ -73,6 +74,11 @@ void CliSession::LoadSettings(const LineOptions& options) {
     settings = {};
     settings.DataBits = 8;
     settings.BaudEnabled[Baud9600Code] = 1;
+}
+
+void SetTimeouts(Line& line, std::int16_t timeoutMs) {
+    line.ReplyTimeout = timeoutMs;
+    line.LongReplyTimeout = static_cast<std::int16_t>(LongTimeoutFactor * timeoutMs);
 }
 
 } // namespace kavro

@@ -39,4 +39,7 @@ private:
     std::string settingsFailure_;
 };
 
+/// Sets the reply time-out, in ms, and the long one, its fivefold.
+void SetTimeouts(Line& line, std::int16_t timeoutMs);
+
 } // namespace kavro

@@ -90,20 +90,21 @@ std::vector<std::int16_t> ParseBaudList(const std::string& text) {
     return codes;
 }
 
+int ParseWholeNumber(const std::string& text, const std::string& what, int low, int high) {
+    const auto number = DecimalNumber(text);
+    if (!number || *number < low || *number > high)
+        throw RuntimeFailure("'" + text + "' is not " + what + "; give " + std::to_string(low) + " to " +
+                             std::to_string(high) + ".");
+    return *number;
+}
+
 std::int16_t ParseTimeout(const std::string& text) {
-    const auto timeout = DecimalNumber(text);
-    if (!timeout || *timeout < LowestTimeoutMs || *timeout > HighestTimeoutMs)
-        throw RuntimeFailure("'" + text + "' is not a time-out; give " + std::to_string(LowestTimeoutMs) +
-                             " to " + std::to_string(HighestTimeoutMs) + " milliseconds.");
-    return static_cast<std::int16_t>(*timeout);
+    return static_cast<std::int16_t>(
+        ParseWholeNumber(text, "a time-out in milliseconds", LowestTimeoutMs, HighestTimeoutMs));
 }
 
 std::int16_t ParsePasses(const std::string& text) {
-    const auto passes = DecimalNumber(text);
-    if (!passes || *passes < 1 || *passes > INT16_MAX)
-        throw RuntimeFailure("'" + text + "' is not a number of passes; give 1 to " +
-                             std::to_string(INT16_MAX) + ".");
-    return static_cast<std::int16_t>(*passes);
+    return static_cast<std::int16_t>(ParseWholeNumber(text, "a number of passes", 1, INT16_MAX));
 }
 
 } // namespace kavro

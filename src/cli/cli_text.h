@@ -33,6 +33,10 @@ std::vector<std::int16_t> ParseBaudList(const std::string& text);
 /// time-out, would not fit.
 std::int16_t ParseTimeout(const std::string& text);
 
+/// A whole number from `low` to `high`. Throws `RuntimeFailure` for any other text; `what` names it, with its
+/// article.
+int ParseWholeNumber(const std::string& text, const std::string& what, int low, int high);
+
 /// A number of passes, 1 to 32767. Throws `RuntimeFailure` for any other text.
 std::int16_t ParsePasses(const std::string& text);
 

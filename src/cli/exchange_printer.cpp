@@ -1,6 +1,5 @@
 #include "cli/exchange_printer.h"
 
-#include "cli/cli_text.h"
 #include "link/text.h"
 #include "terminal/console_rows.h"
 
@@ -33,24 +32,6 @@ std::string ExchangeJson(const Exchanged& exchanged) {
     return "{\"command\": " + JsonText(exchanged.Command) + ", \"reply\": " + JsonText(exchanged.Reply) +
            ", \"complete\": " + (exchanged.Complete ? "true" : "false") +
            ", \"baud\": " + std::to_string(exchanged.Baud) + "}";
-}
-
-void ExchangePrinter::Print(const Exchanged& exchanged) {
-    if (json_)
-        Write((begun_ ? ",\n  " : "[\n  ") + ExchangeJson(exchanged));
-    else
-        Write(ExchangeText(exchanged) + "\n");
-    begun_ = true;
-}
-
-void ExchangePrinter::Close() {
-    if (json_)
-        Write(begun_ ? "\n]\n" : "[]\n");
-}
-
-void ExchangePrinter::Write(const std::string& text) {
-    if (!abandoned_)
-        abandoned_ = !PrintOut(text);
 }
 
 } // namespace kavro

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "cli/row_printer.h"
+
 #include <cstdint>
 #include <string>
 
@@ -20,26 +22,24 @@ std::string ExchangeText(const Exchanged& exchanged);
 /// nothing is lost.
 std::string ExchangeJson(const Exchanged& exchanged);
 
-/// Prints pairs on standard output, each at once: as lines, or as one JSON array that is whole as soon as
-/// `Close` was called, whatever happened before. Throws `RuntimeFailure` when it cannot be written.
+/// Prints pairs on standard output, each at once: as lines, or as one JSON array.
 class ExchangePrinter {
 public:
-    explicit ExchangePrinter(bool json) : json_(json) {}
+    explicit ExchangePrinter(bool json) : json_(json), rows_(json) {}
 
-    void Print(const Exchanged& exchanged);
+    void Print(const Exchanged& exchanged) {
+        rows_.Print(json_ ? ExchangeJson(exchanged) : ExchangeText(exchanged) + "\n");
+    }
 
     /// Ends the output.
-    void Close();
+    void Close() { rows_.Close(); }
 
     /// Whether standard output is a pipe that nobody reads any more.
-    bool Abandoned() const { return abandoned_; }
+    bool Abandoned() const { return rows_.Abandoned(); }
 
 private:
-    void Write(const std::string& text);
-
     const bool json_;
-    bool begun_ = false;
-    bool abandoned_ = false;
+    RowPrinter rows_;
 };
 
 } // namespace kavro

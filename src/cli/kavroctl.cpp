@@ -2,7 +2,11 @@
 
 #include "cli/cli_options.h"
 #include "cli/cli_text.h"
+#include "cli/config_command.h"
 #include "cli/interrupt.h"
+#include "cli/monitor_command.h"
+#include "cli/output_command.h"
+#include "cli/read_command.h"
 #include "cli/search_command.h"
 #include "cli/subcommand.h"
 #include "cli/terminal_commands.h"
@@ -19,13 +23,17 @@ namespace kavro {
 
 namespace {
 
-constexpr std::size_t NameWidth = 8;
+constexpr std::size_t NameWidth = 9;
 
 constexpr Subcommand Subcommands[] = {
     {"search", "Search a line and print its modules.", 0, AddSearchOptions, PrepareSearch},
     {"send", "Send commands and print their replies.", INT_MAX, AddSendOptions, PrepareSend},
     {"batch", "Send a file of commands, line by line, and print the replies.", 1, AddBatchOptions,
      PrepareBatch},
+    {"config", "Show or change the settings of a module.", INT_MAX, AddConfigOptions, PrepareConfig},
+    {"read", "Read the values of a module.", 1, AddReadOptions, PrepareRead},
+    {"monitor", "Read the modules of a line in rounds.", 0, AddMonitorOptions, PrepareMonitor},
+    {"output", "Drive outputs of a module.", INT_MAX, AddOutputOptions, PrepareOutput},
 };
 
 CommandAction Printing(std::string text) {

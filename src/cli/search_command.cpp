@@ -17,13 +17,6 @@ namespace kavro {
 
 namespace {
 
-constexpr std::int16_t LongTimeoutFactor = 5; // as in the COM Port dialog
-
-struct SearchResult {
-    int LastAddress = 0;     // the last one that was begun
-    std::string PortFailure; // what ended the search early; empty when nothing did
-};
-
 void ApplyOptions(const SearchOptions& options, Session& session) {
     session.SearchHighAddress = options.HighestAddress;
     Line& line = session.Line;
@@ -33,13 +26,32 @@ void ApplyOptions(const SearchOptions& options, Session& session) {
         for (const std::int16_t code : options.BaudCodes)
             enabled[static_cast<std::size_t>(code)] = 1;
     }
-    if (options.TimeoutMs) {
-        line.ReplyTimeout = *options.TimeoutMs;
-        line.LongReplyTimeout = static_cast<std::int16_t>(LongTimeoutFactor * *options.TimeoutMs);
-    }
+    if (options.TimeoutMs)
+        SetTimeouts(line, *options.TimeoutMs);
 }
 
-SearchResult Search(Session& session) {
+int RunSearch(CliSession& cli, const SearchOptions& options) {
+    Session& session = cli.Session;
+    cli.OpenPort();
+    const SearchResult result = SearchLine(session, options);
+
+    const bool lostPort = !result.PortFailure.empty();
+    const bool complete = !lostPort && result.LastAddress == session.SearchHighAddress;
+    PrintOut(options.Json ? MapJson(session, {cli.Device(), complete}) : MapText(session));
+    if (lostPort)
+        throw RuntimeFailure(result.PortFailure);
+    if (!complete)
+        PrintNote("Stopped after address " + std::to_string(result.LastAddress) + " of " +
+                  std::to_string(session.SearchHighAddress) + ".");
+    if (session.ModuleCount == 0)
+        PrintNote("No module found!");
+    return session.ModuleCount == 0 ? ExitNothingFound : ExitSuccess;
+}
+
+} // namespace
+
+SearchResult SearchLine(Session& session, const SearchOptions& options) {
+    ApplyOptions(options, session);
     SearchResult result;
     const InterruptWatch watch;
     SearchProgress progress(session.Line, session.SearchHighAddress);
@@ -71,35 +83,18 @@ SearchResult Search(Session& session) {
     return result;
 }
 
-int RunSearch(CliSession& cli, const SearchOptions& options) {
-    Session& session = cli.Session;
-    ApplyOptions(options, session);
-    cli.OpenPort();
-    const SearchResult result = Search(session);
-
-    const bool lostPort = !result.PortFailure.empty();
-    const bool complete = !lostPort && result.LastAddress == session.SearchHighAddress;
-    PrintOut(options.Json ? MapJson(session, {cli.Device(), complete}) : MapText(session));
-    if (lostPort)
-        throw RuntimeFailure(result.PortFailure);
-    if (!complete)
-        PrintNote("Stopped after address " + std::to_string(result.LastAddress) + " of " +
-                  std::to_string(session.SearchHighAddress) + ".");
-    if (session.ModuleCount == 0)
-        PrintNote("No module found!");
-    return session.ModuleCount == 0 ? ExitNothingFound : ExitSuccess;
-}
-
-} // namespace
-
-void AddSearchOptions(QCommandLineParser& parser) {
+void AddSearchRangeOptions(QCommandLineParser& parser) {
     parser.addOptions({
         {"to", "Search the addresses 0 to ADDRESS; 255 unless given. Hexadecimal as 0xFF or FFH.", "ADDRESS"},
         {"baud", "Baud rates to try, separated by commas; those of the port's settings unless given.",
          "LIST"},
         {"timeout", "Silence after which a reply is given up, in milliseconds, at least 100.", "MS"},
-        {"json", "Print the modules as JSON."},
     });
+}
+
+void AddSearchOptions(QCommandLineParser& parser) {
+    AddSearchRangeOptions(parser);
+    parser.addOption({"json", "Print the modules as JSON."});
 }
 
 SearchOptions ReadSearchOptions(const QCommandLineParser& parser) {

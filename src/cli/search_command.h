@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/subcommand.h"
+#include "map/session.h"
 
 #include <cstdint>
 #include <optional>
@@ -16,6 +17,18 @@ struct SearchOptions {
     std::optional<std::int16_t> TimeoutMs; ///< nothing: that of the settings
     bool Json = false;
 };
+
+/// What became of a search.
+struct SearchResult {
+    int LastAddress = 0;     ///< the last one that was begun
+    std::string PortFailure; ///< what ended the search early; empty when nothing did
+};
+
+/// Searches the open port, with progress on standard error, until Ctrl+C.
+SearchResult SearchLine(Session& session, const SearchOptions& options);
+
+/// Adds the options that say what is searched.
+void AddSearchRangeOptions(QCommandLineParser& parser);
 
 /// Adds the options of `search`.
 void AddSearchOptions(QCommandLineParser& parser);

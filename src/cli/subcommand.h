@@ -13,6 +13,7 @@ enum ExitCode : int {
     ExitPortTrouble = 3,  ///< the port, standard output or a file being written failed
     ExitNothingFound = 4, ///< a search that found no module
     ExitReplyMissing = 4, ///< commands of which not every one got a complete reply
+    ExitNotAccepted = 4,  ///< settings that the module did not tell, or did not accept all of
 };
 
 /// The work of a command whose options are understood. Returns the exit code; a `RuntimeFailure` stands for

@@ -1,10 +1,10 @@
+#include "cli/captured.h"
 #include "cli/command_sender.h"
 #include "cli/kavroctl.h"
 #include "cli/map_input.h"
 #include "cli/map_output.h"
 #include "cli/subcommand.h"
 #include "sim/demo_line.h"
-#include "support/failure_text.h"
 #include "support/test_session.h"
 #include "terminal/test_folder.h"
 
@@ -17,21 +17,6 @@
 
 namespace kavro {
 namespace {
-
-struct Outcome {
-    int Exit;
-    std::string Out, Err, Failure;
-};
-
-template <class Work>
-Outcome Capture(Work work) {
-    testing::internal::CaptureStdout();
-    testing::internal::CaptureStderr();
-    int exit = -1;
-    const std::string failure = FailureText([&] { exit = work(); });
-    const std::string out = testing::internal::GetCapturedStdout();
-    return {exit, out, testing::internal::GetCapturedStderr(), failure};
-}
 
 // The demo line with one module known, and the commands that it hears. At one of them something happens.
 struct DemoSession : SimulatedSession {
@@ -52,8 +37,8 @@ struct DemoSession : SimulatedSession {
 };
 
 // Sends commands as a batch file, or as typed ones.
-Outcome Send(DemoSession& demo, const Lines& lines, const SendingOptions& options, bool batch,
-             const std::string& log = {}) {
+Captured Send(DemoSession& demo, const Lines& lines, const SendingOptions& options, bool batch,
+              const std::string& log = {}) {
     std::string content;
     for (const std::string& line : lines)
         content += line + "\n";
@@ -108,7 +93,7 @@ TEST(CommandSender, RunsAFileWithItsOptionsPausesAndLog) {
     demo.ActAt = 2;
     demo.Act = [&] { logged = demo.Folder.Read("log"); };
     const SendingOptions options = {.Checksum = 1, .BaudCode = 4};
-    const Outcome outcome = Send(demo, {"$002", " yy"}, options, true, demo.Folder.Path("log"));
+    const Captured outcome = Send(demo, {"$002", " yy"}, options, true, demo.Folder.Path("log"));
     EXPECT_EQ(outcome.Exit, ExitReplyMissing);
     EXPECT_EQ(outcome.Out, "$002 -> (no reply)\n yy -> (no reply)\n$002 -> (no reply)\n yy -> (no reply)\n");
     EXPECT_EQ(outcome.Err, "kavroctl: No complete reply to 4 of 4 commands.\n");
@@ -119,7 +104,7 @@ TEST(CommandSender, RunsAFileWithItsOptionsPausesAndLog) {
 
 TEST(CommandSender, SendsTypedCommandsAndTellsOnceThatTheLogFails) {
     DemoSession demo;
-    const Outcome outcome = Send(demo, {"$202", "$002", "$012"}, {.Checksum = 1}, false, "/dev/full");
+    const Captured outcome = Send(demo, {"$202", "$002", "$012"}, {.Checksum = 1}, false, "/dev/full");
     EXPECT_EQ(outcome.Exit, ExitPortTrouble);
     EXPECT_EQ(demo.Heard, (Lines{"$202B8 @19200", "$002 @9600", "$012B7 @9600"}));
     EXPECT_EQ(std::ranges::count(outcome.Err, '\n'), 2) << outcome.Err; // the log, and replies missing
@@ -135,7 +120,7 @@ TEST(CommandSender, EndsInGoodOrderWhenInterrupted) {
         DemoSession demo;
         demo.Session.BatchRepeatCount = 2;
         demo.ActAt = at;
-        const Outcome outcome = Send(demo, {"$012", "$022"}, {.Json = true}, batch);
+        const Captured outcome = Send(demo, {"$012", "$022"}, {.Json = true}, batch);
         EXPECT_EQ(outcome.Exit, exit) << at;
         EXPECT_EQ(ObjectsIn(outcome.Out), at) << outcome.Out;
         EXPECT_EQ(outcome.Err.empty(), exit == ExitSuccess) << outcome.Err;
@@ -146,7 +131,7 @@ TEST(CommandSender, LostPortLeavesWhatWasExchanged) {
     DemoSession demo;
     demo.ActAt = 2;
     demo.Act = [&] { demo.Line.Unplug(); };
-    const Outcome outcome = Send(demo, {"$012", "$022", "$032"}, {.Json = true}, true);
+    const Captured outcome = Send(demo, {"$012", "$022", "$032"}, {.Json = true}, true);
     EXPECT_TRUE(Contains(outcome.Failure, "unplugged"));
     EXPECT_EQ(ObjectsIn(outcome.Out), 1) << outcome.Out;
 }
@@ -167,7 +152,7 @@ TEST(TerminalCommands, UseTheMapAndTellWrongUseInOneLine) {
         {{"batch", batch, "--log", "/nowhere/log"}, "/nowhere/log"},
     };
     for (const auto& [arguments, piece] : cases) {
-        const Outcome outcome = Capture([&] { return RunKavroctl(arguments + QStringList("--demo")); });
+        const Captured outcome = Capture([&] { return RunKavroctl(arguments + QStringList("--demo")); });
         EXPECT_EQ(outcome.Exit, ExitWrongUse) << piece;
         EXPECT_TRUE(Contains(outcome.Err, piece));
         EXPECT_EQ(std::ranges::count(outcome.Err, '\n'), 1) << outcome.Err;
@@ -176,7 +161,7 @@ TEST(TerminalCommands, UseTheMapAndTellWrongUseInOneLine) {
 
     const std::string map = folder.Write("map.json", R"({"modules": [{"address": 32, "baudCode": 4}]})");
     const QStringList send = {"send", "--demo", "--map", QString::fromStdString(map), "$202"};
-    const Outcome sent = Capture([&] { return RunKavroctl(send); });
+    const Captured sent = Capture([&] { return RunKavroctl(send); });
     EXPECT_EQ(sent.Out, "$202 -> !20400700\n");
     EXPECT_EQ(sent.Exit, ExitSuccess) << sent.Err;
 }

@@ -1,0 +1,182 @@
+#include "cli/config_command.h"
+
+#include "cli/cli_text.h"
+#include "cli/config_names.h"
+#include "link/runtime_failure.h"
+#include "link/text.h"
+#include "map/identify.h"
+#include "map/list_line.h"
+#include "map/module_access.h"
+
+#include <QCommandLineParser>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+#include <memory>
+
+namespace kavro {
+
+namespace {
+
+// Tells on standard error what the program tells in message boxes.
+class NotedMessages : public Messages {
+public:
+    void Show(const std::string& text, const std::string& /*title*/) override { PrintNote(text); }
+};
+
+// Nothing, with the reason told, when not every setting could be read.
+std::optional<NamedConfig> ReadConfig(Session& session, const Contact& contact) {
+    const std::string place = "address " + ShownAddress(contact.Address);
+    const Identified identified = FindModule(session, contact);
+    if (identified == Identified::No)
+        return std::nullopt;
+    auto config = ReadNamedConfig(session, identified);
+    if (!config)
+        PrintNote("The module " + Trim(ShownModel(session.ModuleTable[0].Model)) + " at " + place +
+                  " has no settings that kavroctl knows.");
+    else if (!config->Known) {
+        PrintNote("The module at " + place + " did not tell all of its settings. Try again.");
+        return std::nullopt;
+    }
+    return config;
+}
+
+std::string ConfigText(const NamedConfig& config) {
+    std::size_t width = 0;
+    for (const NamedSetting& setting : config.Settings)
+        width = std::max(width, setting.Name.size());
+    std::string text;
+    for (const NamedSetting& setting : config.Settings)
+        text += FixedText(setting.Name + ":", width + 2) + SettingText(setting) + "\n";
+    return text;
+}
+
+std::string ConfigJson(const NamedConfig& config) {
+    QJsonObject object;
+    for (const NamedSetting& setting : config.Settings)
+        object[QString::fromStdString(setting.Name)] = setting.Value();
+    return QJsonDocument(object).toJson().toStdString();
+}
+
+NamedSetting& SettingNamed(NamedConfig& config, const std::string& name) {
+    std::vector<std::string> names;
+    for (NamedSetting& setting : config.Settings) {
+        if (SameText(setting.Name, name))
+            return setting;
+        names.push_back(setting.Name);
+    }
+    throw RuntimeFailure("This module has no setting '" + name + "'; it has " + Listed(names) + ".");
+}
+
+// A value as it is shown is always taken, even one that could not be chosen: it changes nothing.
+bool Change(NamedSetting& setting, const std::string& text) {
+    const QJsonValue before = setting.Value();
+    if (!SameText(text, SettingText(setting)))
+        setting.Take(text);
+    return setting.Value() != before;
+}
+
+// What is locked may depend on the other changes, so it is asked when all are made.
+void MakeChanges(NamedConfig& config, const std::vector<Assignment>& changes) {
+    std::vector<const NamedSetting*> changed;
+    for (const Assignment& change : changes) {
+        NamedSetting& setting = SettingNamed(config, change.Name);
+        if (Change(setting, change.Value))
+            changed.push_back(&setting);
+    }
+    for (const NamedSetting* setting : changed)
+        if (const std::string reason = setting->Locked(); !reason.empty())
+            throw RuntimeFailure("The " + setting->Name + " " + reason + ".");
+}
+
+Assignment ParseAssignment(const std::string& text) {
+    const auto sign = text.find('=');
+    if (sign == std::string::npos)
+        throw RuntimeFailure("'" + text + "' is not a change; write it as name=value.");
+    Assignment change = {Trim(text.substr(0, sign)), Trim(text.substr(sign + 1))};
+    const auto names = SettingNames();
+    if (std::ranges::none_of(names, [&](const auto& name) { return SameText(name, change.Name); }))
+        throw RuntimeFailure("No module has a setting '" + change.Name + "'; the names are " + Listed(names) +
+                             ".");
+    return change;
+}
+
+std::vector<Assignment> ParseAssignments(const QStringList& arguments) {
+    std::vector<Assignment> changes;
+    for (const QString& argument : arguments) {
+        changes.push_back(ParseAssignment(argument.toStdString()));
+        const std::string& name = changes.back().Name;
+        if (std::ranges::count_if(changes, [&](const auto& each) { return SameText(each.Name, name); }) > 1)
+            throw RuntimeFailure("The " + name + " is given twice.");
+    }
+    return changes;
+}
+
+} // namespace
+
+int ShowConfig(Session& session, const Contact& contact, bool json) {
+    const auto config = ReadConfig(session, contact);
+    if (!config)
+        return ExitNotAccepted;
+    PrintOut(json ? ConfigJson(*config) : ConfigText(*config));
+    return ExitSuccess;
+}
+
+int SetConfig(Session& session, const Contact& contact, const std::vector<Assignment>& changes) {
+    auto config = ReadConfig(session, contact);
+    if (!config)
+        return ExitNotAccepted;
+    try {
+        MakeChanges(*config, changes);
+    } catch (const RuntimeFailure& failure) {
+        PrintNote(failure.what()); // a wrong value, not a failure of the line
+        return ExitWrongUse;
+    }
+    NotedMessages messages;
+    switch (config->Apply(messages)) {
+    case ConfigOutcome::Complete:
+        return ExitSuccess;
+    case ConfigOutcome::Refused:
+        return ExitWrongUse;
+    default:
+        return ExitNotAccepted;
+    }
+}
+
+void AddConfigOptions(QCommandLineParser& parser) {
+    parser.setApplicationDescription(QString::fromStdString(
+        "Shows the settings of the module at ADDRESS, as the module tells them, or changes some of\n"
+        "them. ADDRESS 0 is the module that is in its initialisation state; only there baud rate and\n"
+        "checksum can be changed. What is shown can be given back as it stands.\n\n"
+        "Exit codes: 0 every command was accepted, 2 wrong use (nothing was written), 3 port trouble,\n"
+        "4 the module did not answer, or not every command was accepted.\n\n"
+        "Settings by model, and what can be given:\n" +
+        SettingsHelp()));
+    parser.addPositionalArgument("ACTION", "\"show\" or \"set\".", "show|set");
+    AddContactOptions(parser);
+    parser.addPositionalArgument("NAME=VALUE", "With set: a setting and its new value.", "[NAME=VALUE...]");
+    parser.addOption({"json", "Print the settings as a JSON object."});
+}
+
+CommandAction PrepareConfig(const QCommandLineParser& parser) {
+    const QStringList arguments = parser.positionalArguments();
+    const QString action = arguments.value(0);
+    const bool show = action == "show";
+    if (!show && action != "set")
+        throw RuntimeFailure("Say 'config show ADDRESS' or 'config set ADDRESS NAME=VALUE'. See kavroctl "
+                             "config --help.");
+    const auto changes = ParseAssignments(arguments.mid(2));
+    if (show && !changes.empty())
+        throw RuntimeFailure("'config show' changes nothing. Use 'config set'.");
+    if (!show && changes.empty())
+        throw RuntimeFailure("Give what is to be changed, for example range=08. See kavroctl config --help.");
+
+    const auto [cli, contact] = ReadModuleOnLine(parser, 1);
+    return [cli = cli, contact = contact, changes, show, json = parser.isSet("json")] {
+        cli->OpenPort();
+        return show ? ShowConfig(cli->Session, contact, json) : SetConfig(cli->Session, contact, changes);
+    };
+}
+
+} // namespace kavro

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "cli/module_contact.h"
+#include "cli/subcommand.h"
+#include "map/session.h"
+
+#include <string>
+#include <vector>
+
+namespace kavro {
+
+/// A setting and the value that it is to have.
+struct Assignment {
+    std::string Name;
+    std::string Value;
+};
+
+/// Reads the settings of a module on the open port and prints them. Returns the exit code.
+int ShowConfig(Session& session, const Contact& contact, bool json);
+
+/// Reads the settings of a module on the open port and writes them with the changes. Nothing is written when
+/// one of them is not possible. Tells what the module's dialog tells, on standard error. Returns the exit
+/// code.
+int SetConfig(Session& session, const Contact& contact, const std::vector<Assignment>& changes);
+
+/// Adds the options and arguments of `kavroctl config`.
+void AddConfigOptions(QCommandLineParser& parser);
+
+/// Turns the options of `config` into work. Throws `RuntimeFailure` when one is wrong.
+CommandAction PrepareConfig(const QCommandLineParser& parser);
+
+} // namespace kavro

@@ -1,0 +1,246 @@
+#include "cli/config_names.h"
+
+#include "config/alarm_input_config.h"
+#include "config/analog_input_config.h"
+#include "config/analog_output_config.h"
+#include "config/converter_config.h"
+#include "config/counter_config.h"
+#include "config/digital_config.h"
+#include "config/model_choices.h"
+#include "config/port_direction_config.h"
+#include "link/codes.h"
+#include "link/text.h"
+#include "map/list_line.h"
+#include "map/module_dispatch.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace kavro {
+
+namespace {
+
+constexpr std::size_t NameWidth = 16; // of the help's column
+
+using Settings = std::vector<NamedSetting>;
+
+// What names and values depend on beside the settings themselves.
+struct Subject {
+    std::string Model;
+    bool Initialising = false;
+};
+
+NamedSetting FormatSetting(const NumberField& field, const std::string& model) {
+    std::vector<SettingChoice> formats;
+    for (const std::int16_t code : FormatCodes(model))
+        formats.push_back({code, Trim(FormatName(code))});
+    NamedSetting setting = CodeSetting("format", field, formats);
+    setting.Hint = "0 Engineering Units, 1 % of FSR, 2 Two's complement, 3 Ohms: number or name";
+    return setting;
+}
+
+NamedSetting OnlyInitialising(NamedSetting setting, const Subject& subject) {
+    return LockedWhile(
+        std::move(setting), [locked = !subject.Initialising] { return locked; },
+        "can be changed only while the module is in its initialisation state. Switch it on in "
+        "that state and use address 00");
+}
+
+// Of every module; before those of its family.
+Settings LinkNames(LinkSettings& link, const Subject& subject) {
+    return {FixedSetting("model", Trim(ShownModel(subject.Model))), AddressSetting("address", link.Address),
+            OnlyInitialising(BaudSetting("baud", link.BaudCode), subject),
+            OnlyInitialising(SwitchSetting("checksum", link.Checksum), subject)};
+}
+
+NamedSetting Polarity(const std::string& name, const NumberField& inverted) {
+    return ChoiceSetting(name, inverted, {"normal", "inverted"});
+}
+
+Settings AnalogInputNames(AnalogInputConfig& settings, const Subject& subject) {
+    return {RangeSetting("range", settings.InputRange, subject.Model),
+            FormatSetting(settings.DataFormat, subject.Model),
+            BitsSetting("channels", settings.EnabledChannels, ChannelCount(subject.Model).value_or(0))};
+}
+
+Settings AlarmInputNames(AlarmInputConfig& settings, const Subject& subject) {
+    // The range's full scale, which may change along with the limit, is checked when all is known.
+    const NumberBounds limit = {-9999, 9999, 4, "a number within the full scale of the range"};
+    return {RangeSetting("range", settings.InputRange, subject.Model),
+            FormatSetting(settings.DataFormat, subject.Model),
+            ChoiceSetting("alarm-mode", settings.AlarmMode, {"disabled", "momentary", "latch"}),
+            NumberSetting("low-alarm", settings.LowAlarm, limit),
+            NumberSetting("high-alarm", settings.HighAlarm, limit)};
+}
+
+Settings AnalogOutputNames(AnalogOutputConfig& settings, const Subject& subject) {
+    Settings names = {RangeSetting("range", settings.OutputRange, subject.Model),
+                      FormatSetting(settings.DataFormat, subject.Model)};
+    if (HasInputPolarity(subject.Model))
+        names.push_back(Polarity("input-polarity", settings.InputPolarity));
+    return names;
+}
+
+Settings DigitalNames(DigitalConfig& settings, const Subject& /*subject*/) {
+    return {Polarity("input-polarity", settings.InputPolarity),
+            Polarity("output-polarity", settings.OutputPolarity)};
+}
+
+Settings PortNames(PortDirectionConfig& settings, const Subject& /*subject*/) {
+    Settings names;
+    int bit = 3;
+    for (const char* port : {"port-a", "port-b", "port-ch", "port-cl"})
+        names.push_back(
+            ChoiceSetting(port, NumberField::Bit(settings.InputPorts, bit--), {"output", "input"}));
+    return names;
+}
+
+Settings ConverterNames(ConverterConfig& settings, const Subject& subject) {
+    return {OnlyInitialising(BaudSetting("second-baud", settings.SecondBaudCode), subject),
+            NumberSetting("data-bits", settings.DataBits, {5, 8}),
+            ChoiceSetting("parity", settings.Parity, {"none", "odd", "even"}),
+            NumberSetting("stop-bits", settings.StopBits, {1, 2}),
+            ChoiceSetting("interface", settings.Rs485, {"RS-422", "RS-485"})};
+}
+
+// The settings of one counter; `n` ends their names.
+Settings OneCounterNames(CounterSettings& values, std::size_t counter) {
+    const NumberBounds count = {0, UINT32_MAX};
+    const std::string n = "-" + std::to_string(counter);
+    return {ChoiceSetting("status" + n, values.CounterStatus[counter], {"stop", "start"}),
+            NumberSetting("max" + n, values.MaxValue[counter], count),
+            NumberSetting("initial" + n, values.InitialValue[counter], count),
+            SwitchSetting("alarm" + n, values.AlarmSetting[counter]),
+            NumberSetting("alarm-limit" + n, values.AlarmValue[counter], count)};
+}
+
+Settings CounterNames(CounterConfig& settings, const Subject& /*subject*/) {
+    const NumberBounds microseconds = {0, 9999, 0, "0 to 9999 microseconds"};
+    const NumberBounds volts = {0, 9.9, 1, "0 to 9.9 volts, at most one decimal"};
+    CounterSettings& values = settings.Values;
+    Settings counting = {ChoiceSetting("gate-mode", values.GateMode, {"low", "high", "disabled"}),
+                         SwitchSetting("filter", values.DigitalFilter),
+                         NumberSetting("min-high", settings.MinAtHigh, microseconds),
+                         NumberSetting("min-low", settings.MinAtLow, microseconds),
+                         NumberSetting("ttl-high", settings.TtlAtHigh, volts),
+                         NumberSetting("ttl-low", settings.TtlAtLow, volts)};
+    for (const std::size_t counter : {0U, 1U})
+        std::ranges::move(OneCounterNames(values, counter), std::back_inserter(counting));
+
+    const auto counts = [&settings] { return settings.TypeCode == CounterRange; };
+    const std::vector<SettingChoice> types = {{CounterRange, "counter"}, {FrequencyRange, "frequency"}};
+    Settings names = {CodeSetting("type", settings.TypeCode, types),
+                      LockedWhile(ChoiceSetting("gate-time", values.GateTime, {"0.1s", "1s"}), counts,
+                                  "can be changed only while the type is frequency"),
+                      ChoiceSetting("input-mode", values.InputMode, {"TTL", "photo-isolated"})};
+    for (NamedSetting& setting : counting)
+        names.push_back(LockedWhile(std::move(setting), std::not_fn(counts),
+                                    "can be changed only while the type is counter"));
+    return names;
+}
+
+// A setting that has just been read is known only when the module answered with "!".
+template <class Config>
+NamedConfig Bound(Session& session, int index, Config config, Settings (*names)(Config&, const Subject&),
+                  ConfigOutcome (*apply)(Session&, int, const Config&, Messages&)) {
+    const auto kept = std::make_shared<Config>(std::move(config));
+    const Subject subject = {session.ModuleTable[index].Model, index == session.ScanIndex};
+    Settings all = LinkNames(kept->Link, subject);
+    std::ranges::move(names(*kept, subject), std::back_inserter(all));
+    const auto write = [kept, &session, index, apply](Messages& messages) {
+        return apply(session, index, *kept, messages);
+    };
+    return {std::move(all), session.Line.ReplyIs('!'), write};
+}
+
+template <auto Read, auto Names, auto Apply>
+NamedConfig Open(Session& session, int index) {
+    return Bound(session, index, Read(session, index), Names, Apply);
+}
+
+// Calls `use` with the names of a model's settings, which live only as long as the call.
+using NamesUser = std::function<void(const Settings& settings)>;
+
+template <class Config, Settings (*Names)(Config&, const Subject&)>
+void WithNames(const char* model, const NamesUser& use) {
+    Config config;
+    use(Names(config, {model, true}));
+}
+
+struct ConfigFamily {
+    ModuleDialog Dialog;
+    const char* Models;
+    const char* Sample;    // a model with all that the family can have
+    bool NeedsFamilyReads; // the settings that the search reads are among those of the dialog
+    NamedConfig (*Open)(Session& session, int index);
+    void (*WithNames)(const char* model, const NamesUser& use);
+};
+
+constexpr ConfigFamily Families[] = {
+    {ModuleDialog::MultiConfigForm, "8210, 8220, 8240", "8210", true,
+     Open<AlarmInputConfigOf, AlarmInputNames, ApplyAlarmInputConfig>,
+     WithNames<AlarmInputConfig, AlarmInputNames>},
+    {ModuleDialog::AdConfigForm, "8230, 8250, 8260", "8260", true,
+     Open<ReadAnalogInputConfig, AnalogInputNames, ApplyAnalogInputConfig>,
+     WithNames<AnalogInputConfig, AnalogInputNames>},
+    {ModuleDialog::DaConfigForm, "8310, 8320 (input-polarity: 8320 only)", "8320", true,
+     Open<AnalogOutputConfigOf, AnalogOutputNames, ApplyAnalogOutputConfig>,
+     WithNames<AnalogOutputConfig, AnalogOutputNames>},
+    {ModuleDialog::DioConfigForm, "8410, 8420, 8430, 8440, 8450, 8470, 8480, 8490", "8410", true,
+     Open<DigitalConfigOf, DigitalNames, ApplyDigitalConfig>, WithNames<DigitalConfig, DigitalNames>},
+    {ModuleDialog::N46ConfigForm, "8460", "8460", false,
+     Open<ReadPortDirectionConfig, PortNames, ApplyPortDirectionConfig>,
+     WithNames<PortDirectionConfig, PortNames>},
+    {ModuleDialog::CtrConfigForm, "8510", "8510", true,
+     Open<CounterConfigOf, CounterNames, ApplyCounterConfig>, WithNames<CounterConfig, CounterNames>},
+    {ModuleDialog::N8610ConfigForm, "8610, 8620", "8610", true,
+     Open<ConverterConfigOf, ConverterNames, ApplyConverterConfig>,
+     WithNames<ConverterConfig, ConverterNames>},
+};
+
+std::string HelpLines(const char* models, const Settings& settings) {
+    std::string lines = std::string(models) + ":\n";
+    for (const NamedSetting& setting : settings)
+        lines += "  " + FixedText(setting.Name, NameWidth) +
+                 (setting.Hint.empty() ? setting.Values : setting.Hint) + "\n";
+    return lines;
+}
+
+// Calls `use` with the settings of every module, then with those of each family.
+void ForEachFamily(const std::function<void(const char* models, const Settings& settings)>& use) {
+    LinkSettings link;
+    use("every model", LinkNames(link, {}));
+    for (const ConfigFamily& family : Families)
+        family.WithNames(family.Sample, [&](const Settings& settings) { use(family.Models, settings); });
+}
+
+} // namespace
+
+std::optional<NamedConfig> ReadNamedConfig(Session& session, Identified identified) {
+    const ModuleDialog dialog = DispatchModule(session, Operation::Configuration).Dialog;
+    const auto* family = std::ranges::find(Families, dialog, &ConfigFamily::Dialog);
+    if (family == std::end(Families))
+        return std::nullopt;
+    NamedConfig config = family->Open(session, session.SelectedModule);
+    config.Known &= identified == Identified::Fully || !family->NeedsFamilyReads;
+    return config;
+}
+
+std::string SettingsHelp() {
+    std::string help;
+    ForEachFamily(
+        [&help](const char* models, const Settings& settings) { help += HelpLines(models, settings); });
+    return help;
+}
+
+std::vector<std::string> SettingNames() {
+    std::vector<std::string> names;
+    ForEachFamily([&names](const char* /*models*/, const Settings& settings) {
+        for (const NamedSetting& setting : settings)
+            if (std::ranges::find(names, setting.Name) == names.end())
+                names.push_back(setting.Name);
+    });
+    return names;
+}
+
+} // namespace kavro

@@ -1,0 +1,100 @@
+#include "cli/monitor_command.h"
+
+#include "cli/cli_options.h"
+#include "cli/cli_session.h"
+#include "cli/cli_text.h"
+#include "cli/map_input.h"
+#include "cli/search_command.h"
+#include "diag/monitor.h"
+#include "link/runtime_failure.h"
+
+#include <QCommandLineParser>
+
+#include <memory>
+
+namespace kavro {
+
+namespace {
+
+constexpr int MostRounds = INT32_MAX / ModuleTable::Size;
+
+// Fills the map by a search; an exit code unless all of the line was searched.
+int SearchModules(Session& session, const SearchOptions& options) {
+    const SearchResult result = SearchLine(session, options);
+    if (!result.PortFailure.empty())
+        throw RuntimeFailure(result.PortFailure);
+    if (result.LastAddress == session.SearchHighAddress)
+        return ExitSuccess;
+    PrintNote("Stopped while searching the line.");
+    return ExitNothingFound;
+}
+
+} // namespace
+
+int MonitorModules(Session& session, const Pace& rounds, ValueForm form) {
+    if (session.ModuleCount == 0) {
+        PrintNote("No module found!");
+        return ExitNothingFound;
+    }
+    Monitor monitor(session);
+    ValuePrinter printer(session, form);
+    MonitorTurn turn;
+    Pace pace = rounds;
+    if (rounds.Turns)
+        pace.Turns = *rounds.Turns * session.ModuleCount;
+    PollEnd end = PollEnd::Done;
+    try {
+        end = Poll(
+            session.Line, pace,
+            {[&] { turn = monitor.Tick().value(); }, [&] { return printer.Print(turn.Index, turn.Values); }});
+    } catch (const RuntimeFailure&) {
+        printer.Close();
+        throw;
+    }
+    printer.Close();
+    if (end == PollEnd::PortLost)
+        return ExitPortTrouble;
+    return end == PollEnd::Interrupted ? ExitReplyMissing : ExitSuccess;
+}
+
+void AddMonitorOptions(QCommandLineParser& parser) {
+    parser.setApplicationDescription(
+        "Reads the modules of a map in rounds, one module in each interval, and prints their values, those\n"
+        "of a silent one as \"no reply\". Without --map the line is searched first. Ctrl+C ends it. A port\n"
+        "that fails is opened again as soon as it is there.\n\n"
+        "Exit codes: 0 all rounds were made, 2 wrong use, 3 port trouble, 4 no module found, or Ctrl+C came\n"
+        "in the search or before the last round that was asked for.");
+    parser.addOption(
+        {"map", "Monitor the modules of FILE, a map printed by kavroctl search --json.", "FILE"});
+    AddSearchRangeOptions(parser);
+    parser.addOptions({
+        {"interval", "Read the next module every MS milliseconds; 500 unless given.", "MS"},
+        {"count", "End after N rounds; without it only Ctrl+C ends it.", "N"},
+    });
+    AddValueFormOptions(parser);
+}
+
+CommandAction PrepareMonitor(const QCommandLineParser& parser) {
+    const Pace rounds = ReadPace(parser, MonitorTickMs);
+    if (rounds.Turns.value_or(1) > MostRounds)
+        throw RuntimeFailure("--count is at most " + std::to_string(MostRounds) + " rounds.");
+    const ValueForm form = ReadValueForm(parser);
+    const SearchOptions search = ReadSearchOptions(parser);
+    const bool hasMap = parser.isSet("map");
+    if (hasMap && (parser.isSet("to") || parser.isSet("baud")))
+        throw RuntimeFailure("With --map nothing is searched. Leave --to and --baud out.");
+    const auto cli = std::make_shared<CliSession>(ReadLineOptions(parser));
+    if (search.TimeoutMs)
+        SetTimeouts(cli->Session.Line, *search.TimeoutMs);
+    if (hasMap)
+        ReadMap(cli->Session, parser.value("map").toStdString());
+    return [=] {
+        cli->OpenPort();
+        if (!hasMap)
+            if (const int exit = SearchModules(cli->Session, search); exit != ExitSuccess)
+                return exit;
+        return MonitorModules(cli->Session, rounds, form);
+    };
+}
+
+} // namespace kavro

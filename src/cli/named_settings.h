@@ -1,0 +1,113 @@
+#pragma once
+
+#include <QJsonValue>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace kavro {
+
+/// One setting of a module under the name that the command line has for it. It reads and changes a field of a
+/// settings struct, which must live as long.
+struct NamedSetting {
+    std::string Name;
+    std::string Values;                                ///< what can be given, for people: "0 to 255"
+    std::function<QJsonValue()> Value;                 ///< as JSON has it
+    std::function<void(const std::string& text)> Take; ///< throws `RuntimeFailure` when the text does not fit
+    std::function<std::string()> Remark = NoText;      ///< what a text has behind the value
+    std::function<std::string()> Locked = NoText;      ///< why it cannot be changed; empty when it can
+    std::string Hint = {};                             ///< `Values` of all models together, when they differ
+
+    static std::string NoText() { return {}; }
+};
+
+/// Whether two texts differ in case at most.
+bool SameText(std::string_view left, std::string_view right);
+
+/// Texts behind one another, with ", " between them.
+std::string Listed(const std::vector<std::string>& texts);
+
+/// The value as text, for example "on", "0,1,4" or "08 (+/- 10V)".
+std::string SettingText(const NamedSetting& setting);
+
+/// A number in a settings struct, of whatever type it is there.
+struct NumberField {
+    template <class Number>
+    requires(!std::is_same_v<Number, NumberField>) NumberField(Number& number)
+        : Get([&number] { return ToDouble(number); }), Set([&number](double value) { From(value, number); }) {
+    }
+
+    /// One bit of a mask, 0 or 1.
+    static NumberField Bit(unsigned& mask, int bit);
+
+    std::function<double()> Get;
+    std::function<void(double)> Set;
+
+private:
+    NumberField(std::function<double()> get, std::function<void(double)> set)
+        : Get(std::move(get)), Set(std::move(set)) {}
+
+    template <class Number>
+    static double ToDouble(Number number) {
+        return static_cast<double>(number);
+    }
+    static double ToDouble(float number); // the shortest decimal number, as 0.1 for the float nearest to it
+    static double ToDouble(const std::string& text);
+
+    template <class Number>
+    static void From(double value, Number& number) {
+        number = static_cast<Number>(value);
+    }
+    static void From(double value, std::string& text);
+};
+
+/// One of the values that a setting can have.
+struct SettingChoice {
+    std::int16_t Code;
+    std::string Name;
+};
+
+/// Address, 0 to 255, in decimal or hexadecimal as everywhere on the command line.
+NamedSetting AddressSetting(const std::string& name, const NumberField& field);
+
+/// A baud code, given as its rate.
+NamedSetting BaudSetting(const std::string& name, const NumberField& field);
+
+/// A number with at most `decimals` decimal places.
+struct NumberBounds {
+    double Low, High;
+    int Decimals = 0;
+    std::string Values = {}; ///< what can be given; empty: the bounds tell it
+};
+NamedSetting NumberSetting(const std::string& name, const NumberField& field, const NumberBounds& bounds);
+
+/// On (1) or off (0); JSON has true or false.
+NamedSetting SwitchSetting(const std::string& name, const NumberField& field);
+
+/// One of `choices`, given by name or by code in decimal; JSON has the name.
+NamedSetting CodeSetting(const std::string& name, const NumberField& field,
+                         const std::vector<SettingChoice>& choices);
+/// The same with the codes 0 and following.
+NamedSetting ChoiceSetting(const std::string& name, const NumberField& field,
+                           const std::vector<std::string>& names);
+
+/// A range code of a model, given in hexadecimal or by name; of two codes with one name that is the first.
+/// JSON has the code.
+NamedSetting RangeSetting(const std::string& name, const NumberField& field, const std::string& model);
+
+/// The bits of a mask, given as the numbers of those that are set, as "all", "none" or as a mask "0x13". JSON
+/// has a list of numbers.
+NamedSetting BitsSetting(const std::string& name, const NumberField& field, int count);
+
+/// A text that cannot be changed.
+NamedSetting FixedSetting(const std::string& name, const std::string& text);
+
+/// The setting, locked for `reason` while `locked`.
+NamedSetting LockedWhile(NamedSetting setting, std::function<bool()> locked, const std::string& reason);
+
+} // namespace kavro

@@ -1,0 +1,135 @@
+#include "cli/output_command.h"
+
+#include "cli/cli_text.h"
+#include "cli/exchange_printer.h"
+#include "cli/module_outputs.h"
+#include "cli/named_settings.h"
+#include "link/baud.h"
+#include "link/runtime_failure.h"
+#include "link/text.h"
+#include "map/list_line.h"
+#include "map/module_access.h"
+
+#include <QCommandLineParser>
+
+#include <algorithm>
+
+namespace kavro {
+
+namespace {
+
+Drive PlannedDrive(const Session& session, const std::vector<NamedOutput>& outputs,
+                   const OutputChange& change) {
+    const auto output = std::ranges::find_if(
+        outputs, [&](const NamedOutput& each) { return SameText(each.Name, change.Output); });
+    if (output != outputs.end())
+        return output->Plan(change.Value);
+    const std::string module =
+        "The module " + Trim(ShownModel(session.ModuleTable[session.SelectedModule].Model)) + " ";
+    if (outputs.empty())
+        throw RuntimeFailure(module + "has no outputs that can be driven.");
+    if (outputs.front().Name.empty())
+        throw RuntimeFailure(module + "has one output. Give its value alone, for example 12.5.");
+    std::vector<std::string> names;
+    names.reserve(outputs.size());
+    for (const NamedOutput& each : outputs)
+        names.push_back(each.Name);
+    throw RuntimeFailure(module + "has no output '" + change.Output +
+                         "'. Give OUTPUT=VALUE; the outputs are " + Listed(names) + ".");
+}
+
+void PrintExchange(Session& session, ExchangePrinter& printer) {
+    const Line& line = session.Line;
+    printer.Print({.Command = line.CommandText,
+                   .Reply = line.ReplyText,
+                   .Complete = line.ReplyStatus != 0,
+                   .Baud = BaudFromCode(ModuleBaudCode(session, session.SelectedModule))});
+}
+
+// The number of commands that were not accepted.
+int Run(Session& session, const std::vector<Drive>& drives, ExchangePrinter& printer) {
+    int failed = 0;
+    for (const Drive& drive : drives) {
+        failed += drive() ? 0 : 1;
+        PrintExchange(session, printer);
+    }
+    return failed;
+}
+
+OutputChange ParseChange(const std::string& text) {
+    const auto sign = text.find('=');
+    if (sign == std::string::npos)
+        return {"", Trim(text)};
+    return {Trim(text.substr(0, sign)), Trim(text.substr(sign + 1))};
+}
+
+} // namespace
+
+int DriveOutputs(Session& session, const Contact& contact, const std::vector<OutputChange>& changes,
+                 bool json) {
+    if (FindModule(session, contact) == Identified::No)
+        return ExitNotAccepted;
+    const auto outputs = OutputsOf(session);
+    if (!outputs) {
+        PrintNote("The module does not tell which of its ports are outputs. Try again.");
+        return ExitNotAccepted;
+    }
+    std::vector<Drive> drives;
+    try {
+        for (const OutputChange& change : changes)
+            drives.push_back(PlannedDrive(session, *outputs, change));
+    } catch (const RuntimeFailure& failure) {
+        PrintNote(failure.what()); // a wrong value, not a failure of the line
+        return ExitWrongUse;
+    }
+    ExchangePrinter printer(json);
+    int failed = 0;
+    try {
+        failed = Run(session, drives, printer);
+    } catch (const RuntimeFailure&) {
+        printer.Close();
+        throw;
+    }
+    printer.Close();
+    if (failed > 0)
+        PrintNote("The module did not accept " + std::to_string(failed) + " of " +
+                  std::to_string(drives.size()) + (drives.size() == 1 ? " command." : " commands."));
+    return failed > 0 ? ExitNotAccepted : ExitSuccess;
+}
+
+void AddOutputOptions(QCommandLineParser& parser) {
+    parser.setApplicationDescription(
+        "Drives outputs of the module at ADDRESS, in the order in which they are given, and prints each\n"
+        "command with its reply. ADDRESS 0 is the module that is in its initialisation state.\n\n"
+        "Outputs by model, and what can be given:\n"
+        "  8310                       12.5       the output in the unit of its range\n"
+        "  8320                       A=+7.25    ports A to D in V\n"
+        "  8410, 8430, 8450, 8470,\n"
+        "  8480, 8490                 3=on       channels of digital outputs, on or off\n"
+        "  8460                       B3=off     lines of the ports that are outputs: A0 to CL3\n"
+        "  8210, 8220, 8240           0=on       outputs 0 and 1; refused while the alarm has them\n"
+        "  all digital ones           all=0F05   on, off, or a word of 4 hexadecimal digits, bit n for\n"
+        "                                        channel n; of the 8460 6 digits, of 8210 to 8240 2\n\n"
+        "Exit codes: 0 every command was accepted, 2 wrong use (nothing was driven), 3 port trouble,\n"
+        "4 the module did not answer, or did not accept every command.");
+    AddContactOptions(parser);
+    parser.addPositionalArgument("OUTPUT=VALUE", "An output and what it is to become.", "[OUTPUT=]VALUE...");
+    parser.addOption({"json", "Print a JSON array with an object for each command: \"command\", \"reply\", "
+                              "\"complete\" and \"baud\"."});
+}
+
+CommandAction PrepareOutput(const QCommandLineParser& parser) {
+    std::vector<OutputChange> changes;
+    for (const QString& argument : parser.positionalArguments().mid(1))
+        changes.push_back(ParseChange(argument.toStdString()));
+    const auto [cli, contact] = ReadModuleOnLine(parser);
+    if (changes.empty())
+        throw RuntimeFailure("Give what the outputs are to become, for example 3=on. See kavroctl output "
+                             "--help.");
+    return [cli = cli, contact = contact, changes, json = parser.isSet("json")] {
+        cli->OpenPort();
+        return DriveOutputs(cli->Session, contact, changes, json);
+    };
+}
+
+} // namespace kavro

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "link/line.h"
+
+#include <functional>
+#include <optional>
+
+class QCommandLineParser;
+
+namespace kavro {
+
+/// How often something is done.
+struct Pace {
+    int IntervalMs = 0;                      ///< between the beginnings of two turns
+    std::optional<int> Turns = std::nullopt; ///< nothing: until Ctrl+C
+};
+
+/// Reads `--interval`, in milliseconds, which is `fallbackMs` unless given, and `--count` into `Turns`.
+/// Throws `RuntimeFailure` when one is wrong.
+Pace ReadPace(const QCommandLineParser& parser, int fallbackMs);
+
+/// What is done in each turn.
+struct PollWork {
+    std::function<void()> Read;  ///< speaks to modules; a `RuntimeFailure` means that the port has failed
+    std::function<bool()> Print; ///< prints what was read; false ends the work
+};
+
+/// How a polling came to its end.
+enum class PollEnd {
+    Done,        ///< all turns, or Ctrl+C where no number of them was asked for, or `Print` ended it
+    Interrupted, ///< Ctrl+C came before the last of the turns
+    PortLost,    ///< Ctrl+C came while the port was lost
+};
+
+/// Does the work on an absolute schedule: turns do not drift, and those that are missed because one took
+/// longer are left out. Ctrl+C ends it after the turn at hand, or at once between two turns. A port that
+/// fails is told once and opened again as soon as it is there, which leaves the turns between out; in a
+/// single turn the failure leaves the function.
+PollEnd Poll(Line& line, const Pace& pace, const PollWork& work);
+
+} // namespace kavro

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "cli/row_printer.h"
+#include "diag/csv_log.h"
+#include "diag/module_values.h"
+#include "map/session.h"
+
+#include <vector>
+
+class QCommandLineParser;
+
+namespace kavro {
+
+/// Forms in which values are printed.
+enum class ValueForm {
+    Text, ///< columns under a heading
+    Csv,  ///< the lines of the monitor's log
+    Json, ///< an array with an object for each value
+};
+
+/// Adds `--csv` and `--json`.
+void AddValueFormOptions(QCommandLineParser& parser);
+
+/// Reads them. Throws `RuntimeFailure` when both are given.
+ValueForm ReadValueForm(const QCommandLineParser& parser);
+
+/// Prints the values of modules as they are read, each with the time at which it is printed. Throws
+/// `RuntimeFailure` when standard output cannot be written.
+class ValuePrinter {
+public:
+    ValuePrinter(const Session& session, ValueForm form, WallClock wallClock = SystemTime);
+
+    /// Prints values of entry `index`; false when nobody reads standard output any more.
+    bool Print(int index, const std::vector<ChannelValue>& values);
+
+    /// Ends the output, which is whole then.
+    void Close() { rows_.Close(); }
+
+private:
+    const Session& session_;
+    ValueForm form_;
+    WallClock wallClock_;
+    RowPrinter rows_;
+    bool begun_ = false;
+};
+
+} // namespace kavro

@@ -1,0 +1,239 @@
+#include "cli/captured.h"
+#include "cli/config_command.h"
+#include "cli/kavroctl.h"
+#include "link/text.h"
+#include "sim/demo_line.h"
+#include "support/test_session.h"
+#include "terminal/test_folder.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+#include <sstream>
+
+namespace kavro {
+namespace {
+
+// The demo line, the commands that it hears and what they do.
+struct ConfigSession : SimulatedSession {
+    ConfigSession() : SimulatedSession(DemoLine()) {
+        Line.Log = [this](const LineEvent& event) { Heard.push_back(event.Command); };
+    }
+
+    Captured Show(std::int16_t address, bool json = false) {
+        Session.ModuleCount = 0; // nothing is known from a map
+        return Capture([&] { return ShowConfig(Session, ContactOf(Session, address, {}), json); });
+    }
+
+    // Changes as "name=value".
+    Captured Set(std::int16_t address, const Lines& changes) {
+        std::vector<Assignment> parsed;
+        for (const std::string& change : changes)
+            parsed.push_back({change.substr(0, change.find('=')), change.substr(change.find('=') + 1)});
+        Session.ModuleCount = 0;
+        return Capture([&] { return SetConfig(Session, ContactOf(Session, address, {}), parsed); });
+    }
+
+    // The lines "name: value" that are shown, as changes.
+    Lines Shown(std::int16_t address) {
+        std::istringstream lines(Show(address).Out);
+        Lines changes;
+        for (std::string line; std::getline(lines, line);) {
+            const auto colon = line.find(':');
+            changes.push_back(line.substr(0, colon) + "=" + Trim(line.substr(colon + 1)));
+        }
+        return changes;
+    }
+
+    Lines Heard;
+};
+
+TEST(ConfigCommand, WhatIsShownCanBeSetAndChangesNothing) {
+    constexpr std::int16_t addresses[] = {0, 1, 3, 5, 6, 7, 8, 9, 12, 15, 18, 20};
+    for (const std::int16_t address : addresses) {
+        ConfigSession demo;
+        const Lines shown = demo.Shown(address);
+        EXPECT_GE(shown.size(), 5U) << address;
+        const Captured set = demo.Set(address, shown);
+        EXPECT_EQ(set.Exit, ExitSuccess) << address << set.Err;
+        EXPECT_EQ(demo.Shown(address), shown);
+    }
+}
+
+TEST(ConfigCommand, ShowsWhatWasSet) {
+    struct Case {
+        std::int16_t Address;
+        Lines Given, Shown;
+    };
+    const Case cases[] = {
+        {0, {"Baud=38400", "CHECKSUM=0", "address=0x17"}, {"baud=38400", "checksum=off", "address=23"}},
+        {1,
+         {"range=+/- 1v", "low-alarm=-0.5", "high-alarm=.75", "alarm-mode=1"},
+         {"range=04 (+/- 1V)", "low-alarm=-0.5", "high-alarm=0.75", "alarm-mode=momentary"}},
+        {3,
+         {"range=2a", "format=ohms", "channels=2, 0"},
+         {"range=2A (Cu, 0~60 ohms)", "format=Ohms", "channels=0,2"}},
+        {5, {"channels=0x81"}, {"channels=0,7"}},
+        {6, {"channels=NONE", "format=2"}, {"channels=none", "format=Two's complement"}},
+        {8, {"range=0 to 10v", "format=2"}, {"range=32 (0 to 10V)", "format=Two's complement"}},
+        {9, {"address=99", "input-polarity=inverted"}, {"address=99", "input-polarity=inverted"}},
+        {12,
+         {"address=99", "output-polarity=0", "input-polarity=1"},
+         {"output-polarity=normal", "input-polarity=inverted"}},
+        {18,
+         {"ttl-high=3", "min-low=9999", "max-1=4294967294", "alarm-0=ON", "status-1=Start"},
+         {"ttl-high=3", "min-low=9999", "max-1=4294967294", "alarm-0=on", "status-1=start"}},
+        {15,
+         {"port-b=INPUT", "port-ch=0"},
+         {"port-a=input", "port-b=input", "port-ch=output", "port-cl=output"}},
+        {18, {"type=frequency", "gate-time=1s"}, {"type=frequency", "gate-time=1s"}},
+        {20,
+         {"parity=even", "stop-bits=2", "interface=rs-422"},
+         {"parity=even", "stop-bits=2", "interface=RS-422"}},
+    };
+    for (const auto& [address, given, expected] : cases) {
+        ConfigSession demo;
+        const Captured set = demo.Set(address, given);
+        EXPECT_EQ(set.Err, "kavroctl: Change configuration complete.\n");
+        EXPECT_EQ(set.Exit, ExitSuccess);
+        const bool moved = std::ranges::count(given, "address=99") == 1;
+        const Lines shown = demo.Shown(moved ? std::int16_t{99} : address);
+        for (const std::string& line : expected)
+            EXPECT_NE(std::ranges::find(shown, line), shown.end()) << address << ' ' << line;
+    }
+}
+
+TEST(ConfigCommand, PrintsJsonWithTypedValues) {
+    ConfigSession demo;
+    const auto json = QJsonDocument::fromJson(QByteArray::fromStdString(demo.Show(7, true).Out));
+    EXPECT_EQ(json.object(), QJsonDocument::fromJson(R"({"model": "8250", "address": 7, "baud": 9600,
+        "checksum": false, "range": "09", "format": "Two's complement", "channels": [0, 1, 3, 4, 5]})")
+                                 .object());
+}
+
+TEST(ConfigCommand, WrongValuesAreToldBeforeAnythingIsWritten) {
+    struct Case {
+        std::int16_t Address;
+        Lines Given;
+        const char* Told;
+    };
+    const Case cases[] = {
+        {5, {"alarm-mode=latch"}, "it has model, address, baud, checksum, range, format, channels."},
+        {5, {"range=20"}, "give 08 (+/- 10V), 09 (+/- 5V)"},
+        {5, {"range="}, "does not fit range"},
+        {5, {"format=3"}, "give Engineering Units, % of FSR, Two's complement."},
+        {3, {"channels=3"}, "numbers of 0 to 2"},
+        {5, {"channels=1,"}, "does not fit channels"},
+        {5, {"channels=0x100"}, "does not fit channels"},
+        {5, {"address=9", "address=256"}, "'256' is not an address"},
+        {5, {"baud=19200"}, "initialisation state"},
+        {5, {"checksum=on"}, "The checksum can be changed only"},
+        {0, {"baud=9601"}, "115200"},
+        {5, {"model=8260"}, "cannot be changed"},
+        {1, {"low-alarm=-2.6"}, "from -2.5 to +2.5 V"},
+        {1, {"low-alarm=1x"}, "within the full scale"},
+        {18, {"gate-time=1s"}, "only while the type is frequency"},
+        {18, {"type=frequency", "filter=on"}, "only while the type is counter"},
+        {18, {"ttl-low=0.85"}, "at most one decimal"},
+        {18, {"max-0=4294967296"}, "0 to 4294967295"},
+        {18, {"initial-1=12.5"}, "0 to 4294967295"},
+        {8, {"input-polarity=inverted"}, "has no setting 'input-polarity'"},
+        {20, {"second-baud=1200"}, "initialisation state"},
+        {20, {"data-bits=9"}, "5 to 8"},
+    };
+    for (const auto& [address, given, told] : cases) {
+        ConfigSession demo;
+        demo.Show(address);
+        const Lines reads = std::exchange(demo.Heard, {});
+        const Captured set = demo.Set(address, given);
+        EXPECT_EQ(set.Exit, ExitWrongUse) << given.back();
+        EXPECT_TRUE(Contains(set.Err, told)) << given.back();
+        EXPECT_EQ(std::ranges::count(set.Err, '\n'), 1);
+        EXPECT_EQ(demo.Heard, reads) << given.back();
+    }
+}
+
+TEST(ConfigCommand, WhatTheModuleDoesNotAcceptOrTellHasAnExitCode) {
+    struct Case {
+        std::int16_t Address = 0;
+        const char* At = ""; // beginning of the commands that fail
+        Faults Fault;
+        const char* Told = "";
+    };
+    const Faults silent = {.Silent = true};
+    const Faults refuse = {.Refuse = true};
+    const char* untold = "did not tell all of its settings. Try again.\n";
+    const Case cases[] = {
+        {5, "$052", silent, "No module answers at address 5 (05H) at 9600 baud, without or with a checksum."},
+        {5, "$056", silent, untold},
+        {15, "$0F6", silent, untold},
+        {15, "$63S", refuse, "Port input/output configuration failed.\nkavroctl: Change"},
+        {18, "@12RP", silent, untold},
+        {1, "@01RL", refuse, untold},
+        {5, "%05", refuse, "Configuration command failed.\nkavroctl: Change"},
+        {20, "%14", silent, "kavroctl: Configuration command failed.\n"},
+        {24, "?", silent, "The module 8999 at address 24 (18H) has no settings that kavroctl knows."},
+    };
+    for (const Case& each : cases) {
+        ConfigSession demo;
+        demo.Line.ModuleAt(each.Address).CommandFaults = [&each](std::string_view command) {
+            return command.starts_with(each.At) ? each.Fault : Faults();
+        };
+        const Captured set = demo.Set(each.Address, {"address=99"});
+        EXPECT_EQ(set.Exit, ExitNotAccepted);
+        EXPECT_TRUE(Contains(set.Err, each.Told)) << set.Failure;
+    }
+    ConfigSession unplugged;
+    unplugged.Line.Unplug();
+    EXPECT_NE(unplugged.Set(5, {"address=99"}).Failure, "");
+}
+
+TEST(ConfigCommand, SpeaksToTheModuleAsMapAndOptionsSay) {
+    ScriptedSession test;
+    Session& session = test.Session;
+    session.ModuleTable[0] = {.Address = 6, .BaudCode = 4, .Checksum = 1};
+    session.ModuleTable[1] = {.Address = 7, .BaudCode = 6};
+    session.ModuleTable[2] = {.Address = 22, .BaudCode = 5, .Checksum = 1};
+    session.ModuleCount = 3;
+    session.ScanIndex = 2;
+    using Ways = std::vector<SendSettings>;
+    const auto ways = [&](std::int16_t address, const ContactOptions& options) {
+        return ContactOf(session, address, options).Ways;
+    };
+    EXPECT_EQ(ways(5, {}), (Ways{{0, 3}, {1, 3}}));
+    EXPECT_EQ(ways(5, {.BaudCode = 4}), (Ways{{0, 4}, {1, 4}}));
+    EXPECT_EQ(ways(5, {.BaudCode = {}, .Checksum = true}), (Ways{{1, 3}}));
+    EXPECT_EQ(ways(6, {}), (Ways{{1, 4}}));
+    EXPECT_EQ(ways(7, {}), (Ways{{0, 6}}));
+    EXPECT_EQ(ways(7, {.BaudCode = 0, .Checksum = true}), (Ways{{1, 0}}));
+    EXPECT_EQ(ContactOf(session, 22, {}).Address, 0);
+    EXPECT_EQ(ways(22, {}), (Ways{{0, 3}}));
+    EXPECT_TRUE(Contains(FailureText([&] { ways(0, {.BaudCode = 4}); }), "Leave --baud"));
+}
+
+TEST(ConfigCommand, WrongUseIsToldInOneLine) {
+    const TestFolder folder;
+    qputenv("XDG_CONFIG_HOME", folder.Path().c_str());
+    const std::pair<QStringList, const char*> cases[] = {
+        {{}, "config show ADDRESS"},
+        {{"get", "5"}, "config show ADDRESS"},
+        {{"show"}, "Give the address"},
+        {{"show", "5", "range=08"}, "'config show' changes nothing"},
+        {{"set", "5"}, "Give what"},
+        {{"set", "5", "range"}, "name=value"},
+        {{"set", "5", "rnge=08"}, "range"},
+        {{"set", "5", "Baud=1", "baud=2"}, "twice"},
+        {{"show", "0", "--checksum"}, "Leave"},
+    };
+    for (const auto& [arguments, piece] : cases) {
+        const QStringList all = QStringList{"config", "--demo"} + arguments;
+        const Captured outcome = Capture([&] { return RunKavroctl(all); });
+        EXPECT_EQ(outcome.Exit, ExitWrongUse) << piece;
+        EXPECT_TRUE(Contains(outcome.Err, piece));
+        EXPECT_EQ(std::ranges::count(outcome.Err, '\n'), 1) << outcome.Err;
+    }
+}
+
+} // namespace
+} // namespace kavro
