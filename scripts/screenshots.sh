@@ -1,22 +1,24 @@
 #!/usr/bin/env bash
 # Makes the screenshots of docs/screenshots afresh: the real program on the simulated line, in a virtual display.
 # Needs the packages xvfb, openbox, xdotool and imagemagick, and the build of ./run.
+# screenshots.sh [BUILD_FOLDER [OUTPUT_FOLDER]]: into an output folder of your own go all pictures, light and dark.
 set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
-kavro=$root/build/src/app/kavro
-shots=$root/docs/screenshots
+kavro=$(realpath "${1:-$root/build}")/src/app/kavro
+documents=$root/docs/screenshots
+shots=${2:-$documents}
 work=$(mktemp -d)
-display=:97
 
 for program in Xvfb openbox xdotool import "$kavro"; do
     command -v "$program" >/dev/null || { echo "screenshots: $program is missing." >&2; exit 1; }
 done
 
-Xvfb $display -screen 0 1280x1024x24 >/dev/null 2>&1 &
+Xvfb -displayfd 3 -screen 0 1280x1024x24 3>"$work/display" >/dev/null 2>&1 &
 server=$!
 trap 'kill $server; rm -rf "$work"' EXIT
-export DISPLAY=$display HOME=$work XDG_CONFIG_HOME=$work/.config
-sleep 1
+until [ -s "$work/display" ]; do sleep 0.1; done
+DISPLAY=:$(cat "$work/display")
+export DISPLAY HOME=$work XDG_CONFIG_HOME=$work/.config
 openbox >/dev/null 2>&1 &
 sleep 1
 
@@ -29,6 +31,7 @@ BackgroundNormal=42,46,50
 ForegroundNormal=252,252,252
 [Colors:View]
 BackgroundNormal=27,30,32
+BackgroundAlternate=35,38,41
 ForegroundNormal=252,252,252
 [Colors:Button]
 BackgroundNormal=49,54,59
@@ -40,49 +43,118 @@ THEME
     export XDG_CURRENT_DESKTOP=KDE KDE_FULL_SESSION=true KDE_SESSION_VERSION=5
 }
 
-# shot NAME: the active window, with its frame. Only what the documents show is kept.
+# shot NAME: the active window, with its frame. The documents get only the pictures that they show.
 shot() {
     sleep 0.7
-    case $1 in main-window | main-window-dark | searching | com-port | terminal) ;; *) return ;; esac
+    [ "$shots" != "$documents" ] || grep -qr "screenshots/$1.png" "$root/README.md" "$root"/docs/*.md || return 0
     import -window "$(xdotool getactivewindow)" -frame "$shots/$1.png"
 }
 
 press() {
-    xdotool key "$1"
-    sleep 0.7
+    for key in "$@"; do
+        xdotool key "$key"
+        sleep 0.4
+    done
 }
 
-# One round through the windows; SUFFIX tells light from dark.
-round() {
+# begin: the program on its simulated line.
+begin() {
     (cd "$work" && exec "$kavro" --demo) >/dev/null 2>&1 &
-    local program=$!
+    program=$!
     sleep 3
+}
+
+finish() {
+    press ctrl+q Return
+    wait $program
+}
+
+# search ADDRESS: up to that address.
+search() {
     press ctrl+f
-    xdotool type 60
+    xdotool type "$1"
     press Return
+}
+
+# module LINE: selects that line of the list, counted from 1.
+module() {
+    press Down Home
+    for ((line = 1; line < $1; ++line)); do xdotool key Down; done
+    sleep 0.3
+}
+
+# open LETTER: an entry of the Operation menu.
+open() {
+    press alt+o "$1"
+    sleep 1.2
+}
+
+# The windows of the whole line; SUFFIX tells light from dark.
+line_windows() {
+    begin
+    search 60
     sleep 5
     shot "searching$1"
     sleep 12
     press Down
     shot "main-window$1"
-    press alt+n
-    press c
+    press alt+n c
     shot "com-port$1"
     press Escape
-    press alt+o
-    press t
+    open t
     for command in '$012' '$01M' '#01'; do
         xdotool type "$command"
         press Return
     done
     shot "terminal$1"
     press Escape
-    press ctrl+q
-    press Return
-    wait $program
+    open m
+    sleep 40
+    shot "monitor$1"
+    press Escape
+    finish
+}
+
+# The line in the list of a search up to address 24, and the pictures of that module's dialogs.
+models=(
+    "1 8210 cda" "2 8220 cda" "3 8230 cda" "4 8240 cda" "5 8250 cda" "6 8260 cda" "8 8310 cda" "9 8320 cda"
+    "10 8410 cd" "11 8420 cd" "12 8430 cd" "13 8440 cd" "14 8450 cd" "15 8460 cd" "16 8470 cd" "17 8510 cd"
+    "18 8610 c" "19 8250-initialisation c"
+)
+declare -A operation=([c]=configuration [d]=diagnostic [a]=calibration)
+
+module_windows() {
+    begin
+    search 24
+    sleep 9
+    local entry line model letters index
+    for entry in "${models[@]}"; do
+        read -r line model letters <<<"$entry"
+        module "$line"
+        for ((index = 0; index < ${#letters}; ++index)); do
+            local letter=${letters:index:1}
+            open "$letter"
+            sleep 1.5
+            shot "${operation[$letter]}-$model$1"
+            [ "$letter" != a ] || calibration_steps "$model$1"
+            press Escape
+        done
+    done
+    finish
+}
+
+# The further steps of the guide that is open.
+calibration_steps() {
+    local step
+    case $1 in
+    83*) for step in 2 3 4 5; do press Return && sleep 0.5 && shot "calibration-$1-step-$step"; done ;;
+    *) press Return && shot "calibration-$1-step-2" && press alt+o && shot "calibration-$1-step-3" ;;
+    esac
 }
 
 mkdir -p "$shots"
-round ""
+line_windows ""
+module_windows ""
 dark_theme
-round "-dark"
+line_windows "-dark"
+[ "$shots" = "$documents" ] || module_windows "-dark"
