@@ -28,20 +28,20 @@ QStringList ChannelLabels() {
 AdConfigForm::AdConfigForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent)
     : ConfigForm("AdConfigForm", session, messages, parent), formatMap_(FormatCodes(Record().Model)) {
     const BusyPointer busy;
-    const AnalogInputSettings settings = ReadAnalogInputSettings(session, Index());
+    const AnalogInputConfig config = ReadAnalogInputConfig(session, Index());
     const QStringList ranges = RangeItems(RangeCodes(Record().Model));
     auto* rows = new QFormLayout;
     AddModuleAndAddress(*rows, "&Address (Dec):");
     inputRange_ =
-        AddList(*rows, "InputRange", "Input &range:", ranges, RangePosition(ranges, settings.InputRange));
+        AddList(*rows, "InputRange", "Input &range:", ranges, RangePosition(ranges, config.InputRange));
     dataFormat_ = AddList(*rows, "DataFormat", "Data &format:", FormatItems(formatMap_),
-                          FormatPosition(formatMap_, settings.DataFormat));
+                          CodePosition(formatMap_, config.DataFormat));
     AddBaudRate(*rows);
     AddChecksumCombo(*rows);
 
     channels_ = new OptionPairs("A/D channel enablement", {"ChannelEnable", "Enable"},
                                 {"ChannelDisable", "Disable"}, ChannelLabels());
-    ShowChannels(settings.EnabledChannels);
+    ShowChannels(config.EnabledChannels);
     auto* columns = new QHBoxLayout;
     columns->addLayout(rows);
     columns->addSpacing(8);
@@ -62,11 +62,11 @@ void AdConfigForm::ShowChannels(unsigned enabledChannels) {
 }
 
 ConfigOutcome AdConfigForm::Apply(const LinkSettings& link) {
-    AnalogInputSettings settings{link, SelectedRange(*inputRange_, Record().Model),
-                                 SelectedFormat(*dataFormat_, formatMap_, Record().DataFormat)};
+    AnalogInputConfig config{link, SelectedRange(*inputRange_, Record().Model),
+                             SelectedCode(*dataFormat_, formatMap_, Record().DataFormat)};
     for (int channel = 0; channel < ShownChannels; ++channel)
-        settings.EnabledChannels |= (channels_->IsFirst(channel) ? 1U : 0U) << channel;
-    return ApplyAnalogInputSettings(Session(), Index(), settings, Messages());
+        config.EnabledChannels |= (channels_->IsFirst(channel) ? 1U : 0U) << channel;
+    return ApplyAnalogInputConfig(Session(), Index(), config, Messages());
 }
 
 } // namespace kavro

@@ -88,25 +88,13 @@ struct AlarmInputWriter {
     kavro::Messages& Messages;
     ModuleRecord& Record = Session.ModuleTable[Index];
 
-    bool Finish(bool accepted, const char* failure) const {
-        if (accepted)
-            Session.ConfigResult = 1;
-        else
-            ShowError(Messages, failure);
-        return accepted;
+    bool Note(bool accepted, const char* failure) const {
+        return NoteStep(Session, accepted, failure, Messages);
     }
 
     bool ModuleConfig() const {
-        if (Config.Link == LinkSettingsOf(Record) && Config.InputRange == Record.InputRange &&
-            Config.DataFormat == Record.DataFormat)
-            return true;
-        const bool accepted = ChangeModuleConfig(Session, Index, Config.Link, Config.InputRange,
-                                                 FormatByte(Config.Link, Config.DataFormat), Messages);
-        if (accepted) {
-            Record.InputRange = Config.InputRange;
-            Record.DataFormat = Config.DataFormat;
-        }
-        return accepted;
+        const AnalogModuleConfig module{Config.Link, Config.InputRange, Config.DataFormat};
+        return ChangeAnalogModuleConfig(Session, Index, module, Messages) != StepResult::Failed;
     }
 
     bool AlarmMode() const {
@@ -115,20 +103,20 @@ struct AlarmInputWriter {
         const bool accepted = WriteAcknowledged(Session, Index, '@', AlarmModeCode(Config.AlarmMode));
         if (accepted)
             Record.AlarmMode = Config.AlarmMode;
-        return Finish(accepted, "Alarm mode configuration failed.");
+        return Note(accepted, "Alarm mode configuration failed.");
     }
 
     bool Limit(const AlarmLimit& limit, double value, bool always) const {
         // The module may have kept another range than the one that the limit was entered for.
         if (!Fits(value, Record.InputRange))
-            return Finish(false, limit.Failure);
+            return Note(false, limit.Failure);
         const std::string text = LimitText(value, Record.InputRange);
         if (!always && text == LimitText(Record.*limit.Kept, Record.InputRange))
             return true;
         const bool accepted = WriteAcknowledged(Session, Index, '@', limit.Code + text);
         if (accepted)
             Record.*limit.Kept = static_cast<float>(NumericValue(text));
-        return Finish(accepted, limit.Failure);
+        return Note(accepted, limit.Failure);
     }
 };
 
@@ -163,9 +151,7 @@ ConfigOutcome ApplyAlarmInputConfig(Session& session, int index, const AlarmInpu
     const bool rangeChanged = module.Record.InputRange != rangeBefore;
     for (std::size_t i = 0; i < limits.size(); ++i)
         complete &= module.Limit(Limits[i], limits[i], rangeChanged);
-    if (session.ConfigResult == 1)
-        messages.Show(ConfigCompleteText);
-    return complete ? ConfigOutcome::Complete : ConfigOutcome::Incomplete;
+    return EndConfig(session, complete, messages);
 }
 
 } // namespace kavro

@@ -8,20 +8,6 @@ namespace kavro {
 
 namespace {
 
-// True when the module accepted, or when there was nothing to change.
-bool ApplyModuleConfig(Session& session, int index, const AnalogInputSettings& settings, Messages& messages) {
-    ModuleRecord& record = session.ModuleTable[index];
-    if (settings.Link == LinkSettingsOf(record) && settings.InputRange == record.InputRange &&
-        settings.DataFormat == record.DataFormat)
-        return true;
-    if (!ChangeModuleConfig(session, index, settings.Link, settings.InputRange,
-                            FormatByte(settings.Link, settings.DataFormat), messages))
-        return false;
-    record.InputRange = settings.InputRange;
-    record.DataFormat = settings.DataFormat;
-    return true;
-}
-
 bool ApplyChannels(Session& session, int index, unsigned enabled, Messages& messages) {
     const int channels = ChannelCount(session.ModuleTable[index].Model).value_or(0);
     const unsigned mask = enabled & ((1U << channels) - 1);
@@ -31,24 +17,22 @@ bool ApplyChannels(Session& session, int index, unsigned enabled, Messages& mess
 
 } // namespace
 
-AnalogInputSettings ReadAnalogInputSettings(Session& session, int index) {
+AnalogInputConfig ReadAnalogInputConfig(Session& session, int index) {
     const ModuleRecord& record = session.ModuleTable[index];
-    AnalogInputSettings settings{LinkSettingsOf(record), record.InputRange, record.DataFormat};
-    settings.EnabledChannels = ReadChannelEnables(session, index, session.Line.LongReplyTimeout).value_or(0);
-    return settings;
+    AnalogInputConfig config{LinkSettingsOf(record), record.InputRange, record.DataFormat};
+    config.EnabledChannels = ReadChannelEnables(session, index, session.Line.LongReplyTimeout).value_or(0);
+    return config;
 }
 
-ConfigOutcome ApplyAnalogInputSettings(Session& session, int index, const AnalogInputSettings& settings,
-                                       Messages& messages) {
+ConfigOutcome ApplyAnalogInputConfig(Session& session, int index, const AnalogInputConfig& config,
+                                     Messages& messages) {
     session.ConfigResult = 2;
-    if (!CheckAddress(session, settings.Link, messages))
+    if (!CheckAddress(session, config.Link, messages))
         return ConfigOutcome::Refused;
-    const bool configured = ApplyModuleConfig(session, index, settings, messages);
-    const bool enabled = ApplyChannels(session, index, settings.EnabledChannels, messages);
-    // Said after the error as well when only one of the two commands failed; this is meant.
-    if (session.ConfigResult == 1)
-        messages.Show(ConfigCompleteText);
-    return configured && enabled ? ConfigOutcome::Complete : ConfigOutcome::Incomplete;
+    const AnalogModuleConfig module{config.Link, config.InputRange, config.DataFormat};
+    const bool configured = ChangeAnalogModuleConfig(session, index, module, messages) != StepResult::Failed;
+    const bool enabled = ApplyChannels(session, index, config.EnabledChannels, messages);
+    return EndConfig(session, configured && enabled, messages);
 }
 
 } // namespace kavro

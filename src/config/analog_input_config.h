@@ -9,7 +9,7 @@
 namespace kavro {
 
 /// Settings of an analog input module with several channels: 8230, 8250, 8260.
-struct AnalogInputSettings {
+struct AnalogInputConfig {
     LinkSettings Link;
     std::int16_t InputRange = 0;  ///< range code
     std::int16_t DataFormat = 0;  ///< data format code
@@ -18,12 +18,12 @@ struct AnalogInputSettings {
 
 /// The entry's settings, with the enabled channels read from the module ("$AA6"): none when it does not
 /// answer.
-AnalogInputSettings ReadAnalogInputSettings(Session& session, int index);
+AnalogInputConfig ReadAnalogInputConfig(Session& session, int index);
 
 /// Writes the settings: the module configuration when it differs from the entry, then always the enabled
 /// channels ("$AA5VV"). Tells every failure and the success, keeps in the entry what the module accepted, and
 /// leaves `ConfigResult` 1 when it accepted anything, else 2.
-ConfigOutcome ApplyAnalogInputSettings(Session& session, int index, const AnalogInputSettings& settings,
-                                       Messages& messages);
+ConfigOutcome ApplyAnalogInputConfig(Session& session, int index, const AnalogInputConfig& config,
+                                     Messages& messages);
 
 } // namespace kavro

@@ -8,21 +8,7 @@ namespace kavro {
 
 namespace {
 
-// True when the module accepted, or when there was nothing to change; so is `ApplyPolarity`.
-bool ApplyModuleConfig(Session& session, int index, const AnalogOutputConfig& config, Messages& messages) {
-    ModuleRecord& record = session.ModuleTable[index];
-    if (config.Link == LinkSettingsOf(record) && config.OutputRange == record.InputRange &&
-        config.DataFormat == record.DataFormat)
-        return true;
-    if (!ChangeModuleConfig(session, index, config.Link, config.OutputRange,
-                            FormatByte(config.Link, config.DataFormat), messages))
-        return false;
-    record.InputRange = config.OutputRange;
-    record.DataFormat = config.DataFormat;
-    messages.Show(ConfigCompleteText); // before the polarity is sent, which may still fail
-    return true;
-}
-
+// True when the module accepted, or when there was nothing to change.
 bool ApplyPolarity(Session& session, int index, std::int16_t polarity, Messages& messages) {
     ModuleRecord& record = session.ModuleTable[index];
     if (!HasInputPolarity(record.Model) || polarity == record.Digital.Polarity % 2)
@@ -51,9 +37,12 @@ ConfigOutcome ApplyAnalogOutputConfig(Session& session, int index, const AnalogO
     // `ConfigResult` is not reset first; this is meant.
     if (!CheckAddress(session, config.Link, messages))
         return ConfigOutcome::Refused;
-    const bool configured = ApplyModuleConfig(session, index, config, messages);
+    const AnalogModuleConfig module{config.Link, config.OutputRange, config.DataFormat};
+    const StepResult configured = ChangeAnalogModuleConfig(session, index, module, messages);
+    if (configured == StepResult::Accepted)
+        messages.Show(ConfigCompleteText); // before the polarity is sent, which may still fail
     const bool inverted = ApplyPolarity(session, index, config.InputPolarity, messages);
-    return configured && inverted ? ConfigOutcome::Complete : ConfigOutcome::Incomplete;
+    return OutcomeOf(configured != StepResult::Failed && inverted);
 }
 
 } // namespace kavro

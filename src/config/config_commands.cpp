@@ -49,12 +49,6 @@ bool WriteModuleConfig(Session& session, int index, const LinkSettings& link, st
                                  ToHex(formatByte, 2));
 }
 
-bool WriteSetting(Session& session, int index, char lead, const std::string& code) {
-    ExchangeWithModule(session, index, lead + AddressText(session, index) + code,
-                       session.Line.LongReplyTimeout);
-    return session.Line.ReplyIs('!');
-}
-
 bool WriteAcknowledged(Session& session, int index, char lead, const std::string& code) {
     const std::string address = AddressText(session, index);
     if (!ExchangeWithModule(session, index, lead + address + code, session.Line.LongReplyTimeout))
@@ -63,29 +57,61 @@ bool WriteAcknowledged(Session& session, int index, char lead, const std::string
     return reply == "!" + address || reply == "!" + ToHex(session.ModuleTable[index].Address, 2);
 }
 
-bool ChangeModuleConfig(Session& session, int index, const LinkSettings& link, std::int16_t typeCode,
-                        std::int16_t formatByte, Messages& messages) {
-    const bool accepted = WriteModuleConfig(session, index, link, typeCode, formatByte);
-    session.ConfigResult = accepted ? 1 : 2;
-    if (accepted)
-        StoreLinkSettings(session.ModuleTable[index], link);
-    else
-        ShowError(messages, ConfigFailedText);
-    return accepted;
-}
-
-bool ChangeDigitalModuleConfig(Session& session, int index, const LinkSettings& link, Messages& messages) {
-    return ChangeModuleConfig(session, index, link, DigitalTypeCode, FormatByte(link, 0), messages);
-}
-
-bool ChangeSetting(Session& session, int index, char lead, const std::string& code, const char* failure,
-                   Messages& messages) {
-    const bool accepted = WriteSetting(session, index, lead, code);
+bool NoteStep(Session& session, bool accepted, const char* failure, Messages& messages) {
     if (accepted)
         session.ConfigResult = 1;
     else
         ShowError(messages, failure);
     return accepted;
+}
+
+namespace {
+
+bool ChangeModuleConfig(Session& session, int index, const LinkSettings& link, std::int16_t typeCode,
+                        std::int16_t formatByte, Messages& messages) {
+    const bool accepted = WriteModuleConfig(session, index, link, typeCode, formatByte);
+    if (NoteStep(session, accepted, ConfigFailedText, messages))
+        StoreLinkSettings(session.ModuleTable[index], link);
+    else
+        session.ConfigResult = 2;
+    return accepted;
+}
+
+} // namespace
+
+StepResult ChangeAnalogModuleConfig(Session& session, int index, const AnalogModuleConfig& config,
+                                    Messages& messages) {
+    ModuleRecord& record = session.ModuleTable[index];
+    if (config == AnalogModuleConfig{LinkSettingsOf(record), record.InputRange, record.DataFormat})
+        return StepResult::Unneeded;
+    if (!ChangeModuleConfig(session, index, config.Link, config.Range,
+                            FormatByte(config.Link, config.DataFormat), messages))
+        return StepResult::Failed;
+    record.InputRange = config.Range;
+    record.DataFormat = config.DataFormat;
+    return StepResult::Accepted;
+}
+
+StepResult ChangeDigitalModuleConfig(Session& session, int index, const LinkSettings& link,
+                                     Messages& messages) {
+    if (link == LinkSettingsOf(session.ModuleTable[index]))
+        return StepResult::Unneeded;
+    return ChangeModuleConfig(session, index, link, DigitalTypeCode, FormatByte(link, 0), messages)
+               ? StepResult::Accepted
+               : StepResult::Failed;
+}
+
+bool ChangeSetting(Session& session, int index, char lead, const std::string& code, const char* failure,
+                   Messages& messages) {
+    ExchangeWithModule(session, index, lead + AddressText(session, index) + code,
+                       session.Line.LongReplyTimeout);
+    return NoteStep(session, session.Line.ReplyIs('!'), failure, messages);
+}
+
+ConfigOutcome EndConfig(const Session& session, bool complete, Messages& messages) {
+    if (session.ConfigResult == 1)
+        messages.Show(ConfigCompleteText);
+    return OutcomeOf(complete);
 }
 
 void ShowError(Messages& messages, const char* text) {

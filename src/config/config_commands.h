@@ -48,27 +48,53 @@ bool WriteModuleConfig(Session& session, int index, const LinkSettings& link, co
 bool WriteModuleConfig(Session& session, int index, const LinkSettings& link, std::int16_t typeCode,
                        std::int16_t formatByte);
 
-/// Sends `lead`, the entry's address at this moment, and `code`, for example "$", "01", "507". True when the
-/// module answers with a reply that begins with "!".
-bool WriteSetting(Session& session, int index, char lead, const std::string& code);
-
-/// The same, true only for the reply "!AA" and nothing behind it. AA is the address spoken to; a module in
-/// its initialisation state may name its own in place of 00.
+/// Sends `lead`, the entry's address at this moment, and `code`, for example "$", "01", "B1". True only for
+/// the reply "!AA" and nothing behind it. AA is the address spoken to; a module in its initialisation state
+/// may name its own in place of 00.
 bool WriteAcknowledged(Session& session, int index, char lead, const std::string& code);
 
-/// A dialog's step "module configuration": `WriteModuleConfig`. Accepted, the link settings are kept in the
-/// entry and `ConfigResult` becomes 1; else the failure is told and `ConfigResult` becomes 2.
-bool ChangeModuleConfig(Session& session, int index, const LinkSettings& link, std::int16_t typeCode,
-                        std::int16_t formatByte, Messages& messages);
+/// Ends a step of a dialog's sequence: accepted, `ConfigResult` becomes 1; else `failure` is told and
+/// `ConfigResult` stays as it was. Returns `accepted`.
+bool NoteStep(Session& session, bool accepted, const char* failure, Messages& messages);
 
-/// The same step for a digital I/O module, whose type code is 40 and whose format byte has the checksum
+/// What became of a dialog's step "module configuration".
+enum class StepResult {
+    Unneeded, ///< nothing differs from the entry, and nothing was sent
+    Accepted, ///< kept in the entry; `ConfigResult` is 1
+    Failed,   ///< told; `ConfigResult` is 2
+};
+
+/// What the module configuration of an analog module writes.
+struct AnalogModuleConfig {
+    LinkSettings Link;
+    std::int16_t Range = 0;      ///< range code
+    std::int16_t DataFormat = 0; ///< data format code
+
+    bool operator==(const AnalogModuleConfig&) const = default;
+};
+
+/// The step "module configuration" of an analog module.
+StepResult ChangeAnalogModuleConfig(Session& session, int index, const AnalogModuleConfig& config,
+                                    Messages& messages);
+
+/// The same step of a digital I/O module, whose type code is 40 and whose format byte has the checksum
 /// alone.
-bool ChangeDigitalModuleConfig(Session& session, int index, const LinkSettings& link, Messages& messages);
+StepResult ChangeDigitalModuleConfig(Session& session, int index, const LinkSettings& link,
+                                     Messages& messages);
 
-/// A dialog's step for a further setting: `WriteSetting`. Accepted, `ConfigResult` becomes 1; else `failure`
-/// is told and `ConfigResult` stays as it was.
+/// A step for a further setting: sends `lead`, the entry's address at this moment, and `code`, and ends with
+/// `NoteStep`. Accepted is any reply that begins with "!".
 bool ChangeSetting(Session& session, int index, char lead, const std::string& code, const char* failure,
                    Messages& messages);
+
+/// `Complete` or `Incomplete`.
+constexpr ConfigOutcome OutcomeOf(bool complete) {
+    return complete ? ConfigOutcome::Complete : ConfigOutcome::Incomplete;
+}
+
+/// The end of a dialog that tells its success last: tells it when `ConfigResult` is 1, wherever that comes
+/// from and although a step may have failed; this is meant.
+ConfigOutcome EndConfig(const Session& session, bool complete, Messages& messages);
 
 /// Shows `text`, titled "Error".
 void ShowError(Messages& messages, const char* text);

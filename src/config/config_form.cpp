@@ -49,10 +49,13 @@ ConfigForm::ConfigForm(const char* name, kavro::Session& session, kavro::Message
     setWindowTitle("Configuration");
 }
 
-void ConfigForm::AddLabelled(QFormLayout& rows, const char* label, QWidget& control) {
+void ConfigForm::AddLabelled(QFormLayout& rows, const char* label, QWidget& control, QLayout* around) {
     auto* text = new QLabel(label);
     text->setBuddy(&control);
-    rows.addRow(text, &control);
+    if (around)
+        rows.addRow(text, around);
+    else
+        rows.addRow(text, &control);
 }
 
 QComboBox* ConfigForm::AddList(QFormLayout& rows, const char* name, const char* label,
@@ -76,9 +79,7 @@ void ConfigForm::AddModuleAndAddress(QFormLayout& rows, const char* addressLabel
     auto* row = new QHBoxLayout;
     row->addWidget(addr_, 1);
     AddSpinButtons(*row, *addr_, "AddressSpin", AddressRange);
-    auto* label = new QLabel(addressLabel);
-    label->setBuddy(addr_);
-    rows.addRow(label, row);
+    AddLabelled(rows, addressLabel, *addr_, row);
 }
 
 void ConfigForm::AddBaudRate(QFormLayout& rows) {

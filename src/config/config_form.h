@@ -10,6 +10,7 @@ class QCheckBox;
 class QComboBox;
 class QFormLayout;
 class QLabel;
+class QLayout;
 class QLineEdit;
 class QVBoxLayout;
 
@@ -52,8 +53,10 @@ protected:
                               const QStringList& items, int position);
     /// A row with the list of a polarity: 0 as it is, 1 inverted.
     static QComboBox* AddPolarity(QFormLayout& rows, const char* name, const char* label, int polarity);
-    /// `control` behind `label`, which it is spoken by.
-    static void AddLabelled(QFormLayout& rows, const char* label, QWidget& control);
+    /// A row with `control` behind `label`, whose Alt letter leads to it; with the layout `around` it when it
+    /// has company.
+    static void AddLabelled(QFormLayout& rows, const char* label, QWidget& control,
+                            QLayout* around = nullptr);
     /// Disables a control of the link when it cannot be changed, with the reason.
     void LimitToInitialisation(QWidget& control) const;
     /// Adds OK and Cancel below `fields` and places the dialog.

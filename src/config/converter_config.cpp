@@ -69,16 +69,14 @@ ConfigOutcome ApplyConverterConfig(Session& session, int index, const ConverterC
     const std::string fields = ToHex(record.InputRange, 2) +
                                ToHex(config.SecondBaudCode + WireBaudOffset, 1) +
                                ToHex(config.Link.BaudCode + WireBaudOffset, 1) + ToHex(word, 4);
-    if (!WriteModuleConfig(session, index, config.Link, fields)) {
-        ShowError(messages, ConfigFailedText);
-        return ConfigOutcome::Incomplete;
+    const bool accepted = WriteModuleConfig(session, index, config.Link, fields);
+    if (accepted) {
+        StoreLinkSettings(record, config.Link);
+        record.Converter.SecondBaudCode = config.SecondBaudCode;
+        DecodeConverterFormat(word, record);
     }
-    StoreLinkSettings(record, config.Link);
-    record.Converter.SecondBaudCode = config.SecondBaudCode;
-    DecodeConverterFormat(word, record);
-    session.ConfigResult = 1;
-    messages.Show(ConfigCompleteText);
-    return ConfigOutcome::Complete;
+    NoteStep(session, accepted, ConfigFailedText, messages);
+    return EndConfig(session, accepted, messages);
 }
 
 } // namespace kavro

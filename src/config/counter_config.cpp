@@ -156,14 +156,13 @@ bool ApplyModuleConfig(Session& session, int index, const CounterConfig& config,
         gateTime == record.Counter.GateTime)
         return true;
     const auto gateBits = static_cast<std::int16_t>(gateTime * GateTimeBit);
-    if (!WriteModuleConfig(session, index, config.Link, config.TypeCode, FormatByte(config.Link, gateBits))) {
-        ShowError(messages, "Module Configuration command failed.");
+    const bool accepted =
+        WriteModuleConfig(session, index, config.Link, config.TypeCode, FormatByte(config.Link, gateBits));
+    if (!NoteStep(session, accepted, "Module Configuration command failed.", messages))
         return false;
-    }
     StoreLinkSettings(record, config.Link);
     record.InputRange = config.TypeCode;
     record.Counter.GateTime = gateTime;
-    session.ConfigResult = 1;
     return true;
 }
 
@@ -172,13 +171,11 @@ bool ApplyCommand(Session& session, int index, const CounterCommand& command, co
     Values& kept = session.ModuleTable[index].Counter;
     if (command.Equal(kept, config.Values))
         return true;
-    if (!WriteAcknowledged(session, index, command.Lead, command.Code + command.Text(config))) {
-        ShowError(messages, command.Failure);
-        return false;
-    }
-    command.Keep(kept, config.Values);
-    session.ConfigResult = 1;
-    return true;
+    const bool accepted =
+        WriteAcknowledged(session, index, command.Lead, command.Code + command.Text(config));
+    if (accepted)
+        command.Keep(kept, config.Values);
+    return NoteStep(session, accepted, command.Failure, messages);
 }
 
 } // namespace
@@ -211,9 +208,7 @@ ConfigOutcome ApplyCounterConfig(Session& session, int index, const CounterConfi
     if (counts)
         for (const CounterCommand& command : CountingCommands)
             complete &= ApplyCommand(session, index, command, wanted, messages);
-    if (session.ConfigResult == 1)
-        messages.Show(ConfigCompleteText);
-    return complete ? ConfigOutcome::Complete : ConfigOutcome::Incomplete;
+    return EndConfig(session, complete, messages);
 }
 
 } // namespace kavro

@@ -19,7 +19,7 @@ DaConfigForm::DaConfigForm(kavro::Session& session, kavro::Messages& messages, Q
     outputRange_ =
         AddList(*rows, "OutputRange", "Output &range:", ranges, RangePosition(ranges, config.OutputRange));
     dataFormat_ = AddList(*rows, "DataFormat", "Data &format:", FormatItems(formatMap_),
-                          FormatPosition(formatMap_, config.DataFormat));
+                          CodePosition(formatMap_, config.DataFormat));
     AddBaudRate(*rows);
     AddChecksumCombo(*rows);
     inputPolarity_ = AddPolarity(*rows, "InputPolarity", "&Input polarity:", config.InputPolarity);
@@ -33,7 +33,7 @@ DaConfigForm::DaConfigForm(kavro::Session& session, kavro::Messages& messages, Q
 ConfigOutcome DaConfigForm::Apply(const LinkSettings& link) {
     return ApplyAnalogOutputConfig(Session(), Index(),
                                    {link, SelectedRange(*outputRange_, Record().Model),
-                                    SelectedFormat(*dataFormat_, formatMap_, Record().DataFormat),
+                                    SelectedCode(*dataFormat_, formatMap_, Record().DataFormat),
                                     static_cast<std::int16_t>(inputPolarity_->currentIndex())},
                                    Messages());
 }

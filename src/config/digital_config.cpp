@@ -6,16 +6,7 @@ namespace kavro {
 
 namespace {
 
-// True when the module accepted, or when there was nothing to change; so is `ApplyPolarity`.
-bool ApplyModuleConfig(Session& session, int index, const LinkSettings& link, Messages& messages) {
-    if (link == LinkSettingsOf(session.ModuleTable[index]))
-        return true;
-    if (!ChangeDigitalModuleConfig(session, index, link, messages))
-        return false;
-    messages.Show(ConfigCompleteText); // before the polarity is sent, which may still fail
-    return true;
-}
-
+// True when the module accepted, or when there was nothing to change.
 bool ApplyPolarity(Session& session, int index, const DigitalConfig& config, Messages& messages) {
     std::int16_t& kept = session.ModuleTable[index].Digital.Polarity;
     if (config.InputPolarity == kept % 2 && config.OutputPolarity == kept / 2)
@@ -41,9 +32,11 @@ ConfigOutcome ApplyDigitalConfig(Session& session, int index, const DigitalConfi
     // `ConfigResult` is not reset first; this is meant.
     if (!CheckAddress(session, config.Link, messages))
         return ConfigOutcome::Refused;
-    const bool configured = ApplyModuleConfig(session, index, config.Link, messages);
+    const StepResult configured = ChangeDigitalModuleConfig(session, index, config.Link, messages);
+    if (configured == StepResult::Accepted)
+        messages.Show(ConfigCompleteText); // before the polarity is sent, which may still fail
     const bool inverted = ApplyPolarity(session, index, config, messages);
-    return configured && inverted ? ConfigOutcome::Complete : ConfigOutcome::Incomplete;
+    return OutcomeOf(configured != StepResult::Failed && inverted);
 }
 
 } // namespace kavro

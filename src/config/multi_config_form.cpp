@@ -37,9 +37,9 @@ MultiConfigForm::MultiConfigForm(kavro::Session& session, kavro::Messages& messa
     AddModuleAndAddress(*rows, "&Address (Dec):");
     // By code and not by name: two ranges of the 8210 may carry one name.
     inputRange_ = AddList(*rows, "InputRange", "Input &range:", RangeItems(ranges_),
-                          FormatPosition(ranges_, config.InputRange));
+                          CodePosition(ranges_, config.InputRange));
     dataFormat_ = AddList(*rows, "DataFormat", "Data &format:", FormatItems(formatMap_),
-                          FormatPosition(formatMap_, config.DataFormat));
+                          CodePosition(formatMap_, config.DataFormat));
     AddBaudRate(*rows);
     AddChecksumCombo(*rows);
     alarmMode_ = AddList(*rows, "AlarmMode", "Alarm &mode:", AlarmModeItems(), config.AlarmMode);
@@ -64,15 +64,12 @@ QLineEdit* MultiConfigForm::AddLimit(QFormLayout& rows, const char* name, const 
     auto* row = new QHBoxLayout;
     row->addWidget(box, 1);
     row->addWidget(unit);
-    auto* shown = new QLabel(label);
-    shown->setBuddy(box);
-    rows.addRow(shown, row);
+    AddLabelled(rows, label, *box, row);
     return box;
 }
 
 std::int16_t MultiConfigForm::SelectedInputRange() const {
-    const int position = inputRange_->currentIndex();
-    return position < 0 ? Record().InputRange : ranges_[static_cast<std::size_t>(position)];
+    return SelectedCode(*inputRange_, ranges_, Record().InputRange);
 }
 
 void MultiConfigForm::ShowUnit() {
@@ -87,7 +84,7 @@ ConfigOutcome MultiConfigForm::Apply(const LinkSettings& link) {
     const int mode = alarmMode_->currentIndex();
     return ApplyAlarmInputConfig(Session(), Index(),
                                  {link, SelectedInputRange(),
-                                  SelectedFormat(*dataFormat_, formatMap_, Record().DataFormat),
+                                  SelectedCode(*dataFormat_, formatMap_, Record().DataFormat),
                                   mode < 0 ? Record().AlarmMode : static_cast<std::int16_t>(mode),
                                   lowAlarm_->text().toStdString(), highAlarm_->text().toStdString()},
                                  Messages());

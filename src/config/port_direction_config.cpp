@@ -28,14 +28,12 @@ ConfigOutcome ApplyPortDirectionConfig(Session& session, int index, const PortDi
     // `ConfigResult` is not reset first; this is meant.
     if (!CheckAddress(session, config.Link, messages))
         return ConfigOutcome::Refused;
-    const bool configured = config.Link == LinkSettingsOf(session.ModuleTable[index]) ||
-                            ChangeDigitalModuleConfig(session, index, config.Link, messages);
+    const bool configured =
+        ChangeDigitalModuleConfig(session, index, config.Link, messages) != StepResult::Failed;
     const auto mask = static_cast<std::int32_t>(config.InputPorts & AllPorts);
     const bool directed = ChangeSetting(session, index, '$', "S" + ToHex(mask, 2),
                                         "Port input/output configuration failed.", messages);
-    if (session.ConfigResult == 1)
-        messages.Show(ConfigCompleteText);
-    return configured && directed ? ConfigOutcome::Complete : ConfigOutcome::Incomplete;
+    return EndConfig(session, configured && directed, messages);
 }
 
 } // namespace kavro

@@ -33,7 +33,7 @@ int RangePosition(const QStringList& items, std::int16_t code) {
     return static_cast<int>(items.indexOf(QString::fromStdString(Trim(RangeName(code)))));
 }
 
-int FormatPosition(std::span<const std::int16_t> codes, std::int16_t code) {
+int CodePosition(std::span<const std::int16_t> codes, std::int16_t code) {
     const auto found = std::ranges::find(codes, code);
     return found == codes.end() ? -1 : static_cast<int>(found - codes.begin());
 }
@@ -42,8 +42,8 @@ std::int16_t SelectedRange(const QComboBox& list, std::string_view model) {
     return RangeCodeNamed(model, list.currentText().toStdString());
 }
 
-std::int16_t SelectedFormat(const QComboBox& list, std::span<const std::int16_t> codes,
-                            std::int16_t otherwise) {
+std::int16_t SelectedCode(const QComboBox& list, std::span<const std::int16_t> codes,
+                          std::int16_t otherwise) {
     const int position = list.currentIndex();
     return position < 0 ? otherwise : codes[static_cast<std::size_t>(position)];
 }

@@ -1,12 +1,14 @@
 #include "config/ad_config_form.h"
+#include "config/config_entries.h"
+#include "config/ctr_config_form.h"
 #include "config/da_config_form.h"
 #include "config/dio_config_form.h"
 #include "config/module_on_line.h"
+#include "config/multi_config_form.h"
 #include "config/n46_config_form.h"
-#include "support/form_driver.h"
+#include "config/n8610_config_form.h"
 
-#include <QAbstractButton>
-#include <QComboBox>
+#include <QLabel>
 
 namespace kavro {
 namespace {
@@ -15,12 +17,18 @@ QComboBox& List(QObject& form, const char* name) {
     return Find<QComboBox>(form, name);
 }
 
-TEST(AdConfigForm, ShowsAndSends) {
+/// A control that cannot be used says why.
+void ExpectUsable(QObject& form, const QString& name, bool usable) {
+    EXPECT_EQ(Find<QWidget>(form, name).isEnabled(), usable) << name.toStdString();
+    EXPECT_EQ(Find<QWidget>(form, name).toolTip().isEmpty(), usable) << name.toStdString();
+}
+
+TEST(AdConfigForm, OffersWhatTheModelHas) {
     // Of two ranges of one name the first is selected; code 07 has no name.
     ModuleOnLine twice({.Model = "8260  ", .InputRange = 0x0A});
     AdConfigForm unchanged(twice.Session, twice.Messages);
     EXPECT_EQ(List(unchanged, "InputRange").findText(""), -1);
-    Click(unchanged, "OKBtn");
+    StaysOpen(unchanged, "");
     EXPECT_EQ(twice.Sent, (Lines{"$016", "%0101040600", "$015FF"}));
 
     ModuleOnLine test({.Model = "8230  ", .DataFormat = 3, .InputRange = 0x2A});
@@ -28,16 +36,10 @@ TEST(AdConfigForm, ShowsAndSends) {
     EXPECT_EQ(List(form, "InputRange").currentText(), "Cu, 0~60 ohms");
     EXPECT_EQ(List(form, "DataFormat").currentText(), "Ohms");
     for (int channel = 0; channel < 8; ++channel) {
-        const auto& enable = Find<QAbstractButton>(form, QString("ChannelEnable_%1").arg(channel));
-        EXPECT_EQ(enable.isChecked(), channel < 3);
-        EXPECT_EQ(enable.isEnabled(), channel < 3);
-        EXPECT_EQ(enable.toolTip().isEmpty(), channel < 3);
+        const QString name = QString("ChannelEnable_%1").arg(channel);
+        EXPECT_EQ(Find<QAbstractButton>(form, name).isChecked(), channel < 3);
+        ExpectUsable(form, name, channel < 3);
     }
-    Click(form, "ChannelDisable_1");
-    List(form, "DataFormat").setCurrentIndex(0);
-    Click(form, "OKBtn");
-    EXPECT_EQ(test.Sent, (Lines{"$016", "%01012A0600", "$01505"}));
-    EXPECT_EQ(form.result(), QDialog::Accepted);
 }
 
 TEST(DaConfigForm, PolarityOfThe8320Only) {
@@ -49,45 +51,179 @@ TEST(DaConfigForm, PolarityOfThe8320Only) {
     EXPECT_FALSE(List(without, "InputPolarity").isVisible());
     EXPECT_TRUE(List(with, "InputPolarity").isVisible());
     EXPECT_LT(without.height(), with.height());
-    EXPECT_EQ(List(without, "OutputRange").currentText(), "4 to 20mA");
-    EXPECT_EQ(List(without, "DataFormat").currentText(), "Two's complement");
-    Click(without, "OKBtn");
+    StaysOpen(without, "");
     EXPECT_EQ(current.Sent, Lines{});
-    List(with, "InputPolarity").setCurrentIndex(1);
-    Click(with, "OKBtn");
-    EXPECT_EQ(voltage.Sent, Lines{"~01CP01"});
-    EXPECT_EQ(voltage.Messages.Shown, ShownMessages{});
 }
 
-TEST(DioConfigForm, LinkOfAModuleInItsInitialisationStateOnly) {
-    ModuleOnLine test({.Model = "8410  ", .Digital = {2}});
+TEST(ConfigForm, LinkOfAModuleInItsInitialisationStateOnly) {
+    ModuleOnLine test({.Model = "8410  "}), converter({.Model = "8610  "});
     for (const bool initialising : {false, true}) {
-        test.Session.ScanIndex = initialising ? 0 : -1;
-        test.Module.Settings.Initialisation = initialising;
-        DioConfigForm form(test.Session, test.Messages);
-        for (const char* name : {"BaudRate", "ChecksumBox"}) {
-            EXPECT_EQ(Find<QWidget>(form, name).isEnabled(), initialising);
-            EXPECT_EQ(Find<QWidget>(form, name).toolTip().isEmpty(), initialising);
+        for (ModuleOnLine* each : {&test, &converter}) {
+            each->Session.ScanIndex = initialising ? 0 : -1;
+            each->Module.Settings.Initialisation = initialising;
         }
-        EXPECT_EQ(List(form, "OutputPolarity").currentIndex(), 1);
+        DioConfigForm form(test.Session, test.Messages);
+        N8610ConfigForm other(converter.Session, converter.Messages);
+        for (const char* name : {"BaudRate", "ChecksumBox"})
+            ExpectUsable(form, name, initialising);
+        for (const char* name : {"BaudRate", "SecondBaudRate", "ChecksumCombo"})
+            ExpectUsable(other, name, initialising);
         Find<QAbstractButton>(form, "ChecksumBox").setChecked(initialising);
-        List(form, "InputPolarity").setCurrentIndex(1);
-        Click(form, "OKBtn");
+        StaysOpen(form, "");
     }
-    EXPECT_EQ(test.Sent, (Lines{"~01CP11", "%0001400640"}));
+    EXPECT_EQ(test.Sent, Lines{"%0001400640"});
 }
 
-TEST(N46ConfigForm, ShowsAndSends) {
+TEST(N46ConfigForm, ShowsTheDirections) {
     ModuleOnLine test({.Model = "8460  "});
     ASSERT_EQ(test.Session.Line.Exchange("$01S03", 0, 3, 400), true);
     N46ConfigForm form(test.Session, test.Messages);
     for (int port = 0; port < 4; ++port)
         EXPECT_EQ(Find<QAbstractButton>(form, QString("PortInput_%1").arg(port)).isChecked(), port >= 2);
-    Click(form, "PortInput_0");
-    Click(form, "PortOutput_3");
-    test.Sent.clear();
-    Click(form, "OKBtn");
-    EXPECT_EQ(test.Sent, Lines{"$01S0A"});
+}
+
+TEST(CtrConfigForm, LayoutFollowsTheType) {
+    ModuleOnLine test({.Model = "8510  ", .InputRange = 81});
+    CtrConfigForm form(test.Session, test.Messages);
+    for (const bool counts : {true, false}) {
+        List(form, "TypeCode").setCurrentIndex(counts ? 0 : 1);
+        ExpectUsable(form, "FreqGateTime", !counts);
+        for (const char* name : {"GateMode", "MaxValue_1", "AlarmValue_0"})
+            ExpectUsable(form, name, counts);
+    }
+    EXPECT_FALSE(StaysOpen(form, "DigitalFilter=Enabled;MinAtHigh=7"));
+    EXPECT_EQ(test.Sent, Lines{});
+}
+
+TEST(MultiConfigForm, LimitsFollowTheRange) {
+    // Of the two ranges of this name it is the second.
+    ModuleOnLine test({.Model = "8210  ", .HighAlarm = 1, .AlarmMode = 2, .InputRange = 0x0A});
+    test.Session.DecimalSeparator = ",";
+    MultiConfigForm form(test.Session, test.Messages);
+    EXPECT_FALSE(StaysOpen(form, ""));
+    EXPECT_EQ(test.Sent, Lines{});
+    Type(Find<QLineEdit>(form, "LowAlarm"), "x.");
+    EXPECT_EQ(Find<QLineEdit>(form, "LowAlarm").text(), "+0,0000");
+    EXPECT_TRUE(StaysOpen(form, "LowAlarm=-1,5"));
+    EXPECT_FALSE(StaysOpen(form, "AlarmMode=Disabled;InputRange=+/- 15mV"));
+    EXPECT_EQ(Find<QLabel>(form, "LowAlarmUnit").text(), "mV");
+    EXPECT_EQ(test.Sent, (Lines{"%0101000600", "@01DA", "@01PL-01.500", "@01PH+01.000"}));
+}
+
+const ModuleRecord Counter = {
+    .Model = "8510  ",
+    .InputRange = 80,
+    .Checksum = 1,
+    .Counter = {.GateMode = 2, .MaxValue = {100, 100}, .MinAtHigh = 10, .TtlAtHigh = 20}};
+const ModuleRecord TenVolts = {
+    .Model = "8220  ", .HighAlarm = 8.5F, .LowAlarm = -1.5F, .InputRange = 8, .Checksum = 1};
+
+const Lines Refused = {"nothing is sent, and the dialog stays open"};
+
+struct EntryCase {
+    ModuleRecord Record;
+    Opener Open;
+    const char* Entries;
+    Lines Sent;
+    bool Accepted = true; // else the module refuses some of it
+};
+
+const EntryCase EntryCases[] = {
+    {Counter, Open<CtrConfigForm>, "CounterStatus_1=Start", {"$01511"}},
+    {Counter,
+     Open<CtrConfigForm>,
+     "MaxValue_0=4294967295;MaxValue_1=255",
+     {"$0130FFFFFFFF", "$0131000000FF"}},
+    {Counter, Open<CtrConfigForm>, "MaxValue_0=2147483648.9;MaxValue_1=100.9", {"$013080000000"}},
+    {Counter,
+     Open<CtrConfigForm>,
+     "InitialValue_0=12.9;InitialValue_1=-1",
+     {"@01P00000000C", "@01P1FFFFFFFF"}},
+    {Counter, Open<CtrConfigForm>, "TTLAtHigh=2.4;TTLAtLow=0.8", {"$011H24", "$011L08"}},
+    {Counter, Open<CtrConfigForm>, "TTLAtHigh=1.96;TTLAtLow=0.96", {"$011L10"}},
+    {Counter, Open<CtrConfigForm>, "MinAtHigh=10.9 us;MinAtLow=5", {"$010L0005"}},
+    {Counter, Open<CtrConfigForm>, "MinAtHigh=us;MinAtLow=12345", {"$010H00us", "$010L12345"}, false},
+    {Counter, Open<CtrConfigForm>, "TypeCode=Frequency;FreqGateTime=1 second", {"%0101510644"}},
+    {Counter,
+     Open<CtrConfigForm>,
+     "TypeCode=Frequency;DigitalFilter=Enabled;MaxValue_0=1e300",
+     {"%0101510640"}},
+    {Counter, Open<CtrConfigForm>, "Addr=18;InputMode=Photo Isolated", {"%0112500640", "$12B1"}},
+    {Counter, Open<CtrConfigForm>, "MaxValue_1=4294967296", Refused},
+    {Counter, Open<CtrConfigForm>, "InitialValue_0=-2147483649", Refused},
+    {Counter, Open<CtrConfigForm>, "AlarmValue_0=1e300", Refused},
+    {Counter, Open<CtrConfigForm>, "MinAtHigh=32768", Refused},
+    {Counter, Open<CtrConfigForm>, "MinAtLow=7\r%0109500600", Refused},
+    {Counter, Open<CtrConfigForm>, "TTLAtLow=4e30", Refused},
+    {TenVolts, Open<MultiConfigForm>, "LowAlarm=-1,5004", {}},
+    {TenVolts, Open<MultiConfigForm>, "LowAlarm= -1,5006 ;HighAlarm=10", {"@01PL-01.501", "@01PH+10.000"}},
+    {TenVolts, Open<MultiConfigForm>, "Addr=2;AlarmMode=Momentary", {"%0102080640", "@02EA1"}},
+    {TenVolts,
+     Open<MultiConfigForm>,
+     "InputRange=+/- 150mV",
+     {"%01010C0640", "@01PL-001.50", "@01PH+008.50"}},
+    {ConverterWith(0x3FE0), Open<N8610ConfigForm>, "DataBits=8", {"%010100663FE3"}},
+    {ConverterWith(0x7FE3), Open<N8610ConfigForm>, "DataBits=6;StopBits=2", {"%010100667FE5"}},
+    // The second code for no parity stays.
+    {ConverterWith(0x0013), Open<N8610ConfigForm>, "Interface=RS-485", {"%010100668013"}},
+    {ConverterWith(0x0013), Open<N8610ConfigForm>, "Parity=Odd", {"%01010066000B"}},
+    {ConverterWith(0x0013), Open<N8610ConfigForm>, "Parity=Even", {"%01010066001B"}},
+    {ConverterWith(0xFFFF), Open<N8610ConfigForm>, "Parity=None;Interface=RS-422", {"%010100667FE7"}},
+};
+
+TEST(ConfigForm, EntriesAsBytes) {
+    for (const EntryCase& test : EntryCases) {
+        SCOPED_TRACE(test.Entries);
+        ModuleOnLine module(test.Record);
+        module.Session.DecimalSeparator = ",";
+        const bool refused = test.Sent == Refused;
+        EXPECT_EQ(StaysOpen(*test.Open(module.Session, module.Messages), test.Entries), refused);
+        EXPECT_EQ(module.Sent, refused ? Lines{} : test.Sent);
+        EXPECT_EQ(module.Session.ConfigResult, refused || test.Sent.empty() || !test.Accepted ? 2 : 1);
+        module.Sent.clear();
+        StaysOpen(*test.Open(module.Session, module.Messages), test.Entries);
+        EXPECT_EQ(module.Sent.empty(), test.Accepted) << "what was accepted is in the entry";
+    }
+}
+
+TEST(ConfigForm, InitialisationStateIsSpokenToAt00) {
+    ModuleOnLine counter(Counter), converter(ConverterWith(3));
+    for (ModuleOnLine* each : {&counter, &converter}) {
+        each->Session.ScanIndex = 0;
+        each->Module.Settings.Initialisation = true;
+    }
+    CtrConfigForm form(counter.Session, counter.Messages);
+    EXPECT_FALSE(StaysOpen(form, "Addr=5;BaudRate=115200;ChecksumCombo=Disabled;MaxValue_0=7.9"));
+    EXPECT_EQ(counter.Sent, (Lines{"%0005500900", "$003000000007"}));
+    EXPECT_EQ(LinkSettingsOf(counter.Record), (LinkSettings{5, 6, 0}));
+    EXPECT_EQ(counter.Record.Counter.MaxValue[0], 7.9) << "kept as it was entered";
+    N8610ConfigForm other(converter.Session, converter.Messages);
+    EXPECT_FALSE(StaysOpen(other, "Addr=9;BaudRate=57600;SecondBaudRate=115200;ChecksumCombo=Enabled"));
+    EXPECT_EQ(converter.Sent, Lines{"%0009009A4003"});
+}
+
+TEST(MultiConfigForm, ImpossibleLimitsAreRefused) {
+    for (const char* text : {"10,001", "-11", "", "-", ",", "1,5 V", "--1", "1,2,3", "inf", "nan", "1e0"}) {
+        ModuleOnLine test(TenVolts);
+        test.Session.DecimalSeparator = ",";
+        MultiConfigForm form(test.Session, test.Messages);
+        EXPECT_TRUE(StaysOpen(form, QString("LowAlarm=") + text));
+        EXPECT_EQ(test.Messages.Shown,
+                  (ShownMessages{{"The low alarm limit must be a number from -10 to +10 V.", "Error"}}));
+        EXPECT_EQ(test.Sent, Lines{});
+    }
+}
+
+TEST(MultiConfigForm, LimitsOfARefusedRangeAreNotSent) {
+    ModuleOnLine test(TenVolts);
+    test.Module.CommandFaults = [](std::string_view command) { return Faults{.Refuse = command[0] == '%'}; };
+    MultiConfigForm form(test.Session, test.Messages);
+    EXPECT_FALSE(StaysOpen(form, "InputRange=+/- 150mV;LowAlarm=-2;HighAlarm=100"));
+    EXPECT_EQ(test.Sent, (Lines{"%01010C0640", "@01PL-02.000"}));
+    EXPECT_EQ(test.Messages.Shown, (ShownMessages{{ConfigFailedText, "Error"},
+                                                  {"High alarm limit configuration failed.", "Error"},
+                                                  CompleteMessage}));
+    EXPECT_EQ(test.Record.HighAlarm, 8.5F);
 }
 
 TEST(ConfigForm, AddressAndCancel) {
@@ -106,16 +242,12 @@ TEST(ConfigForm, AddressAndCancel) {
     }
     address.clear();
     Type(address, "x-");
-    form.show();
-    for (const char* text : {"", "256", "99999999999"}) {
-        address.setText(text);
-        Click(form, "OKBtn");
-    }
-    const std::string tooHigh = "Address can not exceed 255.";
+    EXPECT_TRUE(StaysOpen(form, ""));
+    EXPECT_TRUE(StaysOpen(form, "Addr=256"));
+    EXPECT_TRUE(StaysOpen(form, "Addr=99999999999"));
+    const std::pair<std::string, std::string> tooHigh = {"Address can not exceed 255.", "Error"};
     EXPECT_EQ(test.Messages.Shown,
-              (ShownMessages{
-                  {"Enter an address from 0 to 255.", "Error"}, {tooHigh, "Error"}, {tooHigh, "Error"}}));
-    EXPECT_TRUE(form.isVisible());
+              (ShownMessages{{"Enter an address from 0 to 255.", "Error"}, tooHigh, tooHigh}));
     test.Session.ConfigResult = 1;
     Click(form, "CancelBtn");
     EXPECT_FALSE(form.isVisible());
@@ -135,24 +267,17 @@ struct ImpatientMessages : RecordedMessages {
     QDialog* Form = nullptr;
 };
 
-TEST(ConfigForm, NothingRunsTwiceAndALostPortIsOneMessage) {
-    for (const bool lost : {false, true}) {
-        ModuleOnLine test({.Model = "8410  "});
-        ImpatientMessages messages;
-        DioConfigForm form(test.Session, messages);
-        messages.Form = &form;
-        test.UnplugAt = lost ? 2 : 0;
-        Find<QLineEdit>(form, "Addr").setText("2");
-        List(form, "InputPolarity").setCurrentIndex(1);
-        Click(form, "OKBtn");
-        EXPECT_EQ(test.Sent, (Lines{"%0102400600", "~02CP01"}));
-        ASSERT_EQ(messages.Shown.size(), lost ? 2U : 1U);
-        EXPECT_EQ(messages.Shown.front(), CompleteMessage);
-        EXPECT_EQ(form.result(), QDialog::Accepted);
-        EXPECT_EQ(test.Session.ConfigResult, 1);
-        EXPECT_EQ(test.Record.Digital.Polarity, lost ? 0 : 1);
-        EXPECT_EQ(QApplication::overrideCursor(), nullptr);
-    }
+TEST(ConfigForm, NothingRunsTwice) {
+    ModuleOnLine test({.Model = "8410  "});
+    ImpatientMessages messages;
+    DioConfigForm form(test.Session, messages);
+    messages.Form = &form;
+    EXPECT_FALSE(StaysOpen(form, "Addr=2;InputPolarity=Change!"));
+    EXPECT_EQ(test.Sent, (Lines{"%0102400600", "~02CP01"}));
+    EXPECT_EQ(messages.Shown, ShownMessages{CompleteMessage});
+    EXPECT_EQ(form.result(), QDialog::Accepted);
+    EXPECT_EQ(test.Session.ConfigResult, 1);
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
 } // namespace

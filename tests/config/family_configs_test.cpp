@@ -22,7 +22,7 @@ Change Applying(Config config) {
     return [config](Session& session, Messages& messages) { return Apply(session, 0, config, messages); };
 }
 
-constexpr auto Input = Applying<AnalogInputSettings, ApplyAnalogInputSettings>;
+constexpr auto Input = Applying<AnalogInputConfig, ApplyAnalogInputConfig>;
 constexpr auto Output = Applying<AnalogOutputConfig, ApplyAnalogOutputConfig>;
 constexpr auto Digital = Applying<DigitalConfig, ApplyDigitalConfig>;
 constexpr auto Ports = Applying<PortDirectionConfig, ApplyPortDirectionConfig>;
@@ -165,86 +165,6 @@ TEST(FamilyConfigs, PortDirectionsAsBytes) {
           {{}, {Failed, PortsFailed}, 2, 1}, State::Initialisation);
 }
 
-/// A change that sends both commands of its family to a module at 01 with checksum, which the first moves to
-/// 02.
-struct FaultCase {
-    const char* Model;
-    Change Apply;
-    std::string First, Second;            // as they are sent, the second with "AA" for the address kept
-    std::string Failure;                  // of the second
-    bool ToldAtOnce;                      // the success of the first; else that of any, at the end
-    std::int16_t Range = 0, Polarity = 0; // kept when accepted
-};
-
-const Kept BeforeFault = {1, 3, 0, 0, 1};
-
-const FaultCase FaultCases[] = {
-    {"8250  ", Input({{2, 3, 1}, 9, 0, 3}), "%0102090640", "$AA503", ChannelsFailed, false, 9},
-    {"8320  ", Output({{2, 3, 1}, 51, 0, 1}), "%0102330640", "~AACP01", InputPolarityFailed, true, 51, 1},
-    {"8450  ", Digital({{2, 3, 1}, 1, 0}), "%0102400640", "~AACP01", PolarityFailed, true, 0, 1},
-    {"8460  ", Ports({{2, 3, 1}, 9}), "%0102400640", "$AAS09", PortsFailed, false},
-};
-
-std::string WithChecksum(const std::string& text) {
-    return text + ChecksumOf(text);
-}
-
-/// What the entry holds when the first, the second command was accepted.
-Kept KeptAfter(const FaultCase& test, bool first, bool second) {
-    Kept kept = BeforeFault;
-    if (first)
-        kept.Address = 2, kept.Range = test.Range;
-    if (second)
-        kept.Polarity = test.Polarity;
-    return kept;
-}
-
-/// One command of `test` gets `badReply`, which is accepted or not; the other a good one.
-void CheckFault(const FaultCase& test, bool firstIsBad, const std::string& badReply, bool accepted) {
-    SCOPED_TRACE(test.Model + badReply + (firstIsBad ? " first" : " second"));
-    ConfigSession session(test.Model, BeforeFault);
-    const std::string address = firstIsBad ? "01" : "02";
-    const std::string second = test.Second.substr(0, 1) + address + test.Second.substr(3);
-    const std::string good = WithChecksum("!" + address) + "\r";
-    session.Port().Queue = {{firstIsBad ? badReply : good}, {firstIsBad ? good : badReply}};
-    Lines shown;
-    if (firstIsBad)
-        shown.push_back(Failed);
-    else if (test.ToldAtOnce)
-        shown.push_back(Done);
-    if (!firstIsBad && !accepted)
-        shown.push_back(test.Failure);
-    if (!test.ToldAtOnce)
-        shown.push_back(Done);
-
-    const auto start = session.Time.GetTickCount();
-    EXPECT_EQ(test.Apply(session.Session, session.Messages) == ConfigOutcome::Complete, accepted);
-    EXPECT_GE(session.Time.GetTickCount() - start,
-              badReply.empty() ? session.Session.Line.LongReplyTimeout : 0);
-    EXPECT_EQ(session.Sent(), (Lines{"9600 " + WithChecksum(test.First), "9600 " + WithChecksum(second)}));
-    EXPECT_EQ(session.Shown(), shown);
-    EXPECT_EQ(session.Kept(), KeptAfter(test, !firstIsBad, firstIsBad || accepted));
-    EXPECT_EQ(session.Session.ConfigResult, 1) << "one of the two was accepted";
-}
-
-TEST(FamilyConfigs, EachFaultAtEachCommand) {
-    for (const FaultCase& test : FaultCases)
-        for (const bool first : {true, false}) {
-            for (const std::string& reply :
-                 {std::string(), WithChecksum("?01") + "\r", std::string("!02BD\r")})
-                CheckFault(test, first, reply, false);
-            // Of the second command's reply the "!" alone counts.
-            CheckFault(test, first, WithChecksum("!7F") + "\r", !first);
-
-            ConfigSession lost(test.Model, BeforeFault);
-            lost.Port().Queue = {{WithChecksum("!02") + "\r"}};
-            lost.Port().OutputsUntilFailure = first ? 0 : 1;
-            EXPECT_THROW(test.Apply(lost.Session, lost.Messages), RuntimeFailure);
-            EXPECT_EQ(lost.Kept(), KeptAfter(test, !first, false));
-            EXPECT_EQ(lost.Shown(), !first && test.ToldAtOnce ? Lines{Done} : Lines{});
-        }
-}
-
 TEST(FamilyConfigs, ReadsBeforeTheDialog) {
     struct Case {
         const char* Reply;
@@ -254,7 +174,7 @@ TEST(FamilyConfigs, ReadsBeforeTheDialog) {
                              Case{"!F\r", 0, 15}, Case{"!x\r", 0, 0}, Case{"!01A5", 0, 0}}) {
         ConfigSession session("8460  ", {});
         session.Port().Replies["9600 $016"] = {test.Reply};
-        EXPECT_EQ(ReadAnalogInputSettings(session.Session, 0).EnabledChannels, test.Channels) << test.Reply;
+        EXPECT_EQ(ReadAnalogInputConfig(session.Session, 0).EnabledChannels, test.Channels) << test.Reply;
         const auto start = session.Time.GetTickCount();
         EXPECT_EQ(ReadPortDirectionConfig(session.Session, 0).InputPorts, test.Inputs) << test.Reply;
         EXPECT_LE(session.Time.GetTickCount() - start, session.Session.Line.ReplyTimeout)

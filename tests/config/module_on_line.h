@@ -1,12 +1,11 @@
 #pragma once
 
 #include "config/config_commands.h"
+#include "map/family_reads.h"
 #include "sim/module_factory.h"
 #include "support/test_session.h"
 
 #include <gtest/gtest.h>
-
-#include <functional>
 
 namespace kavro {
 
@@ -24,10 +23,11 @@ struct ModuleOnLine : SimulatedSession {
         Record = record;
         Record.Address = 1;
         Record.BaudCode = 3;
+        Session.Line.SetPortBaud(1, 3, 0, 8, 0); // the pause after a change of speed is over
         Line.Log = [this](const LineEvent& event) {
             const std::size_t checksum = Module.Settings.Checksum && !Module.Settings.Initialisation ? 2 : 0;
             Sent.push_back(event.Command.substr(0, event.Command.size() - checksum));
-            if (static_cast<int>(Sent.size()) == UnplugAt)
+            if (Sent.size() == UnplugAt)
                 Line.Unplug();
         };
     }
@@ -35,59 +35,15 @@ struct ModuleOnLine : SimulatedSession {
     SimulatedModule& Module;
     ModuleRecord& Record;
     Lines Sent;
-    int UnplugAt = 0; ///< the adapter is pulled out at that command, counted from 1
+    std::size_t UnplugAt = 0; ///< the adapter is pulled out at that command, counted from 1
 };
 
-/// Applies the entry's settings with a change.
-template <class Config, auto ConfigOf, auto Apply>
-ConfigOutcome ApplyChange(ModuleOnLine& test, const std::function<void(Config&)>& change) {
-    Config config = ConfigOf(test.Session, 0);
-    change(config);
-    test.Sent.clear();
-    test.Messages.Shown.clear();
-    return Apply(test.Session, 0, config, test.Messages);
-}
-
-/// A command of a sequence and what is shown when the module does not accept it.
-struct ConfigStep {
-    std::string Command, Failure;
-};
-
-/// `apply` sends `steps` to a module with `record`. Each of them failing in each way is told, does not stop
-/// the others and leaves its own field alone, so that the next time nothing else is sent; the port lost at it
-/// is an exception, and what comes from there on is sent the next time.
-inline void ExpectFaultsAtEachStep(const ModuleRecord& record, const std::vector<ConfigStep>& steps,
-                                   const std::function<ConfigOutcome(ModuleOnLine& test)>& apply) {
-    Lines all;
-    for (const ConfigStep& step : steps)
-        all.push_back(step.Command);
-    for (std::size_t i = 0; i < steps.size(); ++i) {
-        SCOPED_TRACE(steps[i].Command);
-        ShownMessages shown = {{steps[i].Failure, "Error"}};
-        if (steps.size() > 1)
-            shown.push_back(CompleteMessage);
-        for (const Faults& fault : {Faults{.Silent = true}, Faults{.Refuse = true},
-                                    Faults{.WrongChecksum = true}, Faults{.WrongAddress = true}}) {
-            ModuleOnLine test(record);
-            test.Module.CommandFaults = [&](std::string_view command) {
-                return command.starts_with(steps[i].Command) ? fault : Faults{};
-            };
-            EXPECT_EQ(apply(test), ConfigOutcome::Incomplete);
-            EXPECT_EQ(test.Sent, all);
-            EXPECT_EQ(test.Messages.Shown, shown);
-            test.Module.CommandFaults = {};
-            EXPECT_EQ(apply(test), ConfigOutcome::Complete);
-            EXPECT_EQ(test.Sent, Lines{steps[i].Command});
-        }
-        ModuleOnLine test(record);
-        test.UnplugAt = static_cast<int>(i) + 1;
-        EXPECT_THROW(apply(test), RuntimeFailure);
-        test.UnplugAt = 0;
-        test.Line.Plug();
-        test.Session.Line.CommPort(1).PortOpen(true);
-        EXPECT_EQ(apply(test), ConfigOutcome::Complete);
-        EXPECT_EQ(test.Sent, Lines(all.begin() + static_cast<std::ptrdiff_t>(i), all.end()));
-    }
+/// The entry of a converter with that format word.
+inline ModuleRecord ConverterWith(std::int32_t word) {
+    ModuleRecord record = {.Model = "8620  ", .Converter = {.SecondBaudCode = 3}};
+    record.InputRange = static_cast<std::int16_t>(FactorySettings("8620").TypeCode);
+    DecodeConverterFormat(word, record);
+    return record;
 }
 
 } // namespace kavro
