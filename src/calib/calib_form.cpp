@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QFormLayout>
 #include <QGridLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 
@@ -84,6 +85,7 @@ void CalibForm::Finish(std::function<void()> back, std::function<bool()> next) {
     });
     next_ = Button("NextBtn", "&Next >");
     next_->setDefault(true);
+    next_->installEventFilter(this);
     connect(next_, &QPushButton::clicked, this, [this, next = std::move(next)] { Operate(next); });
     auto* exit = Button("ExitBtn", "E&xit");
     connect(exit, &QPushButton::clicked, this, &QDialog::reject);
@@ -156,6 +158,17 @@ void CalibForm::Wait(int milliseconds) {
         control->setEnabled(true);
     if (focus)
         focus->setFocus();
+}
+
+// One step at a time: the second half of a double click, or a key held down, must not store or end a step
+// that nobody has seen.
+bool CalibForm::eventFilter(QObject* watched, QEvent* event) {
+    bool again = event->type() == QEvent::MouseButtonDblClick;
+    if (event->type() == QEvent::KeyPress) {
+        const auto& press = static_cast<const QKeyEvent&>(*event);
+        again = press.isAutoRepeat() && (press.key() == Qt::Key_Return || press.key() == Qt::Key_Enter);
+    }
+    return again || QDialog::eventFilter(watched, event);
 }
 
 void CalibForm::reject() {

@@ -25,6 +25,8 @@ public:
     void reject() override; // Exit, Escape and the close button
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
     /// Clicks made while an operation blocked the window.
     enum class Clicks { Drop, Keep };
 

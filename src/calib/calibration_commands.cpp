@@ -6,8 +6,15 @@ namespace kavro {
 
 namespace {
 
-void OpenLostPort(Line& line) {
-    line.CommPort(line.CurrentPort).PortOpen(true); // does nothing when it is open
+template <class Operation>
+auto OnOpenPort(Line& line, Operation operation) {
+    try {
+        line.CommPort(line.CurrentPort).PortOpen(true); // does nothing when it is open
+        return operation();
+    } catch (const RuntimeFailure& failure) {
+        throw RuntimeFailure(failure.what() +
+                             std::string("\n\nConnect the line and try again: the port opens by itself."));
+    }
 }
 
 } // namespace
@@ -17,14 +24,14 @@ std::string CalibrationCommand(const Session& session, int index, char lead, con
 }
 
 bool ExchangeCalibration(Session& session, int index, const std::string& command, int timeoutMs) {
-    OpenLostPort(session.Line);
-    return ExchangeWithModule(session, index, command, timeoutMs);
+    return OnOpenPort(session.Line, [&] { return ExchangeWithModule(session, index, command, timeoutMs); });
 }
 
 void SendCalibration(Session& session, int index, const std::string& command) {
-    OpenLostPort(session.Line);
-    session.Line.CommandText = command;
-    session.Line.SendCommand(command, ModuleChecksum(session, index), ModuleBaudCode(session, index));
+    OnOpenPort(session.Line, [&] {
+        session.Line.CommandText = command;
+        session.Line.SendCommand(command, ModuleChecksum(session, index), ModuleBaudCode(session, index));
+    });
 }
 
 } // namespace kavro

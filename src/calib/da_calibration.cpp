@@ -9,6 +9,7 @@ namespace {
 
 constexpr std::size_t ConfigReplyLength = 9; // "!AATTCCFF"
 constexpr std::size_t ConfigLength = 6;
+constexpr std::int16_t FirstOutputStep = 4;
 constexpr std::int16_t LastStep = 5;
 
 constexpr const char* GuideTexts[LastStep] = {
@@ -19,13 +20,10 @@ constexpr const char* GuideTexts[LastStep] = {
     "the screw terminals of the module.",
     "Check the actual output value at the module's terminals. If it does not equal 4mA, use the 'Trim Up' or "
     "'Trim Down' button to change the actual output. Trim the module until the milliammeter indicates "
-    "exactly "
-    "4mA or the voltage meter indicates exactly 1V.",
+    "exactly 4mA or the voltage meter indicates exactly 1V.",
     "Check the actual output value at the module's terminals. If it does not equal 20mA, use the 'Trim Up' "
-    "or "
-    "'Trim Down' button to change the actual output. Trim the module until the milliammeter indicates "
-    "exactly "
-    "20mA or the voltage meter indicates exactly 5V.",
+    "or 'Trim Down' button to change the actual output. Trim the module until the milliammeter indicates "
+    "exactly 20mA or the voltage meter indicates exactly 5V.",
 };
 
 } // namespace
@@ -73,13 +71,13 @@ void DaCalibration::ShowStep() {
     }
 }
 
-// True when a failure of the port had interrupted the step, which is then begun anew.
+// True when a failure of the port had interrupted a step with an output, which is then begun anew.
 bool DaCalibration::TakeUp() {
     if (!interrupted_)
         return false;
     SetUp();
     ShowStep();
-    return true;
+    return view_.StepNo >= FirstOutputStep;
 }
 
 void DaCalibration::BackBtn_Click() {
@@ -92,8 +90,8 @@ void DaCalibration::BackBtn_Click() {
 bool DaCalibration::NextBtn_Click() {
     if (TakeUp())
         return false;
-    if (view_.StepNo >= 4)
-        Exchange('$', view_.StepNo == 4 ? "0" : "1");
+    if (view_.StepNo >= FirstOutputStep)
+        Exchange('$', view_.StepNo == FirstOutputStep ? "0" : "1");
     if (view_.StepNo == LastStep)
         return true;
     ++view_.StepNo;
@@ -130,7 +128,7 @@ std::string DaCalibration::WhatToRestore() const {
     if (!MustRestore())
         return {};
     return "\n\nThe module is still set up for calibration. Its own configuration is " + savedConfig_ +
-           "; the command " + Configure(savedConfig_) + " restores it. Connect the line again and go on.";
+           "; the command " + Configure(savedConfig_) + " restores it.";
 }
 
 } // namespace kavro

@@ -18,8 +18,8 @@ struct DaCalibrationView : CalibrationView {
 ///
 /// Every function throws `RuntimeFailure` when the port fails, with the configuration that is still to be
 /// restored in its description. What was interrupted is then taken up by the next button: the module is set
-/// up again and, unless the button was Back, put to the output of the step that is shown and nothing more, so
-/// that nothing is ever stored at an output that nobody has seen.
+/// up again and, unless the button was Back, put to the output of the step that is shown, if it has one, and
+/// nothing more, so that nothing is ever stored at an output that nobody has seen.
 class DaCalibration {
 public:
     /// Step 1 for entry `index`. Reads the module's configuration; without a good reply the module is left in

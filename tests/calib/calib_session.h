@@ -4,23 +4,16 @@
 
 namespace kavro {
 
-/// Makes entry 4 a module at 9600 baud and selects it.
-inline void SelectModule(Session& session, const std::string& model, std::int16_t address,
-                         std::int16_t range = 0) {
-    session.ScanIndex = -1;
-    session.SelectedModule = 4;
-    ModuleRecord& record = session.ModuleTable[4];
-    record.Model = FixedText(model, 6);
-    record.Address = address;
-    record.BaudCode = 3;
-    record.InputRange = range;
-    session.Line.SetPortBaud(1, 3, 0, 0, 0);
-}
-
-/// Such a module on a scripted port.
+/// Entry 4 is selected, at 9600 baud. It answers only the cold-junction read of address 12 (hexadecimal).
 struct CalibSession : ScriptedSession {
-    explicit CalibSession(const std::string& model, std::int16_t address, std::int16_t range = 0) {
-        SelectModule(Session, model, address, range);
+    CalibSession(const char* model, std::int16_t address, std::int16_t range,
+                 const std::string& reading = {}) {
+        Session.ScanIndex = -1;
+        Session.SelectedModule = 4;
+        Session.ModuleTable[4] = {
+            .Address = address, .Model = FixedText(model, 6), .BaudCode = 3, .InputRange = range};
+        Session.Line.SetPortBaud(1, 3, 0, 0, 0);
+        Port().Replies["9600 $123"] = {reading};
         Log.clear();
     }
     /// Milliseconds since then.
