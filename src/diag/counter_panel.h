@@ -18,6 +18,8 @@ using CounterFlags = std::array<bool, CounterTotal>;
 struct CounterAlarms {
     CounterFlags Enabled{};
     CounterFlags Active{}; ///< the count is at or above its limit
+
+    bool operator==(const CounterAlarms&) const = default;
 };
 
 /// Reads the count of counter 0 or 1 of entry `index`, or in a frequency type the frequency of that input in

@@ -32,12 +32,27 @@ std::string Field(const std::string& text) {
 bool WriteAll(int file, std::string_view text) {
     while (!text.empty()) {
         const ssize_t written = write(file, text.data(), text.size());
-        if (written < 0 && errno != EINTR)
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
             return false;
-        text.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
+        text.remove_prefix(static_cast<std::size_t>(written));
     }
     // What is no file on a disk (a terminal, for one) has nothing to wait for and says EINVAL.
     return fsync(file) == 0 || errno == EINVAL;
+}
+
+// Puts whole lines on disk, or none of them; then false, with the reason in errno. By POSIX, as the streams
+// of C++ cannot wait for the disk.
+bool PutOnDisk(int file, std::string_view lines) {
+    const off_t before = lseek(file, 0, SEEK_CUR);
+    if (WriteAll(file, lines))
+        return true;
+    const int reason = errno;
+    // Without the part of a line that may still have found room; a device has no length to go back to.
+    [[maybe_unused]] const bool cut = before >= 0 && ftruncate(file, before) == 0;
+    errno = reason;
+    return false;
 }
 
 } // namespace
@@ -100,14 +115,10 @@ void CsvLog::Close() {
 void CsvLog::Write(std::string_view lines) {
     if (!IsOpen())
         return;
-    const off_t before = lseek(file_, 0, SEEK_CUR);
-    if (WriteAll(file_, lines))
+    if (PutOnDisk(file_, lines))
         return;
     const std::string reason = std::strerror(errno);
     const std::string path = path_;
-    // Without the part of a line that may still have found room.
-    if (before >= 0 && ftruncate(file_, before) != 0)
-        errno = 0; // a device has no length
     Close();
     throw RuntimeFailure("The log file " + path + " cannot be written: " + reason +
                          ". Logging is off; the values go on. Free space or choose another file, and switch "

@@ -53,7 +53,6 @@ void DaDiagForm::Start() {
 
 // The reply to an output command is received to keep the line in step, and not tested.
 void DaDiagForm::Change(int position) {
-    output_->ShowValue(position);
     Ask(OutputCommand(AddressText(Session(), Index()), Record(), BarAt(position)));
     output_->Confirm();
 }
@@ -66,6 +65,11 @@ void DaDiagForm::Tick() {
 
 void DaDiagForm::ShowStale(bool stale) {
     output_->ShowStale(stale);
+}
+
+void DaDiagForm::reject() {
+    output_->SendDue();
+    PanelForm::reject();
 }
 
 } // namespace kavro

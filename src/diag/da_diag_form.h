@@ -12,6 +12,8 @@ class DaDiagForm : public PanelForm {
 public:
     DaDiagForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent = nullptr);
 
+    void reject() override;
+
 protected:
     void Tick() override; // only while the port comes back
     void ShowStale(bool stale) override;

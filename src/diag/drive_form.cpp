@@ -1,5 +1,6 @@
 #include "diag/drive_form.h"
 
+#include "diag/reading_rows_form.h"
 #include "ui/fixed_font.h"
 #include "ui/named.h"
 
@@ -12,7 +13,6 @@ namespace kavro {
 
 namespace {
 
-constexpr const char* StaleMark = " (stale)";
 constexpr double LargeFactor = 1.5;
 constexpr const char* NotYetRead = "-";
 constexpr const char* StaleText = "What is marked as stale was read before.";

@@ -36,6 +36,10 @@ void DrawLamp(QPainter& painter, const QRectF& place, LampPicture picture, const
     painter.restore();
 }
 
+int LampSide(const QFontMetrics& font) {
+    return font.height() * LinesHigh10 / 10;
+}
+
 Lamp::Lamp(const QString& name, const QString& caption) : caption_(caption) {
     setObjectName(name);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -61,7 +65,7 @@ void Lamp::Describe() {
 }
 
 QSize Lamp::sizeHint() const {
-    const int side = fontMetrics().height() * LinesHigh10 / 10;
+    const int side = LampSide(fontMetrics());
     return {side, side};
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QFontMetrics>
 #include <QPalette>
 #include <QWidget>
 
@@ -11,9 +12,12 @@ namespace kavro {
 /// they differ without their colour too.
 enum class LampPicture { Bit0, Bit1 };
 
-/// Draws a lamp to fill the square `place`; a stale one without its colour, with a dashed edge.
+/// Draws a lamp to fill the square `place`; a stale one without its colour, with a dotted edge.
 void DrawLamp(QPainter& painter, const QRectF& place, LampPicture picture, const QPalette& palette,
               bool stale = false);
+
+/// Side of a lamp next to text in this font, in pixels.
+int LampSide(const QFontMetrics& font);
 
 /// Shows a digital state; "Input 3: on" to a screen reader when its caption is "Input 3".
 class Lamp : public QWidget {

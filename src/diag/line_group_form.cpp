@@ -16,8 +16,7 @@ namespace kavro {
 namespace {
 
 constexpr int LinesPerRow = 8;
-constexpr int LampTenths = 16; // size of a lamp in tenths of a line of text
-constexpr int Border = 5;      // of the button around its lamp
+constexpr int Border = 5; // of the button around its lamp
 
 } // namespace
 
@@ -48,7 +47,7 @@ void LineButton::Describe() {
 }
 
 QSize LineButton::sizeHint() const {
-    const int side = fontMetrics().height() * LampTenths / 10 + 2 * Border;
+    const int side = LampSide(fontMetrics()) + 2 * Border;
     return {side, side};
 }
 

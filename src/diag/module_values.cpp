@@ -1,6 +1,10 @@
 #include "diag/module_values.h"
 
+#include "diag/analog_output_panel.h"
+#include "diag/counter_panel.h"
 #include "diag/digital_channels.h"
+#include "diag/digital_panel.h"
+#include "diag/port_panel.h"
 #include "link/codes.h"
 #include "link/text.h"
 #include "map/module_access.h"
@@ -12,15 +16,16 @@ namespace kavro {
 
 namespace {
 
-constexpr int OutputDecimals = 3;
-constexpr double OutputCounts = 4095;
-
 struct Reading {
     std::string Text;
     double Number = 0;
 };
 
-using MaybeReading = std::optional<Reading>;
+// What one transaction brings: the readings of one or more values, in order.
+using Readings = std::vector<std::optional<Reading>>;
+
+constexpr int OutputDecimals = 3;
+constexpr int DigitBits = 4; // of a hexadecimal digit
 
 // Selects an entry for as long as it lives: the full scale of a reading is that of the selected module.
 class Selection {
@@ -37,170 +42,156 @@ private:
     std::int16_t before_;
 };
 
-// One turn on one module: sends commands for as long as they are answered, and gathers the values.
-class Turn {
-public:
-    Turn(Session& session, int index) : session_(session), index_(index) {}
-
-    std::vector<ChannelValue> Values;
-
-    const ModuleRecord& Record() const { return session_.ModuleTable[index_]; }
-    const std::string& Reply() const { return session_.Line.ReplyText; }
-
-    // Sends "$AA6" for ('$', "6"). Whether a complete reply of that class came.
-    bool Ask(char lead, const std::string& tail, char replyClass) {
-        if (lost_)
-            return false;
-        ExchangeWithModule(session_, index_, lead + AddressText(session_, index_) + tail,
-                           session_.Line.ReplyTimeout);
-        NoteStatus();
-        return session_.Line.ReplyIs(replyClass);
-    }
-
-    MaybeReading ReadInput(int channel) {
-        if (lost_)
-            return std::nullopt;
-        const Selection selection(session_, index_);
-        const AnalogReading reading = ReadAnalogInput(session_, index_, channel);
-        NoteStatus();
-        return reading.Value ? MaybeReading({reading.Text, *reading.Value}) : std::nullopt;
-    }
-
-    std::optional<unsigned> ReadEnables() {
-        const auto enables = ReadChannelEnables(session_, index_, session_.Line.ReplyTimeout);
-        NoteStatus();
-        return session_.Line.ReplyIs('!') ? enables : std::nullopt; // a refusal is no mask
-    }
-
-    void Put(std::string channel, std::string unit, const MaybeReading& reading) {
-        ChannelValue value{
-            std::move(channel), {}, std::nullopt, std::move(unit), lost_.value_or(ValueState::Error)};
-        if (reading) {
-            value.Text = reading->Text;
-            value.Number = reading->Number;
-            value.State = ValueState::Ok;
-        }
-        Values.push_back(std::move(value));
-    }
-
-    std::string Unit() const { return Trim(RangeUnit(Record().InputRange, Record().DataFormat)); }
-
-private:
-    void NoteStatus() {
-        if (session_.Line.ReplyStatus == 0)
-            lost_ = Reply().empty() ? ValueState::NoReply : ValueState::Error;
-    }
-
-    Session& session_;
-    int index_;
-    std::optional<ValueState> lost_; // why nothing more is sent in this turn
-};
-
-// `digits` hexadecimal digits of a reply from the character `first` (counted from 1) on.
-MaybeReading Word(const std::string& reply, std::size_t first, int digits) {
-    std::string text = Middle(reply, first, static_cast<std::size_t>(digits));
-    const auto number = HexNumber(text);
-    return number ? MaybeReading({std::move(text), static_cast<double>(*number)}) : std::nullopt;
+Reading OutputReading(double value) {
+    return {FormatNumber(value, 1, OutputDecimals), value};
 }
 
-void ReadInputs(Turn& turn, std::optional<unsigned>& enables) {
-    const int channels = ChannelCount(turn.Record().Model).value_or(0);
-    if (channels == 1)
-        enables = 1;
-    if (!enables)
-        enables = turn.ReadEnables();
-    for (int channel = 0; channel < channels; ++channel) {
-        const bool enabled = enables && (*enables >> channel & 1U) != 0;
-        turn.Put(std::to_string(channel), turn.Unit(), enabled ? turn.ReadInput(channel) : std::nullopt);
-        if (enables && !enabled)
-            turn.Values.back().State = ValueState::Disabled;
-    }
+Reading WordReading(unsigned word, int channels) {
+    const int digits = (channels + DigitBits - 1) / DigitBits;
+    return {ToHex(static_cast<std::int32_t>(word), static_cast<std::int16_t>(digits)),
+            static_cast<double>(word)};
+}
+
+Readings ReadInput(Session& session, int index, std::size_t place) {
+    const Selection selection(session, index);
+    const AnalogReading reading = ReadAnalogInput(session, index, static_cast<int>(place));
+    if (!reading.Value)
+        return {std::nullopt};
+    return {Reading{reading.Text, *reading.Value}};
 }
 
 // The output that an 8310 reports in its data format, in the unit of its range.
-MaybeReading OutputReading(const std::string& text, const ModuleRecord& record) {
-    constexpr std::int16_t liveZeroRange = 49; // 4 to 20 mA
-    const double low = record.InputRange == liveZeroRange ? 4 : 0;
-    const double span = RangeFullScale(record.InputRange) - low;
-    std::optional<double> value;
+Readings ReadSingleOutput(Session& session, int index) {
+    const ModuleRecord& record = session.ModuleTable[index];
+    const double low = OutputValue(record.InputRange, {0, 1});
+    const double span = OutputValue(record.InputRange, {1, 1}) - low;
     if (record.DataFormat == TwosComplement) {
-        if (const auto counts = HexNumber(text))
-            value = low + *counts * span / OutputCounts;
-    } else {
-        value = LeadingNumber(text);
-        if (value && record.DataFormat == PercentOfRange)
-            value = low + *value * span / 100;
+        const ModuleReply reply = AskModule(session, index, '$', "6", {.HexDigits = 3});
+        if (reply.Answer != Answer::Ok)
+            return {std::nullopt};
+        return {OutputReading(low + reply.Digits(0, 3) * span / OutputCounts)};
     }
-    return value ? MaybeReading({FormatNumber(*value, 1, OutputDecimals), *value}) : std::nullopt;
+    const ModuleReply reply = AskModuleForNumber(session, index, '$', "6");
+    if (reply.Answer != Answer::Ok)
+        return {std::nullopt};
+    const double value = NumericValue(reply.Data);
+    return {OutputReading(record.DataFormat == PercentOfRange ? low + value * span / 100 : value)};
 }
 
-void ReadOutputs(Turn& turn, std::optional<unsigned>& /*enables*/) {
-    const auto readBack = [&](const std::string& port) {
-        return turn.Ask('$', "6" + port, '!') ? std::optional(Middle(turn.Reply(), 4)) : std::nullopt;
-    };
-    if (ModelSuffix(turn.Record().Model) == "310") {
-        const auto data = readBack("");
-        turn.Put("0", turn.Unit(), data ? OutputReading(*data, turn.Record()) : std::nullopt);
-        return;
+Readings ReadOutput(Session& session, int index, std::size_t place) {
+    if (ModelSuffix(session.ModuleTable[index].Model) == "310")
+        return ReadSingleOutput(session, index);
+    if (place == OutputPorts) {
+        const auto inputs = ReadOutputModuleInputs(session, index);
+        return {inputs ? std::optional(WordReading(*inputs, OutputModuleInputs)) : std::nullopt};
     }
-    for (const char* port : {"A", "B", "C", "D"}) {
-        const auto data = readBack(port);
-        const auto value = data ? LeadingNumber(*data) : std::nullopt;
-        turn.Put(port, turn.Unit(),
-                 value ? MaybeReading({FormatNumber(*value, 1, OutputDecimals), *value}) : std::nullopt);
-    }
-    constexpr std::size_t inputReplyLength = 7; // "!II0000"
-    const bool good = turn.Ask('$', "8", '!') && turn.Reply().size() == inputReplyLength;
-    turn.Put("IN", WordUnit, good ? Word(turn.Reply(), 2, 2) : std::nullopt);
+    const std::string port(1, static_cast<char>('A' + place));
+    const ModuleReply reply = AskModuleForNumber(session, index, '$', "6" + port);
+    if (reply.Answer != Answer::Ok)
+        return {std::nullopt};
+    return {OutputReading(NumericValue(reply.Data))};
 }
 
-void ReadPorts(Turn& turn) {
-    struct Port {
-        const char* Name;
-        std::size_t First;
-        int Digits;
-    };
-    constexpr Port ports[] = {{"A", 2, 2}, {"B", 4, 2}, {"CH", 6, 1}, {"CL", 7, 1}};
-    constexpr std::size_t replyLength = 7; // "!PPPPPP"
-    const bool good = turn.Ask('$', "8", '!') && turn.Reply().size() == replyLength;
-    for (const Port& port : ports)
-        turn.Put(port.Name, WordUnit, good ? Word(turn.Reply(), port.First, port.Digits) : std::nullopt);
+Readings ReadPorts(Session& session, int index) {
+    Readings readings(DigitalPorts.size());
+    unsigned levels = 0;
+    if (ReadPortLevels(session, index, levels) == Answer::Ok)
+        for (std::size_t place = 0; place < readings.size(); ++place) {
+            const DigitalPort& port = DigitalPorts[place];
+            readings[place] = WordReading((levels & port.Word()) >> port.FirstLine, port.Lines);
+        }
+    return readings;
 }
 
-void ReadDigital(Turn& turn, std::optional<unsigned>& /*enables*/) {
-    const DigitalChannels channels = DigitalChannelsOf(turn.Record().Model);
-    if (channels.Inputs + channels.Outputs == 0)
-        return ReadPorts(turn);
-    constexpr std::size_t replyLength = 9; // "!OOOOIIII"
-    constexpr std::size_t outputsEnd = 6, inputsEnd = 10;
-    const bool good = turn.Ask('$', "6", '!') && turn.Reply().size() == replyLength;
-    const auto put = [&](const char* name, int count, std::size_t end) {
-        const int digits = (count + 3) / 4;
-        const std::size_t first = end - static_cast<std::size_t>(digits);
-        if (count > 0)
-            turn.Put(name, WordUnit, good ? Word(turn.Reply(), first, digits) : std::nullopt);
-    };
-    put("IN", channels.Inputs, inputsEnd);
-    put("OUT", channels.Outputs, outputsEnd);
+bool HasPorts(const ModuleRecord& record) {
+    return ModelSuffix(record.Model) == "460";
 }
 
-void ReadCounters(Turn& turn, std::optional<unsigned>& /*enables*/) {
-    const char* unit = turn.Record().InputRange == FrequencyRange ? "Hz" : "";
-    constexpr std::size_t replyLength = 9; // ">" and 8 digits
-    for (const char* channel : {"0", "1"}) {
-        const bool good = turn.Ask('#', channel, '>') && turn.Reply().size() == replyLength;
-        MaybeReading reading = good ? Word(turn.Reply(), 2, 8) : std::nullopt;
-        if (reading)
-            reading->Text = FormatNumber(reading->Number, 1, 0);
-        turn.Put(channel, unit, reading);
-    }
+Readings ReadDigital(Session& session, int index, std::size_t /*place*/) {
+    const ModuleRecord& record = session.ModuleTable[index];
+    if (HasPorts(record))
+        return ReadPorts(session, index);
+    DigitalStates states;
+    const bool read = ReadDigitalStates(session, index, states) == Answer::Ok;
+    const auto [inputs, outputs] = DigitalChannelsOf(record.Model);
+    Readings readings;
+    for (const auto& [word, channels] : {std::pair{states.Inputs, inputs}, {states.Outputs, outputs}})
+        if (channels > 0)
+            readings.push_back(read ? std::optional(WordReading(word, channels)) : std::nullopt);
+    return readings;
 }
 
-void ReadNothing(Turn& /*turn*/, std::optional<unsigned>& /*enables*/) {}
+Readings ReadCount(Session& session, int index, std::size_t place) {
+    std::uint32_t count = 0;
+    if (ReadCounter(session, index, static_cast<int>(place), count) != Answer::Ok)
+        return {std::nullopt};
+    return {Reading{FormatNumber(count, 1, 0), static_cast<double>(count)}};
+}
 
-using Read = void (*)(Turn& turn, std::optional<unsigned>& enables);
-constexpr std::array<Read, UnknownFamily + 1> ReadOfFamily = {
-    ReadDigital, ReadInputs, ReadOutputs, ReadInputs, ReadCounters, ReadNothing, ReadNothing};
+using Names = std::vector<std::string>;
+
+Names Numbers(int channels) {
+    Names names;
+    for (int channel = 0; channel < channels; ++channel)
+        names.push_back(std::to_string(channel));
+    return names;
+}
+
+Names InputNames(const ModuleRecord& record) {
+    return Numbers(ChannelCount(record.Model).value_or(0));
+}
+
+Names OutputNames(const ModuleRecord& record) {
+    return ModelSuffix(record.Model) == "310" ? Numbers(1) : Names{"A", "B", "C", "D", "IN"};
+}
+
+Names DigitalNames(const ModuleRecord& record) {
+    Names names;
+    if (HasPorts(record))
+        for (const DigitalPort& port : DigitalPorts)
+            names.emplace_back(port.Name);
+    const auto [inputs, outputs] = DigitalChannelsOf(record.Model);
+    if (inputs > 0)
+        names.emplace_back("IN");
+    if (outputs > 0)
+        names.emplace_back("OUT");
+    return names;
+}
+
+Names CounterNames(const ModuleRecord& /*record*/) {
+    return Numbers(CounterTotal);
+}
+
+Names NoNames(const ModuleRecord& /*record*/) {
+    return {};
+}
+
+// How the values of a family are named and read.
+struct FamilyValues {
+    Names (*Channels)(const ModuleRecord& record);
+    Readings (*Read)(Session& session, int index, std::size_t place);
+};
+
+constexpr std::array<FamilyValues, UnknownFamily + 1> Families = {{{DigitalNames, ReadDigital},
+                                                                   {InputNames, ReadInput},
+                                                                   {OutputNames, ReadOutput},
+                                                                   {InputNames, ReadInput},
+                                                                   {CounterNames, ReadCount},
+                                                                   {NoNames, nullptr},
+                                                                   {NoNames, nullptr}}};
+
+const FamilyValues& ValuesOf(const ModuleRecord& record) {
+    return Families[static_cast<std::size_t>(ModuleFamily(record.Model))];
+}
+
+std::string UnitOf(const ModuleRecord& record, const std::string& channel) {
+    const std::int16_t family = ModuleFamily(record.Model);
+    if (family == DigitalIo || channel == "IN")
+        return WordUnit;
+    if (family == CounterFrequency)
+        return record.InputRange == FrequencyRange ? "Hz" : "";
+    return Trim(RangeUnit(record.InputRange, record.DataFormat));
+}
 
 } // namespace
 
@@ -209,10 +200,62 @@ const char* StateText(ValueState state) {
     return texts[static_cast<std::size_t>(state)];
 }
 
+ModuleReader::ModuleReader(Session& session, int index, std::optional<unsigned>& enables)
+    : session_(session), index_(index), enables_(enables) {
+    const ModuleRecord& record = session.ModuleTable[index];
+    for (std::string& channel : ValuesOf(record).Channels(record)) {
+        std::string unit = UnitOf(record, channel);
+        Values.push_back({std::move(channel), {}, std::nullopt, std::move(unit), ValueState::NoReply});
+    }
+    askEnables_ = ModuleFamily(record.Model) == MultiAnalogInput && !enables;
+    SkipDisabled();
+}
+
+void ModuleReader::Step() {
+    if (!(askEnables_ ? AskEnables() : TakeReadings()))
+        GiveUp();
+    SkipDisabled();
+}
+
+bool ModuleReader::AskEnables() {
+    askEnables_ = false;
+    const auto enables = ReadChannelEnables(session_, index_, session_.Line.ReplyTimeout);
+    if (session_.Line.ReplyIs('!')) // a refusal is no mask
+        enables_ = enables;
+    return enables_.has_value();
+}
+
+bool ModuleReader::TakeReadings() {
+    const Readings readings = ValuesOf(session_.ModuleTable[index_]).Read(session_, index_, next_);
+    if (session_.Line.ReplyStatus == 0)
+        return false;
+    for (const auto& reading : readings) {
+        ChannelValue& value = Values[next_++];
+        value.State = reading ? ValueState::Ok : ValueState::Error;
+        if (reading) {
+            value.Text = reading->Text;
+            value.Number = reading->Number;
+        }
+    }
+    return true;
+}
+
+void ModuleReader::SkipDisabled() {
+    while (enables_ && !Done() && (*enables_ >> next_ & 1U) == 0)
+        Values[next_++].State = ValueState::Disabled;
+}
+
+void ModuleReader::GiveUp() {
+    const bool silent = session_.Line.ReplyStatus == 0 && session_.Line.ReplyText.empty();
+    for (SkipDisabled(); !Done(); SkipDisabled())
+        Values[next_++].State = silent ? ValueState::NoReply : ValueState::Error;
+}
+
 std::vector<ChannelValue> ReadModuleValues(Session& session, int index, std::optional<unsigned>& enables) {
-    Turn turn(session, index);
-    ReadOfFamily[static_cast<std::size_t>(ModuleFamily(turn.Record().Model))](turn, enables);
-    return std::move(turn.Values);
+    ModuleReader reader(session, index, enables);
+    while (!reader.Done())
+        reader.Step();
+    return std::move(reader.Values);
 }
 
 } // namespace kavro

@@ -35,13 +35,40 @@ struct ChannelValue {
 /// No module has more values.
 inline constexpr std::size_t MostValues = 8;
 
-/// Reads the values of entry `index`: analog inputs and outputs in the unit of the range, digital words with
-/// bit n for channel n, counts or frequencies. Empty, with nothing sent, for a model without values.
+/// Reads the values of one module, a transaction at a time: analog inputs and outputs in the unit of the
+/// range, digital words with bit n for channel n, counts or frequencies.
 ///
 /// Costs one time-out at most: after a command without a complete reply nothing more is sent, and the values
-/// that are left share its state. `enables` keeps which channels of the module are enabled: leave it empty
-/// for the first read, which asks the module, and hand it in again for the next ones. Throws
-/// `RuntimeFailure` when the port fails.
+/// that are left share its state.
+class ModuleReader {
+public:
+    /// Begins with entry `index`. `enables` keeps which channels of the module are enabled: leave it empty
+    /// for the first reader, which asks the module, and hand it in again for the next ones.
+    ModuleReader(Session& session, int index, std::optional<unsigned>& enables);
+
+    /// Whether nothing is left to be read; at once for a model without values.
+    bool Done() const { return next_ == Values.size(); }
+
+    /// Makes the next transaction. Throws `RuntimeFailure` when the port fails.
+    void Step();
+
+    /// In order; those that are not read yet are `NoReply`.
+    std::vector<ChannelValue> Values;
+
+private:
+    bool AskEnables();   // false: there is no mask
+    bool TakeReadings(); // false: no complete reply
+    void SkipDisabled();
+    void GiveUp(); // what is left has the state of the last transaction
+
+    Session& session_;
+    int index_;
+    std::optional<unsigned>& enables_;
+    bool askEnables_ = false;
+    std::size_t next_ = 0; // value to be read
+};
+
+/// Reads all values of entry `index` by a `ModuleReader`. Throws `RuntimeFailure` when the port fails.
 std::vector<ChannelValue> ReadModuleValues(Session& session, int index, std::optional<unsigned>& enables);
 
 } // namespace kavro

@@ -1,20 +1,36 @@
 #include "diag/monitor.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace kavro {
 
-std::optional<MonitorTurn> Monitor::Tick() {
+std::optional<MonitorTurn> Monitor::Step() {
     if (session_.ModuleCount <= 0)
         return std::nullopt;
     next_ %= session_.ModuleCount;
     Module& module = modules_[static_cast<std::size_t>(next_)];
-    MonitorTurn turn{next_, ReadModuleValues(session_, next_, module.Enables)};
-    ++next_;
+    auto reader = std::exchange(reader_, nullptr); // a failing port ends the turn
+    if (!reader)
+        reader = std::make_unique<ModuleReader>(session_, next_, module.Enables);
+    if (!reader->Done()) // a model without values has nothing to send
+        reader->Step();
+    if (!reader->Done()) {
+        reader_ = std::move(reader);
+        return std::nullopt;
+    }
+    MonitorTurn turn{next_++, std::move(reader->Values)};
     module.Asked = true;
     Keep(module, turn.Values);
     if (!turn.Values.empty())
         trend_.Add(Now(), turn.Index, turn.Values);
+    return turn;
+}
+
+std::optional<MonitorTurn> Monitor::Tick() {
+    auto turn = Step();
+    while (InTurn())
+        turn = Step();
     return turn;
 }
 

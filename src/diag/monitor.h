@@ -4,6 +4,7 @@
 #include "diag/trend.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -31,9 +32,16 @@ class Monitor {
 public:
     explicit Monitor(Session& session) : session_(session), modules_(ModuleTable::Size) {}
 
-    /// Reads the next module and goes on to the one after it, also when it fails: a silent module costs one
-    /// time-out a round. Nothing when the map is empty. Throws `RuntimeFailure` when the port fails; the same
-    /// module is then next.
+    /// Makes one transaction of the turn on the next module; what was read when the turn ended with it. Then
+    /// comes the module after it, also when this one failed: a silent module costs one time-out a round.
+    /// Nothing when the map is empty. Throws `RuntimeFailure` when the port fails; the same module is then
+    /// read again from its beginning.
+    std::optional<MonitorTurn> Step();
+
+    /// Whether a turn is going on.
+    bool InTurn() const { return reader_ != nullptr; }
+
+    /// `Step` to the end of the turn.
     std::optional<MonitorTurn> Tick();
 
     /// Marks every value as not answered, because the line itself is lost.
@@ -67,7 +75,8 @@ private:
     std::int64_t Now() const { return session_.Line.Time().GetTickCount(); }
 
     Session& session_;
-    std::vector<Module> modules_; // as the entries of the map
+    std::vector<Module> modules_;          // as the entries of the map
+    std::unique_ptr<ModuleReader> reader_; // of the turn that goes on
     Trend trend_;
     int next_ = 0;
 };

@@ -95,8 +95,11 @@ QLayout* MonitorForm::BuildButtons() {
     return row;
 }
 
+// A transaction of the turn, then the next one.
 void MonitorForm::Tick() {
-    const auto turn = monitor_.Tick();
+    const auto turn = monitor_.Step();
+    if (monitor_.InTurn())
+        Then([this] { Tick(); });
     if (!turn)
         return;
     grid_->ShowModule(turn->Index);
@@ -125,11 +128,16 @@ void MonitorForm::ShowTrend() {
     trend_->Show(grid_->TickedLines(), Session().Line.Time().GetTickCount());
 }
 
-// What cannot be written ends the log, and is told once; the values go on.
+// What cannot be written ends the log, and is told once, beside the turns, which go on meanwhile.
 void MonitorForm::Log(const MonitorTurn& turn) {
     if (!log_.IsOpen())
         return;
-    Guard(Messages(), [&] { log_.Write(CsvLines(Session(), turn.Index, turn.Values, wallClock_())); });
+    try {
+        log_.Write(CsvLines(Session(), turn.Index, turn.Values, wallClock_()));
+    } catch (const RuntimeFailure& failure) {
+        QTimer::singleShot(0, this,
+                           [this, text = std::string(failure.what())] { Messages().Show(text, "Error"); });
+    }
     ShowLogState();
 }
 

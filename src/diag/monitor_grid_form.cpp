@@ -17,22 +17,17 @@ namespace kavro {
 
 namespace {
 
-enum Column {
-    AddressColumn,
-    ModelColumn,
-    FirstValueColumn,
-    StateColumn = FirstValueColumn + MostValues,
-    AgeColumn,
-    ColumnCount
-};
+enum Column { StateColumn, AgeColumn, FirstValueColumn, ColumnCount = FirstValueColumn + MostValues };
 
 constexpr int ShownRows = 28; // of the window as it opens
 constexpr int RowRoom = 9;    // pixels above and below the text
 constexpr int CellRoom = 14;
 constexpr int TickBoxRoom = 20;
 
-QString ModelText(const Session& session, int index) {
-    return QString::fromStdString(Trim(ShownModel(session.ModuleTable[index].Model)));
+// "5 (05H) 8250"
+QString ModuleText(const Session& session, int index) {
+    const ModuleRecord& record = session.ModuleTable[index];
+    return QString::fromStdString(ShownAddress(record.Address) + " " + Trim(ShownModel(record.Model)));
 }
 
 bool IsNumber(const std::string& channel) {
@@ -67,15 +62,12 @@ MonitorGrid::MonitorGrid(const Session& session, const Monitor& monitor, std::fu
 }
 
 void MonitorGrid::Build() {
-    QStringList headings = {"Address", "Model"};
+    QStringList headings = {"State", "Age"};
     for (std::size_t place = 0; place < MostValues; ++place)
         headings << QString("Value %1").arg(place);
-    headings << "State"
-             << "Age";
     setColumnCount(ColumnCount);
     setRowCount(session_.ModuleCount);
     setHorizontalHeaderLabels(headings);
-    verticalHeader()->hide();
     setEditTriggers(NoEditTriggers);
     setSelectionMode(SingleSelection);
     setWordWrap(false);
@@ -83,9 +75,6 @@ void MonitorGrid::Build() {
     tickBoxes->setParent(this);
     setStyle(tickBoxes);
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + RowRoom);
-    // In sight also when the values are scrolled away.
-    horizontalHeader()->moveSection(StateColumn, FirstValueColumn);
-    horizontalHeader()->moveSection(AgeColumn, FirstValueColumn + 1);
     setTabKeyNavigation(false); // Tab goes on to the next control
     setAlternatingRowColors(true);
     setHorizontalScrollMode(ScrollPerPixel);
@@ -94,11 +83,9 @@ void MonitorGrid::Build() {
     const auto fit = [&](int column, const char* widest, int room) {
         setColumnWidth(column, QFontMetrics(bold).horizontalAdvance(widest) + room);
     };
-    fit(AddressColumn, "255 (FFH)", CellRoom);
-    fit(ModelColumn, "Model", CellRoom);
     fit(StateColumn, "no values", CellRoom);
     fit(AgeColumn, "120 min", CellRoom);
-    for (int column = FirstValueColumn; column < StateColumn; ++column)
+    for (int column = FirstValueColumn; column < ColumnCount; ++column)
         fit(column, "134.7100 ohms", CellRoom + TickBoxRoom);
     const QSignalBlocker silent(this);
     for (int index = 0; index < rowCount(); ++index)
@@ -108,7 +95,8 @@ void MonitorGrid::Build() {
 // Wide enough for four values and what stands before them.
 QSize MonitorGrid::sizeHint() const {
     const int width = horizontalHeader()->sectionPosition(FirstValueColumn + 4);
-    return {width + verticalScrollBar()->sizeHint().width() + 2 * frameWidth(),
+    return {verticalHeader()->sizeHint().width() + width + verticalScrollBar()->sizeHint().width() +
+                2 * frameWidth(),
             ShownRows * verticalHeader()->defaultSectionSize()};
 }
 
@@ -118,8 +106,10 @@ void MonitorGrid::FillRow(int index) {
         item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
         setItem(index, column, item);
     }
-    SetText(index, AddressColumn, QString::fromStdString(ShownAddress(session_.ModuleTable[index].Address)));
-    SetText(index, ModelColumn, ModelText(session_, index));
+    // As the heading of the row it is in sight also when the values are scrolled.
+    auto* heading = new QTableWidgetItem(ModuleText(session_, index));
+    heading->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    setVerticalHeaderItem(index, heading);
     SetText(index, StateColumn, QString::fromStdString(monitor_.State(index)));
 }
 
@@ -202,8 +192,7 @@ std::vector<TrendLine> MonitorGrid::TickedLines() const {
         const ChannelValue& value = monitor_.Values(tick.Row)[place].Value;
         const std::string channel = IsNumber(value.Channel) ? "ch " + value.Channel : value.Channel;
         TrendLine line;
-        line.Name = QString::fromStdString(ShownAddress(session_.ModuleTable[tick.Row].Address)) + " " +
-                    ModelText(session_, tick.Row) + " " + QString::fromStdString(channel);
+        line.Name = ModuleText(session_, tick.Row) + " " + QString::fromStdString(channel);
         line.Unit = QString::fromStdString(value.Unit);
         line.Word = value.Unit == WordUnit;
         line.Style = tick.Style;

@@ -10,8 +10,8 @@
 
 namespace kavro {
 
-/// The grid of a monitor: a row per entry of the map with its address, model, values, state and age. A value
-/// is ticked for the trend by its box or the space bar.
+/// The grid of a monitor: a row per entry of the map, headed by its address and model, with its state, age
+/// and values. A value is ticked for the trend by its box or the space bar.
 class MonitorGrid : public QTableWidget {
 public:
     /// `ticked` is called whenever the user ticks a value or takes the tick away.

@@ -85,10 +85,8 @@ void N32DiagForm::Send(int port, int position) {
 }
 
 void N32DiagForm::Change(int port, int position) {
-    OutputControl& output = *outputs_[static_cast<std::size_t>(port)];
-    output.ShowValue(position);
     Send(port, position);
-    output.Confirm();
+    outputs_[static_cast<std::size_t>(port)]->Confirm();
 }
 
 void N32DiagForm::Tick() {
@@ -106,6 +104,12 @@ void N32DiagForm::ShowStale(bool stale) {
         output->ShowStale(stale);
     for (Lamp* input : inputs_)
         input->SetStale(stale);
+}
+
+void N32DiagForm::reject() {
+    for (OutputControl* output : outputs_)
+        output->SendDue();
+    PanelForm::reject();
 }
 
 } // namespace kavro

@@ -16,6 +16,8 @@ class N32DiagForm : public PanelForm {
 public:
     N32DiagForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent = nullptr);
 
+    void reject() override;
+
 protected:
     void Tick() override;
     void ShowStale(bool stale) override;

@@ -4,7 +4,6 @@
 
 #include <QPainter>
 #include <QSignalBlocker>
-#include <QStyleOptionFocusRect>
 #include <QWheelEvent>
 
 namespace kavro {
@@ -18,7 +17,7 @@ constexpr int ShortestBar = 320; // pixels
 } // namespace
 
 OutputBar::OutputBar(const QString& name, const QString& accessibleName, int minimum, OutputBarEvents events)
-    : QScrollBar(Qt::Horizontal) {
+    : QScrollBar(Qt::Horizontal), events_(std::move(events)) {
     Named(this, name, accessibleName);
     setRange(minimum, OutputBarSteps);
     setSingleStep(CountSteps);
@@ -28,12 +27,25 @@ OutputBar::OutputBar(const QString& name, const QString& accessibleName, int min
     setInvertedControls(false); // right, up and the wheel forwards raise the output
     setFocusPolicy(Qt::StrongFocus);
     setMinimumWidth(ShortestBar);
-    connect(this, &QScrollBar::sliderMoved, this, std::move(events.Scroll));
-    connect(this, &QScrollBar::valueChanged, this, std::move(events.Change));
+    change_.setSingleShot(true);
+    connect(this, &QScrollBar::sliderMoved, this, [this](int position) { events_.Scroll(position); });
+    connect(this, &QScrollBar::valueChanged, this, [this](int position) {
+        events_.Scroll(position);
+        change_.start(0);
+    });
+    connect(&change_, &QTimer::timeout, this, [this] { events_.Change(value()); });
+}
+
+void OutputBar::SendDue() {
+    if (!change_.isActive())
+        return;
+    change_.stop();
+    events_.Change(value());
 }
 
 void OutputBar::Revert() {
     const QSignalBlocker silently(this);
+    change_.stop();
     setSliderDown(false);
     setValue(confirmed_);
 }

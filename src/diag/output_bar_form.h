@@ -3,6 +3,7 @@
 #include "diag/analog_output_panel.h"
 
 #include <QScrollBar>
+#include <QTimer>
 
 #include <functional>
 
@@ -14,16 +15,19 @@ inline constexpr int OutputBarSteps = 8 * OutputCounts;
 
 /// What a bar's movements do.
 struct OutputBarEvents {
-    std::function<void(int position)> Scroll; ///< while it is dragged
-    std::function<void(int position)> Change; ///< once a drag has ended, and at each step
+    std::function<void(int position)> Scroll; ///< at once, also while it is dragged
+    std::function<void(int position)> Change; ///< once a drag has ended, and after steps
 };
 
-/// The scroll bar that drives an output.
+/// The scroll bar that drives an output. Steps that come faster than they can be sent make one change, to
+/// where they end: a key held down on a silent module must not let time-outs pile up.
 class OutputBar : public QScrollBar {
 public:
     /// From `minimum` to `OutputBarSteps`, at 0.
     OutputBar(const QString& name, const QString& accessibleName, int minimum, OutputBarEvents events);
 
+    /// Tells a change that is due now rather than in the next turn of the event loop.
+    void SendDue();
     /// The output now has the position that the bar shows.
     void Confirm() { confirmed_ = value(); }
     /// Goes back, without an event, to the position that the output has.
@@ -34,6 +38,8 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
 
 private:
+    OutputBarEvents events_;
+    QTimer change_; // runs while a change is due
     int confirmed_ = 0;
 };
 

@@ -23,7 +23,7 @@ TintedLabel* Label(const QString& name, const std::string& text) {
 OutputControl::OutputControl(OutputDescription description)
     : QGroupBox(description.Title), description_(std::move(description)) {
     const OutputDescription& output = description_;
-    bar_ = new OutputBar("DaScroll" + output.NameEnd, "Output " + output.Title, output.Minimum,
+    bar_ = new OutputBar("DaScroll" + output.NameEnd, output.Title, output.Minimum,
                          {.Scroll = [this](int position) { ShowValue(position); },
                           .Change = [this](int position) { description_.Change(position); }});
     data_ = Label("DA_data" + output.NameEnd, output.Designed);
@@ -50,6 +50,10 @@ OutputControl::OutputControl(OutputDescription description)
 
 void OutputControl::ShowValue(int position) {
     data_->setText(QString::fromStdString(description_.Shown(position)));
+}
+
+void OutputControl::SendDue() {
+    bar_->SendDue();
 }
 
 void OutputControl::Confirm() {

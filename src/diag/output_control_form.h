@@ -29,6 +29,8 @@ public:
 
     /// Shows the value of a bar position.
     void ShowValue(int position);
+    /// Sends a movement that has not been sent yet.
+    void SendDue();
     /// The output has been set to where the bar stands.
     void Confirm();
     /// Marks the value as stale and the bar as not usable, and goes back to what the output was last set to.

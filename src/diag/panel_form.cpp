@@ -70,7 +70,7 @@ void PanelForm::AddHead() {
 
 void PanelForm::ReadRevision() {
     Operate([this] {
-        Ask(Command('$', "F")); // whatever came is shown, complete or not
+        Ask("$" + AddressText(session_, Index()) + "F"); // whatever came is shown, complete or not
         rev_->setText(QString::fromStdString(Middle(session_.Line.ReplyText, 4)));
     });
 }
@@ -90,10 +90,6 @@ void PanelForm::Finish() {
 void PanelForm::StartPolling(int intervalMs) {
     polling_ = true;
     timer1_->start(intervalMs);
-}
-
-std::string PanelForm::Command(char lead, const std::string& tail) const {
-    return lead + AddressText(session_, Index()) + tail;
 }
 
 bool PanelForm::Ask(const std::string& command) {
@@ -142,14 +138,32 @@ void PanelForm::Next() {
 
 bool PanelForm::Run(const Step& operation) {
     running_ = true;
+    std::string failure;
     bool done = false;
-    Guard(messages_, [&] { done = recovery_.Attempt(operation); });
+    try {
+        done = recovery_.Attempt(operation);
+    } catch (const std::exception& thrown) {
+        failure = thrown.what();
+    }
     running_ = false;
     if (!done) {
         actions_.clear();
         steps_.clear();
     }
+    if (!failure.empty())
+        Tell(failure);
     return done;
+}
+
+// A panel that is open goes on meanwhile, as nobody may be there to read it; one that is being built waits.
+void PanelForm::Tell(const std::string& failure) {
+    if (std::exchange(telling_, true))
+        return; // again before the first one was read: `LineState` says so
+    running_ = !isVisible();
+    if (timer1_->isActive())
+        timer1_->start(); // inside its own slot it would not tick
+    messages_.Show(failure, "Error");
+    running_ = telling_ = false;
 }
 
 void PanelForm::reject() {
@@ -159,6 +173,7 @@ void PanelForm::reject() {
     }
     timer1_->stop();
     next_->stop();
+    due_ = false;
     actions_.clear();
     steps_.clear();
     QDialog::reject();

@@ -24,7 +24,7 @@ namespace kavro {
 /// closed there at once. A tick that is due while one runs follows it directly, but only one does.
 ///
 /// A port that fails is told once. The panel then shows what it has as stale, opens the port again by itself,
-/// and goes on with the next tick that succeeds.
+/// and goes on with the next tick that succeeds, also while the message is still up.
 class PanelForm : public QDialog {
 public:
     /// Begins a tick, as `Timer1` does.
@@ -57,8 +57,6 @@ protected:
     kavro::Messages& Messages() const { return messages_; }
     int Index() const { return session_.SelectedModule; }
     const ModuleRecord& Record() const { return session_.ModuleTable[Index()]; }
-    /// `lead`, the module's address and `tail`: "$016" for '$' and "6".
-    std::string Command(char lead, const std::string& tail) const;
     /// One transaction with the module; true when the reply, now in the line's `ReplyText`, is complete.
     bool Ask(const std::string& command);
 
@@ -76,6 +74,7 @@ protected:
 private:
     void Next();
     bool Run(const Step& operation);
+    void Tell(const std::string& failure);
     void ShowLost(bool lost);
     void ShowStatistics();
 
@@ -85,6 +84,7 @@ private:
     std::deque<Step> actions_; // come before the steps of the tick
     std::deque<Step> steps_;
     bool running_ = false;    // while a step or an action is on the stack
+    bool telling_ = false;    // while the message of a failure is up
     bool due_ = false;        // a tick came due while one was running
     bool polling_ = false;    // `Timer1` runs outside an outage too
     bool closeAsked_ = false; // the panel was to be closed while a message was up

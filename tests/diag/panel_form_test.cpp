@@ -1,6 +1,5 @@
 #include "diag/ad_diag_form.h"
 #include "diag/da_diag_form.h"
-#include "diag/n32_diag_form.h"
 #include "diag/panel_on_line.h"
 
 #include <QScrollBar>
@@ -24,14 +23,17 @@ TEST(PanelForm, CountsTransactionsAndTellsAnOutageOnce) {
         Tick(form);
         EXPECT_TRUE(SaysLost(form));
     }
+    EXPECT_EQ(std::ranges::count(test.Log, "COM1 open"), 4) << "once a second";
     EXPECT_EQ(test.Messages.Shown.size(), 1U);
 }
 
 TEST(PanelForm, GoesOnWhenTheAdapterIsBack) {
     SimulatedPanel test({.Model = "8250  ", .BaudCode = 4, .InputRange = 8}, 19200);
     AdDiagForm form(test.Session, test.Messages);
-    Tick(form);
     for (const std::size_t outages : {1U, 2U}) {
+        Tick(form);
+        EXPECT_EQ(Shown(form, "FormatText_0"), "V   ");
+        EXPECT_NE(Shown(form, "Reading_7"), "*error*") << "at its baud rate again";
         test.Line.Unplug();
         for (int tick = 0; tick < 100; ++tick, test.Time.Sleep(100)) {
             Tick(form);
@@ -43,38 +45,30 @@ TEST(PanelForm, GoesOnWhenTheAdapterIsBack) {
         for (int tick = 0; SaysLost(form) && tick < 30; ++tick, test.Time.Sleep(100))
             Tick(form);
         EXPECT_FALSE(SaysLost(form));
-        EXPECT_EQ(Shown(form, "FormatText_0"), "V   ");
-        EXPECT_NE(Shown(form, "Reading_7"), "*error*") << "at its baud rate again";
     }
 }
 
 TEST(PanelForm, AnOutageDrivesNothing) {
     SimulatedPanel test({.Model = "8310  ", .InputRange = 48});
+    test.Line.Unplug();
     DaDiagForm form(test.Session, test.Messages);
     auto& bar = Find<QScrollBar>(form, "DaScroll");
-    bar.setValue(8);
-    test.Line.Unplug();
-    bar.setValue(bar.maximum());
-    EXPECT_EQ(Shown(form, "DA_data"), "0.005") << "back to what was sent";
-    EXPECT_FALSE(bar.isEnabled());
-    EXPECT_TRUE(Find<QTimer>(form, "Timer1").isActive());
-    test.Line.Plug();
-    test.Time.Sleep(1000);
-    test.Sent.clear();
-    form.Timer1_Timer();
-    EXPECT_TRUE(bar.isEnabled());
-    EXPECT_FALSE(Find<QTimer>(form, "Timer1").isActive());
-    EXPECT_EQ(test.Sent, Lines{});
-}
-
-TEST(PanelForm, AnInterruptedStartIsMadeUpFor) {
-    SimulatedPanel test({.Model = "8320  ", .InputRange = 51});
-    test.Line.Unplug();
-    N32DiagForm form(test.Session, test.Messages);
-    test.Line.Plug();
-    test.Time.Sleep(1000);
-    Tick(form);
-    EXPECT_EQ(test.Sent, (Lines{"#01A+00.000", "#01B+00.000", "#01C+00.000", "#01D+00.000", "$018"}));
+    for (const int position : {8, 16}) {
+        EXPECT_FALSE(bar.isEnabled());
+        EXPECT_TRUE(Find<QTimer>(form, "Timer1").isActive());
+        test.Line.Plug();
+        test.Time.Sleep(1000);
+        form.Timer1_Timer();
+        EXPECT_TRUE(bar.isEnabled());
+        EXPECT_FALSE(Find<QTimer>(form, "Timer1").isActive());
+        bar.setValue(position);
+        QApplication::processEvents();
+        test.Line.Unplug();
+        bar.setValue(bar.maximum());
+        QApplication::processEvents();
+        EXPECT_EQ(Shown(form, "DA_data"), position == 8 ? "0.005" : "0.010") << "back to what was sent";
+    }
+    EXPECT_EQ(test.Sent, (Lines{"#0100.000", "#0100.005", "#0100.010"})) << "the start is made up for";
 }
 
 TEST(PanelForm, EventsRunBetweenTransactions) {
@@ -105,10 +99,14 @@ struct BusyMessages : RecordedMessages {
     void Show(const std::string&, const std::string&) override { WhileUp(); }
 };
 
-/// A panel with two steps to a tick, which writes down what it does.
-struct ProbePanel : PanelForm {
-    explicit ProbePanel(SimulatedPanel& test, kavro::Messages& messages)
-        : PanelForm("ProbePanel", "", test.Session, messages, nullptr) {}
+struct ProbeLine {
+    SimulatedPanel Test{{.Model = "8320  "}};
+    BusyMessages MessagesUp;
+};
+
+/// A panel that is open and writes down what it does.
+struct ProbePanel : ProbeLine, PanelForm {
+    ProbePanel() : PanelForm("ProbePanel", "", Test.Session, MessagesUp, nullptr) { show(); }
     using PanelForm::Operate;
     Lines Done;
     void Tick() override {
@@ -116,12 +114,9 @@ struct ProbePanel : PanelForm {
     }
 };
 
-TEST(PanelForm, NothingRunsUnderAMessage) {
-    SimulatedPanel test({.Model = "8320  "});
-    BusyMessages messages;
-    ProbePanel form(test, messages);
-    form.show();
-    messages.WhileUp = [&] {
+TEST(PanelForm, NothingRunsUnderAMessageOfAStep) {
+    ProbePanel form;
+    form.MessagesUp.WhileUp = [&] {
         form.Timer1_Timer();
         form.Operate([&] { form.Done.push_back("click"); });
         for (int turn = 0; turn < 10; ++turn)
@@ -137,9 +132,26 @@ TEST(PanelForm, NothingRunsUnderAMessage) {
     EXPECT_EQ(form.Done, Lines{"click"});
     QApplication::processEvents();
     EXPECT_EQ(form.Done.back(), "queued") << "before the next step";
-    form.Operate([] { throw RuntimeFailure("gone"); });
+    form.Operate([&] { form.MessagesUp.Show({}, {}); });
     EXPECT_FALSE(form.isVisible());
     EXPECT_EQ(form.Done.size(), 2U);
+}
+
+TEST(PanelForm, GoesOnUnderTheMessageOfAnOutage) {
+    ProbePanel form;
+    int told = 0;
+    form.MessagesUp.WhileUp = [&] {
+        ++told;
+        form.Test.Time.Sleep(1000);
+        Tick(form);
+        EXPECT_EQ(form.Done, Lines{"step"});
+        EXPECT_FALSE(SaysLost(form));
+        form.Operate([] { throw RuntimeFailure("gone again"); });
+        form.close();
+    };
+    form.Operate([] { throw RuntimeFailure("gone"); });
+    EXPECT_EQ(told, 1);
+    EXPECT_FALSE(form.Busy() || form.isVisible());
 }
 
 } // namespace
