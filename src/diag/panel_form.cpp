@@ -19,6 +19,7 @@ namespace kavro {
 namespace {
 
 constexpr int RecoveryTickMs = 500; // of a panel that does not poll
+constexpr const char* GoesOnText = " This window goes on by itself when the port is back.";
 constexpr const char* LostText = "\u26a0 The port has failed. Waiting for it to come back; values are stale.";
 
 QLabel* PlainLabel(const QString& text, const char* name) {
@@ -162,7 +163,7 @@ void PanelForm::Tell(const std::string& failure) {
     running_ = !isVisible();
     if (timer1_->isActive())
         timer1_->start(); // inside its own slot it would not tick
-    messages_.Show(failure, "Error");
+    messages_.Show(failure + (recovery_.Lost() ? GoesOnText : ""), "Error");
     running_ = telling_ = false;
 }
 
