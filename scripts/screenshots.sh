@@ -109,7 +109,9 @@ line_windows() {
     shot "terminal$1"
     press Escape
     open m
-    sleep 40
+    xdotool getactivewindow windowsize 1150 640
+    press Right Right space Down Down space Down Down Right space # ticks three values
+    sleep 90
     shot "monitor$1"
     press Escape
     finish

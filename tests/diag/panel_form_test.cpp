@@ -106,7 +106,10 @@ struct ProbeLine {
 
 /// A panel that is open and writes down what it does.
 struct ProbePanel : ProbeLine, PanelForm {
-    ProbePanel() : PanelForm("ProbePanel", "", Test.Session, MessagesUp, nullptr) { show(); }
+    ProbePanel() : PanelForm("ProbePanel", "", Test.Session, MessagesUp, nullptr) {
+        Finish();
+        show();
+    }
     using PanelForm::Operate;
     Lines Done;
     void Tick() override {
