@@ -1,10 +1,10 @@
 #include "cli/named_settings.h"
 
 #include "cli/cli_text.h"
-#include "config/model_choices.h"
 #include "config/number_text.h"
 #include "link/baud.h"
 #include "link/codes.h"
+#include "link/model_choices.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
 

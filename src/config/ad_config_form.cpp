@@ -1,9 +1,9 @@
 #include "config/ad_config_form.h"
 
 #include "config/analog_input_config.h"
-#include "config/model_choices.h"
 #include "config/range_lists_form.h"
 #include "link/codes.h"
+#include "link/model_choices.h"
 #include "ui/busy_pointer.h"
 
 #include <QComboBox>

@@ -1,8 +1,8 @@
 #include "config/da_config_form.h"
 
 #include "config/analog_output_config.h"
-#include "config/model_choices.h"
 #include "config/range_lists_form.h"
+#include "link/model_choices.h"
 
 #include <QComboBox>
 #include <QFormLayout>

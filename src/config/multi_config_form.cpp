@@ -1,9 +1,9 @@
 #include "config/multi_config_form.h"
 
 #include "config/alarm_input_config.h"
-#include "config/model_choices.h"
 #include "config/range_lists_form.h"
 #include "link/codes.h"
+#include "link/model_choices.h"
 #include "link/text.h"
 #include "ui/key_filter.h"
 #include "ui/named.h"

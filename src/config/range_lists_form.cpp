@@ -1,7 +1,7 @@
 #include "config/range_lists_form.h"
 
-#include "config/model_choices.h"
 #include "link/codes.h"
+#include "link/model_choices.h"
 #include "link/text.h"
 
 #include <QComboBox>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "diag/module_command.h"
+#include "map/module_command.h"
 #include "map/session.h"
 
 #include <array>

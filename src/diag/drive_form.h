@@ -1,7 +1,7 @@
 #pragma once
 
-#include "diag/module_command.h"
 #include "diag/panel_form.h"
+#include "map/module_command.h"
 
 #include <QString>
 

@@ -1,8 +1,8 @@
 #include "config/analog_input_config.h"
 #include "config/analog_output_config.h"
 #include "config/digital_config.h"
-#include "config/model_choices.h"
 #include "config/port_direction_config.h"
+#include "link/model_choices.h"
 #include "support/test_session.h"
 
 #include <gtest/gtest.h>

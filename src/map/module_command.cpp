@@ -1,4 +1,4 @@
-#include "diag/module_command.h"
+#include "map/module_command.h"
 
 #include "link/text.h"
 #include "map/module_access.h"

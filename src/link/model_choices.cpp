@@ -1,4 +1,4 @@
-#include "config/model_choices.h"
+#include "link/model_choices.h"
 
 #include "link/codes.h"
 #include "link/text.h"
