@@ -9,6 +9,7 @@
 #include "sim/simulated_port.h"
 
 #include <filesystem>
+#include <utility>
 
 namespace kavro {
 
@@ -46,6 +47,11 @@ CliSession::CliSession(const LineOptions& options)
       Session(registry_.Ports(), clock_) {
     Session.ReplaceFile = ReplaceFile;
     Session.ConfigFilePath = ConfigFilePath(options.Demo);
+    Session.Line.Bounded = true;
+    Session.Line.EchoFound = [told = false]() mutable {
+        if (!std::exchange(told, true))
+            PrintNote("The adapter hands back every character sent (echo). The echo is taken away.");
+    };
     LoadSettings(options);
 }
 

@@ -57,6 +57,13 @@ void CommandSender::Show(const std::string& command, const std::string& reply) {
         {.Command = command, .Reply = reply, .Complete = complete, .Baud = BaudInUse(session_.Line)});
 }
 
+// The command whose reply Ctrl+C did not wait for, when it was sent at all.
+void CommandSender::ShowUnfinished() {
+    const Line& line = session_.Line;
+    if (line.Statistics.Transactions > sent_)
+        Show(line.CommandText, line.ReplyText);
+}
+
 int CommandSender::Send(const std::vector<std::string>& commands) {
     const auto send = [&] {
         for (const std::string& command : commands)
@@ -79,14 +86,18 @@ int CommandSender::SendFile(const std::string& path) {
 }
 
 int CommandSender::Run(const std::function<void()>& send, const std::function<bool()>& allSent) {
+    bool interrupted = false;
     try {
         send();
+    } catch (const Interruption&) {
+        interrupted = true;
+        ShowUnfinished();
     } catch (const RuntimeFailure&) {
         printer_.Close();
         throw;
     }
     printer_.Close();
-    const bool all = allSent();
+    const bool all = !interrupted && allSent();
     if (!all && !printer_.Abandoned())
         PrintNote("Stopped after " + Commands(sent_));
     if (incomplete_ > 0)

@@ -44,11 +44,12 @@ private:
     CommandEvents Events(const SendingOptions& options);
     void WriteLog(const std::string& command);
     void Show(const std::string& command, const std::string& reply);
+    void ShowUnfinished();
     bool EndAsked() const { return watch_.Interrupted() || printer_.Abandoned(); }
     int Run(const std::function<void()>& send, const std::function<bool()>& allSent);
 
     Session& session_;
-    InterruptWatch watch_;
+    InterruptWatch watch_{session_.Line};
     ExchangePrinter printer_;
     CommandLog log_;
     bool logFailed_ = false;

@@ -18,8 +18,9 @@ extern "C" void NoteInterrupt(int signal) {
 
 } // namespace
 
-InterruptWatch::InterruptWatch() {
+InterruptWatch::InterruptWatch(Line& line) : line_(line) {
     interrupted = 0;
+    line.Interrupted = [this] { return Interrupted(); };
     for (std::size_t i = 0; i < WatchedSignals.size(); ++i) {
         before_[i] = std::signal(WatchedSignals[i], NoteInterrupt);
         if (before_[i] == SIG_IGN) // started in the background: Ctrl+C is meant for others
@@ -28,6 +29,7 @@ InterruptWatch::InterruptWatch() {
 }
 
 InterruptWatch::~InterruptWatch() {
+    line_.Interrupted = {};
     for (std::size_t i = 0; i < WatchedSignals.size(); ++i)
         std::signal(WatchedSignals[i], before_[i]);
 }

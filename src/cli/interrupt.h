@@ -1,14 +1,17 @@
 #pragma once
 
+#include "link/line.h"
+
 #include <array>
 
 namespace kavro {
 
 /// While one lives, the first Ctrl+C, or request to end the program, is only noted, so that the work at hand
-/// can be ended in good order. A second one ends the program. One at a time.
+/// can be ended in good order: a transaction of the line that is going on ends with an `Interruption`. A
+/// second one ends the program. One at a time.
 class InterruptWatch {
 public:
-    InterruptWatch();
+    explicit InterruptWatch(Line& line);
     ~InterruptWatch();
     InterruptWatch(const InterruptWatch&) = delete;
     InterruptWatch& operator=(const InterruptWatch&) = delete;
@@ -18,6 +21,7 @@ public:
 
 private:
     using Handler = void (*)(int);
+    Line& line_;
     std::array<Handler, 2> before_{}; // handlers to be put back
 };
 

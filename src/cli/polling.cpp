@@ -63,6 +63,8 @@ private:
     bool Read() {
         try {
             return recovery_.Attempt(work_.Read);
+        } catch (const Interruption&) {
+            return false; // noticed before the next turn
         } catch (const RuntimeFailure& failure) {
             if (pace_.Turns == 1)
                 throw;
@@ -79,7 +81,7 @@ private:
     Line& line_;
     const Pace& pace_;
     const PollWork& work_;
-    const InterruptWatch watch_;
+    const InterruptWatch watch_{line_};
     LineRecovery recovery_{line_, TellRecovery};
     int turns_ = 0;
 };

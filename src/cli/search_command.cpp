@@ -36,7 +36,7 @@ int RunSearch(CliSession& cli, const SearchOptions& options) {
     const SearchResult result = SearchLine(session, options);
 
     const bool lostPort = !result.PortFailure.empty();
-    const bool complete = !lostPort && result.LastAddress == session.SearchHighAddress;
+    const bool complete = !lostPort && !result.Interrupted && result.LastAddress == session.SearchHighAddress;
     PrintOut(options.Json ? MapJson(session, {cli.Device(), complete}) : MapText(session));
     if (lostPort)
         throw RuntimeFailure(result.PortFailure);
@@ -53,7 +53,7 @@ int RunSearch(CliSession& cli, const SearchOptions& options) {
 SearchResult SearchLine(Session& session, const SearchOptions& options) {
     ApplyOptions(options, session);
     SearchResult result;
-    const InterruptWatch watch;
+    const InterruptWatch watch(session.Line);
     SearchProgress progress(session.Line, session.SearchHighAddress);
     NetworkSearch* running = nullptr;
     SearchEvents events;
@@ -77,6 +77,8 @@ SearchResult SearchLine(Session& session, const SearchOptions& options) {
     running = &search;
     try {
         search.Run();
+    } catch (const Interruption&) {
+        result.Interrupted = true;
     } catch (const RuntimeFailure& failure) {
         result.PortFailure = failure.what();
     }

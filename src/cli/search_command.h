@@ -20,8 +20,9 @@ struct SearchOptions {
 
 /// What became of a search.
 struct SearchResult {
-    int LastAddress = 0;     ///< the last one that was begun
-    std::string PortFailure; ///< what ended the search early; empty when nothing did
+    int LastAddress = 0;      ///< the last one that was begun
+    std::string PortFailure;  ///< what ended the search early; empty when nothing did
+    bool Interrupted = false; ///< by Ctrl+C, in the middle of an address
 };
 
 /// Searches the open port, with progress on standard error, until Ctrl+C.

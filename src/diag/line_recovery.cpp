@@ -19,6 +19,8 @@ bool LineRecovery::Attempt(const std::function<void()>& operation) {
     try {
         operation();
         return true;
+    } catch (const Interruption&) {
+        throw; // nothing has failed
     } catch (const RuntimeFailure&) {
         nextTry_ = line_.Time().GetTickCount() + RetryMs;
         if (std::exchange(lost_, true))

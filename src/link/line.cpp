@@ -4,6 +4,9 @@
 #include "link/runtime_failure.h"
 #include "link/text.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace kavro {
 
 namespace {
@@ -14,6 +17,11 @@ constexpr std::int32_t FirstDeviceControlBaud =
 constexpr std::int16_t DefaultBaudCode = 3; // 9600
 constexpr char CarriageReturn = '\r';
 constexpr std::size_t LongestReply = 1024; // far beyond any module's: only a line that babbles gets there
+constexpr int LongestBoundedMs = 3000;
+constexpr int NapMs = 100;                 // between two looks at `Interrupted`
+constexpr std::size_t LongestSummed = 128; // the codes of more characters can exceed the checksum
+constexpr int ShortestSilenceMs = 400;     // by then replies that were late have come
+constexpr int LongestSilenceMs = 1000;
 
 std::size_t PortIndex(int port) {
     if (port < 1 || port > PortTotal)
@@ -61,7 +69,7 @@ void Line::SetPortBaud(std::int16_t port, std::int16_t baudCode, std::int16_t /*
     else
         CommPort(port).Settings(settings);
     lastCode = baudCode;
-    clock_.Sleep(BaudChangePauseMs);
+    Pause(BaudChangePauseMs);
 }
 
 void Line::SendCommand(const std::string& command, std::int16_t checksumOn, std::int16_t baudCode) {
@@ -72,55 +80,114 @@ void Line::SendCommand(const std::string& command, std::int16_t checksumOn, std:
     std::string text = Trim(command);
     if (checksumOn == 1)
         text += ChecksumOf(text);
-    port.Output(text + CarriageReturn);
+    sentLine_ = text + CarriageReturn;
+    port.Output(sentLine_);
+    sentAt_ = clock_.GetTickCount();
 }
 
 bool Line::ReceiveReply(std::string& reply, std::int16_t checksumOn, int delayMs, int timeoutMs) {
-    SerialPort& port = CommPort(CurrentPort);
-    clock_.Sleep(delayMs);
-    reply.clear();
-    while (true) {
-        if (port.InBufferCount() == 0) {
-            // The time-out runs anew from the last character, so that a long reply that keeps coming is never
-            // cut off.
-            const auto last = clock_.GetTickCount();
-            for (auto now = last; port.InBufferCount() == 0; now = clock_.GetTickCount()) {
-                if (now - last >= timeoutMs)
-                    return false;
-                port.WaitForInput(static_cast<int>(timeoutMs - (now - last)));
-            }
-        }
-        const char character = port.Input();
-        if (character == CarriageReturn)
-            break;
-        if (reply.size() == LongestReply)
-            throw RuntimeFailure(
-                "The line does not fall silent: " + std::to_string(LongestReply) +
-                " characters came without a carriage return. Check the wiring and the baud rate.");
-        reply += character;
-    }
-    if (checksumOn != 1)
-        return true;
+    Pause(delayMs);
+    return ReceiveLine(reply, timeoutMs) && (checksumOn != 1 || TakeChecksum(reply));
+}
 
+bool Line::ReceiveLine(std::string& reply, int timeoutMs) {
+    reply.clear();
+    const std::string sentLine = std::exchange(sentLine_, {});
+    bool first = true;
+    while (const auto character = NextCharacter(timeoutMs)) {
+        if (*character != CarriageReturn) {
+            if (reply.size() == LongestReply) {
+                if (Bounded)
+                    return false;
+                throw RuntimeFailure(
+                    "The line does not fall silent: " + std::to_string(LongestReply) +
+                    " characters came without a carriage return. Check the wiring and the baud rate.");
+            }
+            reply += *character;
+            continue;
+        }
+        const bool echo = first && reply + CarriageReturn == sentLine;
+        if (first)
+            NoteEcho(echo);
+        if (!echo)
+            return true;
+        first = false;
+        reply.clear();
+    }
+    return false;
+}
+
+// Nothing when none comes in time. The time-out runs anew from the last character, so that a long reply that
+// keeps coming is never cut off.
+std::optional<char> Line::NextCharacter(int timeoutMs) {
+    SerialPort& port = CommPort(CurrentPort);
+    if (Bounded && Ended(clock_.GetTickCount(), timeoutMs))
+        return std::nullopt;
+    if (port.InBufferCount() == 0) {
+        const auto last = clock_.GetTickCount();
+        for (auto now = last; port.InBufferCount() == 0; now = clock_.GetTickCount()) {
+            if (now - last >= timeoutMs || (Bounded && Ended(now, timeoutMs)))
+                return std::nullopt;
+            port.WaitForInput(Nap(timeoutMs - (now - last)));
+        }
+    }
+    return port.Input();
+}
+
+bool Line::Ended(std::int64_t now, int timeoutMs) const {
+    return now - sentAt_ >= std::max(LongestBoundedMs, timeoutMs);
+}
+
+bool Line::TakeChecksum(std::string& reply) const {
     const std::size_t textLength = reply.size() < 2 ? 0 : reply.size() - 2;
     const auto received = HexNumber(std::string_view(reply).substr(textLength));
     const std::string text = reply.substr(0, textLength);
+    if (Bounded && text.size() > LongestSummed)
+        return false;
     if (!received || *received != static_cast<std::uint32_t>(CodeSum(text) % 256))
         return false;
     reply = text;
     return true;
 }
 
+void Line::NoteEcho(bool echo) {
+    if (!std::exchange(Echo, echo) && echo)
+        EchoFound();
+}
+
+// How long to wait at most without a look at `Interrupted`, which is asked now.
+int Line::Nap(std::int64_t milliseconds) const {
+    if (!Interrupted)
+        return static_cast<int>(milliseconds);
+    if (Interrupted())
+        throw Interruption();
+    return static_cast<int>(std::min<std::int64_t>(milliseconds, NapMs));
+}
+
+void Line::Pause(int milliseconds) {
+    const std::int64_t end = clock_.Microseconds() + std::int64_t{1000} * milliseconds;
+    for (std::int64_t left = milliseconds; left > 0; left = (end - clock_.Microseconds() + 999) / 1000)
+        clock_.SleepUntil(std::min(end, clock_.Microseconds() + std::int64_t{1000} * Nap(left)));
+}
+
 bool Line::Exchange(const std::string& command, std::int16_t checksumOn, std::int16_t baudCode,
                     int timeoutMs) {
     CommandText = command;
+    const std::int64_t incomplete = IncompleteCount++; // until the reply is there, also when something throws
     SendCommand(CommandText, checksumOn, baudCode);
     ++Statistics.Transactions;
+    incompleteAt_ = clock_.GetTickCount();
     const std::int64_t sent = clock_.Microseconds();
+    ReplyStatus = 0; // also when something throws
     ReplyStatus = ReceiveReply(ReplyText, checksumOn, 0, timeoutMs) ? -1 : 0;
-    if (ReplyStatus == 0)
+    if (ReplyStatus == 0) {
+        incompleteAt_ = clock_.GetTickCount();
+        ++(ReplyText.empty() ? Statistics.Silent : Statistics.Damaged);
         return false;
+    }
+    IncompleteCount = incomplete;
     ++Statistics.Replies;
+    ++(ReplyIs('?') ? Statistics.Refused : Statistics.Good);
     Statistics.LastMicroseconds = clock_.Microseconds() - sent;
     Statistics.TotalMicroseconds += Statistics.LastMicroseconds;
     return true;
@@ -128,6 +195,41 @@ bool Line::Exchange(const std::string& command, std::int16_t checksumOn, std::in
 
 bool Line::ReplyIs(char replyClass) const {
     return ReplyStatus != 0 && !ReplyText.empty() && ReplyText.front() == replyClass;
+}
+
+void Line::NoteUnfit() {
+    --Statistics.Good;
+    ++Statistics.Damaged;
+}
+
+int Line::SilenceMs() const {
+    return std::clamp<int>(LongReplyTimeout, ShortestSilenceMs, LongestSilenceMs);
+}
+
+bool Line::FallenSilent() {
+    if (silentFor_ == IncompleteCount)
+        return true;
+    SerialPort& port = CommPort(CurrentPort);
+    const std::int64_t now = clock_.GetTickCount();
+    if (port.InBufferCount() > 0) {
+        port.EmptyInBuffer();
+        incompleteAt_ = now;
+    }
+    if (now - incompleteAt_ < SilenceMs())
+        return false;
+    silentFor_ = IncompleteCount;
+    return true;
+}
+
+bool Line::AwaitSilence() {
+    const std::int64_t begin = clock_.GetTickCount();
+    while (!FallenSilent()) {
+        const std::int64_t now = clock_.GetTickCount();
+        if (now - begin >= LongestBoundedMs)
+            return false;
+        CommPort(CurrentPort).WaitForInput(Nap(incompleteAt_ + SilenceMs() - now));
+    }
+    return true;
 }
 
 std::string ChecksumOf(const std::string& text) {

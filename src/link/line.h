@@ -5,6 +5,8 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 
 namespace kavro {
@@ -19,14 +21,19 @@ struct PortSettingsRecord {
     std::int16_t StopBits = 0; ///< 0 = 1, 1 = 1.5, 2 = 2 stop bits
 };
 
-/// How the transactions of a line have gone. One that a failing port breaks off counts as a failure.
+/// How the transactions of a line have gone. One that a failing port breaks off counts as a failure of no
+/// kind.
 struct LineStatistics {
     std::int64_t Transactions = 0;      ///< commands sent
     std::int64_t Replies = 0;           ///< of these with a complete reply
     std::int64_t LastMicroseconds = 0;  ///< from the last of these commands to the end of its reply
     std::int64_t TotalMicroseconds = 0; ///< the same of all of them
+    std::int64_t Good = 0;              ///< complete replies that are neither refused nor damaged
+    std::int64_t Silent = 0;            ///< not one character came
+    std::int64_t Damaged = 0; ///< cut short, with a wrong checksum, or not what the command asks for
+    std::int64_t Refused = 0; ///< answered with "?"
 
-    std::int64_t Failures() const { return Transactions - Replies; }
+    std::int64_t Failures() const { return Transactions - Good; }
     double LastMs() const { return static_cast<double>(LastMicroseconds) / 1000; }
     /// 0 before the first reply.
     double MeanMs() const {
@@ -58,6 +65,15 @@ public:
 
     LineStatistics Statistics; ///< of every `Exchange`; whoever shows them begins anew with `{}`
 
+    bool Bounded = false; ///< a transaction ends 3 s after its command at the latest (or after its time-out,
+                          ///< where that is longer), and a reply without end, or with a checksum that
+                          ///< overflows, is an incomplete one in place of a failure
+    std::function<bool()> Interrupted; ///< asked every tenth of a second in all waiting; when true, the wait
+                                       ///< ends by throwing `Interruption`. May be empty
+    bool Echo = false;                 ///< the adapter hands back every character sent; found by itself
+    std::function<void()> EchoFound = [] {}; ///< called when `Echo` becomes true
+    std::int64_t IncompleteCount = 0;        ///< transactions without a complete reply, since the start
+
     /// COM port 1 to 8. Throws `RuntimeFailure` for any other number.
     SerialPort& CommPort(int port);
 
@@ -78,7 +94,7 @@ public:
 
     /// Reads one reply line after a pause of `delayMs`. False when no character came for `timeoutMs` (the
     /// reply then holds what arrived) or when the checksum is wrong (the reply then keeps its checksum
-    /// characters).
+    /// characters). A first line that is the command line sent is the adapter's echo and passed over.
     bool ReceiveReply(std::string& reply, std::int16_t checksumOn, int delayMs, int timeoutMs);
 
     /// One transaction through `CommandText`, `ReplyText` and `ReplyStatus`; true when the reply is complete.
@@ -87,12 +103,36 @@ public:
     /// Whether the last transaction succeeded with a reply of this class: '!', '>' or '?'.
     bool ReplyIs(char replyClass) const;
 
+    /// Counts the last reply, complete and no refusal, as damaged: it is not what its command asks for.
+    void NoteUnfit();
+
+    /// Whether, after a transaction without a complete reply, the line has been silent for so long that no
+    /// late reply is to be expected. Discards what has arrived; does not wait.
+    bool FallenSilent();
+
+    /// Waits for that; false when the line does not fall silent within 3 s.
+    bool AwaitSilence();
+
     /// The clock that pauses and time-outs are measured with.
     Clock& Time() const { return clock_; }
 
 private:
+    void Pause(int milliseconds);
+    bool ReceiveLine(std::string& reply, int timeoutMs);
+    std::optional<char> NextCharacter(int timeoutMs);
+    bool TakeChecksum(std::string& reply) const;
+    bool Ended(std::int64_t now, int timeoutMs) const;
+    int Nap(std::int64_t milliseconds) const;
+    int SilenceMs() const;
+    void NoteEcho(bool echo);
+
     SerialPorts ports_;
     Clock& clock_;
+    std::string sentLine_;    // until its echo, or another line, has come
+    std::int64_t sentAt_ = 0; // ms
+    std::int64_t incompleteAt_ =
+        0; // ms, end of the last transaction without a complete reply, or what came after
+    std::int64_t silentFor_ = 0; // `IncompleteCount` up to which silence was awaited
 };
 
 /// The two checksum characters of a text. Throws `RuntimeFailure` when the sum of its codes exceeds 16 bits.

@@ -122,5 +122,105 @@ TEST_F(LineTest, Exchange) {
     EXPECT_FALSE(TestLine.ReplyIs('!')) << "an empty reply has no class";
 }
 
+// What arrives first being what was sent is the adapter's echo, whatever was sent; nothing else is.
+TEST_F(LineTest, Echo) {
+    const struct {
+        const char* Command;
+        std::int16_t Checksum;
+        const char* Incoming;
+        bool Complete;
+        const char* Reply;
+        bool Echo;
+    } cases[] = {
+        {"$012", 0, "$012\r!01400600\r", true, "!01400600", true},
+        {"$012", 1, "$012B7\r!0182\r", true, "!01", true},
+        {"#01+05.000", 0, "#01+05.000\r", false, "", true},
+        {"$012", 0, "$012\r$012\r", true, "$012", true},
+        {"$012", 0, "$013\r!01\r", true, "$013", false},
+        {"$012", 0, "!01\r", true, "!01", false},
+        {"$012", 0, "", false, "", false},
+    };
+    int told = 0;
+    TestLine.EchoFound = [&told] { ++told; };
+    for (const auto& [command, checksum, incoming, complete, reply, echo] : cases) {
+        TestLine.Echo = false;
+        told = 0;
+        Test.Time.Sleep(1000);
+        Test.Port().EmptyInBuffer();
+        Test.Port().Queue = {{incoming, 1, 1}};
+        EXPECT_EQ(TestLine.Exchange(command, checksum, 3, 100), complete) << incoming;
+        EXPECT_EQ(TestLine.ReplyText, reply);
+        EXPECT_EQ(TestLine.Echo, echo);
+        EXPECT_EQ(told, echo ? 1 : 0);
+    }
+}
+
+TEST_F(LineTest, BoundedTransactions) {
+    const struct {
+        ScriptedReply Incoming;
+        std::int16_t Checksum;
+        int TimeoutMs;
+        int Milliseconds;
+    } cases[] = {
+        {{std::string(400, '!'), 50, 90}, 0, 100, 3000},  // a slow drip
+        {{std::string(2000, '!')}, 0, 100, 0},            // no end of it
+        {{std::string(300, '\xFF') + "00\r"}, 1, 100, 0}, // beyond any checksum
+        {{""}, 0, 4000, 4000},                            // a time-out that is longer holds
+    };
+    TestLine.SetPortBaud(1, 3, 0, 8, 0);
+    TestLine.Bounded = true;
+    for (const auto& [incoming, checksum, timeout, milliseconds] : cases) {
+        const std::int64_t start = Test.Time.GetTickCount();
+        Test.Port().Queue = {incoming};
+        EXPECT_FALSE(TestLine.Exchange("$012", checksum, 3, timeout));
+        EXPECT_NEAR(static_cast<double>(Test.Time.GetTickCount() - start), milliseconds, 100);
+        Test.Time.Sleep(40000); // the rest of it
+        Test.Port().EmptyInBuffer();
+    }
+}
+
+TEST_F(LineTest, AnInterruptionEndsEveryWait) {
+    std::int64_t askedAt = 0;
+    TestLine.Interrupted = [&] { return askedAt != 0 && Test.Time.GetTickCount() >= askedAt; };
+    const std::function<void()> waits[] = {
+        [&] { TestLine.SetPortBaud(1, TestLine.PortBaudCode[0] == 3 ? 4 : 3, 0, 8, 0); },
+        [&] { TestLine.Exchange("$012", 0, TestLine.PortBaudCode[0], 30000); },
+        [&] {
+            Test.Port().Queue = {{std::string(1000, '!'), 0, 90}};
+            TestLine.Exchange("$012", 0, TestLine.PortBaudCode[0], 100);
+        },
+    };
+    for (const auto& wait : waits) {
+        askedAt = Test.Time.GetTickCount() + 130;
+        EXPECT_THROW(wait(), Interruption);
+        EXPECT_LE(Test.Time.GetTickCount(), askedAt + 100);
+    }
+}
+
+// After a reply that did not come the line must have been silent for 400 ms, wherever that time went.
+TEST_F(LineTest, SilenceIsAwaitedAfterAFailureOnly) {
+    const auto waited = [this] {
+        const std::int64_t start = Test.Time.GetTickCount();
+        EXPECT_TRUE(TestLine.AwaitSilence());
+        return Test.Time.GetTickCount() - start;
+    };
+    EXPECT_EQ(waited(), 0);
+    Test.Port().Queue = {{""}, {"!01\r"}, {"!0", 10}, {""}, {""}};
+    TestLine.Exchange("$012", 0, 3, 100);
+    EXPECT_EQ(waited(), 400);
+    EXPECT_EQ(waited(), 0);
+    TestLine.Exchange("$012", 0, 3, 100);
+    EXPECT_EQ(waited(), 0) << "a good one";
+    TestLine.Exchange("$012", 0, 3, 100);
+    Test.Time.Sleep(300);
+    EXPECT_EQ(waited(), 100) << "what has passed counts";
+    TestLine.Exchange("$012", 0, 3, 100);
+    Test.Port().Receive({"!0182\r", 250, 10});
+    EXPECT_EQ(waited(), 250 + 5 * 10 + 400) << "a late reply is discarded";
+    TestLine.Exchange("$012", 0, 3, 100);
+    Test.Port().Receive({std::string(100, '!'), 0, 90});
+    EXPECT_FALSE(TestLine.AwaitSilence()) << "it never falls silent";
+}
+
 } // namespace
 } // namespace kavro
