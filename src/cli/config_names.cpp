@@ -65,12 +65,16 @@ Settings AnalogInputNames(AnalogInputConfig& settings, const Subject& subject) {
 
 Settings AlarmInputNames(AlarmInputConfig& settings, const Subject& subject) {
     // The range's full scale, which may change along with the limit, is checked when all is known.
-    const NumberBounds limit = {-9999, 9999, 4, "a number within the full scale of the range"};
+    const NumberBounds bounds = {-9999, 9999, 4, "a number within the full scale of the range"};
+    const auto limit = [&settings, &bounds](const std::string& name, std::string& text) {
+        NamedSetting setting = NumberSetting(name, text, bounds);
+        setting.Sent = [&settings, &text] { return FormatReading(text, settings.InputRange); };
+        return setting;
+    };
     return {RangeSetting("range", settings.InputRange, subject.Model),
             FormatSetting(settings.DataFormat, subject.Model),
             ChoiceSetting("alarm-mode", settings.AlarmMode, {"disabled", "momentary", "latch"}),
-            NumberSetting("low-alarm", settings.LowAlarm, limit),
-            NumberSetting("high-alarm", settings.HighAlarm, limit)};
+            limit("low-alarm", settings.LowAlarm), limit("high-alarm", settings.HighAlarm)};
 }
 
 Settings AnalogOutputNames(AnalogOutputConfig& settings, const Subject& subject) {
@@ -139,23 +143,23 @@ Settings CounterNames(CounterConfig& settings, const Subject& /*subject*/) {
     return names;
 }
 
-// A setting that has just been read is known only when the module answered with "!".
 template <class Config>
-NamedConfig Bound(Session& session, int index, Config config, Settings (*names)(Config&, const Subject&),
+NamedConfig Bound(Session& session, int index, std::optional<Config> config,
+                  Settings (*names)(Config&, const Subject&),
                   ConfigOutcome (*apply)(Session&, int, const Config&, Messages&)) {
-    const auto kept = std::make_shared<Config>(std::move(config));
+    const auto kept = std::make_shared<Config>(std::move(config).value_or(Config()));
     const Subject subject = {session.ModuleTable[index].Model, index == session.ScanIndex};
     Settings all = LinkNames(kept->Link, subject);
     std::ranges::move(names(*kept, subject), std::back_inserter(all));
     const auto write = [kept, &session, index, apply](Messages& messages) {
         return apply(session, index, *kept, messages);
     };
-    return {std::move(all), session.Line.ReplyIs('!'), write};
+    return {std::move(all), config.has_value(), write};
 }
 
 template <auto Read, auto Names, auto Apply>
 NamedConfig Open(Session& session, int index) {
-    return Bound(session, index, Read(session, index), Names, Apply);
+    return Bound(session, index, std::optional(Read(session, index)), Names, Apply);
 }
 
 // Calls `use` with the names of a model's settings, which live only as long as the call.
@@ -181,7 +185,7 @@ constexpr ConfigFamily Families[] = {
      Open<AlarmInputConfigOf, AlarmInputNames, ApplyAlarmInputConfig>,
      WithNames<AlarmInputConfig, AlarmInputNames>},
     {ModuleDialog::AdConfigForm, "8230, 8250, 8260", "8260", true,
-     Open<ReadAnalogInputConfig, AnalogInputNames, ApplyAnalogInputConfig>,
+     Open<ReadAnalogInputConfigWell, AnalogInputNames, ApplyAnalogInputConfig>,
      WithNames<AnalogInputConfig, AnalogInputNames>},
     {ModuleDialog::DaConfigForm, "8310, 8320 (input-polarity: 8320 only)", "8320", true,
      Open<AnalogOutputConfigOf, AnalogOutputNames, ApplyAnalogOutputConfig>,
@@ -189,7 +193,7 @@ constexpr ConfigFamily Families[] = {
     {ModuleDialog::DioConfigForm, "8410, 8420, 8430, 8440, 8450, 8470, 8480, 8490", "8410", true,
      Open<DigitalConfigOf, DigitalNames, ApplyDigitalConfig>, WithNames<DigitalConfig, DigitalNames>},
     {ModuleDialog::N46ConfigForm, "8460", "8460", false,
-     Open<ReadPortDirectionConfig, PortNames, ApplyPortDirectionConfig>,
+     Open<ReadPortDirectionConfigWell, PortNames, ApplyPortDirectionConfig>,
      WithNames<PortDirectionConfig, PortNames>},
     {ModuleDialog::CtrConfigForm, "8510", "8510", true,
      Open<CounterConfigOf, CounterNames, ApplyCounterConfig>, WithNames<CounterConfig, CounterNames>},

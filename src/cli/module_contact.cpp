@@ -24,15 +24,17 @@ std::string WaysText(const Contact& contact) {
 }
 
 Identified TryWay(Session& session, std::int16_t address, const SendSettings& way) {
-    const auto answer = AskForConfig(session.Line, address, way.Checksum, way.BaudCode);
+    ConfigAnswer answer{address, way.Checksum, way.BaudCode, {}};
     ModuleRecord record;
-    const auto identified = answer ? IdentifyModule(session.Line, *answer, record) : Identified::No;
-    if (identified == Identified::No)
+    const auto identified = AskModuleAgain(session.Line, answer, record);
+    if (identified == Identified::No || identified == Identified::Vaguely)
         return identified;
     session.ModuleTable[0] = record;
     session.ModuleCount = 1;
     session.SelectedModule = 0;
     session.ScanIndex = address == 0 ? 0 : -1;
+    if (identified == Identified::Fully)
+        session.BelievedSince[static_cast<std::size_t>(address)] = session.Line.IncompleteCount;
     return identified;
 }
 
@@ -92,9 +94,18 @@ ModuleOnLine ReadModuleOnLine(const QCommandLineParser& parser, int place) {
 }
 
 Identified FindModule(Session& session, const Contact& contact) {
-    for (const SendSettings& way : contact.Ways)
-        if (const auto identified = TryWay(session, contact.Address, way); identified != Identified::No)
+    for (const SendSettings& way : contact.Ways) {
+        const auto identified = TryWay(session, contact.Address, way);
+        if (identified == Identified::Vaguely) {
+            PrintNote(
+                "The module at address " + ShownAddress(contact.Address) +
+                " answers, but what it tells of itself cannot be believed. Try again; kavroctl send shows "
+                "what comes.");
+            return Identified::No;
+        }
+        if (identified != Identified::No)
             return identified;
+    }
     PrintNote("No module answers at address " + ShownAddress(contact.Address) + " at " + WaysText(contact) +
               ". Check its address, baud rate and checksum; kavroctl search finds them.");
     return Identified::No;

@@ -48,11 +48,12 @@ bool ParseSwitch(const std::string& text) {
     throw RuntimeFailure("'" + text + "' is not possible; give on or off.");
 }
 
-// The command of an analog output as the module at `index` takes it: its good reply is ">".
+constexpr std::size_t CommandHead = 3; // "#AA"
+
+// The command of an analog output.
 Drive AnalogDrive(Session& session, int index, const std::string& command) {
-    return [&session, index, command] {
-        ExchangeWithModule(session, index, command, session.Line.ReplyTimeout);
-        return session.Line.ReplyIs('>');
+    return [&session, index, tail = command.substr(CommandHead)] {
+        return TellModule(session, index, '#', tail) == Answer::Ok;
     };
 }
 

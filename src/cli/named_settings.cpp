@@ -98,6 +98,10 @@ std::optional<double> ReadRange(const std::string& text, const std::vector<std::
 
 } // namespace
 
+bool SameValue(const NamedSetting& left, const NamedSetting& right) {
+    return left.Value() == right.Value() || (!left.Sent().empty() && left.Sent() == right.Sent());
+}
+
 bool SameText(std::string_view left, std::string_view right) {
     const auto view = [](std::string_view text) {
         return QString::fromUtf8(text.data(), static_cast<int>(text.size()));

@@ -22,6 +22,8 @@ struct NamedSetting {
     std::function<std::string()> Remark = NoText;      ///< what a text has behind the value
     std::function<std::string()> Locked = NoText;      ///< why it cannot be changed; empty when it can
     std::string Hint = {};                             ///< `Values` of all models together, when they differ
+    std::function<std::string()> Sent =
+        NoText; ///< as the module gets it, where that is less exact; else empty
 
     static std::string NoText() { return {}; }
 };
@@ -34,6 +36,9 @@ std::string Listed(const std::vector<std::string>& texts);
 
 /// The value as text, for example "on", "0,1,4" or "08 (+/- 10V)".
 std::string SettingText(const NamedSetting& setting);
+
+/// Whether two readings of one setting are the same for the module.
+bool SameValue(const NamedSetting& left, const NamedSetting& right);
 
 /// A number in a settings struct, of whatever type it is there.
 struct NumberField {

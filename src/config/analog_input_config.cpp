@@ -3,14 +3,20 @@
 #include "link/codes.h"
 #include "link/text.h"
 #include "map/module_access.h"
+#include "map/module_command.h"
 
 namespace kavro {
 
 namespace {
 
-bool ApplyChannels(Session& session, int index, unsigned enabled, Messages& messages) {
-    const int channels = ChannelCount(session.ModuleTable[index].Model).value_or(0);
-    const unsigned mask = enabled & ((1U << channels) - 1);
+unsigned AllChannels(const ModuleRecord& record) {
+    return (1U << ChannelCount(record.Model).value_or(0)) - 1;
+}
+
+bool ApplyChannels(Session& session, int index, const AnalogInputConfig& config, Messages& messages) {
+    const unsigned mask = config.EnabledChannels & AllChannels(session.ModuleTable[index]);
+    if (mask == config.PresentChannels)
+        return true;
     return ChangeSetting(session, index, '$', "5" + ToHex(static_cast<std::int32_t>(mask), 2),
                          "Channel enable/disable configuration failed.", messages);
 }
@@ -24,6 +30,16 @@ AnalogInputConfig ReadAnalogInputConfig(Session& session, int index) {
     return config;
 }
 
+std::optional<AnalogInputConfig> ReadAnalogInputConfigWell(Session& session, int index) {
+    const ModuleReply reply = AskModuleTwice(session, index, '$', "6");
+    if (reply.Answer != Answer::Ok)
+        return std::nullopt;
+    const ModuleRecord& record = session.ModuleTable[index];
+    const unsigned channels = reply.Digits(0, 2) & AllChannels(record);
+    return AnalogInputConfig{LinkSettingsOf(record), record.InputRange, record.DataFormat, channels,
+                             channels};
+}
+
 ConfigOutcome ApplyAnalogInputConfig(Session& session, int index, const AnalogInputConfig& config,
                                      Messages& messages) {
     session.ConfigResult = 2;
@@ -31,7 +47,7 @@ ConfigOutcome ApplyAnalogInputConfig(Session& session, int index, const AnalogIn
         return ConfigOutcome::Refused;
     const AnalogModuleConfig module{config.Link, config.InputRange, config.DataFormat};
     const bool configured = ChangeAnalogModuleConfig(session, index, module, messages) != StepResult::Failed;
-    const bool enabled = ApplyChannels(session, index, config.EnabledChannels, messages);
+    const bool enabled = ApplyChannels(session, index, config, messages);
     return EndConfig(session, configured && enabled, messages);
 }
 

@@ -5,6 +5,7 @@
 #include "map/session.h"
 
 #include <cstdint>
+#include <optional>
 
 namespace kavro {
 
@@ -14,14 +15,20 @@ struct AnalogInputConfig {
     std::int16_t InputRange = 0;  ///< range code
     std::int16_t DataFormat = 0;  ///< data format code
     unsigned EnabledChannels = 0; ///< bit n: channel n is read; bits beyond the model's channels do not count
+    std::optional<unsigned> PresentChannels = {}; ///< as the module has them, to leave them alone when they
+                                                  ///< do not differ; nothing: they are sent in any case
 };
 
 /// The entry's settings, with the enabled channels read from the module ("$AA6"): none when it does not
 /// answer.
 AnalogInputConfig ReadAnalogInputConfig(Session& session, int index);
 
-/// Writes the settings: the module configuration when it differs from the entry, then always the enabled
-/// channels ("$AA5VV"). Tells every failure and the success, keeps in the entry what the module accepted, and
+/// The same, believing what `AskModule` believes, and with `PresentChannels`; nothing when the module does
+/// not tell its channels twice alike.
+std::optional<AnalogInputConfig> ReadAnalogInputConfigWell(Session& session, int index);
+
+/// Writes the settings: the module configuration when it differs from the entry, then the enabled channels
+/// ("$AA5VV"). Tells every failure and the success, keeps in the entry what the module accepted, and
 /// leaves `ConfigResult` 1 when it accepted anything, else 2.
 ConfigOutcome ApplyAnalogInputConfig(Session& session, int index, const AnalogInputConfig& config,
                                      Messages& messages);

@@ -2,6 +2,7 @@
 
 #include "link/text.h"
 #include "map/module_access.h"
+#include "map/module_command.h"
 
 namespace kavro {
 
@@ -23,6 +24,14 @@ PortDirectionConfig ReadPortDirectionConfig(Session& session, int index) {
     return {LinkSettingsOf(session.ModuleTable[index]), ReadInputPorts(session, index)};
 }
 
+std::optional<PortDirectionConfig> ReadPortDirectionConfigWell(Session& session, int index) {
+    const ModuleReply reply = AskModuleTwice(session, index, '$', "6");
+    if (reply.Answer != Answer::Ok)
+        return std::nullopt;
+    const unsigned inputs = reply.Digits(0, 2);
+    return PortDirectionConfig{LinkSettingsOf(session.ModuleTable[index]), inputs, inputs};
+}
+
 ConfigOutcome ApplyPortDirectionConfig(Session& session, int index, const PortDirectionConfig& config,
                                        Messages& messages) {
     // `ConfigResult` is not reset first; this is meant.
@@ -31,7 +40,8 @@ ConfigOutcome ApplyPortDirectionConfig(Session& session, int index, const PortDi
     const bool configured =
         ChangeDigitalModuleConfig(session, index, config.Link, messages) != StepResult::Failed;
     const auto mask = static_cast<std::int32_t>(config.InputPorts & AllPorts);
-    const bool directed = ChangeSetting(session, index, '$', "S" + ToHex(mask, 2),
+    const bool directed = config.InputPorts == config.PresentInputs ||
+                          ChangeSetting(session, index, '$', "S" + ToHex(mask, 2),
                                         "Port input/output configuration failed.", messages);
     return EndConfig(session, configured && directed, messages);
 }

@@ -11,21 +11,21 @@ namespace {
 
 constexpr unsigned AllOutputs = (1U << AlarmOutputTotal) - 1;
 
+Answer TakeStates(const ModuleReply& reply, AlarmStates& states) {
+    if (reply.Answer == Answer::Ok)
+        states = {static_cast<std::int16_t>(reply.Digits(0, 1)), reply.Digits(1, 2) & AllOutputs,
+                  (reply.Digits(3, 2) & 1U) != 0};
+    return reply.Answer;
+}
+
 } // namespace
 
 Answer ReadAlarmStates(Session& session, int index, AlarmStates& states) {
-    const ModuleReply reply = AskModule(session, index, '@', "DI", {.HexDigits = 5});
-    if (reply.Answer != Answer::Ok)
-        return reply.Answer;
-    const auto mode = static_cast<std::int16_t>(reply.Digits(0, 1));
-    if (mode > AlarmLatched)
-        return Answer::Garbled;
-    states = {mode, reply.Digits(1, 2) & AllOutputs, (reply.Digits(3, 2) & 1U) != 0};
-    return Answer::Ok;
+    return TakeStates(AskModule(session, index, '@', "DI"), states);
 }
 
 Answer ReadAlarmLimit(Session& session, int index, bool high, std::string& text) {
-    const ModuleReply reply = AskModuleForNumber(session, index, '@', high ? "RH" : "RL");
+    const ModuleReply reply = AskModule(session, index, '@', high ? "RH" : "RL");
     if (reply.Answer == Answer::Ok) {
         // Limits are in engineering units whatever the data format is.
         const std::int16_t range = session.ModuleTable[index].InputRange;
@@ -36,7 +36,9 @@ Answer ReadAlarmLimit(Session& session, int index, bool high, std::string& text)
 
 Answer SwitchAlarmOutput(Session& session, int index, int output, bool on) {
     AlarmStates states;
-    if (const Answer read = ReadAlarmStates(session, index, states); read != Answer::Ok)
+    // The other output is written back as it is read.
+    const Answer read = TakeStates(AskModuleTwice(session, index, '@', "DI"), states);
+    if (read != Answer::Ok)
         return read;
     const unsigned bit = 1U << output;
     const unsigned outputs = on ? states.Outputs | bit : states.Outputs & ~bit;

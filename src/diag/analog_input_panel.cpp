@@ -9,6 +9,15 @@ std::string SignedReading(const AnalogReading& reading) {
     return (reading.Value && !reading.Text.starts_with('-') ? "+" : "") + reading.Text;
 }
 
+Answer ReadInputValue(Session& session, int index, int channel, AnalogReading& reading) {
+    const ModuleRecord& record = session.ModuleTable[index];
+    const bool several = ChannelCount(record.Model).value_or(0) > 1;
+    const ModuleReply reply = AskModule(session, index, '#', several ? std::to_string(channel) : "");
+    if (reply.Answer == Answer::Ok)
+        reading = DecodeReading(reply.Data, record.DataFormat, RangeFullScale(record.InputRange));
+    return reply.Answer;
+}
+
 bool HasOpenStatus(std::string_view model) {
     return ModelSuffix(model) == "260";
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "map/module_access.h"
+#include "map/module_command.h"
 #include "map/session.h"
 
 #include <optional>
@@ -11,6 +12,10 @@ namespace kavro {
 
 /// A reading as it is shown: "+" before a number that has no "-", any other text as it is.
 std::string SignedReading(const AnalogReading& reading);
+
+/// Reads channel `channel` of an analog input, believing what `AskModule` believes; the full scale is that of
+/// the module's own range. `reading` stays as it was unless the answer is `Ok`.
+Answer ReadInputValue(Session& session, int index, int channel, AnalogReading& reading);
 
 /// Whether a model tells which of its inputs are open.
 bool HasOpenStatus(std::string_view model);

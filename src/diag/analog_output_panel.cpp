@@ -82,9 +82,12 @@ std::string PortCommand(const std::string& address, int port, float value) {
 std::optional<unsigned> ReadOutputModuleInputs(Session& session, int index) {
     ExchangeWithModule(session, index, "$" + AddressText(session, index) + "8", session.Line.ReplyTimeout);
     const std::string& reply = session.Line.ReplyText;
-    if (!session.Line.ReplyIs('!') || reply.size() != InputsReplyLength)
-        return std::nullopt;
-    return HexNumber(Middle(reply, 2, 2));
+    const auto inputs = session.Line.ReplyIs('!') && reply.size() == InputsReplyLength
+                            ? HexNumber(Middle(reply, 2, 2))
+                            : std::nullopt;
+    if (!inputs && session.Line.ReplyStatus != 0 && !session.Line.ReplyIs('?'))
+        session.Line.NoteUnfit();
+    return inputs;
 }
 
 } // namespace kavro

@@ -43,6 +43,7 @@ std::string PortCommand(const std::string& address, int port, float value);
 
 /// Digital inputs of a module with four voltage outputs.
 inline constexpr int OutputModuleInputs = 7;
+inline constexpr unsigned AllModuleInputs = (1U << OutputModuleInputs) - 1;
 
 /// Reads these inputs of entry `index` ("$AA8"): bit n for input n. Nothing unless a complete reply "!" of 7
 /// characters comes.

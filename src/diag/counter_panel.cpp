@@ -5,23 +5,21 @@ namespace kavro {
 namespace {
 
 // The first two digits of a reply, each 0 or 1.
-bool TakeFlags(const ModuleReply& reply, CounterFlags& flags) {
-    if (reply.Digits(0, 1) > 1 || reply.Digits(1, 1) > 1)
-        return false;
-    flags = {reply.Digits(0, 1) == 1, reply.Digits(1, 1) == 1};
-    return true;
+CounterFlags FlagsIn(const ModuleReply& reply) {
+    return {reply.Digits(0, 1) == 1, reply.Digits(1, 1) == 1};
 }
 
 Answer ReadFlags(Session& session, int index, const char* tail, CounterFlags& flags) {
-    const ModuleReply reply = AskModule(session, index, '$', tail, {.HexDigits = 2});
-    return reply.Answer == Answer::Ok && !TakeFlags(reply, flags) ? Answer::Garbled : reply.Answer;
+    const ModuleReply reply = AskModule(session, index, '$', tail);
+    if (reply.Answer == Answer::Ok)
+        flags = FlagsIn(reply);
+    return reply.Answer;
 }
 
 } // namespace
 
 Answer ReadCounter(Session& session, int index, int counter, std::uint32_t& value) {
-    const ModuleReply reply = AskModule(session, index, '#', std::to_string(counter),
-                                        {.Class = '>', .Addressed = false, .HexDigits = 8});
+    const ModuleReply reply = AskModule(session, index, '#', std::to_string(counter));
     if (reply.Answer == Answer::Ok)
         value = reply.Digits(0, 8);
     return reply.Answer;
@@ -36,12 +34,11 @@ Answer ReadCounterOverflow(Session& session, int index, CounterFlags& overflow) 
 }
 
 Answer ReadCounterAlarms(Session& session, int index, CounterAlarms& alarms) {
-    const ModuleReply reply = AskModule(session, index, '@', "DI", {.HexDigits = 4});
+    const ModuleReply reply = AskModule(session, index, '@', "DI");
     if (reply.Answer != Answer::Ok)
         return reply.Answer;
     const unsigned active = reply.Digits(2, 2);
-    if (!TakeFlags(reply, alarms.Enabled))
-        return Answer::Garbled;
+    alarms.Enabled = FlagsIn(reply);
     alarms.Active = {(active & 1U) != 0, (active & 2U) != 0};
     return Answer::Ok;
 }

@@ -16,8 +16,7 @@ unsigned AllOf(int channels) {
 } // namespace
 
 Answer ReadDigitalStates(Session& session, int index, DigitalStates& states) {
-    const ModuleReply reply =
-        AskModule(session, index, '$', "6", {.Class = '!', .Addressed = false, .HexDigits = 8});
+    const ModuleReply reply = AskModule(session, index, '$', "6");
     if (reply.Answer == Answer::Ok) {
         const DigitalChannels channels = DigitalChannelsOf(session.ModuleTable[index].Model);
         states = {reply.Digits(0, 4) & AllOf(channels.Outputs), reply.Digits(4, 4) & AllOf(channels.Inputs)};

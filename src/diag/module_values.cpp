@@ -1,5 +1,6 @@
 #include "diag/module_values.h"
 
+#include "diag/analog_input_panel.h"
 #include "diag/analog_output_panel.h"
 #include "diag/counter_panel.h"
 #include "diag/digital_channels.h"
@@ -7,7 +8,7 @@
 #include "diag/port_panel.h"
 #include "link/codes.h"
 #include "link/text.h"
-#include "map/module_access.h"
+#include "map/module_command.h"
 
 #include <array>
 #include <utility>
@@ -21,26 +22,14 @@ struct Reading {
     double Number = 0;
 };
 
-// What one transaction brings: the readings of one or more values, in order.
-using Readings = std::vector<std::optional<Reading>>;
+// What an exchange brings: the readings of one or more values, in order; none unless the answer is `Ok`.
+struct Readings {
+    kavro::Answer Answer = kavro::Answer::NoReply;
+    std::vector<Reading> Values = {};
+};
 
 constexpr int OutputDecimals = 3;
 constexpr int DigitBits = 4; // of a hexadecimal digit
-
-// Selects an entry for as long as it lives: the full scale of a reading is that of the selected module.
-class Selection {
-public:
-    Selection(Session& session, int index)
-        : session_(session),
-          before_(std::exchange(session.SelectedModule, static_cast<std::int16_t>(index))) {}
-    ~Selection() { session_.SelectedModule = before_; }
-    Selection(const Selection&) = delete;
-    Selection& operator=(const Selection&) = delete;
-
-private:
-    Session& session_;
-    std::int16_t before_;
-};
 
 Reading OutputReading(double value) {
     return {FormatNumber(value, 1, OutputDecimals), value};
@@ -53,53 +42,43 @@ Reading WordReading(unsigned word, int channels) {
 }
 
 Readings ReadInput(Session& session, int index, std::size_t place) {
-    const Selection selection(session, index);
-    const AnalogReading reading = ReadAnalogInput(session, index, static_cast<int>(place));
-    if (!reading.Value)
-        return {std::nullopt};
-    return {Reading{reading.Text, *reading.Value}};
+    AnalogReading reading;
+    const Answer answer = ReadInputValue(session, index, static_cast<int>(place), reading);
+    if (answer != Answer::Ok)
+        return {answer};
+    return {answer, {{reading.Text, reading.Value.value_or(0)}}};
 }
 
 // The output that an 8310 reports in its data format, in the unit of its range.
-Readings ReadSingleOutput(Session& session, int index) {
-    const ModuleRecord& record = session.ModuleTable[index];
+double SingleOutputValue(const ModuleRecord& record, const ModuleReply& reply) {
     const double low = OutputValue(record.InputRange, {0, 1});
     const double span = OutputValue(record.InputRange, {1, 1}) - low;
-    if (record.DataFormat == TwosComplement) {
-        const ModuleReply reply = AskModule(session, index, '$', "6", {.HexDigits = 3});
-        if (reply.Answer != Answer::Ok)
-            return {std::nullopt};
-        return {OutputReading(low + reply.Digits(0, 3) * span / OutputCounts)};
-    }
-    const ModuleReply reply = AskModuleForNumber(session, index, '$', "6");
-    if (reply.Answer != Answer::Ok)
-        return {std::nullopt};
+    if (record.DataFormat == TwosComplement)
+        return low + reply.Digits(0, 3) * span / OutputCounts;
     const double value = NumericValue(reply.Data);
-    return {OutputReading(record.DataFormat == PercentOfRange ? low + value * span / 100 : value)};
+    return record.DataFormat == PercentOfRange ? low + value * span / 100 : value;
 }
 
 Readings ReadOutput(Session& session, int index, std::size_t place) {
-    if (ModelSuffix(session.ModuleTable[index].Model) == "310")
-        return ReadSingleOutput(session, index);
-    if (place == OutputPorts) {
-        const auto inputs = ReadOutputModuleInputs(session, index);
-        return {inputs ? std::optional(WordReading(*inputs, OutputModuleInputs)) : std::nullopt};
-    }
-    const std::string port(1, static_cast<char>('A' + place));
-    const ModuleReply reply = AskModuleForNumber(session, index, '$', "6" + port);
+    const ModuleRecord& record = session.ModuleTable[index];
+    const bool single = ModelSuffix(record.Model) == "310";
+    const bool inputs = !single && place == OutputPorts;
+    const std::string port = single ? "" : std::string(1, static_cast<char>('A' + place));
+    const ModuleReply reply = AskModule(session, index, '$', inputs ? "8" : "6" + port);
     if (reply.Answer != Answer::Ok)
-        return {std::nullopt};
-    return {OutputReading(NumericValue(reply.Data))};
+        return {reply.Answer};
+    if (inputs)
+        return {reply.Answer, {WordReading(reply.Digits(0, 2) & AllModuleInputs, OutputModuleInputs)}};
+    return {reply.Answer,
+            {OutputReading(single ? SingleOutputValue(record, reply) : NumericValue(reply.Data))}};
 }
 
 Readings ReadPorts(Session& session, int index) {
-    Readings readings(DigitalPorts.size());
     unsigned levels = 0;
-    if (ReadPortLevels(session, index, levels) == Answer::Ok)
-        for (std::size_t place = 0; place < readings.size(); ++place) {
-            const DigitalPort& port = DigitalPorts[place];
-            readings[place] = WordReading((levels & port.Word()) >> port.FirstLine, port.Lines);
-        }
+    Readings readings{ReadPortLevels(session, index, levels)};
+    if (readings.Answer == Answer::Ok)
+        for (const DigitalPort& port : DigitalPorts)
+            readings.Values.push_back(WordReading((levels & port.Word()) >> port.FirstLine, port.Lines));
     return readings;
 }
 
@@ -112,20 +91,21 @@ Readings ReadDigital(Session& session, int index, std::size_t /*place*/) {
     if (HasPorts(record))
         return ReadPorts(session, index);
     DigitalStates states;
-    const bool read = ReadDigitalStates(session, index, states) == Answer::Ok;
+    Readings readings{ReadDigitalStates(session, index, states)};
     const auto [inputs, outputs] = DigitalChannelsOf(record.Model);
-    Readings readings;
-    for (const auto& [word, channels] : {std::pair{states.Inputs, inputs}, {states.Outputs, outputs}})
-        if (channels > 0)
-            readings.push_back(read ? std::optional(WordReading(word, channels)) : std::nullopt);
+    if (readings.Answer == Answer::Ok)
+        for (const auto& [word, channels] : {std::pair{states.Inputs, inputs}, {states.Outputs, outputs}})
+            if (channels > 0)
+                readings.Values.push_back(WordReading(word, channels));
     return readings;
 }
 
 Readings ReadCount(Session& session, int index, std::size_t place) {
     std::uint32_t count = 0;
-    if (ReadCounter(session, index, static_cast<int>(place), count) != Answer::Ok)
-        return {std::nullopt};
-    return {Reading{FormatNumber(count, 1, 0), static_cast<double>(count)}};
+    const Answer answer = ReadCounter(session, index, static_cast<int>(place), count);
+    if (answer != Answer::Ok)
+        return {answer};
+    return {answer, {{FormatNumber(count, 1, 0), static_cast<double>(count)}}};
 }
 
 using Names = std::vector<std::string>;
@@ -180,6 +160,11 @@ constexpr std::array<FamilyValues, UnknownFamily + 1> Families = {{{DigitalNames
                                                                    {NoNames, nullptr},
                                                                    {NoNames, nullptr}}};
 
+// Whether one exchange brings every value.
+bool ReadsAllAtOnce(const ModuleRecord& record) {
+    return ModuleFamily(record.Model) == DigitalIo;
+}
+
 const FamilyValues& ValuesOf(const ModuleRecord& record) {
     return Families[static_cast<std::size_t>(ModuleFamily(record.Model))];
 }
@@ -196,7 +181,7 @@ std::string UnitOf(const ModuleRecord& record, const std::string& channel) {
 } // namespace
 
 const char* StateText(ValueState state) {
-    constexpr const char* texts[] = {"ok", "error", "disabled", "no reply"};
+    constexpr const char* texts[] = {"ok", "error", "disabled", "no reply", "open", "line lost"};
     return texts[static_cast<std::size_t>(state)];
 }
 
@@ -208,47 +193,74 @@ ModuleReader::ModuleReader(Session& session, int index, std::optional<unsigned>&
         Values.push_back({std::move(channel), {}, std::nullopt, std::move(unit), ValueState::NoReply});
     }
     askEnables_ = ModuleFamily(record.Model) == MultiAnalogInput && !enables;
-    SkipDisabled();
+    askOpen_ = HasOpenStatus(record.Model);
+    SkipUnread();
 }
 
 void ModuleReader::Step() {
-    if (!(askEnables_ ? AskEnables() : TakeReadings()))
-        GiveUp();
-    SkipDisabled();
+    if (askEnables_)
+        AskEnables();
+    else if (askOpen_)
+        AskOpen();
+    else
+        TakeReadings();
+    SkipUnread();
 }
 
-bool ModuleReader::AskEnables() {
+// Kept for a long time, so a single digit that is wrong must not pass.
+void ModuleReader::AskEnables() {
     askEnables_ = false;
-    const auto enables = ReadChannelEnables(session_, index_, session_.Line.ReplyTimeout);
-    if (session_.Line.ReplyIs('!')) // a refusal is no mask
-        enables_ = enables;
-    return enables_.has_value();
+    const ModuleReply reply = AskModuleTwice(session_, index_, '$', "6");
+    if (reply.Answer == Answer::Ok)
+        enables_ = reply.Digits(0, 2);
+    else
+        GiveUp(reply.Answer);
 }
 
-bool ModuleReader::TakeReadings() {
+// A module that refuses to tell has no such sensors.
+void ModuleReader::AskOpen() {
+    askOpen_ = false;
+    const ModuleReply reply = AskModule(session_, index_, '$', "BA");
+    if (reply.Answer == Answer::Ok)
+        open_ = reply.Digits(0, 2);
+    else if (reply.Answer != Answer::Refused)
+        GiveUp(reply.Answer);
+}
+
+void ModuleReader::TakeReadings() {
     const Readings readings = ValuesOf(session_.ModuleTable[index_]).Read(session_, index_, next_);
-    if (session_.Line.ReplyStatus == 0)
-        return false;
-    for (const auto& reading : readings) {
-        ChannelValue& value = Values[next_++];
-        value.State = reading ? ValueState::Ok : ValueState::Error;
-        if (reading) {
-            value.Text = reading->Text;
-            value.Number = reading->Number;
-        }
+    if (readings.Answer != Answer::Ok) {
+        if (session_.Line.ReplyStatus == 0)
+            return GiveUp(readings.Answer);
+        const std::size_t end = ReadsAllAtOnce(session_.ModuleTable[index_]) ? Values.size() : next_ + 1;
+        while (next_ < end)
+            Values[next_++].State = ValueState::Error;
+        return;
     }
-    return true;
+    for (const Reading& reading : readings.Values) {
+        ChannelValue& value = Values[next_++];
+        value.State = ValueState::Ok;
+        value.Text = reading.Text;
+        value.Number = reading.Number;
+    }
 }
 
-void ModuleReader::SkipDisabled() {
-    while (enables_ && !Done() && (*enables_ >> next_ & 1U) == 0)
-        Values[next_++].State = ValueState::Disabled;
+void ModuleReader::SkipUnread() {
+    for (; !Done() && !askEnables_ && !askOpen_; ++next_) {
+        if (enables_ && (*enables_ >> next_ & 1U) == 0)
+            Values[next_].State = ValueState::Disabled;
+        else if ((open_ >> next_ & 1U) != 0)
+            Values[next_].State = ValueState::Open;
+        else
+            break;
+    }
 }
 
-void ModuleReader::GiveUp() {
-    const bool silent = session_.Line.ReplyStatus == 0 && session_.Line.ReplyText.empty();
-    for (SkipDisabled(); !Done(); SkipDisabled())
-        Values[next_++].State = silent ? ValueState::NoReply : ValueState::Error;
+// What is left has the state that this answer means, but for channels that are known to be switched off.
+void ModuleReader::GiveUp(Answer answer) {
+    askEnables_ = askOpen_ = false;
+    for (SkipUnread(); !Done(); SkipUnread())
+        Values[next_++].State = answer == Answer::NoReply ? ValueState::NoReply : ValueState::Error;
 }
 
 std::vector<ChannelValue> ReadModuleValues(Session& session, int index, std::optional<unsigned>& enables) {

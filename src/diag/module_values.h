@@ -1,5 +1,6 @@
 #pragma once
 
+#include "map/module_command.h"
 #include "map/session.h"
 
 #include <cstddef>
@@ -15,9 +16,11 @@ enum class ValueState {
     Error,    ///< refused, garbled, or with a wrong checksum
     Disabled, ///< the channel is switched off in the module and not read
     NoReply,  ///< the module is silent
+    Open,     ///< the module says that its sensor is open
+    Lost,     ///< the port has failed, so the module could not be asked
 };
 
-/// "ok", "error", "disabled" or "no reply".
+/// "ok", "error", "disabled", "no reply", "open" or "line lost".
 const char* StateText(ValueState state);
 
 /// Unit of a digital word: its text is hexadecimal, bit n for channel n, logical states.
@@ -35,11 +38,11 @@ struct ChannelValue {
 /// No module has more values.
 inline constexpr std::size_t MostValues = 8;
 
-/// Reads the values of one module, a transaction at a time: analog inputs and outputs in the unit of the
-/// range, digital words with bit n for channel n, counts or frequencies.
+/// Reads the values of one module, a question at a time: analog inputs and outputs in the unit of the range,
+/// digital words with bit n for channel n, counts or frequencies. Believes what `AskModule` believes.
 ///
-/// Costs one time-out at most: after a command without a complete reply nothing more is sent, and the values
-/// that are left share its state.
+/// Costs one time-out at most of a silent module: after a question without a complete reply nothing more is
+/// asked, and the values that are left share its state.
 class ModuleReader {
 public:
     /// Begins with entry `index`. `enables` keeps which channels of the module are enabled: leave it empty
@@ -49,22 +52,25 @@ public:
     /// Whether nothing is left to be read; at once for a model without values.
     bool Done() const { return next_ == Values.size(); }
 
-    /// Makes the next transaction. Throws `RuntimeFailure` when the port fails.
+    /// Asks the next question. Throws `RuntimeFailure` when the port fails.
     void Step();
 
     /// In order; those that are not read yet are `NoReply`.
     std::vector<ChannelValue> Values;
 
 private:
-    bool AskEnables();   // false: there is no mask
-    bool TakeReadings(); // false: no complete reply
-    void SkipDisabled();
-    void GiveUp(); // what is left has the state of the last transaction
+    void AskEnables();
+    void AskOpen();
+    void TakeReadings();
+    void SkipUnread(); // channels that are disabled or open
+    void GiveUp(Answer answer);
 
     Session& session_;
     int index_;
     std::optional<unsigned>& enables_;
     bool askEnables_ = false;
+    bool askOpen_ = false;
+    unsigned open_ = 0;    // bit n: channel n
     std::size_t next_ = 0; // value to be read
 };
 

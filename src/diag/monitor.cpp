@@ -34,15 +34,33 @@ std::optional<MonitorTurn> Monitor::Tick() {
     return turn;
 }
 
-// A value that could not be read stays as it was, and ages.
+std::optional<MonitorTurn> Monitor::LostTurn() {
+    if (session_.ModuleCount <= 0)
+        return std::nullopt;
+    next_ %= session_.ModuleCount;
+    const Module& module = modules_[static_cast<std::size_t>(next_)];
+    std::optional<unsigned> enables = module.Enables;
+    MonitorTurn turn{next_, ModuleReader(session_, next_, enables).Values};
+    for (std::size_t place = 0; place < turn.Values.size(); ++place) {
+        const bool disabled = enables && (*enables >> place & 1U) == 0;
+        turn.Values[place].State = disabled ? ValueState::Disabled : ValueState::Lost;
+    }
+    ++next_;
+    return turn;
+}
+
+// A value that could not be read stays as it was, and ages; of an open sensor there is none.
 void Monitor::Keep(Module& module, const std::vector<ChannelValue>& values) const {
     module.Values.resize(values.size());
     for (std::size_t place = 0; place < values.size(); ++place) {
         MonitoredValue& kept = module.Values[place];
-        if (values[place].State == ValueState::Ok || !kept.GoodAt)
+        const ValueState state = values[place].State;
+        if (state == ValueState::Open)
+            kept.GoodAt.reset();
+        if (state == ValueState::Ok || !kept.GoodAt)
             kept.Value = values[place];
-        kept.Value.State = values[place].State;
-        if (values[place].State == ValueState::Ok)
+        kept.Value.State = state;
+        if (state == ValueState::Ok)
             kept.GoodAt = Now();
     }
 }
@@ -51,7 +69,7 @@ void Monitor::LineLost() {
     for (Module& module : modules_)
         for (MonitoredValue& kept : module.Values)
             if (kept.Value.State != ValueState::Disabled)
-                kept.Value.State = ValueState::NoReply;
+                kept.Value.State = ValueState::Lost;
     trend_.AddBreak(Now());
 }
 
@@ -66,8 +84,8 @@ std::string Monitor::State(int index) const {
     if (module.Values.empty())
         return "no values";
     // From the best to the worst.
-    constexpr ValueState order[] = {ValueState::Disabled, ValueState::Ok, ValueState::Error,
-                                    ValueState::NoReply};
+    constexpr ValueState order[] = {ValueState::Disabled, ValueState::Ok,      ValueState::Open,
+                                    ValueState::Error,    ValueState::NoReply, ValueState::Lost};
     const auto rank = [&](const MonitoredValue& kept) {
         return std::ranges::find(order, kept.Value.State) - std::begin(order);
     };

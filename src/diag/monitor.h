@@ -44,8 +44,11 @@ public:
     /// `Step` to the end of the turn.
     std::optional<MonitorTurn> Tick();
 
-    /// Marks every value as not answered, because the line itself is lost.
+    /// Marks every value as lost, because the line itself is.
     void LineLost();
+
+    /// The turn of the next module while the line is lost: nothing is sent, every value is `Lost`.
+    std::optional<MonitorTurn> LostTurn();
 
     /// The values of entry `index`; empty before its first turn.
     const std::vector<MonitoredValue>& Values(int index) const;

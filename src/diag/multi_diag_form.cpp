@@ -50,10 +50,11 @@ void MultiDiagForm::AddReading() {
 // A reading that fails shows as such, in place of the last one.
 Answer MultiDiagForm::ReadReading() {
     const ModuleRecord& record = Record();
+    AnalogReading reading{"*error*", std::nullopt};
     reading_->BeginReading(0);
-    reading_->ShowReading(0, SignedReading(ReadAnalogInput(Session(), Index(), 0)),
-                          RangeUnit(record.InputRange, record.DataFormat));
-    return LastAnswer(Session().Line, '>');
+    const Answer answer = ReadInputValue(Session(), Index(), 0, reading);
+    reading_->ShowReading(0, SignedReading(reading), RangeUnit(record.InputRange, record.DataFormat));
+    return answer;
 }
 
 void MultiDiagForm::ShowStale(bool stale) {

@@ -11,9 +11,9 @@ namespace kavro {
 
 namespace {
 
-// One read: the command is `Prefix` + address + `Code`; `Store` gets the whole reply.
+// One read: the command is `Lead` + address + `Code`; `Store` gets the whole reply.
 struct FamilyRead {
-    const char* Prefix;
+    char Lead;
     const char* Code;
     void (*Store)(ModuleRecord& record, const std::string& reply);
 };
@@ -78,52 +78,50 @@ void StoreCodeSetting(ModuleRecord& record, const std::string& reply) {
 using Record = ModuleRecord;
 using Reply = std::string;
 
-constexpr FamilyRead PolarityReads[] = {{"~", "CR", StorePolarity}};
+constexpr FamilyRead PolarityReads[] = {{'~', "CR", StorePolarity}};
 
 constexpr FamilyRead AlarmReads[] = {
-    {"@", "RL", [](Record& record, const Reply& reply) { StoreLimit(reply, record.LowAlarm); }},
-    {"@", "RH", [](Record& record, const Reply& reply) { StoreLimit(reply, record.HighAlarm); }},
-    {"@", "DI", StoreAlarm},
+    {'@', "RL", [](Record& record, const Reply& reply) { StoreLimit(reply, record.LowAlarm); }},
+    {'@', "RH", [](Record& record, const Reply& reply) { StoreLimit(reply, record.HighAlarm); }},
+    {'@', "DI", StoreAlarm},
 };
 
 constexpr FamilyRead Suffix240Reads[] = {
-    {"$", "3",
+    {'$', "3",
      [](Record& record, const Reply& reply) { StoreLimit(reply, record.AlarmInput.SignedSetting); }},
-    {"$", "5", StoreCodeSetting},
+    {'$', "5", StoreCodeSetting},
 };
 
 constexpr FamilyRead CounterReads[] = {
-    {"$", "B",
+    {'$', "B",
      [](Record& record, const Reply& reply) { record.Counter.InputMode = DigitAt(reply, DataStart); }},
-    {"$", "A",
+    {'$', "A",
      [](Record& record, const Reply& reply) { record.Counter.GateMode = DigitAt(reply, DataStart); }},
-    {"$", "5",
+    {'$', "5",
      [](Record& record, const Reply& reply) { StoreDigitPair(reply, record.Counter.CounterStatus); }},
-    {"$", "3",
+    {'$', "3",
      [](Record& record, const Reply& reply) { StoreCount(reply, DataStart, record.Counter.MaxValue[0]); }},
-    {"@", "G",
+    {'@', "G",
      [](Record& record, const Reply& reply) { StoreCount(reply, DataStart, record.Counter.MaxValue[1]); }},
-    {"$", "4",
+    {'$', "4",
      [](Record& record, const Reply& reply) { record.Counter.DigitalFilter = DigitAt(reply, DataStart); }},
-    {"$", "0H", [](Record& record, const Reply& reply) { StoreInt16(reply, record.Counter.MinAtHigh); }},
-    {"$", "0L", [](Record& record, const Reply& reply) { StoreInt16(reply, record.Counter.MinAtLow); }},
-    {"$", "1H", [](Record& record, const Reply& reply) { StoreInt16(reply, record.Counter.TtlAtHigh); }},
-    {"$", "1L", [](Record& record, const Reply& reply) { StoreInt16(reply, record.Counter.TtlAtLow); }},
-    {"@", "DI",
+    {'$', "0H", [](Record& record, const Reply& reply) { StoreInt16(reply, record.Counter.MinAtHigh); }},
+    {'$', "0L", [](Record& record, const Reply& reply) { StoreInt16(reply, record.Counter.MinAtLow); }},
+    {'$', "1H", [](Record& record, const Reply& reply) { StoreInt16(reply, record.Counter.TtlAtHigh); }},
+    {'$', "1L", [](Record& record, const Reply& reply) { StoreInt16(reply, record.Counter.TtlAtLow); }},
+    {'@', "DI",
      [](Record& record, const Reply& reply) { StoreDigitPair(reply, record.Counter.AlarmSetting); }},
-    {"@", "RP", [](Record& record, const Reply& reply) { StorePair(reply, record.Counter.InitialValue); }},
-    {"@", "RA", [](Record& record, const Reply& reply) { StorePair(reply, record.Counter.AlarmValue); }},
+    {'@', "RP", [](Record& record, const Reply& reply) { StorePair(reply, record.Counter.InitialValue); }},
+    {'@', "RA", [](Record& record, const Reply& reply) { StorePair(reply, record.Counter.AlarmValue); }},
 };
 
-// False when one of them was not answered with "!".
+// False when one of them was not answered well.
 bool SendReads(Line& line, std::span<const FamilyRead> reads, const ModuleContact& contact,
                ModuleRecord& record) {
     bool all = true;
     for (const FamilyRead& read : reads) {
-        line.Exchange(read.Prefix + contact.AddressHex + read.Code, contact.Checksum, contact.BaudCode,
-                      line.ReplyTimeout);
-        if (line.ReplyIs('!'))
-            read.Store(record, line.ReplyText);
+        if (const auto reply = AskContact(line, contact, record.Model, read.Lead, read.Code))
+            read.Store(record, *reply);
         else
             all = false;
     }
@@ -135,6 +133,25 @@ std::int16_t BaudCodeAt(const std::string& reply, std::size_t position) {
 }
 
 } // namespace
+
+std::optional<std::string> AskContact(Line& line, const ModuleContact& contact, std::string_view model,
+                                      char lead, const std::string& tail) {
+    const bool repeated = contact.Belief == Belief::Repeated;
+    for (int tries = repeated ? 2 : 1; tries > 0; --tries) {
+        if (repeated && !line.AwaitSilence())
+            break;
+        line.Exchange(lead + contact.AddressHex + tail, contact.Checksum, contact.BaudCode,
+                      line.ReplyTimeout);
+        if (contact.Belief == Belief::Exact
+                ? line.ReplyIs('!')
+                : line.ReplyStatus != 0 &&
+                      FitsForm(line.ReplyText, ReplyFormOf(model, lead, tail), contact.Measure))
+            return line.ReplyText;
+        if (line.ReplyText.empty() || line.ReplyIs('?')) // silence and refusals are answers
+            break;
+    }
+    return std::nullopt;
+}
 
 void DecodeConverterFormat(std::int32_t word, ModuleRecord& record) {
     const auto bits = [word](int divisor, int modulus) {

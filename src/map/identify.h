@@ -1,6 +1,7 @@
 #pragma once
 
 #include "link/line.h"
+#include "map/family_reads.h"
 #include "map/module_record.h"
 
 #include <cstdint>
@@ -23,12 +24,25 @@ std::optional<ConfigAnswer> AskForConfig(Line& line, std::int16_t address, std::
 
 /// What became of an identification.
 enum class Identified {
-    No,     ///< the answer is noise that merely looks like a configuration; record partly changed
-    Partly, ///< a module, but not every further setting was answered with "!"; those are as they were
+    No,      ///< the answer is noise that merely looks like a configuration; record partly changed
+    Vaguely, ///< a module whose model, or whose codes for it, cannot be believed; never of the belief `Exact`
+    Partly,  ///< a module, but not every further setting was answered well; those are as they were
     Fully,
 };
 
+/// Whether an answer can be believed: its form, the address asked (a module in its initialisation state may
+/// name any), and but for that state the baud rate and checksum by which it was asked. Codes that depend on
+/// the model are not looked at yet.
+bool IsCredible(const ConfigAnswer& answer);
+
 /// Fills `record` from the answer and the reads that follow: the model ("$AAM"), then the family's settings.
-Identified IdentifyModule(Line& line, const ConfigAnswer& answer, ModuleRecord& record);
+/// Unless the belief is `Exact`, what is not to be believed leaves its fields as they were, the model blank.
+Identified IdentifyModule(Line& line, const ConfigAnswer& answer, ModuleRecord& record,
+                          Belief belief = Belief::Exact);
+
+/// Asks for a module's configuration and identifies it, with the belief `Repeated`; the whole once more when
+/// that leaves anything open. An unknown model is believed when it is told twice. What was asked is in
+/// `answer` but for its reply, which is filled in.
+Identified AskModuleAgain(Line& line, ConfigAnswer& answer, ModuleRecord& record);
 
 } // namespace kavro

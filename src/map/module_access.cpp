@@ -56,7 +56,7 @@ void ReadAlarms(Session& session, int index) {
 }
 
 // The reply's value in the range's unit; nothing when it is not a number of the format.
-std::optional<double> DecodeReading(const std::string& text, std::int16_t dataFormat, double fullScale) {
+std::optional<double> DecodedValue(const std::string& text, std::int16_t dataFormat, double fullScale) {
     if (dataFormat == TwosComplement) {
         const auto bits = HexNumber(Trim(text));
         if (!bits || *bits > 0xFFFF)
@@ -119,8 +119,11 @@ AnalogReading ReadAnalogInput(Session& session, int index, int channel) {
     if (ChannelCount(record.Model).value_or(0) > 1)
         command += std::to_string(channel);
     ExchangeWithModule(session, index, command, session.Line.ReplyTimeout);
-    if (!session.Line.ReplyIs('>'))
+    if (!session.Line.ReplyIs('>')) {
+        if (session.Line.ReplyStatus != 0 && !session.Line.ReplyIs('?'))
+            session.Line.NoteUnfit();
         return {"*error*", std::nullopt};
+    }
     if (record.DataFormat < EngineeringUnits || record.DataFormat > Ohms)
         return {};
     // The full scale is that of the selected module, while the format is that of the module read; this is
@@ -128,7 +131,15 @@ AnalogReading ReadAnalogInput(Session& session, int index, int channel) {
     const double fullScale = record.DataFormat == PercentOfRange || record.DataFormat == TwosComplement
                                  ? RangeFullScale(session.ModuleTable[session.SelectedModule].InputRange)
                                  : 0;
-    const auto value = DecodeReading(Middle(session.Line.ReplyText, 2), record.DataFormat, fullScale);
+    const AnalogReading reading =
+        DecodeReading(Middle(session.Line.ReplyText, 2), record.DataFormat, fullScale);
+    if (!reading.Value)
+        session.Line.NoteUnfit();
+    return reading;
+}
+
+AnalogReading DecodeReading(const std::string& text, std::int16_t dataFormat, double fullScale) {
+    const auto value = DecodedValue(text, dataFormat, fullScale);
     if (!value) // a garbled reply must not pass for a reading of 0
         return {"*error*", std::nullopt};
     return {FormatNumber(*value, 1, 4), value};

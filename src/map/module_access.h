@@ -40,6 +40,10 @@ struct AnalogReading {
 /// decimal).
 AnalogReading ReadAnalogInput(Session& session, int index, int channel);
 
+/// The reading that a reply's text behind ">" stands for, in a data format and with the full scale of the
+/// range; "*error*" when it is not a number.
+AnalogReading DecodeReading(const std::string& text, std::int16_t dataFormat, double fullScale);
+
 /// Reads which channels of entry `index` are enabled ("$AA6"): bit n for channel n. Nothing when no complete
 /// reply came. The reply's first character is not tested.
 std::optional<unsigned> ReadChannelEnables(Session& session, int index, int timeoutMs);

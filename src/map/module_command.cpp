@@ -9,27 +9,56 @@ namespace kavro {
 
 namespace {
 
-// Whether the reply names the module spoken to. One in its initialisation state may name its own address in
-// place of 00.
-bool NamesModule(const Session& session, int index) {
-    const std::string named = Middle(session.Line.ReplyText, 2, 2);
-    return named == AddressText(session, index) ||
-           (index == session.ScanIndex && named == ToHex(session.ModuleTable[index].Address, 2));
+std::int64_t& BelievedSince(Session& session, int index) {
+    return session.BelievedSince[static_cast<std::size_t>(ModuleAddress(session, index)) % ModuleTable::Size];
 }
 
-// What stands behind the class character and the address, where the form has one.
-ModuleReply Exchange(Session& session, int index, const std::string& command, const ReplyForm& form) {
-    ExchangeWithModule(session, index, command, session.Line.ReplyTimeout);
-    const Answer answer = LastAnswer(session.Line, form.Class);
+Answer AnswerIn(Line& line, std::string_view form, const ReplyMeasure& measure) {
+    if (line.ReplyStatus == 0)
+        return line.ReplyText.empty() ? Answer::NoReply : Answer::Garbled;
+    if (line.ReplyIs('?'))
+        return Answer::Refused;
+    if (FitsForm(line.ReplyText, form, measure))
+        return Answer::Ok;
+    line.NoteUnfit();
+    return Answer::Garbled;
+}
+
+// One transaction on a line that has fallen silent.
+ModuleReply Exchange(Session& session, int index, const std::string& command, std::string_view form) {
+    Line& line = session.Line;
+    if (!line.AwaitSilence())
+        return {Answer::Garbled, {}};
+    ExchangeWithModule(session, index, command, line.ReplyTimeout);
+    const Answer answer = AnswerIn(line, form, MeasureOf(session, index));
     if (answer != Answer::Ok)
         return {answer, {}};
-    if (form.Addressed && !NamesModule(session, index))
-        return {Answer::Garbled, {}};
-    return {Answer::Ok, session.Line.ReplyText.substr(form.Addressed ? 3 : 1)};
+    if (NamesAddress(form))
+        BelievedSince(session, index) = line.IncompleteCount;
+    return {Answer::Ok, ReplyData(line.ReplyText, form)};
+}
+
+ModuleReply AskRepeating(Session& session, int index, const std::string& command, std::string_view form) {
+    ModuleReply reply = Exchange(session, index, command, form);
+    return reply.Answer == Answer::Garbled ? Exchange(session, index, command, form) : reply;
 }
 
 std::string Command(const Session& session, int index, char lead, const std::string& tail) {
     return lead + AddressText(session, index) + tail;
+}
+
+// Makes sure that it is this module that answers; a refusal of the question is an answer of it, too.
+Answer Greet(Session& session, int index) {
+    if (BelievedSince(session, index) == session.Line.IncompleteCount)
+        return Answer::Ok;
+    const std::string model = session.ModuleTable[index].Model;
+    const ModuleReply name =
+        AskRepeating(session, index, Command(session, index, '$', "M"), ReplyFormOf(model, '$', "M"));
+    if (name.Answer == Answer::Refused)
+        BelievedSince(session, index) = session.Line.IncompleteCount;
+    else if (name.Answer == Answer::Ok && FixedText(name.Data, 6) != FixedText(model, 6))
+        return Answer::Garbled; // another module has taken its place
+    return name.Answer == Answer::Refused ? Answer::Ok : name.Answer;
 }
 
 } // namespace
@@ -39,37 +68,49 @@ const char* AnswerText(Answer answer) {
     return texts[static_cast<std::size_t>(answer)];
 }
 
-Answer LastAnswer(const Line& line, char replyClass) {
-    if (line.ReplyStatus == 0)
-        return line.ReplyText.empty() ? Answer::NoReply : Answer::Garbled;
-    if (line.ReplyIs('?'))
-        return Answer::Refused;
-    return line.ReplyIs(replyClass) ? Answer::Ok : Answer::Garbled;
-}
-
 unsigned ModuleReply::Digits(std::size_t first, std::size_t count) const {
     return HexNumber(std::string_view(Data).substr(first, count)).value_or(0);
 }
 
-ModuleReply AskModule(Session& session, int index, char lead, const std::string& tail,
-                      const ReplyForm& form) {
-    ModuleReply reply = Exchange(session, index, Command(session, index, lead, tail), form);
-    const bool digits =
-        reply.Data.size() == form.HexDigits && (form.HexDigits == 0 || HexNumber(reply.Data).has_value());
-    if (reply.Answer == Answer::Ok && !digits)
-        return {Answer::Garbled, {}};
+ReplyMeasure MeasureOf(const Session& session, int index) {
+    const ModuleRecord& record = session.ModuleTable[index];
+    const std::string address = AddressText(session, index);
+    return {address, index == session.ScanIndex ? ToHex(record.Address, 2) : address, record.InputRange,
+            record.DataFormat};
+}
+
+ModuleReply AskModule(Session& session, int index, char lead, const std::string& tail) {
+    const BoundedTransactions bounded(session.Line);
+    const std::string_view form = ReplyFormOf(session.ModuleTable[index].Model, lead, tail);
+    const std::string command = Command(session, index, lead, tail);
+    ModuleReply reply;
+    for (int tries = 0; tries < 2; ++tries) {
+        if (!NamesAddress(form))
+            if (const Answer known = Greet(session, index); known != Answer::Ok)
+                return {known, {}};
+        reply = Exchange(session, index, command, form);
+        if (reply.Answer != Answer::Garbled)
+            break;
+    }
     return reply;
+}
+
+ModuleReply AskModuleTwice(Session& session, int index, char lead, const std::string& tail) {
+    ModuleReply before = AskModule(session, index, lead, tail);
+    for (int tries = 0; tries < 2 && before.Answer == Answer::Ok; ++tries) {
+        ModuleReply reply = AskModule(session, index, lead, tail);
+        if (reply.Answer != Answer::Ok || reply.Data == before.Data)
+            return reply;
+        before = std::move(reply);
+    }
+    return before.Answer == Answer::Ok ? ModuleReply{Answer::Garbled, {}} : before;
 }
 
 Answer TellModule(Session& session, int index, char lead, const std::string& tail) {
-    return AskModule(session, index, lead, tail, {}).Answer;
-}
-
-ModuleReply AskModuleForNumber(Session& session, int index, char lead, const std::string& tail) {
-    ModuleReply reply = Exchange(session, index, Command(session, index, lead, tail), {});
-    if (reply.Answer == Answer::Ok && !LeadingNumber(reply.Data))
-        return {Answer::Garbled, {}};
-    return reply;
+    const BoundedTransactions bounded(session.Line);
+    return Exchange(session, index, Command(session, index, lead, tail),
+                    ReplyFormOf(session.ModuleTable[index].Model, lead, tail))
+        .Answer;
 }
 
 } // namespace kavro

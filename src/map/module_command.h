@@ -1,5 +1,6 @@
 #pragma once
 
+#include "map/reply_forms.h"
 #include "map/session.h"
 
 #include <cstddef>
@@ -18,16 +19,6 @@ enum class Answer {
 /// "ok", "no reply", "unreadable reply" or "refused by the module".
 const char* AnswerText(Answer answer);
 
-/// What came of the last transaction, whose good reply begins with `replyClass`.
-Answer LastAnswer(const Line& line, char replyClass);
-
-/// The form of a good reply: class character, address in most replies, hexadecimal digits.
-struct ReplyForm {
-    char Class = '!';          ///< '!' or '>'
-    bool Addressed = true;     ///< the module's address stands behind the class
-    std::size_t HexDigits = 0; ///< and this many digits at the end
-};
-
 /// A reply taken apart.
 struct ModuleReply {
     kavro::Answer Answer = Answer::NoReply;
@@ -37,14 +28,36 @@ struct ModuleReply {
     unsigned Digits(std::size_t first, std::size_t count) const;
 };
 
-/// Sends `lead`, the address of entry `index` and `tail`, for example "$", "01", "6", and takes the reply
-/// apart. Throws `RuntimeFailure` when the port fails.
-ModuleReply AskModule(Session& session, int index, char lead, const std::string& tail, const ReplyForm& form);
+/// What replies of entry `index` are measured by.
+ReplyMeasure MeasureOf(const Session& session, int index);
 
-/// The same for a command whose good reply is "!AA" and nothing behind it.
+/// Sends `lead`, the address of entry `index` and `tail`, for example "$", "01", "6", and takes the reply
+/// apart, which must be of the command's form; one that is not is asked for once more. Throws
+/// `RuntimeFailure` when the port fails.
+///
+/// A reply that was late is not taken for this one: after a transaction without a complete reply the line
+/// must first have fallen silent, and a reply without an address is believed only after an addressed exchange
+/// with the module ("$AAM", its model) has gone well since. The transaction ends 3 s after its command.
+ModuleReply AskModule(Session& session, int index, char lead, const std::string& tail);
+
+/// The same for what is kept or written back: asked until two replies in a row are alike, three times at
+/// most.
+ModuleReply AskModuleTwice(Session& session, int index, char lead, const std::string& tail);
+
+/// The same for a command that changes something, which is sent once.
 Answer TellModule(Session& session, int index, char lead, const std::string& tail);
 
-/// The same for "!AA" and a number; any text with a number at its start is good.
-ModuleReply AskModuleForNumber(Session& session, int index, char lead, const std::string& tail);
+/// Lets every transaction of the line end 3 s after its command, as long as it lives.
+class BoundedTransactions {
+public:
+    explicit BoundedTransactions(Line& line) : line_(line), before_(line.Bounded) { line.Bounded = true; }
+    ~BoundedTransactions() { line_.Bounded = before_; }
+    BoundedTransactions(const BoundedTransactions&) = delete;
+    BoundedTransactions& operator=(const BoundedTransactions&) = delete;
+
+private:
+    Line& line_;
+    bool before_;
+};
 
 } // namespace kavro

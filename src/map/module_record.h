@@ -11,6 +11,8 @@ namespace kavro {
 /// Digital inputs and outputs, of digital I/O modules and of the 8320.
 struct DigitalSettings {
     std::int16_t Polarity = 0; ///< bit 0: input inverted, bit 1: output inverted
+
+    bool operator==(const DigitalSettings&) const = default;
 };
 
 /// Further settings of single-channel analog input modules.
@@ -19,6 +21,8 @@ struct AlarmInputSettings {
         0; ///< alarm mode, outputs and inputs as the module reports them, read as one number
     float SignedSetting = 0;      ///< 8240: number with sign of the "$..3" read
     std::int16_t CodeSetting = 0; ///< 8240: hexadecimal number of the "$..5" read
+
+    bool operator==(const AlarmInputSettings&) const = default;
 };
 
 /// Settings of the counter / frequency module; arrays hold counter 0 and counter 1.
@@ -36,6 +40,8 @@ struct CounterSettings {
     std::int16_t TtlAtLow = 0;                   ///< TTL low trigger level, tenths of a volt
     std::array<std::int16_t, 2> AlarmSetting{};  ///< 0 disabled, 1 enabled
     std::array<double, 2> AlarmValue{};          ///< alarm limit
+
+    bool operator==(const CounterSettings&) const = default;
 };
 
 /// Further settings of communication converters.
@@ -44,6 +50,8 @@ struct ConverterSettings {
     std::int32_t FormatWord = 0;     ///< the format word as the module reports it, 16 bits
     std::int16_t FormatBit13 = 0;    ///< bit 13 of the format word
     std::int16_t FormatBit8 = 0;     ///< bit 8 of the format word
+
+    bool operator==(const ConverterSettings&) const = default;
 };
 
 /// What is known of one module.
@@ -65,6 +73,8 @@ struct ModuleRecord {
     AlarmInputSettings AlarmInput{};
     CounterSettings Counter{};
     ConverterSettings Converter{};
+
+    bool operator==(const ModuleRecord&) const = default;
 };
 
 /// The known modules: 256 entries; an entry's index is also its line in the main window's list.

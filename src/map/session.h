@@ -4,6 +4,7 @@
 #include "link/text.h"
 #include "map/module_record.h"
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -31,6 +32,11 @@ struct Session {
         0; ///< entry found in its initialisation state, -1 none; 0 before the first search
     std::int16_t SelectedModule = -1; ///< selected entry, -1 when none
 
+    /// By the address spoken to: `Line.IncompleteCount` when an exchange with the module there whose reply
+    /// names its address last went well; -1 never. While it is the present one, a reply without an address is
+    /// believed.
+    std::array<std::int64_t, kavro::ModuleTable::Size> BelievedSince = NeverBelieved();
+
     std::int16_t ConfigResult = 0;      ///< 1: a configuration dialog changed the module, 2: it did not
     std::int16_t SearchAccepted = 0;    ///< -1 when the search dialog was accepted
     std::int16_t SearchHighAddress = 0; ///< highest address to probe, 0 to 255
@@ -43,6 +49,13 @@ struct Session {
     std::string ConfigFilePath;         ///< of COM.CFG
     std::string DecimalSeparator = "."; ///< of the user's locale, UTF-8
     FileReplacer ReplaceFile;           ///< how files are saved
+
+private:
+    static std::array<std::int64_t, kavro::ModuleTable::Size> NeverBelieved() {
+        std::array<std::int64_t, kavro::ModuleTable::Size> never{};
+        never.fill(-1);
+        return never;
+    }
 };
 
 } // namespace kavro

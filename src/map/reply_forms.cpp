@@ -1,0 +1,308 @@
+#include "map/reply_forms.h"
+
+#include "link/codes.h"
+#include "link/model_choices.h"
+#include "link/runtime_failure.h"
+#include "link/text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <span>
+
+namespace kavro {
+
+namespace {
+
+// In `Tail`, n is a digit, p a port, and * whatever a command writes.
+struct CommandForm {
+    char Lead;
+    std::string_view Tail;
+    std::string_view Reply;
+};
+
+constexpr CommandForm EveryModel[] = {
+    {'$', "2", "!AAhhhhhh"},
+    {'$', "M", "!AAM"},
+    {'$', "F", "!AAT"},
+};
+
+constexpr CommandForm AlarmInputs[] = {
+    {'#', "", ">V"},     {'@', "RL", "!AAE"}, {'@', "RH", "!AAE"}, {'@', "DI", "!AAtzqzb"},
+    {'@', "DO*", "!AA"}, {'@', "CA", "!AA"},  {'$', "3", "!AAS"},  {'$', "5", "!AAhh"},
+};
+
+constexpr CommandForm MultiInputs[] = {
+    {'#', "n", ">V"},
+    {'$', "6", "!AAhh"},
+    {'$', "BA", "!AAhh"},
+};
+
+constexpr CommandForm SingleOutput[] = {
+    {'$', "6", "!AAO"},
+    {'#', "*", ">"},
+};
+
+constexpr CommandForm VoltageOutputs[] = {
+    {'$', "6p", "!AAsdd.ddd"},
+    {'$', "8", "!hhzzzz"},
+    {'~', "CR", "!AAzb"},
+    {'#', "*", ">"},
+};
+
+constexpr CommandForm DigitalModules[] = {
+    {'~', "CR", "!AAbb"},
+    {'$', "6", "!hhhhhhhh"},
+    {'@', "*", "!AA"},
+};
+
+constexpr CommandForm PortModule[] = {
+    {'~', "CR", "!AAbb"},
+    {'$', "6", "!zhzz"},
+    {'$', "8", "!hhhhhh"},
+    {'@', "*", "!AA"},
+};
+
+constexpr CommandForm Counters[] = {
+    {'#', "n", ">hhhhhhhh"},
+    {'$', "B", "!AAb"},
+    {'$', "A", "!AAt"},
+    {'$', "5", "!AAbb"},
+    {'$', "7", "!AAbb"},
+    {'$', "3", "!AAhhhhhhhh"},
+    {'@', "G", "!AAhhhhhhhh"},
+    {'$', "4", "!AAb"},
+    {'$', "0H", "!AAdddd"},
+    {'$', "0L", "!AAdddd"},
+    {'$', "1H", "!AAdd"},
+    {'$', "1L", "!AAdd"},
+    {'@', "DI", "!AAbbzq"},
+    {'@', "RP", "!AAhhhhhhhhhhhhhhhh"},
+    {'@', "RA", "!AAhhhhhhhhhhhhhhhh"},
+    {'$', "*", "!AA"},
+};
+
+constexpr CommandForm Converters[] = {
+    {'$', "2", "!AAhhhhhhhh"},
+};
+
+std::span<const CommandForm> FormsOf(std::string_view model) {
+    const std::string suffix = ModelSuffix(model);
+    switch (ModuleFamily(model)) {
+    case DigitalIo:
+        return suffix == "460" ? std::span<const CommandForm>(PortModule) : DigitalModules;
+    case AnalogInput:
+        return AlarmInputs;
+    case AnalogOutput:
+        return suffix == "310" ? std::span<const CommandForm>(SingleOutput) : VoltageOutputs;
+    case MultiAnalogInput:
+        return MultiInputs;
+    case CounterFrequency:
+        return Counters;
+    case Converter:
+        return Converters;
+    default:
+        return {};
+    }
+}
+
+bool MatchesTail(std::string_view pattern, std::string_view tail) {
+    for (std::size_t i = 0; i < pattern.size(); ++i) {
+        if (pattern[i] == '*')
+            return tail.size() > i;
+        if (i == tail.size())
+            return false;
+        const bool digit = tail[i] >= '0' && tail[i] <= '9';
+        const bool port = tail[i] >= 'A' && tail[i] <= 'D';
+        if (pattern[i] == 'n' ? !digit : pattern[i] == 'p' ? !port : pattern[i] != tail[i])
+            return false;
+    }
+    return pattern.size() == tail.size();
+}
+
+const CommandForm* FindForm(std::span<const CommandForm> forms, char lead, std::string_view tail) {
+    const auto found = std::ranges::find_if(
+        forms, [&](const CommandForm& form) { return form.Lead == lead && MatchesTail(form.Tail, tail); });
+    return found == forms.end() ? nullptr : &*found;
+}
+
+// A number in the pattern of the range's engineering units: "sdd.ddd".
+std::string EngineeringForm(std::int16_t range) {
+    std::string form = FormatReading("0", range);
+    std::ranges::replace(form, '+', 's');
+    std::ranges::replace(form, '0', 'd');
+    return form;
+}
+
+constexpr std::string_view PercentForm = "sddd.dd"; // ohms have the same
+
+std::string ReadingForm(const ReplyMeasure& measure) {
+    switch (measure.DataFormat) {
+    case EngineeringUnits:
+        return EngineeringForm(measure.InputRange);
+    case TwosComplement:
+        return "hhhh";
+    default:
+        return std::string(PercentForm);
+    }
+}
+
+std::string OutputForm(std::int16_t dataFormat) {
+    return dataFormat == EngineeringUnits ? "dd.ddd"
+           : dataFormat == TwosComplement ? "hhh"
+                                          : std::string(PercentForm);
+}
+
+bool FitsCharacter(char character, char place) {
+    const auto upTo = [character](char highest) { return character >= '0' && character <= highest; };
+    switch (place) {
+    case 'd':
+        return upTo('9');
+    case 'h':
+        return upTo('9') || (character >= 'A' && character <= 'F');
+    case 'b':
+        return upTo('1');
+    case 't':
+        return upTo('2');
+    case 'q':
+        return upTo('3');
+    case 'z':
+        return character == '0';
+    case 's':
+        return character == '+' || character == '-';
+    default:
+        return character == place;
+    }
+}
+
+bool FitsPlaces(std::string_view text, std::string_view places) {
+    return std::ranges::equal(text, places, FitsCharacter);
+}
+
+// More than a quarter beyond the full scale no module measures: a digit is wrong.
+bool Within(std::string_view number, double fullScale) {
+    return fullScale == 0 || std::fabs(NumericValue(number)) <= 1.25 * fullScale;
+}
+
+bool IsReading(std::string_view text, const ReplyMeasure& measure) {
+    const double fullScale = RangeFullScale(measure.InputRange);
+    const bool bounded = measure.DataFormat == EngineeringUnits || measure.DataFormat == PercentOfRange;
+    return FitsPlaces(text, ReadingForm(measure)) &&
+           (!bounded || Within(text, measure.DataFormat == EngineeringUnits ? fullScale : 100));
+}
+
+bool IsOutput(std::string_view text, const ReplyMeasure& measure) {
+    const bool hexadecimal = measure.DataFormat == TwosComplement;
+    const double fullScale =
+        measure.DataFormat == EngineeringUnits ? RangeFullScale(measure.InputRange) : 100;
+    return FitsPlaces(text, OutputForm(measure.DataFormat)) && (hexadecimal || Within(text, fullScale));
+}
+
+bool IsSignedNumber(std::string_view text) {
+    if (text.size() < 2 || !FitsCharacter(text.front(), 's'))
+        return false;
+    text.remove_prefix(1);
+    return std::ranges::count(text, '.') <= 1 &&
+           text.find_first_not_of("0123456789.") == std::string_view::npos && text.front() != '.';
+}
+
+// "8", three digits, and at most two letters.
+bool IsModel(std::string_view text) {
+    const auto isLetter = [](char character) { return character >= 'A' && character <= 'Z'; };
+    return text.size() >= 4 && text.size() <= 6 && FitsPlaces(text.substr(0, 4), "8ddd") &&
+           std::ranges::all_of(text.substr(4), isLetter);
+}
+
+bool IsText(std::string_view text) {
+    return !text.empty() &&
+           std::ranges::all_of(text, [](char character) { return character >= ' ' && character <= '~'; });
+}
+
+bool FitsData(std::string_view data, std::string_view places, const ReplyMeasure& measure) {
+    if (places == "V")
+        return IsReading(data, measure);
+    if (places == "E")
+        return FitsPlaces(data, EngineeringForm(measure.InputRange)) &&
+               Within(data, RangeFullScale(measure.InputRange));
+    if (places == "O")
+        return IsOutput(data, measure);
+    if (places == "S")
+        return IsSignedNumber(data);
+    if (places == "M")
+        return IsModel(data);
+    if (places == "T")
+        return IsText(data);
+    return FitsPlaces(data, places);
+}
+
+constexpr std::size_t ClassLength = 1;
+constexpr std::size_t AddressedLength = 3;
+
+std::size_t DataStart(std::string_view form) {
+    return NamesAddress(form) ? AddressedLength : ClassLength;
+}
+
+bool HasBaudCode(std::string_view digits) {
+    const auto code = HexNumber(digits);
+    return code && *code >= 3 && *code <= 10;
+}
+
+bool IsTypeOf(std::string_view model, std::int16_t type) {
+    switch (ModuleFamily(model)) {
+    case DigitalIo:
+        return type == 0x40;
+    case CounterFrequency:
+        return type == CounterRange || type == FrequencyRange;
+    case Converter:
+        return true;
+    default:
+        return std::ranges::count(RangeCodes(model), type) > 0;
+    }
+}
+
+} // namespace
+
+std::string_view ReplyFormOf(std::string_view model, char lead, std::string_view tail) {
+    const CommandForm* form = FindForm(FormsOf(model), lead, tail);
+    if (!form)
+        form = FindForm(EveryModel, lead, tail);
+    if (!form)
+        throw RuntimeFailure("A module " + Trim(model) + " has no command " + lead + "AA" +
+                             std::string(tail) + ".");
+    return form->Reply;
+}
+
+bool NamesAddress(std::string_view form) {
+    return form.substr(ClassLength).starts_with("AA");
+}
+
+bool FitsForm(std::string_view reply, std::string_view form, const ReplyMeasure& measure) {
+    if (reply.empty() || reply.front() != form.front())
+        return false;
+    if (NamesAddress(form)) {
+        const std::string_view named = reply.substr(ClassLength).substr(0, 2);
+        if (named != measure.Address && named != measure.OwnAddress)
+            return false;
+    }
+    return FitsData(reply.substr(DataStart(form)), form.substr(DataStart(form)), measure);
+}
+
+std::string ReplyData(std::string_view reply, std::string_view form) {
+    return std::string(reply.substr(std::min(reply.size(), DataStart(form))));
+}
+
+bool HasModelsCodes(std::string_view reply, std::string_view model) {
+    const auto field = [reply](std::size_t first, std::size_t count) {
+        return static_cast<std::int16_t>(HexNumber(Middle(reply, first, count)).value_or(0));
+    };
+    const std::int16_t family = ModuleFamily(model);
+    if (family == UnknownFamily)
+        return true;
+    if (family == Converter)
+        return HasBaudCode(Middle(reply, 6, 1)) && HasBaudCode(Middle(reply, 7, 1));
+    const bool analog = family == AnalogInput || family == AnalogOutput || family == MultiAnalogInput;
+    const auto format = static_cast<std::int16_t>(field(8, 2) % 4);
+    return HasBaudCode(Middle(reply, 6, 2)) && IsTypeOf(model, field(4, 2)) &&
+           (!analog || std::ranges::count(FormatCodes(model), format) > 0);
+}
+
+} // namespace kavro
