@@ -15,6 +15,7 @@ namespace kavro {
 namespace {
 
 constexpr std::int16_t DemoPort = 1;
+constexpr const char* ClosedPortAdvice = "Open the port again under Network > ComPort.";
 
 // Second character of 1.2 as the user's locale writes it.
 std::string LocaleDecimalSeparator() {
@@ -25,8 +26,9 @@ std::string LocaleDecimalSeparator() {
 
 Program::Program(const Options& options)
     : options_(options), simulatedLine_(DemoLine()),
-      registry_(PortsFilePath(options.Demo), options.Devices,
-                [this] { return std::make_unique<SimulatedPort>(simulatedLine_, clock_); }),
+      registry_(
+          PortsFilePath(options.Demo), options.Devices,
+          [this] { return std::make_unique<SimulatedPort>(simulatedLine_, clock_); }, ClosedPortAdvice),
       session_(registry_.Ports(), clock_), form_(session_, messages_, registry_, Openers()) {
     session_.ConfigFilePath = ConfigFilePath(options.Demo);
     session_.DecimalSeparator = LocaleDecimalSeparator();

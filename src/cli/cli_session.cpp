@@ -18,15 +18,25 @@ namespace {
 constexpr std::size_t Baud9600Code = 3;
 constexpr std::int16_t LongTimeoutFactor = 5; // as in the COM Port dialog
 
+[[noreturn]] void ThrowUnusable(const std::string& configFilePath, const std::string& reason = {}) {
+    throw RuntimeFailure("The settings file " + configFilePath + " cannot be used. " + reason +
+                         "Correct it, or delete it to begin with default settings.");
+}
+
 // Puts COM.CFG into the line's settings; false when there is none. Throws `RuntimeFailure` when it cannot be
 // used.
 bool LoadSaved(Line& line, const std::string& configFilePath) {
     std::error_code ignored;
     if (!std::filesystem::exists(std::filesystem::u8path(configFilePath), ignored))
         return false;
-    if (!ApplyFileTimeouts(line, LoadPortConfig(line, configFilePath, std::nullopt)))
-        throw RuntimeFailure("The settings file " + configFilePath +
-                             " cannot be used. Correct it, or delete it to begin with default settings.");
+    PortConfigFile file;
+    try {
+        file = LoadPortConfig(line, configFilePath, std::nullopt);
+    } catch (const RuntimeFailure& failure) {
+        ThrowUnusable(configFilePath, failure.what() + std::string(" "));
+    }
+    if (!ApplyFileTimeouts(line, file))
+        ThrowUnusable(configFilePath);
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "cli/config_command.h"
 
 #include "cli/cli_text.h"
+#include "cli/config_doubts.h"
 #include "cli/config_names.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
@@ -77,17 +78,22 @@ bool Change(NamedSetting& setting, const std::string& text) {
     return setting.Value() != before;
 }
 
-// What is locked may depend on the other changes, so it is asked when all are made.
-void MakeChanges(NamedConfig& config, const std::vector<Assignment>& changes) {
+// The names of what is changed. What is locked may depend on the other changes, so it is asked when all are
+// made.
+std::vector<std::string> MakeChanges(NamedConfig& config, const std::vector<Assignment>& changes) {
     std::vector<const NamedSetting*> changed;
     for (const Assignment& change : changes) {
         NamedSetting& setting = SettingNamed(config, change.Name);
         if (Change(setting, change.Value))
             changed.push_back(&setting);
     }
-    for (const NamedSetting* setting : changed)
+    std::vector<std::string> names;
+    for (const NamedSetting* setting : changed) {
         if (const std::string reason = setting->Locked(); !reason.empty())
             throw RuntimeFailure("The " + setting->Name + " " + reason + ".");
+        names.push_back(setting->Name);
+    }
+    return names;
 }
 
 Assignment ParseAssignment(const std::string& text) {
@@ -123,14 +129,20 @@ int ShowConfig(Session& session, const Contact& contact, bool json) {
     return ExitSuccess;
 }
 
-int SetConfig(Session& session, const Contact& contact, const std::vector<Assignment>& changes) {
+int SetConfig(Session& session, const Contact& contact, const std::vector<Assignment>& changes, bool force) {
+    const auto known = KnownModules(session);
     auto config = ReadConfig(session, contact);
     if (!config)
         return ExitNotAccepted;
+    std::vector<std::string> changed;
     try {
-        MakeChanges(*config, changes);
+        changed = MakeChanges(*config, changes);
     } catch (const RuntimeFailure& failure) {
         PrintNote(failure.what()); // a wrong value, not a failure of the line
+        return ExitWrongUse;
+    }
+    if (const std::string doubt = force ? "" : DoubtAbout(session, *config, changed, known); !doubt.empty()) {
+        PrintNote(doubt + " Nothing was written; give --force to write it all the same.");
         return ExitWrongUse;
     }
     NotedMessages messages;
@@ -148,7 +160,9 @@ void AddConfigOptions(QCommandLineParser& parser) {
     parser.setApplicationDescription(QString::fromStdString(
         "Shows the settings of the module at ADDRESS, as the module tells them, or changes some of\n"
         "them. ADDRESS 0 is the module that is in its initialisation state; only there baud rate and\n"
-        "checksum can be changed. What is shown can be given back as it stands.\n\n"
+        "checksum can be changed. What is shown can be given back as it stands. An address that another\n"
+        "module has, by the map or because it answers there, and a low alarm limit above the high one are\n"
+        "refused without --force.\n\n"
         "Exit codes: 0 every command was accepted, 2 wrong use (nothing was written), 3 port trouble,\n"
         "4 the module did not answer, or not every command was accepted.\n\n"
         "Settings by model, and what can be given:\n" +
@@ -156,7 +170,10 @@ void AddConfigOptions(QCommandLineParser& parser) {
     parser.addPositionalArgument("ACTION", "\"show\" or \"set\".", "show|set");
     AddContactOptions(parser);
     parser.addPositionalArgument("NAME=VALUE", "With set: a setting and its new value.", "[NAME=VALUE...]");
-    parser.addOption({"json", "Print the settings as a JSON object."});
+    parser.addOptions({
+        {"json", "Print the settings as a JSON object."},
+        {"force", "With set: write also an address that is taken, or a low alarm limit above the high one."},
+    });
 }
 
 CommandAction PrepareConfig(const QCommandLineParser& parser) {
@@ -173,9 +190,10 @@ CommandAction PrepareConfig(const QCommandLineParser& parser) {
         throw RuntimeFailure("Give what is to be changed, for example range=08. See kavroctl config --help.");
 
     const auto [cli, contact] = ReadModuleOnLine(parser, 1);
-    return [cli = cli, contact = contact, changes, show, json = parser.isSet("json")] {
+    return [=, cli = cli, contact = contact, json = parser.isSet("json"), force = parser.isSet("force")] {
         cli->OpenPort();
-        return show ? ShowConfig(cli->Session, contact, json) : SetConfig(cli->Session, contact, changes);
+        return show ? ShowConfig(cli->Session, contact, json)
+                    : SetConfig(cli->Session, contact, changes, force);
     };
 }
 

@@ -10,13 +10,21 @@
 
 #include <QCommandLineParser>
 
+#include <algorithm>
 #include <memory>
+#include <set>
 
 namespace kavro {
 
 namespace {
 
 constexpr int MostRounds = INT32_MAX / ModuleTable::Size;
+
+bool AnyFailed(const std::vector<ChannelValue>& values) {
+    return std::ranges::any_of(values, [](const ChannelValue& value) {
+        return value.State == ValueState::Error || value.State == ValueState::NoReply;
+    });
+}
 
 // Fills the map by a search; an exit code unless all of the line was searched.
 int SearchModules(Session& session, const SearchOptions& options) {
@@ -39,14 +47,19 @@ int MonitorModules(Session& session, const Pace& rounds, ValueForm form) {
     Monitor monitor(session);
     ValuePrinter printer(session, form);
     MonitorTurn turn;
+    std::set<int> failed; // modules with values that failed when they were read last
     Pace pace = rounds;
     if (rounds.Turns)
         pace.Turns = *rounds.Turns * session.ModuleCount;
     PollEnd end = PollEnd::Done;
+    const auto print = [&] {
+        failed.erase(turn.Index);
+        if (AnyFailed(turn.Values))
+            failed.insert(turn.Index);
+        return printer.Print(turn.Index, turn.Values);
+    };
     try {
-        end = Poll(
-            session.Line, pace,
-            {[&] { turn = monitor.Tick().value(); }, [&] { return printer.Print(turn.Index, turn.Values); }});
+        end = Poll(session.Line, pace, {[&] { turn = monitor.Tick().value(); }, print});
     } catch (const RuntimeFailure&) {
         printer.Close();
         throw;
@@ -54,7 +67,8 @@ int MonitorModules(Session& session, const Pace& rounds, ValueForm form) {
     printer.Close();
     if (end == PollEnd::PortLost)
         return ExitPortTrouble;
-    return end == PollEnd::Interrupted ? ExitReplyMissing : ExitSuccess;
+    const bool lastRoundFailed = rounds.Turns && !failed.empty();
+    return end == PollEnd::Interrupted || lastRoundFailed ? ExitReplyMissing : ExitSuccess;
 }
 
 void AddMonitorOptions(QCommandLineParser& parser) {
@@ -62,8 +76,9 @@ void AddMonitorOptions(QCommandLineParser& parser) {
         "Reads the modules of a map in rounds, one module in each interval, and prints their values, those\n"
         "of a silent one as \"no reply\". Without --map the line is searched first. Ctrl+C ends it. A port\n"
         "that fails is opened again as soon as it is there.\n\n"
-        "Exit codes: 0 all rounds were made, 2 wrong use, 3 port trouble, 4 no module found, or Ctrl+C came\n"
-        "in the search or before the last round that was asked for.");
+        "Exit codes: 0 all rounds were made, 2 wrong use, 3 port trouble, 4 no module found, a value of the\n"
+        "last of the rounds that were asked for could not be read, or Ctrl+C came in the search or before "
+        "it.");
     parser.addOption(
         {"map", "Monitor the modules of FILE, a map printed by kavroctl search --json.", "FILE"});
     AddSearchRangeOptions(parser);
@@ -71,6 +86,7 @@ void AddMonitorOptions(QCommandLineParser& parser) {
         {"interval", "Read the next module every MS milliseconds; 500 unless given.", "MS"},
         {"count", "End after N rounds; without it only Ctrl+C ends it.", "N"},
     });
+    AddGiveUpOption(parser);
     AddValueFormOptions(parser);
 }
 

@@ -8,7 +8,8 @@
 namespace kavro {
 
 /// Reads the modules of the map in rounds, one in each interval of `rounds`, whose turns are the rounds, and
-/// prints the values. The port is open. Returns the exit code.
+/// prints the values. The port is open. Returns the exit code, which tells whether values of the last of the
+/// rounds asked for failed.
 int MonitorModules(Session& session, const Pace& rounds, ValueForm form);
 
 /// Adds the options of `kavroctl monitor`.

@@ -14,7 +14,9 @@ namespace kavro {
 namespace {
 
 constexpr int LongestIntervalMs = 86'400'000; // a day
-constexpr std::int64_t NapUs = 50'000;        // Ctrl+C is noticed within that time
+constexpr int LongestPatienceS = 86'400;
+constexpr std::int64_t NapUs = 50'000; // Ctrl+C is noticed within that time
+constexpr std::int64_t Never = INT64_MAX;
 
 // Waits until `moment`; false when Ctrl+C came before.
 bool WaitUntil(Clock& clock, std::int64_t moment, const InterruptWatch& watch) {
@@ -35,15 +37,20 @@ std::int64_t NextMoment(std::int64_t due, std::int64_t interval, std::int64_t no
 
 class Poller {
 public:
-    Poller(Line& line, const Pace& pace, const PollWork& work) : line_(line), pace_(pace), work_(work) {}
+    Poller(Line& line, const Pace& pace, const PollWork& work)
+        : line_(line), pace_(pace), work_(work), patienceMs_(pace.GiveUpMs) {
+        if (pace.Turns == 1 && !patienceMs_)
+            patienceMs_ = 0;
+    }
 
     PollEnd Run() {
         Clock& clock = line_.Time();
         std::int64_t due = clock.Microseconds();
         bool on = true;
-        while (on && turns_ != pace_.Turns && WaitUntil(clock, due, watch_)) {
-            on = Turn();
-            due = NextMoment(due, std::int64_t{1000} * pace_.IntervalMs, clock.Microseconds());
+        while (on && turns_ != pace_.Turns && WaitUntil(clock, std::min(due, givingUp_), watch_)) {
+            on = Turn() && !GivenUp(); // before giving up the port is tried once more, whatever is due
+            if (const std::int64_t now = clock.Microseconds(); now >= due)
+                due = std::max(NextMoment(due, std::int64_t{1000} * pace_.IntervalMs, now), Rested(now));
         }
         if (recovery_.Lost())
             return PollEnd::PortLost;
@@ -51,6 +58,9 @@ public:
     }
 
 private:
+    // While the port is away, turns without a pause must not keep the processor busy.
+    std::int64_t Rested(std::int64_t now) const { return recovery_.Lost() ? now + NapUs : now; }
+
     // False when nothing more is to be done.
     bool Turn() {
         if (!recovery_.Ready() || !Read())
@@ -66,27 +76,46 @@ private:
         } catch (const Interruption&) {
             return false; // noticed before the next turn
         } catch (const RuntimeFailure& failure) {
-            if (pace_.Turns == 1)
+            if (patienceMs_ == 0)
                 throw;
             PrintNote(std::string(failure.what()) + " Going on as soon as the port can be opened again.");
             return false;
         }
     }
 
-    static void TellRecovery(bool lost) {
+    void NoteOutage(bool lost) {
         if (!lost)
             PrintNote("The port is there again.");
+        givingUp_ =
+            lost && patienceMs_ ? line_.Time().Microseconds() + std::int64_t{1000} * *patienceMs_ : Never;
+    }
+
+    bool GivenUp() const {
+        if (line_.Time().Microseconds() < givingUp_)
+            return false;
+        PrintNote("The port stayed away for " + std::to_string(*patienceMs_ / 1000) + " s. Given up.");
+        return true;
     }
 
     Line& line_;
     const Pace& pace_;
     const PollWork& work_;
     const InterruptWatch watch_{line_};
-    LineRecovery recovery_{line_, TellRecovery};
+    LineRecovery recovery_{line_, [this](bool lost) { NoteOutage(lost); }};
+    std::optional<int> patienceMs_;
+    std::int64_t givingUp_ = Never; // moment of the clock
     int turns_ = 0;
 };
 
 } // namespace
+
+void AddGiveUpOption(QCommandLineParser& parser) {
+    parser.addOption(
+        {"give-up",
+         "Give up when a port that has failed stays away for SECONDS; without it a single turn gives "
+         "up at once, several never do.",
+         "SECONDS"});
+}
 
 Pace ReadPace(const QCommandLineParser& parser, int fallbackMs) {
     Pace pace{.IntervalMs = fallbackMs};
@@ -95,6 +124,9 @@ Pace ReadPace(const QCommandLineParser& parser, int fallbackMs) {
                                            "an interval in milliseconds", 0, LongestIntervalMs);
     if (parser.isSet("count"))
         pace.Turns = ParseWholeNumber(parser.value("count").toStdString(), "a count", 1, INT32_MAX);
+    if (parser.isSet("give-up"))
+        pace.GiveUpMs = 1000 * ParseWholeNumber(parser.value("give-up").toStdString(), "a time in seconds", 0,
+                                                LongestPatienceS);
     return pace;
 }
 

@@ -13,10 +13,15 @@ namespace kavro {
 struct Pace {
     int IntervalMs = 0;                      ///< between the beginnings of two turns
     std::optional<int> Turns = std::nullopt; ///< nothing: until Ctrl+C
+    /// How long a lost port is waited for; nothing: for ever, but not at all in a single turn.
+    std::optional<int> GiveUpMs = std::nullopt;
 };
 
-/// Reads `--interval`, in milliseconds, which is `fallbackMs` unless given, and `--count` into `Turns`.
-/// Throws `RuntimeFailure` when one is wrong.
+/// Adds `--give-up`.
+void AddGiveUpOption(QCommandLineParser& parser);
+
+/// Reads `--interval`, in milliseconds, which is `fallbackMs` unless given, `--count` into `Turns`, and
+/// `--give-up`. Throws `RuntimeFailure` when one is wrong.
 Pace ReadPace(const QCommandLineParser& parser, int fallbackMs);
 
 /// What is done in each turn.
@@ -29,13 +34,13 @@ struct PollWork {
 enum class PollEnd {
     Done,        ///< all turns, or Ctrl+C where no number of them was asked for, or `Print` ended it
     Interrupted, ///< Ctrl+C came before the last of the turns
-    PortLost,    ///< Ctrl+C came while the port was lost
+    PortLost,    ///< the port was lost when Ctrl+C came, or stayed away for too long
 };
 
 /// Does the work on an absolute schedule: turns do not drift, and those that are missed because one took
 /// longer are left out. Ctrl+C ends it after the turn at hand, or at once between two turns. A port that
-/// fails is told once and opened again as soon as it is there, which leaves the turns between out; in a
-/// single turn the failure leaves the function.
+/// fails is told once and opened again as soon as it is there, which leaves the turns between out. Where it
+/// is not to be waited for, the failure leaves the function.
 PollEnd Poll(Line& line, const Pace& pace, const PollWork& work);
 
 } // namespace kavro

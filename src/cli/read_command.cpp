@@ -118,6 +118,7 @@ void AddReadOptions(QCommandLineParser& parser) {
          "Read every MS milliseconds, until Ctrl+C unless --count says how often. 1000 unless given.", "MS"},
         {"count", "Read N times. Once unless this or --interval is given.", "N"},
     });
+    AddGiveUpOption(parser);
     AddValueFormOptions(parser);
 }
 

@@ -45,7 +45,7 @@ int RunSearch(CliSession& cli, const SearchOptions& options) {
                   std::to_string(session.SearchHighAddress) + ".");
     if (session.ModuleCount == 0)
         PrintNote("No module found!");
-    return session.ModuleCount == 0 ? ExitNothingFound : ExitSuccess;
+    return complete && session.ModuleCount > 0 ? ExitSuccess : ExitNothingFound;
 }
 
 } // namespace
@@ -95,6 +95,11 @@ void AddSearchRangeOptions(QCommandLineParser& parser) {
 }
 
 void AddSearchOptions(QCommandLineParser& parser) {
+    parser.setApplicationDescription(
+        "Searches a line and prints its modules; \"*\" stands before one in its initialisation state. "
+        "Ctrl+C\n"
+        "ends the search after the address being tried, and what was found is printed.\n\n"
+        "Exit codes: 0 modules were found, 2 wrong use, 3 port trouble, 4 no module found, or Ctrl+C came.");
     AddSearchRangeOptions(parser);
     parser.addOption({"json", "Print the modules as JSON."});
 }

@@ -11,7 +11,7 @@ enum ExitCode : int {
     ExitSuccess = 0,
     ExitWrongUse = 2,     ///< the command line is wrong; one line on standard error says what
     ExitPortTrouble = 3,  ///< the port, standard output or a file being written failed
-    ExitNothingFound = 4, ///< a search that found no module
+    ExitNothingFound = 4, ///< a search that found no module, or did not come to its end
     ExitReplyMissing = 4, ///< commands of which not every one got a complete reply
     ExitNotAccepted = 4,  ///< settings that the module did not tell, or did not accept all of
 };

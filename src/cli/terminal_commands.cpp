@@ -72,6 +72,8 @@ std::shared_ptr<CliSession> PreparedSession(const QCommandLineParser& parser) {
 std::string WireBytes(const QString& command) {
     if (command.contains('\n') || command.contains('\r'))
         throw RuntimeFailure("A command is one line. Give several commands as several arguments.");
+    if (command.trimmed().isEmpty())
+        throw RuntimeFailure("An empty command cannot be sent. Give one such as '$012'.");
     const auto* wide = std::ranges::find_if(command, [](QChar c) { return c.unicode() > HighestByte; });
     if (wide != command.end())
         throw RuntimeFailure("The command '" + command.toStdString() +

@@ -26,7 +26,7 @@ constexpr int LongestSilenceMs = 1000;
 std::size_t PortIndex(int port) {
     if (port < 1 || port > PortTotal)
         throw RuntimeFailure("Index out of bounds: there is no COM port " + std::to_string(port) +
-                             ". Choose COM1 to COM8 under Network > ComPort.");
+                             ". Choose COM1 to COM8.");
     return static_cast<std::size_t>(port - 1);
 }
 

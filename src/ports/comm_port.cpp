@@ -38,8 +38,20 @@ std::string& CommPort::Device() const {
 
 SerialPort& CommPort::Backend() const {
     if (!backend_)
-        throw RuntimeFailure("The port is not open. Choose a port under Network > ComPort.");
+        throw RuntimeFailure("The port is not open.");
     return *backend_;
+}
+
+// Runs an operation on the port in use.
+template <class Operation>
+auto CommPort::Run(Operation operation) const {
+    try {
+        return Named(Device(), [&] { return operation(Backend()); });
+    } catch (const RuntimeFailure& failure) {
+        if (PortOpen() || table_->ClosedAdvice.empty())
+            throw;
+        throw RuntimeFailure(failure.what() + (" " + table_->ClosedAdvice));
+    }
 }
 
 std::unique_ptr<SerialPort> CommPort::Opened(const std::string& device) const {
@@ -54,12 +66,12 @@ std::unique_ptr<SerialPort> CommPort::Opened(const std::string& device) const {
 }
 
 void CommPort::Settings(const std::string& text) {
-    Named(Device(), [&] { Backend().Settings(text); });
+    Run([&](SerialPort& port) { port.Settings(text); });
     settings_ = text;
 }
 
 void CommPort::SetCommState(const std::string& text) {
-    Named(Device(), [&] { Backend().SetCommState(text); });
+    Run([&](SerialPort& port) { port.SetCommState(text); });
     settings_ = text;
 }
 
@@ -76,23 +88,23 @@ bool CommPort::PortOpen() const {
 }
 
 int CommPort::InBufferCount() {
-    return Named(Device(), [&] { return Backend().InBufferCount(); });
+    return Run([](SerialPort& port) { return port.InBufferCount(); });
 }
 
 void CommPort::EmptyInBuffer() {
-    Named(Device(), [&] { Backend().EmptyInBuffer(); });
+    Run([](SerialPort& port) { port.EmptyInBuffer(); });
 }
 
 char CommPort::Input() {
-    return Named(Device(), [&] { return Backend().Input(); });
+    return Run([](SerialPort& port) { return port.Input(); });
 }
 
 void CommPort::Output(const std::string& text) {
-    Named(Device(), [&] { Backend().Output(text); });
+    Run([&](SerialPort& port) { port.Output(text); });
 }
 
 bool CommPort::WaitForInput(int milliseconds) {
-    return Named(Device(), [&] { return Backend().WaitForInput(milliseconds); });
+    return Run([&](SerialPort& port) { return port.WaitForInput(milliseconds); });
 }
 
 void CommPort::Replace(const std::string& device) {

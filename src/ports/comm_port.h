@@ -9,7 +9,7 @@
 namespace kavro {
 
 /// A COM port of the system, on whatever device the table names when it is opened. Every failure is told
-/// with the device in front: "/dev/ttyS2: ...".
+/// with the device in front: "/dev/ttyS2: ...". What leaves the port closed is told with the table's advice.
 class CommPort : public SerialPort {
 public:
     /// COM port `number`, 1 to 8. Enters itself in the table and leaves it when it ends.
@@ -36,6 +36,8 @@ private:
     std::string& Device() const;
     std::unique_ptr<SerialPort> Opened(const std::string& device) const;
     SerialPort& Backend() const;
+    template <class Operation>
+    auto Run(Operation operation) const;
 
     int number_;
     std::shared_ptr<PortTable> table_;

@@ -12,6 +12,9 @@
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
+#ifdef Q_OS_LINUX
+#include <sys/sysmacros.h>
+#endif
 #include <unistd.h>
 #endif
 
@@ -30,7 +33,6 @@ std::string NoPermissionText(const DeviceRights& rights) {
 namespace {
 
 constexpr const char* DeviceFolder = "/dev/";
-constexpr const char* ChooseAnother = "choose another device.";
 
 // Where lock files of serial devices may lie, in the order in which QSerialPort tries them.
 constexpr const char* LockFolders[] = {"/var/lock", "/etc/locks", "/var/spool/locks",  "/var/spool/uucp",
@@ -73,6 +75,46 @@ DeviceRights RightsOf(const struct stat& node) {
             node.st_gid != 0 && (node.st_mode & GroupReadWrite) == GroupReadWrite};
 }
 
+[[noreturn]] void ThrowNoLine(const std::string& kind) {
+    throw RuntimeFailure("This is " + kind + ", not a serial device: choose another device.");
+}
+
+struct NodeKind {
+    mode_t Type;
+    const char* Name;
+};
+constexpr NodeKind NoLines[] = {
+    {S_IFDIR, "a folder"}, {S_IFREG, "a file"},    {S_IFBLK, "a disk"},
+    {S_IFIFO, "a pipe"},   {S_IFSOCK, "a socket"},
+};
+
+// Devices that can be opened, some even as a terminal, but lead to no line: opening /dev/ptmx makes a new
+// pseudo-terminal. Linux has given them fixed numbers.
+struct DeviceKind {
+    unsigned Major, FirstMinor, LastMinor;
+    const char* Name;
+};
+constexpr DeviceKind NoLineDevices[] = {
+    {1, 3, 3, "the null device"},
+    {4, 0, 63, "a console on the screen of this computer"},
+    {5, 0, 0, "the terminal in which this program runs"},
+    {5, 1, 1, "the console of this computer"},
+    {5, 2, 2, "the device that makes pseudo-terminals"},
+};
+
+// What is no serial device by its kind. A device of another driver is found out when it is opened.
+void RequireLine(const struct stat& node) {
+    for (const NodeKind& kind : NoLines)
+        if ((node.st_mode & S_IFMT) == kind.Type)
+            ThrowNoLine(kind.Name);
+#ifdef Q_OS_LINUX
+    const unsigned number = minor(node.st_rdev);
+    for (const DeviceKind& kind : NoLineDevices)
+        if (major(node.st_rdev) == kind.Major && number >= kind.FirstMinor && number <= kind.LastMinor)
+            ThrowNoLine(kind.Name);
+#endif
+}
+
 } // namespace
 
 std::string ResolveDevice(const std::string& device) {
@@ -88,13 +130,9 @@ void RequireUsableDevice(const std::string& path) {
         if (errno == EACCES)
             throw RuntimeFailure("You have no permission to look into the folder of this device. Ask the "
                                  "administrator of this computer.");
-        throw RuntimeFailure(std::string("There is no such device. Plug the adapter in, or ") +
-                             ChooseAnother);
+        throw RuntimeFailure("There is no such device. Plug the adapter in, or choose another device.");
     }
-    if (S_ISDIR(node.st_mode))
-        throw RuntimeFailure(std::string("This is a folder, not a serial device: ") + ChooseAnother);
-    if (!S_ISCHR(node.st_mode))
-        throw RuntimeFailure(std::string("This is a file, not a serial device: ") + ChooseAnother);
+    RequireLine(node);
     if (access(path.c_str(), R_OK | W_OK) != 0)
         throw RuntimeFailure(NoPermissionText(RightsOf(node)));
 }
@@ -119,7 +157,7 @@ std::string BusyText(const std::string& path) {
         return "The device is in use by another program. Close that program, then open the port again.";
     if (process == getpid())
         return "The device is already open in this program as another COM port. Choose a device of its own "
-               "for each COM port under Network > ComPort.";
+               "for each COM port.";
     const std::string number = std::to_string(process);
     if (kill(process, 0) != 0 && errno == ESRCH)
         return "The lock file " + lockFile + " was left behind by another user's program (process " + number +

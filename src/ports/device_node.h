@@ -14,7 +14,7 @@ namespace kavro {
 std::string ResolveDevice(const std::string& device);
 
 /// Throws `RuntimeFailure` when this user cannot open `path` as a serial device whatever other programs do:
-/// nothing there, a folder, a file, no permission.
+/// nothing there, something that is no line (a folder, a file, /dev/ptmx), no permission.
 void RequireUsableDevice(const std::string& path);
 
 /// Whether the node of a device is still there. Always true on Windows, where only the driver can tell.
@@ -24,7 +24,8 @@ bool DevicePresent(const std::string& path);
 /// ends when the port is closed.
 bool LockForThisProgram(const QSerialPort& port);
 
-/// Whether the system holds characters of an open port that the port has not taken yet; true where it cannot tell.
+/// Whether the system holds characters of an open port that the port has not taken yet; true where it cannot
+/// tell.
 bool InputPending(const QSerialPort& port);
 
 /// Why a device is busy: which process has it, or which lock file was left behind.

@@ -69,9 +69,11 @@ std::pair<int, std::string> ParsePortOption(const std::string& text) {
 }
 
 PortRegistry::PortRegistry(std::string iniPath, const std::map<int, std::string>& commandLine,
-                           std::function<std::unique_ptr<SerialPort>()> makeSimulatedPort)
+                           std::function<std::unique_ptr<SerialPort>()> makeSimulatedPort,
+                           std::string closedAdvice)
     : iniPath_(std::move(iniPath)), commandLine_(commandLine), table_(std::make_shared<PortTable>()) {
     table_->MakeSimulatedPort = std::move(makeSimulatedPort);
+    table_->ClosedAdvice = std::move(closedAdvice);
     const QSettings settings(QString::fromStdString(iniPath_), QSettings::IniFormat);
     for (int port = 1; port <= PortTotal; ++port) {
         const std::string kept = KeptDevice(settings, port);

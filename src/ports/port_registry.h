@@ -20,9 +20,11 @@ class PortRegistry : public PortDevices {
 public:
     /// `iniPath`: where the user's choices are kept (COM1=/dev/ttyUSB0 and so on), read now; nothing readable
     /// there stands for no choice. `commandLine`: devices by port number, for this run only.
-    /// `makeSimulatedPort`: makes a port on the simulated line.
+    /// `makeSimulatedPort`: makes a port on the simulated line. `closedAdvice`: the sentence that follows a
+    /// failure which leaves a port closed, as only the program knows where its user opens one.
     PortRegistry(std::string iniPath, const std::map<int, std::string>& commandLine,
-                 std::function<std::unique_ptr<SerialPort>()> makeSimulatedPort);
+                 std::function<std::unique_ptr<SerialPort>()> makeSimulatedPort,
+                 std::string closedAdvice = {});
 
     std::string Device(int port) const override;
     std::vector<DetectedDevice> Detect() const override;

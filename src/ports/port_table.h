@@ -17,6 +17,7 @@ struct PortTable {
     std::array<std::string, PortTotal> Device{};                    ///< path, or `SimulatedLineDevice`
     std::array<CommPort*, PortTotal> Port{};                        ///< ports that exist, else null
     std::function<std::unique_ptr<SerialPort>()> MakeSimulatedPort; ///< a port on the simulated line
+    std::string ClosedAdvice; ///< where this program's user opens a port that is closed; may be empty
 };
 
 } // namespace kavro

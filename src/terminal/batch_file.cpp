@@ -19,7 +19,9 @@ void BatchFile::Open(const std::string& path) {
     Close();
     path_ = path;
     std::error_code error;
-    // Opening a folder succeeds on some systems, and opening a pipe waits for its other end.
+    if (std::filesystem::is_directory(path, error))
+        throw RuntimeFailure(path + " is a folder. Choose a batch file in it.");
+    // Opening a pipe waits for its other end.
     if (!std::filesystem::is_regular_file(path, error))
         throw RuntimeFailure("There is no file " + path + ". Choose a batch file.");
     file_.clear();

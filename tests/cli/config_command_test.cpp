@@ -22,17 +22,18 @@ struct ConfigSession : SimulatedSession {
     }
 
     Captured Show(std::int16_t address, bool json = false) {
-        Session.ModuleCount = 0; // nothing is known from a map
+        Session.ModuleCount = 0;
         return Capture([&] { return ShowConfig(Session, ContactOf(Session, address, {}), json); });
     }
 
-    // Changes as "name=value".
-    Captured Set(std::int16_t address, const Lines& changes) {
+    // Changes as "name=value". Nothing is known from a map unless `known` modules are.
+    Captured Set(std::int16_t address, const Lines& changes, bool force = false, std::int16_t known = 0) {
         std::vector<Assignment> parsed;
         for (const std::string& change : changes)
             parsed.push_back({change.substr(0, change.find('=')), change.substr(change.find('=') + 1)});
-        Session.ModuleCount = 0;
-        return Capture([&] { return SetConfig(Session, ContactOf(Session, address, {}), parsed); });
+        const Contact contact = ContactOf(Session, address, {});
+        Session.ModuleCount = known;
+        return Capture([&] { return SetConfig(Session, contact, parsed, force); });
     }
 
     // The lines "name: value" that are shown, as changes.
@@ -144,6 +145,44 @@ TEST(ConfigCommand, WrongValuesAreToldBeforeAnythingIsWritten) {
         EXPECT_EQ(std::ranges::count(set.Err, '\n'), 1);
         EXPECT_EQ(demo.Heard, reads) << given.back();
     }
+}
+
+TEST(ConfigCommand, WhatIsHardlyMeantNeedsForce) {
+    struct Case {
+        std::int16_t Address;
+        Lines Given;
+        const char* Told; // nothing: it is not refused
+        Lines Asked;      // after reading the settings, before anything is written
+    };
+    const Case cases[] = {
+        {5, {"address=70"}, "The map has a module 8410 at address 70 (46H) already.", {}},
+        {5, {"address=10"}, "A module answers at address 10 (0AH) already.", {"$0A2"}},
+        {5, {"address=6"}, "A module answers at address 6 (06H) already.", {"$062", "$062BC"}},
+        {0, {"address=34", "baud=9600"}, nullptr, {"$222", "$222BA"}}, // taken at another rate only
+        {0, {"address=34"}, "A module answers at address 34 (22H) already.", {"$222"}},
+        {0, {"address=0", "baud=9600"}, nullptr, {"$002"}}, // what answers is the module itself
+        {5, {"address=5", "format=2"}, nullptr, {}},
+        {1,
+         {"low-alarm=2", "high-alarm=1.5"},
+         "The low alarm limit 2 is above the high alarm limit 1.5.",
+         {}},
+        {1, {"low-alarm=1.5", "high-alarm=1.5"}, nullptr, {}},
+    };
+    for (const auto& [address, given, told, asked] : cases)
+        for (const bool force : {false, true}) {
+            ConfigSession demo;
+            demo.Show(address);
+            const auto reads = static_cast<std::ptrdiff_t>(std::exchange(demo.Heard, {}).size());
+            demo.Session.ModuleTable[0] = {.Address = 70, .Model = "8410  "};
+            const Captured set = demo.Set(address, given, force, 1);
+            const bool refused = told != nullptr && !force;
+            EXPECT_EQ(set.Exit, refused ? ExitWrongUse : ExitSuccess) << given.front() << set.Err;
+            EXPECT_TRUE(Contains(set.Err, refused ? told : "Change configuration complete."));
+            const Lines after(demo.Heard.begin() + reads, demo.Heard.end());
+            const auto write = std::ranges::find_if(after, [](const auto& each) { return each[0] != '$'; });
+            EXPECT_EQ(Lines(after.begin(), write), force ? Lines() : asked) << given.front();
+            EXPECT_EQ(write == after.end(), refused) << given.front();
+        }
 }
 
 TEST(ConfigCommand, WhatTheModuleDoesNotAcceptOrTellHasAnExitCode) {

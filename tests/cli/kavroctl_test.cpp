@@ -157,8 +157,10 @@ TEST(KavroCtl, NothingFoundAndPortTroubleHaveExitCodes) {
     QDir(ctl.Folder.path()).mkpath("kavro");
     const std::string folder = ctl.Folder.path().toStdString() + "/kavro/";
     std::ofstream(folder + "ports.ini") << "[General]\nCOM2=/nowhere/second\n";
-    const std::pair<const char*, const char*> cases[] = {{"150\n2\nn,8,1\n19200\n", "/nowhere/second"},
-                                                         {"150\n7\nn,8,1\n", "COM.CFG cannot be used"}};
+    const std::pair<const char*, const char*> cases[] = {
+        {"150\n2\nn,8,1\n19200\n", "/nowhere/second"},
+        {"150\n7\nn,8,1\n", "COM.CFG cannot be used"},
+        {"150\n0\nn,8,1\n", "COM.CFG cannot be used. Index"}};
     for (const auto& [config, piece] : cases) {
         std::ofstream(folder + "COM.CFG") << config;
         const Outcome trouble = ctl.Run({"search"});
@@ -178,7 +180,8 @@ TEST(KavroCtl, EndedSearchPrintsWhatItFound) {
         else
             line.End(); // the adapter is pulled out
         const Outcome outcome = ctl.Finish();
-        EXPECT_EQ(outcome.Exit, interrupt ? 0 : 3) << outcome.Err;
+        EXPECT_EQ(outcome.Exit, interrupt ? 4 : 3) << outcome.Err;
+        EXPECT_FALSE(Contains(outcome.Err, "Network")) << "no menu of another program";
         const QJsonObject map = ParsedJson(outcome.Out);
         EXPECT_FALSE(map["complete"].toBool(true)) << outcome.Out;
         // A module being probed is finished when the search is stopped, and lost with the port.

@@ -159,8 +159,12 @@ TEST(Polling, TellsAnOutageOnceAndGoesOn) {
     EXPECT_EQ(poll({1000, 9}).Err, "kavroctl: Gone. Going on as soon as the port can be opened again.\n"
                                    "kavroctl: The port is there again.\n");
     EXPECT_EQ(std::tuple(end, reads, prints), std::tuple(PollEnd::Done, 6, 3));
-    reads = 1;
-    EXPECT_EQ(poll({1000, 1}).Failure, "Gone.");
+    for (const Pace& pace : {Pace{1000, 1}, {1000, 9, 0}}) { // neither waits for the port
+        reads = 1;
+        EXPECT_EQ(poll(pace).Failure, "Gone.");
+    }
+    reads = 3; // back at the last attempt, for which no turn is due
+    EXPECT_TRUE(Contains(poll({60'000, 1, 7000}).Err, "The port is there again."));
     const PollWork lost = {[] {
                                std::raise(SIGINT);
                                throw RuntimeFailure("Gone.");
@@ -168,6 +172,18 @@ TEST(Polling, TellsAnOutageOnceAndGoesOn) {
                            [] { return true; }};
     Capture([&] { return static_cast<int>(end = Poll(demo.Session.Line, {1000, 9}, lost)); });
     EXPECT_EQ(end, PollEnd::PortLost);
+
+    // A port that stays away is given up at the moment that was asked for, whatever the interval.
+    const PollWork gone = {[] { throw RuntimeFailure("Gone."); }, [] { return true; }};
+    for (const int interval : {0, 300, 60'000}) {
+        const std::int64_t begin = demo.Time.GetTickCount();
+        const Captured outcome = Capture([&] {
+            return static_cast<int>(end = Poll(demo.Session.Line, {interval, 9, 7000}, gone));
+        });
+        EXPECT_EQ(end, PollEnd::PortLost);
+        EXPECT_TRUE(Contains(outcome.Err, "The port stayed away for 7 s. Given up.\n"));
+        EXPECT_EQ(demo.Time.GetTickCount() - begin, 7000);
+    }
 }
 
 TEST(MonitorCommand, GoesRoundOneModuleInEachInterval) {
@@ -178,11 +194,17 @@ TEST(MonitorCommand, GoesRoundOneModuleInEachInterval) {
     demo.Session.ScanIndex = -1;
     demo.Line.ModuleAt(5).CommandFaults = [](std::string_view) { return Faults{.Silent = true}; };
     const Captured monitor = Capture([&] { return MonitorModules(demo.Session, {500, 3}, ValueForm::Csv); });
-    EXPECT_EQ(monitor.Exit, ExitSuccess);
+    EXPECT_EQ(monitor.Exit, ExitReplyMissing);
     EXPECT_EQ(std::ranges::count(monitor.Out, '\n'), 1 + 3 * (8 + 2)) << monitor.Out;
     EXPECT_TRUE(Contains(monitor.Out, ",5,8250,7,,V,no reply\n"));
     EXPECT_EQ(demo.Heard, (Lines{"$056", "$0A6", "$056", "$0A6", "$056", "$0A6"}));
     EXPECT_EQ(demo.MomentsMs, (std::vector<std::int64_t>{1000, 1500, 2000, 2500, 3000, 3500}));
+    int commands = 0; // what failed before the last round is past
+    demo.Line.ModuleAt(5).CommandFaults = [&](std::string_view) { return Faults{.Silent = commands++ == 0}; };
+    EXPECT_EQ(Capture([&] {
+                  return MonitorModules(demo.Session, {500, 2}, ValueForm::Csv);
+              }).Exit,
+              ExitSuccess);
     demo.Session.ModuleCount = 0;
     EXPECT_EQ(Capture([&] { return MonitorModules(demo.Session, {}, ValueForm::Csv); }).Exit,
               ExitNothingFound);
@@ -200,6 +222,7 @@ TEST(ReadCommand, WrongUseIsToldInOneLine) {
         {{"read", "5", "--channel", ""}, "--channel needs"},
         {{"monitor", "--map", "x", "--to", "3"}, "Leave --to"},
         {{"monitor", "--count", "99999999"}, "at most 8388607"},
+        {{"monitor", "--give-up", "1h"}, "'1h' is not a time in seconds"},
         {{"output"}, "Give the address"},
         {{"output", "5"}, "Give what the outputs"},
     };

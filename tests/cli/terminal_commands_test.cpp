@@ -143,10 +143,12 @@ TEST(TerminalCommands, UseTheMapAndTellWrongUseInOneLine) {
     const std::pair<QStringList, const char*> cases[] = {
         {{"send"}, "Give the commands"},
         {{"send", "a\nb"}, "one line"},
+        {{"send", "$012", " "}, "An empty command"},
         {{"send", QString(QChar(0x0142))}, "8 bits"},
         {{"send", "--map", "/nowhere.json", "$012"}, "no such file"},
         {{"batch"}, "Give the file"},
         {{"batch", "/nowhere"}, "/nowhere"},
+        {{"batch", QString::fromStdString(folder.Path())}, "is a folder"},
         {{"batch", batch, "--passes", "0"}, "'0'"},
         {{"batch", batch, "--log", batch}, "would empty"},
         {{"batch", batch, "--log", "/nowhere/log"}, "/nowhere/log"},

@@ -74,7 +74,7 @@ TEST(PortConfig, FilesThatCannotBeRead) {
         {"100\n40000\nn,8,1\n", "COM1: Overflow: port number \"40000\" is not between -32768 and 32767."},
         {"100\n3\nn,8,1\n9600 19200", "COM3: Not a whole number: baud rate \"9600 19200\"."},
         {"100\n0\nn,8,1\n9600", "COM0: Index out of bounds: there is no COM port 0. "
-                                "Choose COM1 to COM8 under Network > ComPort."},
+                                "Choose COM1 to COM8."},
         {"200\n2\nn,8,1\n9600", "COM2: The device cannot be opened."},
         {"200\n5\nn,8,1\n9600", "COM2: The device cannot be opened."}}; // and no content error
     for (const auto& [content, description] : cases)

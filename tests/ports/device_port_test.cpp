@@ -120,9 +120,15 @@ TEST_F(DevicePortTest, WhatCannotBeOpened) {
     const std::string link = Folder.Path("adapter");
     std::filesystem::create_symlink(Pty.Device, link);
     const std::pair<std::string, const char*> cases[] = {
-        {"/dev/no_such_device", "There is no such device"}, {Folder.Path(), "This is a folder"},
-        {Folder.Write("file", "text"), "This is a file"},   {"/dev/null", "This is not a serial device"},
-        {Pty.Device, "already open in this program"},       {link, "already open in this program"},
+        {"/dev/no_such_device", "There is no such device"},
+        {Folder.Path(), "This is a folder"},
+        {Folder.Write("file", "text"), "This is a file"},
+        {"/dev/null", "This is the null device, not"},
+        {"/dev/ptmx", "makes pseudo-terminals, not"},
+        {"tty", "the terminal in which this program runs"},
+        {"/dev/zero", "This is not a serial device"},
+        {Pty.Device, "already open in this program"},
+        {link, "already open in this program"},
     };
     for (const auto& [device, told] : cases)
         EXPECT_TRUE(Contains(OpenFailure(device), told)) << device;

@@ -16,10 +16,12 @@ namespace {
 class PortRegistryTest : public testing::Test {
 protected:
     PortRegistry Registry(const std::map<int, std::string>& commandLine = {}) {
-        return {Ini, commandLine, [this] { return std::make_unique<SimulatedPort>(Simulated, Time); }};
+        return {Ini, commandLine, [this] { return std::make_unique<SimulatedPort>(Simulated, Time); },
+                Advice};
     }
 
     TestFolder Folder;
+    std::string Advice;
     std::string Ini = Folder.Path("new/ports.ini");
     VirtualClock Time;
     SimulatedLine Simulated = DemoLine();
@@ -73,13 +75,16 @@ TEST_F(PortRegistryTest, KeepsWhatTheUserChose) {
 TEST_F(PortRegistryTest, OpenPortMovesOnlyToADeviceThatOpens) {
     PtyPair before;
     PtyPair after;
+    Advice = "Look there.";
     auto registry = Registry({{3, before.Device}});
     const auto ports = registry.Ports();
     SerialPort& port = *ports[2];
     port.PortOpen(true);
     port.SetCommState("57600,n,8,1");
 
-    EXPECT_TRUE(FailureText([&] { registry.Assign(3, "/dev/none"); }).starts_with("/dev/none: There is no"));
+    const std::string missing = FailureText([&] { registry.Assign(3, "/dev/none"); });
+    EXPECT_TRUE(missing.starts_with("/dev/none: There is no")) << missing;
+    EXPECT_FALSE(Contains(FailureText([&] { port.Settings("odd"); }), Advice)) << "the port is still open";
     EXPECT_EQ(registry.Device(3), before.Device);
     port.Output("a");
     EXPECT_EQ(before.Received(10), "a");
@@ -96,9 +101,10 @@ TEST_F(PortRegistryTest, OpenPortMovesOnlyToADeviceThatOpens) {
     }
 
     after.Unplug();
-    EXPECT_TRUE(
-        FailureText([&] { port.Output("d"); }).starts_with(link + ": The device has been disconnected."));
+    EXPECT_EQ(FailureText([&] { port.Output("d"); }),
+              link + ": The device has been disconnected. Plug it in. Look there.");
     EXPECT_FALSE(port.PortOpen());
+    EXPECT_EQ(FailureText([&] { port.Output("d"); }), link + ": The port is not open. Look there.");
 }
 
 } // namespace
