@@ -60,8 +60,7 @@ void DevicePort::ThrowIfLost() {
         return;
     port_.close();
     lost_ = false; // told once: from now on the port is simply not open
-    throw RuntimeFailure(
-        "The device has been disconnected. Plug it in, then open the port again under Network > ComPort.");
+    throw RuntimeFailure("The device has been disconnected. Plug it in again.");
 }
 
 void DevicePort::RequireOpen() {

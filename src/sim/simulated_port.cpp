@@ -36,7 +36,7 @@ void SimulatedPort::PortOpen(bool open) {
     if (open == open_)
         return;
     if (open && !line_.Plugged())
-        throw RuntimeFailure("The simulated line is unplugged. Plug it in, then open the port again.");
+        throw RuntimeFailure("The simulated line is unplugged. Plug it in again.");
     transmission_.Clear();
     unplugCount_ = line_.UnplugCount();
     open_ = open;
@@ -83,7 +83,7 @@ void SimulatedPort::RequireOpen() {
     if (line_.Plugged() && line_.UnplugCount() == unplugCount_)
         return;
     open_ = false; // told once: from now on the port is simply not open
-    throw RuntimeFailure("The simulated line is unplugged. Plug it in, then open the port again.");
+    throw RuntimeFailure("The simulated line is unplugged. Plug it in again.");
 }
 
 } // namespace kavro
