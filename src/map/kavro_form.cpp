@@ -39,6 +39,7 @@ namespace {
 
 constexpr int ListColumns = 75; // characters of a list line and of the dash lines of a map file
 constexpr int ListRows = 18;
+constexpr int PortWatchMs = 1000;
 constexpr const char* ReopensText = "The next operation opens the port by itself when its device is there.";
 
 } // namespace
@@ -89,7 +90,11 @@ void KavroForm::Build() {
         background->setMouseTracking(true);
         background->installEventFilter(this);
     }
+    BuildStatus();
+    device_->setFocus();
+}
 
+void KavroForm::BuildStatus() {
     activityStatus_ = Named(new QLabel, "ActivityStatus", {});
     portStatus_ = Named(new QLabel, "PortStatus", {});
     countStatus_ = Named(new QLabel, "CountStatus", {});
@@ -98,7 +103,9 @@ void KavroForm::Build() {
     statusBar()->addWidget(activityStatus_, 1);
     statusBar()->addPermanentWidget(countStatus_);
     statusBar()->addPermanentWidget(portStatus_);
-    device_->setFocus();
+    auto* watch = new QTimer(this); // a port is lost, and opened again, at any time and below any dialog
+    connect(watch, &QTimer::timeout, this, [this] { ShowPort(); });
+    watch->start(PortWatchMs);
 }
 
 void KavroForm::BuildMenus() {
@@ -309,6 +316,12 @@ void KavroForm::Help() {
 }
 
 void KavroForm::UpdateStatus(const QString& activity) {
+    ShowPort();
+    countStatus_->setText(QString("Modules: %1").arg(session_.ModuleCount));
+    activityStatus_->setText(activity);
+}
+
+void KavroForm::ShowPort() {
     const int port = session_.Line.CurrentPort;
     const bool known = port >= 1 && port <= PortTotal;
     const bool closed = known && !session_.Line.CommPort(port).PortOpen();
@@ -317,8 +330,6 @@ void KavroForm::UpdateStatus(const QString& activity) {
         text += ": " + QString::fromStdString(devices_.Device(port)) + (closed ? " (closed)" : "");
     portStatus_->setText(text);
     portStatus_->setToolTip(closed ? ReopensText : "");
-    countStatus_->setText(QString("Modules: %1").arg(session_.ModuleCount));
-    activityStatus_->setText(activity);
 }
 
 } // namespace kavro
