@@ -21,7 +21,8 @@ AdDiagForm::AdDiagForm(kavro::Session& session, kavro::Messages& messages, QWidg
     : PanelForm("AdDiagForm", "A/D Module Diagnostic", session, messages, parent),
       channelCount_(ChannelCount(Record().Model).value_or(0)), hasOpenStatus_(HasOpenStatus(Record().Model)) {
     Build();
-    Load();
+    Operate([this] { ReadEnables(); });
+    ReadRevision();
     StartPolling();
 }
 
@@ -31,6 +32,8 @@ void AdDiagForm::Build() {
     for (int channel = 0; channel < ChannelRows; ++channel)
         captions << QString("Channel %1:").arg(channel);
     readings_ = new ReadingRows("A/D readings", captions);
+    for (int channel = channelCount_; channel < ChannelRows; ++channel)
+        readings_->ShowMissing(channel);
     Rows().addWidget(readings_);
     label4_ = Named(new QLabel("Open status:"), "Label4", {});
     openStatus_ = Named(new TintedLabel, "OpenStatus", {});
@@ -42,21 +45,18 @@ void AdDiagForm::Build() {
     Finish();
 }
 
-void AdDiagForm::Load() {
-    // Asked once: without an answer every channel counts as disabled for as long as the panel is open.
-    Operate([this] {
-        channelEnabled_ = ReadChannelEnables(Session(), Index(), Session().Line.ReplyTimeout).value_or(0);
-    });
-    for (int channel = 0; channel < ChannelRows; ++channel) {
-        if (channel >= channelCount_)
-            readings_->ShowMissing(channel);
-        else if (!Enabled(channel))
+// Asked once: without an answer every channel counts as disabled for as long as the panel is open. A port
+// that fails is no missing answer.
+void AdDiagForm::ReadEnables() {
+    channelEnabled_ = ReadChannelEnables(Session(), Index(), Session().Line.ReplyTimeout).value_or(0);
+    for (int channel = 0; channel < channelCount_; ++channel)
+        if (!Enabled(channel))
             readings_->ShowDisabled(channel);
-    }
-    ReadRevision();
 }
 
 void AdDiagForm::Tick() {
+    if (!channelEnabled_)
+        ReadEnables();
     const std::string unit = RangeUnit(Record().InputRange, Record().DataFormat);
     for (int channel = 0; channel < channelCount_; ++channel)
         if (Enabled(channel))
@@ -81,6 +81,8 @@ void AdDiagForm::ShowStale(bool stale) {
     if (!stale)
         return; // what is read again has become fresh by that
     readings_->ShowStale();
+    for (int channel = 0; !channelEnabled_ && channel < channelCount_; ++channel)
+        readings_->ShowUnread(channel);
     openStatus_->SetTint(QColor(StaleTint));
     if (!openStatus_->text().isEmpty() && !openStatus_->text().endsWith(StaleMark))
         openStatus_->setText(openStatus_->text() + StaleMark);

@@ -6,7 +6,6 @@
 
 #include <QFontMetrics>
 #include <QLabel>
-#include <QPushButton>
 #include <QVBoxLayout>
 
 namespace kavro {
@@ -32,8 +31,6 @@ void DriveForm::FinishDrive() {
     Rows().addWidget(pollState_);
     Rows().addWidget(commandState_);
     Finish();
-    // Not on an output, which a stray press of the space bar would switch.
-    findChild<QPushButton*>("ExitBtn")->setFocus();
     ReadRevision();
     StartPolling();
     Timer1_Timer();

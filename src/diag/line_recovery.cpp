@@ -1,6 +1,7 @@
 #include "diag/line_recovery.h"
 
 #include "link/runtime_failure.h"
+#include "map/module_access.h"
 
 #include <utility>
 
@@ -38,8 +39,7 @@ bool LineRecovery::Ready() {
         return false;
     nextTry_ = now + RetryMs;
     try {
-        // Opening applies the settings last applied, so the baud rate is still that of `PortBaudCode`.
-        line_.CommPort(line_.CurrentPort).PortOpen(true);
+        OpenPort(line_);
         return true;
     } catch (const RuntimeFailure&) {
         return false; // told when the outage began

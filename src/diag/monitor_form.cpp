@@ -24,6 +24,7 @@ constexpr int HintMargin = 40;
 constexpr int RowsStretch = 1000;
 constexpr const char* NoModules =
     "No modules are known yet. Search first: close this window and choose Network > Search.";
+constexpr const char* TrendHint = "Tick a value to see its trend: click its box, or press Space on it.";
 
 // The file that the user chooses to save to; empty when the choice is cancelled.
 QString ChooseSaveFile(QWidget* parent, const QString& title, const QString& filter, const QString& suffix) {
@@ -52,7 +53,8 @@ MonitorForm::MonitorForm(kavro::Session& session, kavro::Messages& messages, QWi
         Rows().addWidget(hint, 1, Qt::AlignCenter);
     } else {
         Rows().addWidget(BuildValues(), 1);
-        grid_->setFocus();
+        trendHint_ = Named(new QLabel(TrendHint), "TrendHint", {});
+        Rows().addWidget(trendHint_);
     }
     Rows().addLayout(BuildButtons());
     ShowLogState();
@@ -61,33 +63,37 @@ MonitorForm::MonitorForm(kavro::Session& session, kavro::Messages& messages, QWi
     Finish();
     // Room that the window gets goes to the values, not below them.
     static_cast<QVBoxLayout*>(layout())->setStretchFactor(&Rows(), RowsStretch);
-    if (!empty)
-        StartPolling(MonitorTickMs);
+    if (empty)
+        return;
+    GiveTrendRoom(false); // in a window that has its room already
+    grid_->setFocus();
+    StartPolling(MonitorTickMs);
 }
 
 QWidget* MonitorForm::BuildValues() {
     grid_ = new MonitorGrid(Session(), monitor_, [this] { ShowTrend(); });
     trend_ = new TrendView;
-    auto* splitter = Named(new QSplitter, "Splitter", "Grid and trend");
-    splitter->addWidget(grid_);
-    splitter->addWidget(trend_);
-    splitter->setStretchFactor(0, 1);
-    splitter->setStretchFactor(1, 1);
-    splitter->setChildrenCollapsible(false);
-    return splitter;
+    splitter_ = Named(new QSplitter, "Splitter", "Grid and trend");
+    splitter_->addWidget(grid_);
+    splitter_->addWidget(trend_);
+    splitter_->setStretchFactor(0, 1);
+    splitter_->setStretchFactor(1, 1);
+    splitter_->setChildrenCollapsible(false);
+    shares_ = {grid_->sizeHint().width(), trend_->sizeHint().width()};
+    return splitter_;
 }
 
 QLayout* MonitorForm::BuildButtons() {
     logState_ = Named(new QLabel, "LogState", {});
     logState_->setTextFormat(Qt::PlainText);
     logBtn_ = Named(new QPushButton, "LogBtn", "Log to file");
-    auto* picture = Named(new QPushButton("Save &picture..."), "PictureBtn", "Save picture");
+    pictureBtn_ = Named(new QPushButton("Save &picture..."), "PictureBtn", "Save picture");
     connect(logBtn_, &QPushButton::clicked, this, [this] { Guard(Messages(), [this] { LogBtn_Click(); }); });
-    connect(picture, &QPushButton::clicked, this,
+    connect(pictureBtn_, &QPushButton::clicked, this,
             [this] { Guard(Messages(), [this] { PictureBtn_Click(); }); });
     auto* row = new QHBoxLayout;
     row->addWidget(logState_, 1);
-    for (QPushButton* button : {logBtn_, picture}) {
+    for (QPushButton* button : {logBtn_, pictureBtn_}) {
         button->setAutoDefault(false);
         SetUsable(*button, grid_ != nullptr, "There are no values. Search for modules first.");
         row->addWidget(button);
@@ -125,7 +131,24 @@ void MonitorForm::ShowAges() {
 }
 
 void MonitorForm::ShowTrend() {
-    trend_->Show(grid_->TickedLines(), Session().Line.Time().GetTickCount());
+    auto lines = grid_->TickedLines();
+    const bool ticked = !lines.empty();
+    trend_->Show(std::move(lines), Session().Line.Time().GetTickCount());
+    if (ticked == trend_->isHidden())
+        GiveTrendRoom(ticked);
+}
+
+// The trend comes back with the share of the window that the user gave it.
+void MonitorForm::GiveTrendRoom(bool ticked) {
+    if (!ticked && isVisible())
+        shares_ = splitter_->sizes();
+    trend_->setVisible(ticked);
+    trendHint_->setHidden(ticked);
+    SetUsable(*pictureBtn_, ticked, "There is no trend. Tick a value first.");
+    splitter_->setSizes(
+        shares_); // also without the trend, as the splitter does not lay itself out anew unseen
+    if (ticked)
+        grid_->scrollToItem(grid_->currentItem()); // which the trend may have come to lie over
 }
 
 // What cannot be written ends the log, and is told once, beside the turns, which go on meanwhile.
@@ -165,8 +188,8 @@ void MonitorForm::PictureBtn_Click() {
     QSaveFile file(path);
     const QFileInfo target(path);
     const bool replaceable = !target.exists() || target.isFile(); // a device must not give way to a file
-    if (!replaceable || !file.open(QIODevice::WriteOnly) || !trend_->Picture().save(&file, "PNG") ||
-        !file.commit())
+    if (!replaceable || !file.open(QIODevice::WriteOnly) ||
+        !trend_->Picture(wallClock_()).save(&file, "PNG") || !file.commit())
         throw RuntimeFailure("The picture " + path.toStdString() + " cannot be saved" +
                              (replaceable ? ": " + file.errorString().toStdString() : "; it is no file") +
                              ". Choose another place, or check the space on the disk.");

@@ -6,6 +6,7 @@
 
 class QLabel;
 class QPushButton;
+class QSplitter;
 class QTimer;
 
 namespace kavro {
@@ -14,7 +15,7 @@ class MonitorGrid;
 class TrendView;
 
 /// Shows the present values of every module of the map, reading one module each 500 ms, with a trend of the
-/// values that the user ticks and a log to a file.
+/// values that the user ticks and a log to a file. Without a tick the values have the room of the trend.
 class MonitorForm : public PanelForm {
 public:
     MonitorForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent,
@@ -30,6 +31,7 @@ private:
     void Log(const MonitorTurn& turn);
     void ShowAges();
     void ShowTrend();
+    void GiveTrendRoom(bool ticked);
     void LogBtn_Click();
     void PictureBtn_Click();
     void ShowLogState();
@@ -38,9 +40,13 @@ private:
     Monitor monitor_;
     CsvLog log_;
     MonitorGrid* grid_ = nullptr;
+    QSplitter* splitter_ = nullptr;
+    QList<int> shares_; // of the grid and the trend, when the trend was in sight last
     TrendView* trend_ = nullptr;
+    QLabel* trendHint_ = nullptr;
     QLabel* logState_ = nullptr;
     QPushButton* logBtn_ = nullptr;
+    QPushButton* pictureBtn_ = nullptr;
     QTimer* outage_ = nullptr; // while nothing is read, the values grow older all the same
 };
 

@@ -59,9 +59,19 @@ void OutputBar::paintEvent(QPaintEvent* event) {
     painter.drawRect(rect().adjusted(1, 1, -1, -1));
 }
 
-// A wheel that only passes over must not drive an output.
+void OutputBar::mousePressEvent(QMouseEvent* event) {
+    clicked_ = true;
+    QScrollBar::mousePressEvent(event);
+}
+
+void OutputBar::focusOutEvent(QFocusEvent* event) {
+    clicked_ = false;
+    QScrollBar::focusOutEvent(event);
+}
+
+// A wheel that only passes over must not drive an output, whatever the keyboard is on.
 void OutputBar::wheelEvent(QWheelEvent* event) {
-    if (hasFocus())
+    if (clicked_)
         QScrollBar::wheelEvent(event);
     else
         event->ignore();

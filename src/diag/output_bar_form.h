@@ -20,7 +20,8 @@ struct OutputBarEvents {
 };
 
 /// The scroll bar that drives an output. Steps that come faster than they can be sent make one change, to
-/// where they end: a key held down on a silent module must not let time-outs pile up.
+/// where they end: a key held down on a silent module must not let time-outs pile up. The wheel moves it only
+/// from a click into it until it loses the focus.
 class OutputBar : public QScrollBar {
 public:
     /// From `minimum` to `OutputBarSteps`, at 0.
@@ -35,12 +36,15 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
 
 private:
     OutputBarEvents events_;
     QTimer change_; // runs while a change is due
     int confirmed_ = 0;
+    bool clicked_ = false; // since it has the focus
 };
 
 } // namespace kavro

@@ -70,10 +70,14 @@ void PanelForm::AddHead() {
 }
 
 void PanelForm::ReadRevision() {
-    Operate([this] {
-        Ask("$" + AddressText(session_, Index()) + "F"); // whatever came is shown, complete or not
-        rev_->setText(QString::fromStdString(Middle(session_.Line.ReplyText, 4)));
-    });
+    revisionDue_ = true;
+    Operate([this] { AskRevision(); });
+}
+
+void PanelForm::AskRevision() {
+    Ask("$" + AddressText(session_, Index()) + "F"); // whatever came is shown, complete or not
+    revisionDue_ = false;
+    rev_->setText(QString::fromStdString(Middle(session_.Line.ReplyText, 4)));
 }
 
 void PanelForm::Finish() {
@@ -84,6 +88,7 @@ void PanelForm::Finish() {
     foot->addWidget(statistics_, 1);
     foot->addWidget(exit);
     static_cast<QVBoxLayout*>(layout())->addLayout(foot);
+    exit->setFocus(); // not on an output, which a stray key would drive
     ShowStatistics();
     CenterForm(*this);
 }
@@ -101,6 +106,8 @@ void PanelForm::Timer1_Timer() {
     due_ = Busy();
     if (due_ || !recovery_.Ready())
         return;
+    if (revisionDue_)
+        Then([this] { AskRevision(); }); // the port failed before it could be asked
     Then([this] { Tick(); });
     Next();
 }

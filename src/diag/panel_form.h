@@ -62,16 +62,18 @@ protected:
 
     /// Adds `ModuleName`, `Addr` and `Rev`, which stays empty until `ReadRevision`.
     void AddHead();
-    /// Reads the firmware revision ("$AAF"). What is too short to hold one is shown as nothing.
+    /// Reads the firmware revision ("$AAF"), or, while the port is lost, as soon as it is back. What is too
+    /// short to hold one is shown as nothing.
     void ReadRevision();
     /// The rows of the panel, top to bottom.
     QVBoxLayout& Rows() const { return *rows_; }
-    /// Adds the statistics and `ExitBtn`, and places the panel.
+    /// Adds the statistics and `ExitBtn`, which gets the focus, and places the panel.
     void Finish();
     /// Starts `Timer1`. Without it a panel ticks during an outage only, until the port is open again.
     void StartPolling(int intervalMs = 100);
 
 private:
+    void AskRevision();
     void Next();
     bool Run(const Step& operation);
     void Tell(const std::string& failure);
@@ -83,11 +85,12 @@ private:
     LineRecovery recovery_;
     std::deque<Step> actions_; // come before the steps of the tick
     std::deque<Step> steps_;
-    bool running_ = false;    // while a step or an action is on the stack
-    bool telling_ = false;    // while the message of a failure is up
-    bool due_ = false;        // a tick came due while one was running
-    bool polling_ = false;    // `Timer1` runs outside an outage too
-    bool closeAsked_ = false; // the panel was to be closed while a message was up
+    bool running_ = false;     // while a step or an action is on the stack
+    bool telling_ = false;     // while the message of a failure is up
+    bool due_ = false;         // a tick came due while one was running
+    bool polling_ = false;     // `Timer1` runs outside an outage too
+    bool revisionDue_ = false; // it could not be asked for yet
+    bool closeAsked_ = false;  // the panel was to be closed while a message was up
     QTimer* timer1_ = nullptr;
     QTimer* next_ = nullptr;
     QVBoxLayout* rows_ = nullptr;

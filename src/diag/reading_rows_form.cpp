@@ -53,6 +53,11 @@ void ReadingRows::ShowReading(int row, const std::string& text, const std::strin
     At(row).Unit->setText(QString::fromStdString(unit));
 }
 
+void ReadingRows::ShowUnread(int row) {
+    At(row).Reading->SetTint(QColor(Grey));
+    At(row).Reading->setText("-");
+}
+
 void ReadingRows::ShowDisabled(int row) {
     At(row).Reading->SetTint(QColor(Grey));
     At(row).Reading->setText("Disabled");

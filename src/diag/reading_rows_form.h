@@ -25,6 +25,8 @@ public:
     void BeginReading(int row);
     /// Shows a reading and its unit.
     void ShowReading(int row, const std::string& text, const std::string& unit);
+    /// Shows that nothing is known of a channel yet.
+    void ShowUnread(int row);
     /// Shows that a channel is switched off in the module.
     void ShowDisabled(int row);
     /// Leaves a row empty, with its caption grey.

@@ -21,10 +21,8 @@ constexpr double EntryGap = 16;
 constexpr int MarkerSpacing = 70;    // pixels between two markers of a line
 constexpr double LinesPerStep = 1.8; // text lines that a step of an axis is high at least
 constexpr int MostSteps = 8;
-constexpr double TimeStepWidth = 70;
 constexpr int PictureScale = 2;
-constexpr const char* Hint =
-    "Tick a value in the grid to see its trend: click its box, or press Space on it.";
+constexpr const char* WidestTime = "2000-00-00";
 
 // Where the entries of a legend stand: on as many lines as the width needs.
 class Flow {
@@ -54,6 +52,11 @@ QFont Bold(QFont font) {
     return font;
 }
 
+// Where on the time axis that moment stands.
+double PlaceOf(const QRectF& plot, std::int64_t ageMs) {
+    return plot.right() - static_cast<double>(ageMs) / static_cast<double>(TrendSpanMs) * plot.width();
+}
+
 QColor Faint(const QPalette& palette) {
     QColor color = palette.color(QPalette::Text);
     color.setAlpha(45);
@@ -77,12 +80,12 @@ void TrendView::Show(std::vector<TrendLine> lines, std::int64_t nowMs) {
     update();
 }
 
-QImage TrendView::Picture() const {
+QImage TrendView::Picture(const WallTime& now) const {
     QImage image(size() * PictureScale, QImage::Format_RGB32);
     image.setDevicePixelRatio(PictureScale);
     QPainter painter(&image);
     painter.setFont(font());
-    Paint(painter);
+    Paint(painter, now);
     return image;
 }
 
@@ -91,24 +94,23 @@ void TrendView::paintEvent(QPaintEvent* /*event*/) {
     Paint(painter);
 }
 
-void TrendView::Paint(QPainter& painter) const {
+void TrendView::Paint(QPainter& painter, const std::optional<WallTime>& now) const {
     painter.fillRect(rect(), palette().color(QPalette::Base));
     painter.setRenderHint(QPainter::Antialiasing);
     std::vector<Pane> panes = Panes();
-    if (panes.empty()) {
-        painter.setPen(palette().color(QPalette::Text));
-        painter.drawText(rect().marginsRemoved({30, 30, 30, 30}), Qt::AlignCenter | Qt::TextWordWrap, Hint);
+    if (panes.empty())
         return;
-    }
-    Place(panes);
+    Place(panes, now ? 2 : 1);
+    const auto times = TimeMarks(panes.front().Plot.width(), now);
     for (const Pane& pane : panes) {
         PaintLegend(painter, pane);
-        PaintAxes(painter, pane, &pane == &panes.back());
+        PaintAxes(painter, pane, times);
         painter.setClipRect(pane.Plot.adjusted(-Gap, -Gap, Gap, Gap));
         for (const TrendLine* line : pane.Lines)
             PaintLine(painter, pane, *line);
         painter.setClipping(false);
     }
+    PaintTimes(painter, panes.back(), times);
 }
 
 std::vector<TrendView::Pane> TrendView::Panes() const {
@@ -123,10 +125,10 @@ std::vector<TrendView::Pane> TrendView::Panes() const {
 }
 
 // Shares the height out; the panes stand under each other at the same left edge, as they share the time.
-void TrendView::Place(std::vector<Pane>& panes) const {
+void TrendView::Place(std::vector<Pane>& panes, int timeRows) const {
     const QFontMetricsF metrics(font());
     const double width = this->width() - 2 * Margin;
-    const double timeHeight = metrics.height() + Gap;
+    const double timeHeight = timeRows * metrics.height() + Gap;
     double legends = 0;
     for (const Pane& pane : panes)
         legends += LegendHeight(pane, width) + Gap;
@@ -159,6 +161,13 @@ void TrendView::ScaleAxis(Pane& pane, double height) const {
     const double steps = height / (LinesPerStep * QFontMetricsF(font()).height());
     pane.Axis = RoundTicks(low.value_or(0), high.value_or(1), std::min(static_cast<int>(steps), MostSteps),
                            pane.Word);
+}
+
+std::vector<TimeMark> TrendView::TimeMarks(double width, const std::optional<WallTime>& now) const {
+    const double room = QFontMetricsF(font()).horizontalAdvance(WidestTime) + EntryGap;
+    const double minute = width * 60'000 / static_cast<double>(TrendSpanMs);
+    const int step = minute >= room ? 1 : 2 * minute >= room ? 2 : 5;
+    return now ? ClockMarks(TrendSpanMs, step, *now) : MarksBeforeNow(TrendSpanMs, step);
 }
 
 QString TrendView::TickText(const Pane& pane, double mark) const {
@@ -194,7 +203,7 @@ void TrendView::PaintLegend(QPainter& painter, const Pane& pane) const {
     }
 }
 
-void TrendView::PaintAxes(QPainter& painter, const Pane& pane, bool withTime) const {
+void TrendView::PaintAxes(QPainter& painter, const Pane& pane, const std::vector<TimeMark>& times) const {
     const QFontMetricsF metrics(font());
     const QRectF& plot = pane.Plot;
     const QColor ink = palette().color(QPalette::Text);
@@ -209,26 +218,29 @@ void TrendView::PaintAxes(QPainter& painter, const Pane& pane, bool withTime) co
         painter.drawText(
             QPointF(plot.left() - Gap - metrics.horizontalAdvance(text), y + metrics.capHeight() / 2), text);
     }
-    const int minutes = static_cast<int>(TrendSpanMs / 60'000);
-    const int step = plot.width() / minutes >= TimeStepWidth       ? 1
-                     : plot.width() / minutes * 2 >= TimeStepWidth ? 2
-                                                                   : 5;
-    for (int minute = 0; minute <= minutes; minute += step) {
-        const double x = plot.right() - plot.width() * minute / minutes;
-        painter.setPen(faint);
+    painter.setPen(faint);
+    for (const TimeMark& time : times) {
+        const double x = PlaceOf(plot, time.AgeMs);
         painter.drawLine(QPointF(x, plot.top()), QPointF(x, plot.bottom()));
-        if (!withTime)
-            continue;
-        const QString text = minute == 0 ? QString("now") : QString("-%1 min").arg(minute);
-        const double width = metrics.horizontalAdvance(text);
-        painter.setPen(ink);
-        painter.drawText(QPointF(std::min(x - width / 2, this->width() - width - 2),
-                                 plot.bottom() + Gap + metrics.ascent()),
-                         text);
     }
     painter.setPen(ink);
     painter.drawLine(plot.topLeft(), plot.bottomLeft());
     painter.drawLine(plot.bottomLeft(), plot.bottomRight());
+}
+
+void TrendView::PaintTimes(QPainter& painter, const Pane& pane, const std::vector<TimeMark>& times) const {
+    const QFontMetricsF metrics(font());
+    painter.setPen(palette().color(QPalette::Text));
+    for (const TimeMark& time : times) {
+        double y = pane.Plot.bottom() + Gap + metrics.ascent();
+        for (const std::string& line : {time.Text, time.Date}) {
+            const QString text = QString::fromStdString(line);
+            const double width = metrics.horizontalAdvance(text);
+            const double x = PlaceOf(pane.Plot, time.AgeMs) - width / 2;
+            painter.drawText(QPointF(std::min(x, this->width() - width - 2), y), text);
+            y += metrics.height();
+        }
+    }
 }
 
 void TrendView::PaintLine(QPainter& painter, const Pane& pane, const TrendLine& line) const {
@@ -243,8 +255,7 @@ void TrendView::PaintLine(QPainter& painter, const Pane& pane, const TrendLine& 
             connected = false;
             continue;
         }
-        const double age = static_cast<double>(nowMs_ - point.AtMs) / static_cast<double>(TrendSpanMs);
-        const QPointF place(plot.right() - age * plot.width(),
+        const QPointF place(PlaceOf(plot, nowMs_ - point.AtMs),
                             plot.bottom() - (*point.Value - pane.Axis.Low) /
                                                 (pane.Axis.High - pane.Axis.Low) * plot.height());
         const int slot = static_cast<int>(

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "diag/axis_ticks.h"
+#include "diag/time_marks.h"
 #include "diag/trend.h"
 
 #include <QString>
 #include <QWidget>
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 class QImage;
@@ -31,8 +33,8 @@ public:
     /// Shows these lines as of the moment `nowMs` of the clock.
     void Show(std::vector<TrendLine> lines, std::int64_t nowMs);
 
-    /// What is shown, as an image of twice the resolution.
-    QImage Picture() const;
+    /// What is shown, as an image of twice the resolution; shown at `now`, it has date and time on its axis.
+    QImage Picture(const WallTime& now) const;
 
     QSize sizeHint() const override { return {560, 480}; }
     QSize minimumSizeHint() const override { return {260, 200}; }
@@ -49,14 +51,16 @@ private:
         QRectF Legend, Plot;
     };
 
-    void Paint(QPainter& painter) const;
+    void Paint(QPainter& painter, const std::optional<WallTime>& now = {}) const;
     std::vector<Pane> Panes() const;
-    void Place(std::vector<Pane>& panes) const;
+    void Place(std::vector<Pane>& panes, int timeRows) const;
+    std::vector<TimeMark> TimeMarks(double width, const std::optional<WallTime>& now) const;
     double LegendHeight(const Pane& pane, double width) const;
     void ScaleAxis(Pane& pane, double height) const;
     QString TickText(const Pane& pane, double mark) const;
     void PaintLegend(QPainter& painter, const Pane& pane) const;
-    void PaintAxes(QPainter& painter, const Pane& pane, bool withTime) const;
+    void PaintAxes(QPainter& painter, const Pane& pane, const std::vector<TimeMark>& times) const;
+    void PaintTimes(QPainter& painter, const Pane& pane, const std::vector<TimeMark>& times) const;
     void PaintLine(QPainter& painter, const Pane& pane, const TrendLine& line) const;
 
     std::vector<TrendLine> lines_;

@@ -6,6 +6,7 @@
 #include "map/exit_form.h"
 #include "map/list_line.h"
 #include "map/map_file.h"
+#include "map/module_access.h"
 #include "map/operation_panel_form.h"
 #include "map/product.h"
 #include "map/scan_form.h"
@@ -38,6 +39,8 @@ namespace {
 
 constexpr int ListColumns = 75; // characters of a list line and of the dash lines of a map file
 constexpr int ListRows = 18;
+constexpr int PortWatchMs = 1000;
+constexpr const char* ReopensText = "The next operation opens the port by itself when its device is there.";
 
 } // namespace
 
@@ -87,7 +90,11 @@ void KavroForm::Build() {
         background->setMouseTracking(true);
         background->installEventFilter(this);
     }
+    BuildStatus();
+    device_->setFocus();
+}
 
+void KavroForm::BuildStatus() {
     activityStatus_ = Named(new QLabel, "ActivityStatus", {});
     portStatus_ = Named(new QLabel, "PortStatus", {});
     countStatus_ = Named(new QLabel, "CountStatus", {});
@@ -96,7 +103,9 @@ void KavroForm::Build() {
     statusBar()->addWidget(activityStatus_, 1);
     statusBar()->addPermanentWidget(countStatus_);
     statusBar()->addPermanentWidget(portStatus_);
-    device_->setFocus();
+    auto* watch = new QTimer(this); // a port is lost, and opened again, at any time and below any dialog
+    connect(watch, &QTimer::timeout, this, [this] { ShowPort(); });
+    watch->start(PortWatchMs);
 }
 
 void KavroForm::BuildMenus() {
@@ -230,8 +239,10 @@ void KavroForm::ComPort() {
 void KavroForm::Search() {
     session_.SearchAccepted = 0;
     SearchForm(session_, messages_, this).exec();
-    if (session_.SearchAccepted != 0)
-        Scan();
+    if (session_.SearchAccepted == 0)
+        return;
+    OpenPort(session_.Line);
+    Scan();
 }
 
 void KavroForm::Scan() {
@@ -305,15 +316,20 @@ void KavroForm::Help() {
 }
 
 void KavroForm::UpdateStatus(const QString& activity) {
-    const int port = session_.Line.CurrentPort;
-    const bool known = port >= 1 && port <= PortTotal;
-    QString text = QString("COM%1").arg(port);
-    if (known)
-        text += ": " + QString::fromStdString(devices_.Device(port)) +
-                (session_.Line.CommPort(port).PortOpen() ? "" : " (closed)");
-    portStatus_->setText(text);
+    ShowPort();
     countStatus_->setText(QString("Modules: %1").arg(session_.ModuleCount));
     activityStatus_->setText(activity);
+}
+
+void KavroForm::ShowPort() {
+    const int port = session_.Line.CurrentPort;
+    const bool known = port >= 1 && port <= PortTotal;
+    const bool closed = known && !session_.Line.CommPort(port).PortOpen();
+    QString text = QString("COM%1").arg(port);
+    if (known)
+        text += ": " + QString::fromStdString(devices_.Device(port)) + (closed ? " (closed)" : "");
+    portStatus_->setText(text);
+    portStatus_->setToolTip(closed ? ReopensText : "");
 }
 
 } // namespace kavro

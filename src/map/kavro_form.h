@@ -42,6 +42,7 @@ protected:
 
 private:
     void Build();
+    void BuildStatus();
     void BuildMenus();
     void AddItem(QMenu& menu, const char* name, const char* text, void (KavroForm::*operation)(),
                  const QKeySequence& shortcut = {});
@@ -67,6 +68,7 @@ private:
     void SelectLine();
     bool SelectFirst(int key);
     void UpdateStatus(const QString& activity = "Ready");
+    void ShowPort();
 
     Session& session_;
     Messages& messages_;

@@ -92,7 +92,13 @@ std::string ShownAddress(std::int16_t address) {
     return std::to_string(address) + " (" + ToHex(address, 2) + "H)";
 }
 
+void OpenPort(Line& line) {
+    // Opening applies the settings last applied, so the baud rate is still that of `PortBaudCode`.
+    line.CommPort(line.CurrentPort).PortOpen(true);
+}
+
 bool ExchangeWithModule(Session& session, int index, const std::string& command, int timeoutMs) {
+    OpenPort(session.Line);
     return session.Line.Exchange(command, ModuleChecksum(session, index), ModuleBaudCode(session, index),
                                  timeoutMs);
 }

@@ -22,7 +22,12 @@ std::string AddressText(const Session& session, int index);
 /// An address as it is shown: "255 (FFH)".
 std::string ShownAddress(std::int16_t address);
 
-/// One transaction with entry `index` at its address settings; true when the reply is complete.
+/// Opens the port in use unless it is open, as a device that was unplugged may be back. Throws
+/// `RuntimeFailure` with what is wrong with it.
+void OpenPort(Line& line);
+
+/// One transaction with entry `index` at its address settings, on a port that is opened if need be; true when
+/// the reply is complete.
 bool ExchangeWithModule(Session& session, int index, const std::string& command, int timeoutMs);
 
 /// Reads the set-up of entry `index` from its module ("$AA2", then the alarm reads of a single-channel analog

@@ -154,17 +154,17 @@ std::string BusyText(const std::string& path) {
     const std::string lockFile = FindLockFile(path);
     const pid_t process = LockingProcess(lockFile);
     if (process == 0)
-        return "The device is in use by another program. Close that program, then open the port again.";
+        return "The device is in use by another program. Close that program first.";
     if (process == getpid())
         return "The device is already open in this program as another COM port. Choose a device of its own "
                "for each COM port.";
     const std::string number = std::to_string(process);
     if (kill(process, 0) != 0 && errno == ESRCH)
         return "The lock file " + lockFile + " was left behind by another user's program (process " + number +
-               "), which has ended. Remove it with \"sudo rm " + lockFile + "\", then open the port again.";
+               "), which has ended. Remove it with \"sudo rm " + lockFile + "\".";
     const std::string program = ReadFirstLine("/proc/" + number + "/comm");
     return "The device is in use by another program (" + (program.empty() ? "" : program + ", ") +
-           "process " + number + "). Close that program, then open the port again.";
+           "process " + number + "). Close that program first.";
 }
 
 #else
@@ -188,7 +188,7 @@ bool InputPending(const QSerialPort& /*port*/) {
 }
 
 std::string BusyText(const std::string& /*path*/) {
-    return "The device is in use by another program. Close that program, then open the port again.";
+    return "The device is in use by another program. Close that program first.";
 }
 
 #endif

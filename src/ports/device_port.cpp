@@ -60,13 +60,13 @@ void DevicePort::ThrowIfLost() {
         return;
     port_.close();
     lost_ = false; // told once: from now on the port is simply not open
-    throw RuntimeFailure("The device has been disconnected. Plug it in.");
+    throw RuntimeFailure("The device has been disconnected. Plug it in again.");
 }
 
 void DevicePort::RequireOpen() {
     ThrowIfLost();
     if (!port_.isOpen())
-        throw RuntimeFailure("The port is not open.");
+        throw RuntimeFailure("The port is not open. Choose a port under Network > ComPort.");
 }
 
 void DevicePort::PortOpen(bool open) {
@@ -128,8 +128,7 @@ int DevicePort::InBufferCount() {
 void DevicePort::EmptyInBuffer() {
     RequireOpen();
     DropReceived();
-    // Discarding in the system takes about as long as the rest of an exchange, so only when there is
-    // something.
+    // Discarding in the system takes about as long as the rest of an exchange, so only when there is something.
     if (port_.bytesAvailable() > 0 || InputPending(port_))
         port_.clear(QSerialPort::Input);
     ThrowIfLost();

@@ -36,7 +36,7 @@ void SimulatedPort::PortOpen(bool open) {
     if (open == open_)
         return;
     if (open && !line_.Plugged())
-        throw RuntimeFailure("The simulated line is unplugged. Plug it in.");
+        throw RuntimeFailure("The simulated line is unplugged. Plug it in again.");
     transmission_.Clear();
     unplugCount_ = line_.UnplugCount();
     open_ = open;
@@ -79,11 +79,11 @@ bool SimulatedPort::WaitForInput(int milliseconds) {
 
 void SimulatedPort::RequireOpen() {
     if (!open_)
-        throw RuntimeFailure("The port is not open.");
+        throw RuntimeFailure("The port is not open. Choose a port under Network > ComPort.");
     if (line_.Plugged() && line_.UnplugCount() == unplugCount_)
         return;
     open_ = false; // told once: from now on the port is simply not open
-    throw RuntimeFailure("The simulated line is unplugged. Plug it in.");
+    throw RuntimeFailure("The simulated line is unplugged. Plug it in again.");
 }
 
 } // namespace kavro

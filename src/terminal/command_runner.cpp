@@ -1,5 +1,6 @@
 #include "terminal/command_runner.h"
 
+#include "map/module_access.h"
 #include "terminal/address_rule.h"
 
 #include <type_traits>
@@ -35,6 +36,7 @@ std::int16_t CommandRunner::CheckSumEnable() const {
 
 void CommandRunner::Send(const std::string& command, const SendSettings& settings) {
     Tell(events_.Log, command);
+    OpenPort(session_.Line);
     session_.Line.Exchange(command, settings.Checksum, events_.BaudCode.value_or(settings.BaudCode),
                            session_.Line.LongReplyTimeout);
     Tell(events_.Show, command, session_.Line.ReplyText);

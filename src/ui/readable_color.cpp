@@ -32,12 +32,11 @@ double ContrastRatio(const QColor& first, const QColor& second) {
 }
 
 QColor Readable(const QColor& color, const QColor& background) {
-    const bool blackReadsBetter =
-        ContrastRatio(Qt::black, background) >= ContrastRatio(Qt::white, background);
-    const QColor end = blackReadsBetter ? Qt::black : Qt::white;
+    if (ContrastRatio(Qt::black, background) >= ContrastRatio(Qt::white, background))
+        return color;
     QColor readable = color;
     for (int step = 1; step <= MixSteps && ContrastRatio(readable, background) < EasyToRead; ++step)
-        readable = Mixed(color, end, static_cast<float>(step) / MixSteps);
+        readable = Mixed(color, Qt::white, static_cast<float>(step) / MixSteps);
     return readable;
 }
 

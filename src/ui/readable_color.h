@@ -7,7 +7,7 @@ namespace kavro {
 /// How far apart two colours are in lightness, 1 (the same) to 21 (black and white).
 double ContrastRatio(const QColor& first, const QColor& second);
 
-/// `color`, made darker on a light background and lighter on a dark one only as far as text in it needs to be
+/// `color` as it is on a light background; on a dark one made lighter, only as far as text in it needs to be
 /// easy to read there.
 QColor Readable(const QColor& color, const QColor& background);
 

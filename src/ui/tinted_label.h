@@ -5,8 +5,8 @@
 
 namespace kavro {
 
-/// A label with plain text in a colour of its own, which stays readable whatever theme the desktop changes
-/// to.
+/// A label with plain text in a colour of its own, which stays readable where the desktop changes to a dark
+/// theme.
 class TintedLabel : public QLabel {
 public:
     explicit TintedLabel(const QString& text = {});

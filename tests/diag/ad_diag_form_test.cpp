@@ -1,5 +1,7 @@
 #include "diag/ad_diag_form.h"
 #include "diag/panel_on_line.h"
+#include "sim/analog_input_module.h"
+#include "ui/readable_color.h"
 
 namespace kavro {
 namespace {
@@ -23,9 +25,13 @@ TEST(AdDiagForm, ReadsWhatIsEnabled) {
         const QString number = "_" + QString::number(channel);
         EXPECT_EQ(Shown(form, "Reading" + number), readings[channel]);
         EXPECT_EQ(Shown(form, "FormatText" + number), channel == 2 || channel == 5 ? "" : "V   ");
-        const QColor color = ColorOf(form, "Reading" + number);
-        EXPECT_EQ(color.red() > 2 * color.blue(), channel != 2 && channel != 5);
+        const bool enabled = channel != 2 && channel != 5;
+        EXPECT_EQ(ColorOf(form, "Reading" + number), enabled ? QColor(255, 0, 0) : QColor(128, 128, 128));
     }
+    const QColor dark(45, 45, 48);
+    form.setPalette(dark);
+    for (const char* label : {"Reading_0", "Reading_2"})
+        EXPECT_GE(ContrastRatio(ColorOf(form, label), dark), 4.5) << label;
 }
 
 TEST(AdDiagForm, RowsOfEachModel) {
@@ -42,7 +48,7 @@ TEST(AdDiagForm, RowsOfEachModel) {
         EXPECT_EQ(Find<QLabel>(form, "OpenStatus").isVisibleTo(&form), rows == 8);
         for (int row = 1; row < 8; ++row) {
             const QString number = "_" + QString::number(row);
-            EXPECT_EQ(ColorOf(form, "Label3" + number) == ColorOf(form, "Label3_0"), row < rows);
+            EXPECT_EQ(ColorOf(form, "Label3" + number) == QColor(128, 128, 128), row >= rows);
             EXPECT_EQ(Shown(form, "Reading" + number).isEmpty(), row >= rows);
         }
     }
@@ -65,6 +71,25 @@ TEST(AdDiagForm, Faults) {
     Tick(late);
     EXPECT_EQ(Shown(late, "Reading_7"), "Disabled");
     EXPECT_EQ(test.Messages.Shown, ShownMessages{});
+}
+
+TEST(AdDiagForm, OpenedWhileTheLineIsAway) {
+    SimulatedPanel test({.Model = "8250  ", .InputRange = 8});
+    static_cast<AnalogInputModule&>(test.Module).EnabledMask = 0xFE;
+    test.Line.Unplug();
+    AdDiagForm form(test.Session, test.Messages);
+    EXPECT_EQ(Shown(form, "Reading_0") + Shown(form, "Reading_1") + Shown(form, "Rev"), "--");
+    ASSERT_EQ(test.Messages.Shown.size(), 1U);
+    EXPECT_EQ(test.Messages.Shown[0].first, "The simulated line is unplugged. Plug it in again. This window "
+                                            "goes on by itself when the port is back.");
+    test.Line.Plug();
+    test.Time.Sleep(1000);
+    Tick(form);
+    EXPECT_EQ(Shown(form, "Reading_0") + Shown(form, "FormatText_1"), "DisabledV   ");
+    EXPECT_NE(Shown(form, "Rev"), "");
+    test.Sent.clear();
+    Tick(form);
+    EXPECT_EQ(test.Sent.front(), "#011") << "nothing is made up for twice";
 }
 
 } // namespace

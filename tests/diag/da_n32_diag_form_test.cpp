@@ -5,7 +5,9 @@
 #include "diag/panel_on_line.h"
 #include "link/text.h"
 
+#include <QMouseEvent>
 #include <QScrollBar>
+#include <QWheelEvent>
 
 namespace kavro {
 namespace {
@@ -87,6 +89,42 @@ TEST(N32DiagForm, DrivesPortsAndShowsInputs) {
             const auto& lamp = dynamic_cast<Lamp&>(Find<QWidget>(form, QString("InputBit_%1").arg(bit)));
             EXPECT_EQ(lamp.Shown(), bit % 2 == 0 ? LampPicture::Bit1 : LampPicture::Bit0) << reply << bit;
         }
+    }
+}
+
+// A stray key or a wheel that only passes must not drive a machine.
+TEST(OutputBar, TheWheelMovesItOnlyAfterAClick) {
+    SimulatedPanel test({.Model = "8320  "});
+    N32DiagForm form(test.Session, test.Messages);
+    form.show();
+    form.activateWindow();
+    QApplication::processEvents();
+    StopTimer(form);
+    EXPECT_EQ(form.focusWidget(), &Find<QWidget>(form, "ExitBtn"));
+    auto& bar = Find<QScrollBar>(form, "DaScroll_0");
+    const auto click = [](QWidget& control) {
+        QMouseEvent press(QEvent::MouseButtonPress, QPointF(50, 5), QPointF(), Qt::LeftButton, Qt::LeftButton,
+                          {});
+        control.setFocus(Qt::MouseFocusReason);
+        QApplication::sendEvent(&control, &press);
+    };
+    const auto turn = [](QWidget& control) {
+        QWheelEvent wheel({50, 5}, {}, {}, {0, 120}, {}, {}, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&control, &wheel);
+    };
+    const struct {
+        const char* Before;
+        std::function<void()> Act;
+        bool Moves;
+    } cases[] = {{"hovered", [] {}, false},
+                 {"reached by Tab", [&] { bar.setFocus(Qt::TabFocusReason); }, false},
+                 {"clicked", [&] { click(bar); }, true},
+                 {"another one clicked", [&] { click(Find<QWidget>(form, "DaScroll_1")); }, false}};
+    for (const auto& [before, act, moves] : cases) {
+        act();
+        const int value = bar.value();
+        turn(bar);
+        EXPECT_EQ(bar.value() != value, moves) << before;
     }
 }
 

@@ -7,6 +7,7 @@
 
 #include <QFileDialog>
 #include <QImage>
+#include <QSplitter>
 #include <QTableWidget>
 
 #include <csignal>
@@ -26,7 +27,7 @@ protected:
         EnableBaudCodes(Session, {3});
         Session.SearchHighAddress = 7;
         NetworkSearch(Session, {}).Run();
-        Form = std::make_unique<MonitorForm>(Session, Messages, nullptr, [] { return WallTime{0, 120}; });
+        Form = std::make_unique<MonitorForm>(Session, Messages, nullptr, [this] { return Now; });
         Form->show();
         StopTimer(*Form);
     }
@@ -56,6 +57,7 @@ protected:
         EXPECT_TRUE(driver.Finished());
     }
 
+    WallTime Now = {0, 120};
     std::unique_ptr<MonitorForm> Form;
 };
 
@@ -91,12 +93,42 @@ TEST_F(MonitorFormTest, SpaceTicksAValueForTheTrend) {
         EXPECT_EQ(trend.accessibleDescription(), names);
     }
     const TestFolder folder;
-    ChooseFile("PictureBtn", folder.Path("trend.png"));
-    EXPECT_EQ(QImage(QString::fromStdString(folder.Path("trend.png"))).size(), trend.size() * 2);
+    const auto picture = [&](std::int64_t unixMs) {
+        Now.UnixMs = unixMs;
+        ChooseFile("PictureBtn", folder.Path("trend.png"));
+        return QImage(QString::fromStdString(folder.Path("trend.png")));
+    };
+    const QImage first = picture(0);
+    EXPECT_EQ(first.size(), trend.size() * 2);
+    EXPECT_EQ(first, picture(0));
+    EXPECT_NE(first, picture(86'400'000)) << "another day, the same time";
     ASSERT_EQ(mkfifo(folder.Path("pipe.png").c_str(), 0600), 0);
     ChooseFile("PictureBtn", folder.Path("pipe.png"));
     EXPECT_EQ(Messages.Shown.size(), 1U);
     EXPECT_TRUE(std::filesystem::is_fifo(folder.Path("pipe.png"))) << "only a file is replaced";
+}
+
+TEST_F(MonitorFormTest, WithoutATickTheValuesHaveTheRoom) {
+    Turns(7);
+    auto& grid = Find<QTableWidget>(*Form, "MonitorGrid");
+    auto& splitter = Find<QSplitter>(*Form, "Splitter");
+    const auto tick = [&](bool on) {
+        grid.item(0, Value0)->setCheckState(on ? Qt::Checked : Qt::Unchecked);
+        EXPECT_EQ(Find<QWidget>(*Form, "TrendView").isVisible(), on);
+        EXPECT_EQ(Find<QLabel>(*Form, "TrendHint").isVisible(), !on);
+        EXPECT_EQ(Find<QWidget>(*Form, "PictureBtn").isEnabled(), on);
+    };
+    const QSize size = Form->size();
+    EXPECT_EQ(grid.width(), splitter.width());
+    tick(true);
+    EXPECT_LT(grid.width(), splitter.width() * 3 / 4);
+    splitter.setSizes({300, splitter.width() - 300}); // as the user does
+    const int chosen = grid.width();
+    tick(false);
+    EXPECT_EQ(grid.width(), splitter.width());
+    tick(true);
+    EXPECT_EQ(grid.width(), chosen);
+    EXPECT_EQ(Form->size(), size);
 }
 
 // As on a disk that is full, no file gets longer than that.

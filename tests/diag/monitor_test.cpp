@@ -1,6 +1,7 @@
 #include "diag/axis_ticks.h"
 #include "diag/csv_log.h"
 #include "diag/monitor.h"
+#include "diag/time_marks.h"
 #include "sim/module_factory.h"
 #include "support/failure_text.h"
 #include "support/test_session.h"
@@ -109,6 +110,28 @@ TEST(CsvLog, ExactBytes) {
         EXPECT_TRUE(Contains(FailureText([&] { log.Open(path); }), failure));
         EXPECT_FALSE(log.IsOpen());
     }
+}
+
+TEST(TimeMarks, RoundMinutesWithTheDateWhereADayBegins) {
+    const auto written = [](const std::vector<TimeMark>& marks) {
+        std::string text;
+        for (const TimeMark& mark : marks)
+            text += std::to_string(mark.AgeMs / 1000) + "=" + mark.Text + (mark.Date.empty() ? "" : " ") +
+                    mark.Date + "; ";
+        return text;
+    };
+    EXPECT_EQ(written(MarksBeforeNow(600'000, 5)), "600=-10 min; 300=-5 min; 0=now; ");
+    const struct {
+        int Step;
+        WallTime Now;
+        const char* Marks;
+    } cases[] = {{5, {300'000, 0}, "600=23:55 1969-12-31; 300=00:00 1970-01-01; 0=00:05; "},
+                 {5, {299'000, 60}, "599=00:55 1970-01-01; 299=01:00; "},
+                 {2,
+                  {951'782'405'000, -571}, // 14:29:05
+                  "545=14:20 2000-02-28; 425=14:22; 305=14:24; 185=14:26; 65=14:28; "}};
+    for (const auto& [step, now, marks] : cases)
+        EXPECT_EQ(written(ClockMarks(600'000, step, now)), marks);
 }
 
 TEST(AxisTicks, RoundStepsThatCoverTheValues) {

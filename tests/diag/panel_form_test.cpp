@@ -59,6 +59,8 @@ TEST(PanelForm, AnOutageDrivesNothing) {
         test.Line.Plug();
         test.Time.Sleep(1000);
         form.Timer1_Timer();
+        while (form.Busy())
+            QApplication::processEvents();
         EXPECT_TRUE(bar.isEnabled());
         EXPECT_FALSE(Find<QTimer>(form, "Timer1").isActive());
         bar.setValue(position);
@@ -68,7 +70,8 @@ TEST(PanelForm, AnOutageDrivesNothing) {
         QApplication::processEvents();
         EXPECT_EQ(Shown(form, "DA_data"), position == 8 ? "0.005" : "0.010") << "back to what was sent";
     }
-    EXPECT_EQ(test.Sent, (Lines{"#0100.000", "#0100.005", "#0100.010"})) << "the start is made up for";
+    EXPECT_EQ(test.Sent, (Lines{"$01F", "#0100.000", "#0100.005", "#0100.010"}))
+        << "the start is made up for";
 }
 
 TEST(PanelForm, EventsRunBetweenTransactions) {

@@ -121,6 +121,18 @@ TEST_F(KavroFormTest, LostPortEndsTheSearchWithOneMessage) {
     EXPECT_EQ(Session.ModuleCount, 3);
     ExpectListIsShown();
     EXPECT_TRUE(Find<QLabel>(*Form, "PortStatus").text().endsWith("(closed)"));
+
+    const auto acceptOnly = [](QDialog& dialog) { Click(dialog, "OKBtn"); };
+    DialogDriver driver({{"SearchForm", acceptOnly}});
+    Trigger(*Form, "mnuSearch");
+    EXPECT_TRUE(driver.Finished());
+    EXPECT_EQ(Messages.Shown.back().first, "The simulated line is unplugged. Plug it in again.");
+    EXPECT_EQ(Session.ModuleCount, 3) << "what is known stays";
+    Line.Plug();
+    Search("3");
+    EXPECT_EQ(Messages.Shown.size(), 2U) << "the port opens by itself";
+    EXPECT_FALSE(Find<QLabel>(*Form, "PortStatus").text().endsWith("(closed)"));
+    ExpectListIsShown();
 }
 
 TEST_F(KavroFormTest, ExitQuestionDecides) {

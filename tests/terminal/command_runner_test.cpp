@@ -161,9 +161,8 @@ TEST(BatchControl, GoesOnAfterALostPort) {
     console.Control.Step();
     console.Test.Port().OutputsUntilFailure = 0;
     EXPECT_NE(FailureText([&] { console.Control.Step(); }), "");
-    console.Test.Port().PortOpen(true);
     console.Test.Port().OutputsUntilFailure = 2;
-    console.Control.Step(); // the line that could not be sent
+    console.Control.Step(); // the line that could not be sent; the port opens by itself
     EXPECT_EQ(console.Shown.back().first, "$022");
     EXPECT_NE(FailureText([&] { console.Control.Run(); }), "");
     EXPECT_EQ(console.Control.Buttons(), Stepped); // from the top again

@@ -140,6 +140,7 @@ TEST(TerminalForm, TellsWhatCannotBeSent) {
     EXPECT_TRUE(terminal.Test.Log.empty());
     EXPECT_EQ(terminal.Told(), 2u);
     EXPECT_EQ(WireText("\r\n$012\u2028"), "$012");
+    terminal.Test.Port().FailOpen = true;
     terminal.Test.Port().PortOpen(false);
     terminal.Enter("$032");
     EXPECT_EQ(terminal.Told(), 3u);
