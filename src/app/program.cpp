@@ -15,7 +15,8 @@ namespace kavro {
 namespace {
 
 constexpr std::int16_t DemoPort = 1;
-constexpr const char* ClosedPortAdvice = "Open the port again under Network > ComPort.";
+constexpr const char* ClosedPortAdvice =
+    "The next operation tries to open it again; Network > ComPort chooses another port.";
 
 // Second character of 1.2 as the user's locale writes it.
 std::string LocaleDecimalSeparator() {

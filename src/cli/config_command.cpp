@@ -8,6 +8,7 @@
 #include "map/identify.h"
 #include "map/list_line.h"
 #include "map/module_access.h"
+#include "map/module_command.h"
 
 #include <QCommandLineParser>
 #include <QJsonDocument>
@@ -26,6 +27,10 @@ public:
     void Show(const std::string& text, const std::string& /*title*/) override { PrintNote(text); }
 };
 
+bool SameSettings(const NamedConfig& left, const NamedConfig& right) {
+    return std::ranges::equal(left.Settings, right.Settings, SameValue);
+}
+
 // Nothing, with the reason told, when not every setting could be read.
 std::optional<NamedConfig> ReadConfig(Session& session, const Contact& contact) {
     const std::string place = "address " + ShownAddress(contact.Address);
@@ -41,6 +46,60 @@ std::optional<NamedConfig> ReadConfig(Session& session, const Contact& contact) 
         return std::nullopt;
     }
     return config;
+}
+
+// The settings as the module tells them twice, one digit of a reply may be wrong and still make sense.
+std::optional<NamedConfig> ReadConfigTwice(Session& session, const Contact& contact) {
+    auto before = ReadConfig(session, contact);
+    for (int tries = 0; tries < 2 && before; ++tries) {
+        const ModuleRecord record = session.ModuleTable[0];
+        auto config = ReadConfig(session, contact);
+        if (!config || (session.ModuleTable[0] == record && SameSettings(*before, *config)))
+            return config;
+        before = std::move(config);
+    }
+    if (before)
+        PrintNote("The module at address " + ShownAddress(contact.Address) +
+                  " tells its settings differently each time. Nothing was written; check the wiring, then try "
+                  "again.");
+    return std::nullopt;
+}
+
+ConfigOutcome Write(Session& session, const NamedConfig& config) {
+    const CarefulTransactions careful(session.Line);
+    NotedMessages messages;
+    return config.Apply(messages);
+}
+
+// The settings of the module that was written, wherever it answers now.
+std::optional<NamedConfig> ReadBack(Session& session, std::int16_t wantedAddress) {
+    const ModuleRecord record = session.ModuleTable[0];
+    if (session.ScanIndex == 0)
+        return ReadConfig(session, {0, {{0, ModuleBaudCode(session, 0)}}});
+    const SendSettings way = {record.Checksum, record.BaudCode};
+    auto config = ReadConfig(session, {record.Address, {way}});
+    return config || wantedAddress == record.Address ? std::move(config)
+                                                     : ReadConfig(session, {wantedAddress, {way}});
+}
+
+// Whether the module has the settings that it was to get; tells those that it has not.
+bool HasTaken(Session& session, const NamedConfig& wanted) {
+    const auto address = std::ranges::find(wanted.Settings, "address", &NamedSetting::Name)->Value().toInt();
+    const auto present = ReadBack(session, static_cast<std::int16_t>(address));
+    if (!present) {
+        PrintNote("What was written could not be read back.");
+        return false;
+    }
+    bool taken = true;
+    for (std::size_t i = 0; i < wanted.Settings.size(); ++i) {
+        const NamedSetting& setting = wanted.Settings[i];
+        if (SameValue(setting, present->Settings[i]))
+            continue;
+        taken = false;
+        PrintNote("The " + setting.Name + " did not take: " + SettingText(setting) + " is wanted, the module has " +
+                  SettingText(present->Settings[i]) + ".");
+    }
+    return taken;
 }
 
 std::string ConfigText(const NamedConfig& config) {
@@ -131,7 +190,7 @@ int ShowConfig(Session& session, const Contact& contact, bool json) {
 
 int SetConfig(Session& session, const Contact& contact, const std::vector<Assignment>& changes, bool force) {
     const auto known = KnownModules(session);
-    auto config = ReadConfig(session, contact);
+    auto config = ReadConfigTwice(session, contact);
     if (!config)
         return ExitNotAccepted;
     std::vector<std::string> changed;
@@ -145,15 +204,11 @@ int SetConfig(Session& session, const Contact& contact, const std::vector<Assign
         PrintNote(doubt + " Nothing was written; give --force to write it all the same.");
         return ExitWrongUse;
     }
-    NotedMessages messages;
-    switch (config->Apply(messages)) {
-    case ConfigOutcome::Complete:
-        return ExitSuccess;
-    case ConfigOutcome::Refused:
+    const ConfigOutcome outcome = Write(session, *config);
+    if (outcome == ConfigOutcome::Refused)
         return ExitWrongUse;
-    default:
-        return ExitNotAccepted;
-    }
+    const bool taken = changed.empty() || HasTaken(session, *config);
+    return outcome == ConfigOutcome::Complete && taken ? ExitSuccess : ExitNotAccepted;
 }
 
 void AddConfigOptions(QCommandLineParser& parser) {

@@ -5,6 +5,7 @@
 #include "link/text.h"
 #include "map/list_line.h"
 #include "map/module_access.h"
+#include "map/module_command.h"
 
 #include <algorithm>
 
@@ -27,6 +28,7 @@ bool Initialising(const Line& line, std::int16_t address) {
 
 // Whether anything at all comes back from an address, be it garbled.
 bool Answers(Line& line, std::int16_t address, std::int16_t baudCode) {
+    const CarefulTransactions careful(line);
     for (const std::int16_t checksum : {std::int16_t{0}, std::int16_t{1}}) {
         line.Exchange("$" + ToHex(address, 2) + "2", checksum, baudCode, line.ReplyTimeout);
         if (!line.ReplyText.empty())

@@ -3,6 +3,7 @@
 #include "diag/analog_input_panel.h"
 #include "diag/reading_rows_form.h"
 #include "link/codes.h"
+#include "link/text.h"
 #include "ui/named.h"
 #include "ui/tinted_label.h"
 
@@ -75,6 +76,9 @@ void AdDiagForm::ShowOpenStatus() {
         return;
     openStatus_->SetTint({});
     openStatus_->setText(QString::fromStdString(*status));
+    const auto open = status->size() == 2 ? HexNumber(*status) : std::nullopt;
+    for (int channel = 0; open && channel < channelCount_; ++channel)
+        readings_->ShowOpen(channel, Enabled(channel) && (*open >> channel & 1U) != 0);
 }
 
 void AdDiagForm::ShowStale(bool stale) {

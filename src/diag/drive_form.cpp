@@ -36,6 +36,10 @@ void DriveForm::FinishDrive() {
     Timer1_Timer();
 }
 
+std::string DriveForm::Revision() {
+    return AskModule(Session(), Index(), '$', "F").Data;
+}
+
 void DriveForm::Drive(const QString& what, const std::function<Answer()>& command) {
     const QString failed = WarningSign + what + " failed: ";
     ShowState(*commandState_, failed + "the port has failed."); // and so it stays, unless the command ends
@@ -46,12 +50,16 @@ void DriveForm::Drive(const QString& what, const std::function<Answer()>& comman
     });
 }
 
+// A module that did not answer is left in peace until no late reply is to be expected any more, without
+// holding the window.
 void DriveForm::Tick() {
+    if (!LineLost() && !Session().Line.FallenSilent())
+        return;
     failure_ = Answer::Ok;
     ReadFrom(0);
 }
 
-// A module that is silent costs one time-out a tick: nothing more is asked then.
+// A module without a complete reply costs one time-out a tick: nothing more is asked then.
 void DriveForm::ReadFrom(std::size_t place) {
     const Answer answer = reads_[place].Read();
     reads_[place].Show(answer != Answer::Ok);
@@ -63,9 +71,10 @@ void DriveForm::ReadFrom(std::size_t place) {
     if (known)
         reads_.erase(reads_.begin() + static_cast<std::ptrdiff_t>(place));
     const std::size_t next = known ? place : place + 1;
-    if (answer == Answer::NoReply)
+    const bool ends = !Session().Line.FallenSilent();
+    if (ends)
         ShowFrom(next, true);
-    if (answer == Answer::NoReply || next == reads_.size())
+    if (ends || next == reads_.size())
         return ShowPoll();
     Then([this, next] { ReadFrom(next); });
 }

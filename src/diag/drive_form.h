@@ -38,6 +38,7 @@ protected:
     void Drive(const QString& what, const std::function<Answer()>& command);
 
     void Tick() override;
+    std::string Revision() override;
     void ShowStale(bool stale) override;
 
     /// A label for a value that the module reports; "-" until it does.

@@ -59,7 +59,11 @@ MonitorForm::MonitorForm(kavro::Session& session, kavro::Messages& messages, QWi
     Rows().addLayout(BuildButtons());
     ShowLogState();
     outage_ = new QTimer(this);
-    connect(outage_, &QTimer::timeout, this, [this] { ShowAges(); });
+    connect(outage_, &QTimer::timeout, this, [this] {
+        ShowAges();
+        if (const auto turn = monitor_.LostTurn())
+            Log(*turn);
+    });
     Finish();
     // Room that the window gets goes to the values, not below them.
     static_cast<QVBoxLayout*>(layout())->setStretchFactor(&Rows(), RowsStretch);
@@ -101,8 +105,10 @@ QLayout* MonitorForm::BuildButtons() {
     return row;
 }
 
-// A transaction of the turn, then the next one.
+// A question of the turn, then the next one. After a silent module the line may need longer than a turn.
 void MonitorForm::Tick() {
+    if (!LineLost() && !Session().Line.FallenSilent())
+        return;
     const auto turn = monitor_.Step();
     if (monitor_.InTurn())
         Then([this] { Tick(); });

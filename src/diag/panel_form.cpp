@@ -32,6 +32,17 @@ void AddHeadRow(QFormLayout& rows, const char* captionName, const char* caption,
     rows.addRow(PlainLabel(caption, captionName), value);
 }
 
+// " (2 no reply, 1 refused)"; nothing without failures that have a kind.
+QString KindsText(const LineStatistics& statistics) {
+    QStringList kinds;
+    for (const auto& [count, kind] : {std::pair{statistics.Silent, "no reply"},
+                                      {statistics.Damaged, "damaged"},
+                                      {statistics.Refused, "refused"}})
+        if (count > 0)
+            kinds << QString("%1 %2").arg(count).arg(kind);
+    return kinds.isEmpty() ? QString() : " (" + kinds.join(", ") + ")";
+}
+
 } // namespace
 
 PanelForm::PanelForm(const char* name, const char* title, kavro::Session& session, kavro::Messages& messages,
@@ -75,9 +86,14 @@ void PanelForm::ReadRevision() {
 }
 
 void PanelForm::AskRevision() {
-    Ask("$" + AddressText(session_, Index()) + "F"); // whatever came is shown, complete or not
+    const std::string revision = Revision();
     revisionDue_ = false;
-    rev_->setText(QString::fromStdString(Middle(session_.Line.ReplyText, 4)));
+    rev_->setText(QString::fromStdString(revision));
+}
+
+std::string PanelForm::Revision() {
+    Ask("$" + AddressText(session_, Index()) + "F"); // whatever came is shown, complete or not
+    return Middle(session_.Line.ReplyText, 4);
 }
 
 void PanelForm::Finish() {
@@ -200,9 +216,10 @@ void PanelForm::ShowLost(bool lost) {
 
 void PanelForm::ShowStatistics() {
     const LineStatistics& statistics = session_.Line.Statistics;
-    statistics_->setText(QString("Transactions: %1   Failures: %2   Reply time: %3 ms, mean %4 ms")
+    statistics_->setText(QString("Transactions: %1   Failures: %2%3   Reply time: %4 ms, mean %5 ms")
                              .arg(statistics.Transactions)
                              .arg(statistics.Failures())
+                             .arg(KindsText(statistics))
                              .arg(statistics.LastMs(), 0, 'f', 1)
                              .arg(statistics.MeanMs(), 0, 'f', 1));
 }

@@ -55,6 +55,8 @@ protected:
 
     kavro::Session& Session() const { return session_; }
     kavro::Messages& Messages() const { return messages_; }
+    /// Whether an outage of the port goes on.
+    bool LineLost() const { return recovery_.Lost(); }
     int Index() const { return session_.SelectedModule; }
     const ModuleRecord& Record() const { return session_.ModuleTable[Index()]; }
     /// One transaction with the module; true when the reply, now in the line's `ReplyText`, is complete.
@@ -62,6 +64,8 @@ protected:
 
     /// Adds `ModuleName`, `Addr` and `Rev`, which stays empty until `ReadRevision`.
     void AddHead();
+    /// The firmware revision, asked for now.
+    virtual std::string Revision();
     /// Reads the firmware revision ("$AAF"), or, while the port is lost, as soon as it is back. What is too
     /// short to hold one is shown as nothing.
     void ReadRevision();

@@ -5,6 +5,7 @@
 #include "ui/tinted_label.h"
 
 #include <QGridLayout>
+#include <QLabel>
 
 namespace kavro {
 
@@ -15,6 +16,7 @@ constexpr QRgb Grey = 0x808080;
 constexpr int RowSpacing = 6;
 constexpr const char* WidestReading = "-000000.0000";
 constexpr const char* WidestUnit = "ohms (stale)";
+constexpr const char* OpenText = "open";
 
 } // namespace
 
@@ -38,7 +40,10 @@ ReadingRows::ReadingRows(const QString& title, const QStringList& captions) : QG
         grid->addWidget(label, row, 0);
         grid->addWidget(reading, row, 1);
         grid->addWidget(unit, row, 2);
-        rows_.push_back({label, reading, unit, false});
+        auto* open = Named(new QLabel, "OpenMark" + number, {});
+        open->setMinimumWidth(open->fontMetrics().horizontalAdvance(OpenText));
+        grid->addWidget(open, row, 3);
+        rows_.push_back({label, reading, unit, open, false});
     }
 }
 
@@ -51,6 +56,10 @@ void ReadingRows::ShowReading(int row, const std::string& text, const std::strin
     At(row).Reading->setText(QString::fromStdString(text));
     At(row).Unit->SetTint({});
     At(row).Unit->setText(QString::fromStdString(unit));
+}
+
+void ReadingRows::ShowOpen(int row, bool open) {
+    At(row).Open->setText(open ? OpenText : "");
 }
 
 void ReadingRows::ShowUnread(int row) {

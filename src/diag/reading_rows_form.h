@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+class QLabel;
+
 namespace kavro {
 
 class TintedLabel;
@@ -15,7 +17,7 @@ inline constexpr const char* StaleMark = " (stale)";
 inline constexpr QRgb StaleTint = 0x808080;
 
 /// Rows of a channel's caption, reading and unit: `Label3`, `Reading` and `FormatText`, each with its row
-/// behind the name.
+/// behind the name, and `OpenMark`, which is empty or says that the sensor is open.
 class ReadingRows : public QGroupBox {
 public:
     /// `captions`: one row each.
@@ -25,6 +27,8 @@ public:
     void BeginReading(int row);
     /// Shows a reading and its unit.
     void ShowReading(int row, const std::string& text, const std::string& unit);
+    /// Says beside a reading whether the module finds the channel's sensor open.
+    void ShowOpen(int row, bool open);
     /// Shows that nothing is known of a channel yet.
     void ShowUnread(int row);
     /// Shows that a channel is switched off in the module.
@@ -39,6 +43,7 @@ private:
         TintedLabel* Caption;
         TintedLabel* Reading;
         TintedLabel* Unit;
+        QLabel* Open;
         bool Live;
     };
 

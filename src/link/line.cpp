@@ -173,6 +173,11 @@ void Line::Pause(int milliseconds) {
 bool Line::Exchange(const std::string& command, std::int16_t checksumOn, std::int16_t baudCode,
                     int timeoutMs) {
     CommandText = command;
+    if (Awaiting && !AwaitSilence()) {
+        ReplyText.clear();
+        ReplyStatus = 0;
+        return false;
+    }
     const std::int64_t incomplete = IncompleteCount++; // until the reply is there, also when something throws
     SendCommand(CommandText, checksumOn, baudCode);
     ++Statistics.Transactions;

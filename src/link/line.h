@@ -68,6 +68,7 @@ public:
     bool Bounded = false; ///< a transaction ends 3 s after its command at the latest (or after its time-out,
                           ///< where that is longer), and a reply without end, or with a checksum that
                           ///< overflows, is an incomplete one in place of a failure
+    bool Awaiting = false; ///< `Exchange` begins with `AwaitSilence`, and sends nothing when that fails
     std::function<bool()> Interrupted; ///< asked every tenth of a second in all waiting; when true, the wait
                                        ///< ends by throwing `Interruption`. May be empty
     bool Echo = false;                 ///< the adapter hands back every character sent; found by itself

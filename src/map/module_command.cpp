@@ -80,7 +80,7 @@ ReplyMeasure MeasureOf(const Session& session, int index) {
 }
 
 ModuleReply AskModule(Session& session, int index, char lead, const std::string& tail) {
-    const BoundedTransactions bounded(session.Line);
+    const CarefulTransactions careful(session.Line);
     const std::string_view form = ReplyFormOf(session.ModuleTable[index].Model, lead, tail);
     const std::string command = Command(session, index, lead, tail);
     ModuleReply reply;
@@ -107,7 +107,7 @@ ModuleReply AskModuleTwice(Session& session, int index, char lead, const std::st
 }
 
 Answer TellModule(Session& session, int index, char lead, const std::string& tail) {
-    const BoundedTransactions bounded(session.Line);
+    const CarefulTransactions careful(session.Line);
     return Exchange(session, index, Command(session, index, lead, tail),
                     ReplyFormOf(session.ModuleTable[index].Model, lead, tail))
         .Answer;

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <string>
+#include <utility>
 
 namespace kavro {
 
@@ -47,17 +48,22 @@ ModuleReply AskModuleTwice(Session& session, int index, char lead, const std::st
 /// The same for a command that changes something, which is sent once.
 Answer TellModule(Session& session, int index, char lead, const std::string& tail);
 
-/// Lets every transaction of the line end 3 s after its command, as long as it lives.
-class BoundedTransactions {
+/// As long as it lives, every transaction of the line ends 3 s after its command, and waits before it until
+/// no late reply to an earlier one is to be expected.
+class CarefulTransactions {
 public:
-    explicit BoundedTransactions(Line& line) : line_(line), before_(line.Bounded) { line.Bounded = true; }
-    ~BoundedTransactions() { line_.Bounded = before_; }
-    BoundedTransactions(const BoundedTransactions&) = delete;
-    BoundedTransactions& operator=(const BoundedTransactions&) = delete;
+    explicit CarefulTransactions(Line& line)
+        : line_(line), bounded_(std::exchange(line.Bounded, true)), awaiting_(std::exchange(line.Awaiting, true)) {}
+    ~CarefulTransactions() {
+        line_.Bounded = bounded_;
+        line_.Awaiting = awaiting_;
+    }
+    CarefulTransactions(const CarefulTransactions&) = delete;
+    CarefulTransactions& operator=(const CarefulTransactions&) = delete;
 
 private:
     Line& line_;
-    bool before_;
+    bool bounded_, awaiting_;
 };
 
 } // namespace kavro

@@ -66,7 +66,7 @@ void DevicePort::ThrowIfLost() {
 void DevicePort::RequireOpen() {
     ThrowIfLost();
     if (!port_.isOpen())
-        throw RuntimeFailure("The port is not open. Choose a port under Network > ComPort.");
+        throw RuntimeFailure("The port is not open.");
 }
 
 void DevicePort::PortOpen(bool open) {

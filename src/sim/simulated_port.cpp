@@ -79,7 +79,7 @@ bool SimulatedPort::WaitForInput(int milliseconds) {
 
 void SimulatedPort::RequireOpen() {
     if (!open_)
-        throw RuntimeFailure("The port is not open. Choose a port under Network > ComPort.");
+        throw RuntimeFailure("The port is not open.");
     if (line_.Plugged() && line_.UnplugCount() == unplugCount_)
         return;
     open_ = false; // told once: from now on the port is simply not open
