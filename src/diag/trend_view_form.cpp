@@ -237,7 +237,7 @@ void TrendView::PaintTimes(QPainter& painter, const Pane& pane, const std::vecto
             const QString text = QString::fromStdString(line);
             const double width = metrics.horizontalAdvance(text);
             const double x = PlaceOf(pane.Plot, time.AgeMs) - width / 2;
-            painter.drawText(QPointF(std::min(x, this->width() - width - 2), y), text);
+            painter.drawText(QPointF(std::max(std::min(x, this->width() - width - 2), 2.0), y), text);
             y += metrics.height();
         }
     }
