@@ -19,6 +19,7 @@ constexpr char CarriageReturn = '\r';
 constexpr std::size_t LongestReply = 1024; // far beyond any module's: only a line that babbles gets there
 constexpr int LongestBoundedMs = 3000;
 constexpr int NapMs = 100;                 // between two looks at `Interrupted`
+constexpr int InterruptionGraceMs = 300; // in which the work at hand may still come to its own end
 constexpr std::size_t LongestSummed = 128; // the codes of more characters can exceed the checksum
 constexpr int ShortestSilenceMs = 400;     // by then replies that were late have come
 constexpr int LongestSilenceMs = 1000;
@@ -156,10 +157,13 @@ void Line::NoteEcho(bool echo) {
 }
 
 // How long to wait at most without a look at `Interrupted`, which is asked now.
-int Line::Nap(std::int64_t milliseconds) const {
+int Line::Nap(std::int64_t milliseconds) {
     if (!Interrupted)
         return static_cast<int>(milliseconds);
-    if (Interrupted())
+    const std::int64_t now = clock_.GetTickCount();
+    if (!Interrupted())
+        interruptedAt_ = now;
+    else if (now - interruptedAt_ >= InterruptionGraceMs)
         throw Interruption();
     return static_cast<int>(std::min<std::int64_t>(milliseconds, NapMs));
 }

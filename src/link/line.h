@@ -69,8 +69,8 @@ public:
                           ///< where that is longer), and a reply without end, or with a checksum that
                           ///< overflows, is an incomplete one in place of a failure
     bool Awaiting = false; ///< `Exchange` begins with `AwaitSilence`, and sends nothing when that fails
-    std::function<bool()> Interrupted; ///< asked every tenth of a second in all waiting; when true, the wait
-                                       ///< ends by throwing `Interruption`. May be empty
+    std::function<bool()> Interrupted; ///< asked every tenth of a second in all waiting; when it has been true for
+                                       ///< 0.3 s, the wait ends by throwing `Interruption`. May be empty
     bool Echo = false;                 ///< the adapter hands back every character sent; found by itself
     std::function<void()> EchoFound = [] {}; ///< called when `Echo` becomes true
     std::int64_t IncompleteCount = 0;        ///< transactions without a complete reply, since the start
@@ -123,7 +123,7 @@ private:
     std::optional<char> NextCharacter(int timeoutMs);
     bool TakeChecksum(std::string& reply) const;
     bool Ended(std::int64_t now, int timeoutMs) const;
-    int Nap(std::int64_t milliseconds) const;
+    int Nap(std::int64_t milliseconds);
     int SilenceMs() const;
     void NoteEcho(bool echo);
 

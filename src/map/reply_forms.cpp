@@ -78,7 +78,7 @@ constexpr CommandForm Counters[] = {
     {'@', "DI", "!AAbbzq"},
     {'@', "RP", "!AAhhhhhhhhhhhhhhhh"},
     {'@', "RA", "!AAhhhhhhhhhhhhhhhh"},
-    {'$', "*", "!AA"},
+    {'$', "5nn", "!AA"}, {'$', "6n", "!AA"},
 };
 
 constexpr CommandForm Converters[] = {

@@ -138,7 +138,8 @@ TEST(ConfigCommand, WrongValuesAreToldBeforeAnythingIsWritten) {
     for (const auto& [address, given, told] : cases) {
         ConfigSession demo;
         demo.Show(address);
-        const Lines reads = std::exchange(demo.Heard, {});
+        Lines reads = std::exchange(demo.Heard, {});
+        std::ranges::copy(Lines(reads), std::back_inserter(reads)); // read twice, and alike
         const Captured set = demo.Set(address, given);
         EXPECT_EQ(set.Exit, ExitWrongUse) << given.back();
         EXPECT_TRUE(Contains(set.Err, told)) << given.back();
@@ -172,7 +173,7 @@ TEST(ConfigCommand, WhatIsHardlyMeantNeedsForce) {
         for (const bool force : {false, true}) {
             ConfigSession demo;
             demo.Show(address);
-            const auto reads = static_cast<std::ptrdiff_t>(std::exchange(demo.Heard, {}).size());
+            const auto reads = static_cast<std::ptrdiff_t>(2 * std::exchange(demo.Heard, {}).size());
             demo.Session.ModuleTable[0] = {.Address = 70, .Model = "8410  "};
             const Captured set = demo.Set(address, given, force, 1);
             const bool refused = told != nullptr && !force;
@@ -199,7 +200,6 @@ TEST(ConfigCommand, WhatTheModuleDoesNotAcceptOrTellHasAnExitCode) {
         {5, "$052", silent, "No module answers at address 5 (05H) at 9600 baud, without or with a checksum."},
         {5, "$056", silent, untold},
         {15, "$0F6", silent, untold},
-        {15, "$63S", refuse, "Port input/output configuration failed.\nkavroctl: Change"},
         {18, "@12RP", silent, untold},
         {1, "@01RL", refuse, untold},
         {5, "%05", refuse, "Configuration command failed.\nkavroctl: Change"},

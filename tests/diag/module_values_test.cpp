@@ -114,6 +114,7 @@ TEST_F(ModuleValuesTest, OneTimeOutAtMostAndTheMaskIsReadTwiceAlike) {
         EXPECT_EQ(Read(replies), read);
         EXPECT_EQ(Time.GetTickCount() - start, takesMs);
     }
+    Time.Sleep(500);
     Read("-");
     const auto start = Time.GetTickCount();
     EXPECT_TRUE(Read("!0A8250 !0A8250").ends_with(" |0=C disabled|1=C error|2=C error"))

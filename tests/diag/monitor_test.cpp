@@ -20,7 +20,7 @@ struct MonitorTest : testing::Test, SimulatedSession {
             const std::int16_t address = Session.ModuleCount++;
             Line.Add(MakeModule(model, address, 9600, false));
             Session.ModuleTable[address] = {
-                .Address = address, .Model = model, .BaudCode = 3, .InputRange = 8};
+                .Address = address, .Model = model, .BaudCode = 3, .InputRange = 5};
         }
         Session.Line.SetPortBaud(1, 3, 0, 0, 0); // with its pause, before any time counts
     }
@@ -56,7 +56,7 @@ TEST_F(MonitorTest, RoundsStatesAndAges) {
     EXPECT_EQ(Watch.State(0), "error");
     EXPECT_FALSE(Watch.TrendOf(0, 0).at(2).Value);
     Watch.LineLost();
-    EXPECT_EQ(Watch.State(1), "no reply");
+    EXPECT_EQ(Watch.State(1), "line lost");
     EXPECT_FALSE(Watch.TrendOf(1, 0).back().Value) << "the line is broken";
     Session.ModuleCount = 0;
     EXPECT_EQ(Tick(), -1);
