@@ -190,10 +190,12 @@ void KavroForm::Exit() {
     exitAsked_ = false;
     asking_ = true;
     const bool yes = ExitForm(this).exec() == QDialog::Accepted;
+    const std::string failures = yes ? SaveSettings(session_) : std::string();
+    if (!failures.empty())
+        messages_.Show(failures, "Error");
     asking_ = false;
     if (!yes)
         return;
-    SaveSettings(session_);
     hide();
     QApplication::exit(); // the only way out; closing the last window does not end the program
 }
