@@ -237,11 +237,14 @@ void KavroForm::Search() {
 }
 
 void KavroForm::Scan() {
-    device_->clear();
-    session_.SelectedModule = -1;
     UpdateStatus("Searching...");
+    const auto clear = [this] {
+        device_->clear();
+        session_.SelectedModule = -1;
+        countStatus_->setText("Modules: 0");
+    };
     ScanForm scan(
-        session_, messages_, [this](int index) { AppendLine(index); }, this);
+        session_, messages_, clear, [this](int index) { AppendLine(index); }, this);
     scan.exec();
     if (session_.ModuleCount == 0 && !scan.Failed())
         messages_.Show("No module found!");

@@ -94,7 +94,7 @@ TEST_F(KavroFormTest, SearchEndsInTheMiddle) {
         Search("255", [&](QDialog& scan) {
             // The search is ended while the second module is probed, which is finished.
             Line.Log = [&, ended = false](const LineEvent&) mutable {
-                if (Session.Device.empty() || std::exchange(ended, true))
+                if (Session.Device.size() != 1 || std::exchange(ended, true))
                     return;
                 way(scan);
                 EXPECT_TRUE(scan.isVisible()); // until the search has really ended
