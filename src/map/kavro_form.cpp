@@ -11,13 +11,13 @@
 #include "map/scan_form.h"
 #include "map/search_form.h"
 #include "ui/center_form.h"
+#include "ui/choose_save_file.h"
 #include "ui/fixed_font.h"
 #include "ui/named.h"
 #include "ui/print_lines.h"
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QFileDialog>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QListWidget>
@@ -201,14 +201,9 @@ void KavroForm::Exit() {
 }
 
 void KavroForm::Save() {
-    QFileDialog dialog(this, "Save File");
-    dialog.setObjectName("SaveDialog");
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setNameFilters({"MAP Files (*.map)", "All Files (*.*)"});
-    dialog.setDefaultSuffix("map");
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
-        return;
-    WriteMapFile(session_, dialog.selectedFiles().first().toStdString());
+    const QString path = ChooseSaveFile(this, {.Title = "Save File", .Kind = "MAP Files", .Suffix = "map"});
+    if (!path.isEmpty())
+        WriteMapFile(session_, path.toStdString());
 }
 
 void KavroForm::Print() {
@@ -220,9 +215,10 @@ void KavroForm::Print() {
     QStringList lines;
     for (const std::string& line : session_.Device)
         lines << QString::fromStdString(line);
-    if (!PrintLines(printer, lines))
-        throw RuntimeFailure(
-            "The list could not be printed. Check the printer, or the folder of the PDF file.");
+    if (!printer.outputFileName().isEmpty())
+        session_.ReplaceFile(printer.outputFileName().toStdString(), PdfOfLines(printer, lines));
+    else if (!PrintLines(printer, lines))
+        throw RuntimeFailure("The list could not be printed. Check the printer.");
 }
 
 void KavroForm::ComPort() {
