@@ -13,6 +13,8 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace kavro {
 
 LogPanel::LogPanel(Messages& messages, Around around) : messages_(messages), around_(std::move(around)) {
@@ -93,6 +95,8 @@ void LogPanel::SwitchOff(const std::string& reason) {
 void LogPanel::ShowState() {
     logState_->setText(State());
     logState_->setToolTip(State());
+    logState_->setMinimumHeight(
+        std::max(0, logState_->heightForWidth(width()))); // so that the window makes room
     logState_->setVisible(!logState_->text().isEmpty());
 }
 
