@@ -32,6 +32,7 @@ Program::Program(const Options& options)
           [this] { return std::make_unique<SimulatedPort>(simulatedLine_, clock_); }, ClosedPortAdvice),
       session_(registry_.Ports(), clock_), form_(session_, messages_, registry_, Openers()) {
     session_.ConfigFilePath = ConfigFilePath(options.Demo);
+    session_.MapFilePath = MapFilePath(options.Demo);
     session_.DecimalSeparator = LocaleDecimalSeparator();
     session_.ReplaceFile = ReplaceFile;
 }

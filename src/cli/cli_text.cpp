@@ -9,6 +9,7 @@
 #include <charconv>
 #include <cstdio>
 #include <optional>
+#include <system_error>
 
 namespace kavro {
 
@@ -49,8 +50,8 @@ bool PrintOut(const std::string& text) {
     if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0)
         return true;
     if (errno != EPIPE)
-        throw RuntimeFailure(
-            "Standard output cannot be written. Check where it leads and whether there is room.");
+        throw RuntimeFailure("Standard output cannot be written: " + std::generic_category().message(errno) +
+                             ". Check where it leads and whether there is room.");
     return false;
 }
 

@@ -2,6 +2,7 @@
 
 #include "link/runtime_failure.h"
 #include "link/text.h"
+#include "link/write_through.h"
 #include "map/list_line.h"
 
 #include <cerrno>
@@ -29,24 +30,10 @@ std::string Field(const std::string& text) {
     return quoted + "\"";
 }
 
-bool WriteAll(int file, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = write(file, text.data(), text.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return false;
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-    // What is no file on a disk (a terminal, for one) has nothing to wait for and says EINVAL.
-    return fsync(file) == 0 || errno == EINVAL;
-}
-
-// Puts whole lines on disk, or none of them; then false, with the reason in errno. By POSIX, as the streams
-// of C++ cannot wait for the disk.
+// Puts whole lines on disk, or none of them; then false, with the reason in errno.
 bool PutOnDisk(int file, std::string_view lines) {
     const off_t before = lseek(file, 0, SEEK_CUR);
-    if (WriteAll(file, lines))
+    if (WriteThrough(file, lines))
         return true;
     const int reason = errno;
     // Without the part of a line that may still have found room; a device has no length to go back to.

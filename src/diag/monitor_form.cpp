@@ -3,15 +3,14 @@
 #include "diag/monitor_grid_form.h"
 #include "diag/trend_view_form.h"
 #include "link/runtime_failure.h"
+#include "ui/choose_save_file.h"
 #include "ui/named.h"
 #include "ui/usable.h"
 
-#include <QFileDialog>
-#include <QFileInfo>
+#include <QBuffer>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
-#include <QSaveFile>
 #include <QSplitter>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -25,19 +24,6 @@ constexpr int RowsStretch = 1000;
 constexpr const char* NoModules =
     "No modules are known yet. Search first: close this window and choose Network > Search.";
 constexpr const char* TrendHint = "Tick a value to see its trend: click its box, or press Space on it.";
-
-// The file that the user chooses to save to; empty when the choice is cancelled.
-QString ChooseSaveFile(QWidget* parent, const QString& title, const QString& filter, const QString& suffix) {
-    QFileDialog dialog(parent, title);
-    dialog.setObjectName("SaveDialog");
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setNameFilters({filter, "All Files (*)"});
-    dialog.setDefaultSuffix(suffix);
-    dialog.selectFile("monitor." + suffix);
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
-        return {};
-    return dialog.selectedFiles().first();
-}
 
 } // namespace
 
@@ -176,7 +162,8 @@ void MonitorForm::LogBtn_Click() {
         ShowLogState();
         return;
     }
-    const QString path = ChooseSaveFile(this, "Log to File", "CSV Files (*.csv)", "csv");
+    const QString path = ChooseSaveFile(
+        this, {.Title = "Log to File", .Kind = "CSV Files", .Suffix = "csv", .Name = "monitor.csv"});
     if (!path.isEmpty())
         log_.Open(path.toStdString());
     ShowLogState();
@@ -188,17 +175,14 @@ void MonitorForm::ShowLogState() {
 }
 
 void MonitorForm::PictureBtn_Click() {
-    const QString path = ChooseSaveFile(this, "Save Picture", "PNG Files (*.png)", "png");
+    const QString path = ChooseSaveFile(
+        this, {.Title = "Save Picture", .Kind = "PNG Files", .Suffix = "png", .Name = "monitor.png"});
     if (path.isEmpty())
         return;
-    QSaveFile file(path);
-    const QFileInfo target(path);
-    const bool replaceable = !target.exists() || target.isFile(); // a device must not give way to a file
-    if (!replaceable || !file.open(QIODevice::WriteOnly) ||
-        !trend_->Picture(wallClock_()).save(&file, "PNG") || !file.commit())
-        throw RuntimeFailure("The picture " + path.toStdString() + " cannot be saved" +
-                             (replaceable ? ": " + file.errorString().toStdString() : "; it is no file") +
-                             ". Choose another place, or check the space on the disk.");
+    QBuffer file;
+    file.open(QIODevice::WriteOnly);
+    trend_->Picture(wallClock_()).save(&file, "PNG");
+    Session().ReplaceFile(path.toStdString(), file.data().toStdString());
 }
 
 } // namespace kavro

@@ -12,13 +12,13 @@
 #include "map/scan_form.h"
 #include "map/search_form.h"
 #include "ui/center_form.h"
+#include "ui/choose_save_file.h"
 #include "ui/fixed_font.h"
 #include "ui/named.h"
 #include "ui/print_lines.h"
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QFileDialog>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QListWidget>
@@ -199,23 +199,20 @@ void KavroForm::Exit() {
     exitAsked_ = false;
     asking_ = true;
     const bool yes = ExitForm(this).exec() == QDialog::Accepted;
+    const std::string failures = yes ? SaveSettings(session_) : std::string();
+    if (!failures.empty())
+        messages_.Show(failures, "Error");
     asking_ = false;
     if (!yes)
         return;
-    SaveSettings(session_);
     hide();
     QApplication::exit(); // the only way out; closing the last window does not end the program
 }
 
 void KavroForm::Save() {
-    QFileDialog dialog(this, "Save File");
-    dialog.setObjectName("SaveDialog");
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setNameFilters({"MAP Files (*.map)", "All Files (*.*)"});
-    dialog.setDefaultSuffix("map");
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
-        return;
-    WriteMapFile(session_, dialog.selectedFiles().first().toStdString());
+    const QString path = ChooseSaveFile(this, {.Title = "Save File", .Kind = "MAP Files", .Suffix = "map"});
+    if (!path.isEmpty())
+        WriteMapFile(session_, path.toStdString());
 }
 
 void KavroForm::Print() {
@@ -227,9 +224,10 @@ void KavroForm::Print() {
     QStringList lines;
     for (const std::string& line : session_.Device)
         lines << QString::fromStdString(line);
-    if (!PrintLines(printer, lines))
-        throw RuntimeFailure(
-            "The list could not be printed. Check the printer, or the folder of the PDF file.");
+    if (!printer.outputFileName().isEmpty())
+        session_.ReplaceFile(printer.outputFileName().toStdString(), PdfOfLines(printer, lines));
+    else if (!PrintLines(printer, lines))
+        throw RuntimeFailure("The list could not be printed. Check the printer.");
 }
 
 void KavroForm::ComPort() {
@@ -246,11 +244,14 @@ void KavroForm::Search() {
 }
 
 void KavroForm::Scan() {
-    device_->clear();
-    session_.SelectedModule = -1;
     UpdateStatus("Searching...");
+    const auto clear = [this] {
+        device_->clear();
+        session_.SelectedModule = -1;
+        countStatus_->setText("Modules: 0");
+    };
     ScanForm scan(
-        session_, messages_, [this](int index) { AppendLine(index); }, this);
+        session_, messages_, clear, [this](int index) { AppendLine(index); }, this);
     scan.exec();
     if (session_.ModuleCount == 0 && !scan.Failed())
         messages_.Show("No module found!");

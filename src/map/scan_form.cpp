@@ -33,9 +33,10 @@ QString FoundText(int count) {
 
 } // namespace
 
-ScanForm::ScanForm(Session& session, Messages& messages, std::function<void(int index)> found,
-                   QWidget* parent)
-    : QDialog(parent), session_(session), messages_(messages), search_(session, Events(std::move(found))) {
+ScanForm::ScanForm(Session& session, Messages& messages, std::function<void()> begun,
+                   std::function<void(int index)> found, QWidget* parent)
+    : QDialog(parent), session_(session), messages_(messages),
+      search_(session, Events(std::move(begun), std::move(found))) {
     setObjectName("ScanForm");
     setWindowTitle("Searching...");
     Build();
@@ -70,8 +71,9 @@ void ScanForm::Build() {
     layout->addWidget(stop_, 0, Qt::AlignRight);
 }
 
-SearchEvents ScanForm::Events(std::function<void(int index)> found) {
+SearchEvents ScanForm::Events(std::function<void()> begun, std::function<void(int index)> found) {
     SearchEvents events;
+    events.Begun = std::move(begun);
     events.Address = [this](std::int16_t address) { ShowAddress(address); };
     events.Baud = [this](std::int32_t baud) { baud_->setText(QString::number(baud)); };
     events.Found = [this, found = std::move(found)](int index) {

@@ -19,8 +19,10 @@ namespace kavro {
 /// button end the search before the next address.
 class ScanForm : public QDialog {
 public:
-    /// `found` is called with the entry's index after each module found.
-    ScanForm(Session& session, Messages& messages, std::function<void(int index)> found, QWidget* parent);
+    /// `begun` is called when the modules of before are forgotten, `found` with the entry's index after each
+    /// module found.
+    ScanForm(Session& session, Messages& messages, std::function<void()> begun,
+             std::function<void(int index)> found, QWidget* parent);
 
     /// Whether the search ended by a failure, which has been told.
     bool Failed() const { return failed_; }
@@ -32,7 +34,7 @@ protected:
 
 private:
     void StopBtn_Click();
-    SearchEvents Events(std::function<void(int index)> found);
+    SearchEvents Events(std::function<void()> begun, std::function<void(int index)> found);
     void Build();
     void Run();
     void ShowAddress(std::int16_t address);

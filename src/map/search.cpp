@@ -4,6 +4,7 @@
 #include "map/list_line.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace kavro {
 
@@ -17,18 +18,32 @@ NetworkSearch::NetworkSearch(Session& session, SearchEvents events)
     : session_(session), events_(std::move(events)) {}
 
 void NetworkSearch::Run() {
-    session_.Device.clear();
-    session_.ScanIndex = -1;
+    begun_ = false;
     pending_ = {};
     pending_.Address = NoAddress;
     stored_ = 0;
     try {
         SearchAddresses();
     } catch (...) {
-        session_.ModuleCount = static_cast<std::int16_t>(stored_);
+        End();
         throw;
     }
-    session_.ModuleCount = static_cast<std::int16_t>(stored_);
+    if (StopRequested == 0)
+        Begin(); // where no baud rate is enabled
+    End();
+}
+
+void NetworkSearch::Begin() {
+    if (std::exchange(begun_, true))
+        return;
+    session_.Device.clear();
+    session_.ScanIndex = -1;
+    events_.Begun();
+}
+
+void NetworkSearch::End() {
+    if (begun_)
+        session_.ModuleCount = static_cast<std::int16_t>(stored_);
 }
 
 void NetworkSearch::SearchAddresses() {
@@ -71,6 +86,7 @@ std::optional<ConfigAnswer> NetworkSearch::FindAnswer(std::int16_t address) {
         events_.Baud(BaudFromCode(code));
         for (const std::int16_t checksum : {std::int16_t{0}, std::int16_t{1}}) {
             auto answer = AskForConfig(line, address, checksum, code);
+            Begin();
             if (checksum == 1)
                 events_.Yield();
             if (answer)

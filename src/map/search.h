@@ -14,12 +14,14 @@ struct SearchEvents {
     std::function<void(std::int16_t address)> Address = [](std::int16_t) {
     };                                                                 ///< an address is about to be probed
     std::function<void(std::int32_t baud)> Baud = [](std::int32_t) {}; ///< a baud rate is about to be tried
+    std::function<void()> Begun = [] {};               ///< the modules of before were forgotten
     std::function<void(int index)> Found = [](int) {}; ///< entry `index` and its list line were added
     std::function<void()> Yield = [] {};               ///< lets pending events run
 };
 
 /// A search of the current port for modules, from address 0 to `SearchHighAddress` at every enabled baud
-/// rate. Fills `ModuleTable` and `Device` from index 0 and sets `ModuleCount` and `ScanIndex`.
+/// rate. Fills `ModuleTable` and `Device` from index 0 and sets `ModuleCount` and `ScanIndex`. The modules of
+/// before are forgotten with the end of the first transaction: a search that cannot begin leaves them.
 class NetworkSearch {
 public:
     NetworkSearch(Session& session, SearchEvents events);
@@ -32,6 +34,8 @@ public:
 
 private:
     void SearchAddresses();
+    void Begin();
+    void End();
     void SearchAddress(std::int16_t address);
     std::optional<ConfigAnswer> FindAnswer(std::int16_t address);
     void FinishAddressZero();
@@ -42,6 +46,7 @@ private:
     SearchEvents events_;
     ModuleRecord pending_; // found at address 00, until the loop reaches the address that it reports
     int stored_ = 0;       // next free entry
+    bool begun_ = false;
     std::int16_t StopRequested = 0;
 };
 

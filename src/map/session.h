@@ -12,8 +12,8 @@
 
 namespace kavro {
 
-/// Replaces the file at a path by a content whose lines end in "\n", atomically and with the platform's line
-/// ends. Throws `RuntimeFailure` when it cannot; the old file is then still whole.
+/// Replaces the file at a path by these bytes, whole or not at all. Throws `RuntimeFailure` with path and
+/// reason when it cannot; the old file is then still whole.
 using FileReplacer = std::function<void(const std::string& path, const std::string& content)>;
 
 /// Characters that Repeat Command keeps of a command.
@@ -46,9 +46,10 @@ struct Session {
     std::int16_t RepeatCommandCount = 0;   ///< how often Repeat Command sends it
     std::int16_t BatchRepeatCount = 1;     ///< passes of a batch run
 
-    std::string ConfigFilePath;         ///< of COM.CFG
-    std::string DecimalSeparator = "."; ///< of the user's locale, UTF-8
-    FileReplacer ReplaceFile;           ///< how files are saved
+    std::string ConfigFilePath;            ///< of COM.CFG
+    std::string MapFilePath = "admin.map"; ///< of the map that is kept when the program ends
+    std::string DecimalSeparator = ".";    ///< of the user's locale, UTF-8
+    FileReplacer ReplaceFile;              ///< how files are saved
 
 private:
     static std::array<std::int64_t, kavro::ModuleTable::Size> NeverBelieved() {

@@ -2,9 +2,10 @@
 
 #include "link/runtime_failure.h"
 #include "ports/comm_port.h"
+#include "ports/ini_text.h"
+#include "ports/replace_file.h"
 
-#include <QDir>
-#include <QFileInfo>
+#include <QFile>
 #include <QSerialPortInfo>
 #include <QSettings>
 
@@ -36,6 +37,17 @@ QString KeyOf(int port) {
 // What the file says of a port, empty for nothing. A comma written by hand splits a value into a list.
 std::string KeptDevice(const QSettings& settings, int port) {
     return settings.value(KeyOf(port)).toStringList().join(',').trimmed().toStdString();
+}
+
+// Empty when there is no such file.
+std::string TextOf(const std::string& path) {
+    QFile file(QString::fromStdString(path));
+    if (!file.exists())
+        return {};
+    if (!file.open(QIODevice::ReadOnly))
+        throw RuntimeFailure("The devices of the ports cannot be saved: " + path + " cannot be read: " +
+                             file.errorString().toStdString() + ". Check its access rights.");
+    return file.readAll().toStdString();
 }
 
 DetectedDevice Detected(const QSerialPortInfo& info) {
@@ -109,25 +121,17 @@ void PortRegistry::Assign(int port, const std::string& device) {
 }
 
 void PortRegistry::Save() {
-    const QString path = QString::fromStdString(iniPath_);
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QSettings settings(path, QSettings::IniFormat);
+    std::map<std::string, std::string> kept;
     for (int port = 1; port <= PortTotal; ++port) {
         const std::string device = Device(port);
         const auto given = commandLine_.find(port);
         if (given != commandLine_.end() && given->second == device)
             continue; // what was kept before stays
-        // Saved once, the user's choice counts, even when it returns to the command line's device later.
-        commandLine_.erase(port);
-        if (device == DefaultDevice(port))
-            settings.remove(KeyOf(port));
-        else
-            settings.setValue(KeyOf(port), QString::fromStdString(device));
+        kept[KeyOf(port).toStdString()] = device == DefaultDevice(port) ? "" : device;
     }
-    settings.sync();
-    if (settings.status() == QSettings::AccessError)
-        throw RuntimeFailure("The devices of the ports cannot be saved in " + iniPath_ +
-                             ". Check the access rights of that file and the space on the disk.");
+    ReplaceFile(iniPath_, WithIniValues(TextOf(iniPath_), kept));
+    // Saved once, the user's choice counts, even when it returns to the command line's device later.
+    std::erase_if(commandLine_, [this](const auto& given) { return Device(given.first) != given.second; });
 }
 
 SerialPorts PortRegistry::Ports() const {

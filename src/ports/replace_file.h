@@ -4,10 +4,10 @@
 
 namespace kavro {
 
-/// Replaces the file at `path` (UTF-8) by `content`, whose lines end in "\n", with the platform's line ends.
-/// Makes missing folders, follows a symbolic link and keeps the access rights. The file is replaced whole or
-/// not at all: throws `RuntimeFailure` with path and reason when it cannot, and the old file is then as it
-/// was.
+/// Replaces the file at `path` (UTF-8) by these bytes, on the disk when it returns. Makes missing folders,
+/// follows a symbolic link and keeps the access rights. The file is replaced whole or not at all: throws
+/// `RuntimeFailure` with path and the system's reason when it cannot, and the old file is then as it was.
+/// Clears away what a save of the same file left behind that was killed.
 void ReplaceFile(const std::string& path, const std::string& content);
 
 } // namespace kavro

@@ -36,4 +36,9 @@ std::string PortsFilePath(bool demo) {
     return PathOf("ports.ini", demo);
 }
 
+std::string MapFilePath(bool demo) {
+    constexpr const char* Name = "admin.map";
+    return demo ? PathOf(Name, demo) : Name;
+}
+
 } // namespace kavro

@@ -11,4 +11,8 @@ std::string ConfigFilePath(bool demo);
 /// Path of ports.ini, which stands beside COM.CFG.
 std::string PortsFilePath(bool demo);
 
+/// Path of the map that is kept when the program ends: "admin.map" in the current directory, of the demo
+/// beside its COM.CFG.
+std::string MapFilePath(bool demo);
+
 } // namespace kavro

@@ -11,6 +11,9 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QToolButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace kavro {
 
@@ -26,16 +29,21 @@ LogPanel::LogPanel(Messages& messages, Around around) : messages_(messages), aro
     connect(browse, &QToolButton::clicked, this,
             [this] { around_.Operate([this] { LogDialogBtn_Click(); }); });
 
-    auto* layout = new QHBoxLayout(this);
+    auto* row = new QHBoxLayout;
+    row->addWidget(logToFile_);
+    row->addWidget(label);
+    row->addWidget(logFileName_, 1);
+    row->addWidget(browse);
+    logState_ = Named(new QLabel, "LogState", {});
+    logState_->setTextFormat(Qt::PlainText);
+    logState_->setWordWrap(true);
+    logState_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // a long path widens no window
+    connect(logFileName_, &QLineEdit::textChanged, this, [this] { ShowState(); });
+    auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
-    layout->addWidget(logToFile_);
-    layout->addWidget(label);
-    layout->addWidget(logFileName_, 1);
-    layout->addWidget(browse);
-}
-
-void LogPanel::SetNameReadOnly(bool readOnly) {
-    logFileName_->setReadOnly(readOnly);
+    layout->addLayout(row);
+    layout->addWidget(logState_);
+    ShowState();
 }
 
 bool LogPanel::LoggingOn() const {
@@ -52,23 +60,26 @@ bool LogPanel::IsLogFile(const std::string& path) const {
 
 void LogPanel::LogToFile_Click() {
     log_.Close();
+    failure_.clear();
     if (LoggingOn())
         Open();
+    ShowState();
 }
 
 void LogPanel::LogDialogBtn_Click() {
+    failure_.clear();
     logFileName_->setText(ChooseFile(this, "Log File", QFileDialog::AcceptSave));
     if (LoggingOn())
         Open();
+    ShowState();
 }
 
-// A failure is not told in a message: the check box goes off and its tool tip says why.
+// A failure is not told in a message: the check box goes off, and the line below says why.
 void LogPanel::Open() {
     try {
         if (around_.IsBatchFile(FileName()))
             throw RuntimeFailure("The file is open as the batch file.");
         log_.Open(FileName());
-        logToFile_->setToolTip({});
     } catch (const RuntimeFailure& failure) {
         SwitchOff(failure.what());
     }
@@ -77,14 +88,35 @@ void LogPanel::Open() {
 void LogPanel::SwitchOff(const std::string& reason) {
     log_.Close();
     logToFile_->setChecked(false);
-    logToFile_->setToolTip("Logging is off. " + QString::fromStdString(reason));
+    failure_ = reason;
+    ShowState();
+}
+
+void LogPanel::ShowState() {
+    logState_->setText(State());
+    logState_->setToolTip(State());
+    logState_->setMinimumHeight(
+        std::max(0, logState_->heightForWidth(width()))); // so that the window makes room
+    logState_->setVisible(!logState_->text().isEmpty());
+}
+
+// Empty while everything is as it seems.
+QString LogPanel::State() const {
+    if (!logToFile_->isChecked())
+        return failure_.empty() ? QString() : "Not logging: " + QString::fromStdString(failure_);
+    if (!LoggingOn())
+        return "Not logging: there is no file name. Choose a file.";
+    const QString click = " To begin this file, clear the box and tick it again.";
+    if (!log_.IsOpen())
+        return "Not logging: this file is not open." + click;
+    if (log_.Path() != FileName())
+        return "Logging to " + QString::fromStdString(log_.Path()) + "." + click;
+    return {};
 }
 
 void LogPanel::Log(const std::string& command) {
     if (!LoggingOn())
         return;
-    if (log_.Path() != FileName()) // a name that was typed after logging was switched on
-        Open();
     try {
         log_.Write(command);
     } catch (const RuntimeFailure& failure) {

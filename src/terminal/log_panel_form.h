@@ -9,11 +9,14 @@
 #include <string>
 
 class QCheckBox;
+class QLabel;
 class QLineEdit;
 
 namespace kavro {
 
-/// The terminal's logging controls with their log file.
+/// The terminal's logging controls with their log file. Only a click on the box and the chooser open a file,
+/// and so empty it; a name that is typed meanwhile changes nothing. While the box does not do what it seems
+/// to, a line below it says so and why.
 class LogPanel : public QWidget {
 public:
     /// What the panel needs of the form around it.
@@ -30,10 +33,6 @@ public:
     /// off.
     void Log(const std::string& command);
 
-    /// Keeps the file name from being typed while commands are sent: each half-typed name would be opened,
-    /// and emptied.
-    void SetNameReadOnly(bool readOnly);
-
     /// Closes the log file.
     void Close() { log_.Close(); }
 
@@ -47,12 +46,16 @@ private:
     std::string FileName() const;
     void Open();
     void SwitchOff(const std::string& reason);
+    void ShowState();
+    QString State() const;
 
     Messages& messages_;
     Around around_;
     CommandLog log_;
     QCheckBox* logToFile_ = nullptr;
     QLineEdit* logFileName_ = nullptr;
+    QLabel* logState_ = nullptr;
+    std::string failure_; // why the box went off by itself
 };
 
 } // namespace kavro

@@ -158,10 +158,8 @@ void TerminalForm::Operate(const std::function<void()>& operation) {
         return;
     operating_ = true;
     console_->CmdText().setReadOnly(true); // what is typed now would be lost with the next line shown
-    log_->SetNameReadOnly(true);
     Guard(messages_, operation);
     console_->CmdText().setReadOnly(false);
-    log_->SetNameReadOnly(false);
     progress_->clear();
     progressBar_->hide();
     operating_ = false;

@@ -2,15 +2,17 @@
 
 #include "ui/fixed_font.h"
 
+#include <QBuffer>
 #include <QFontMetricsF>
 #include <QPainter>
+#include <QPdfWriter>
 #include <QPrinter>
 
 #include <algorithm>
 
 namespace kavro {
 
-bool PrintLines(QPrinter& printer, const QStringList& lines) {
+bool PrintLines(QPagedPaintDevice& printer, const QStringList& lines) {
     QPainter painter;
     if (!painter.begin(&printer))
         return false;
@@ -36,6 +38,19 @@ bool PrintLines(QPrinter& printer, const QStringList& lines) {
         y += metrics.lineSpacing();
     }
     return painter.end();
+}
+
+// In memory, as a printer that writes a file itself does not tell when the disk is full.
+std::string PdfOfLines(const QPrinter& printer, const QStringList& lines) {
+    QBuffer file;
+    file.open(QIODevice::WriteOnly);
+    {
+        QPdfWriter writer(&file);
+        writer.setResolution(printer.resolution());
+        writer.setPageLayout(printer.pageLayout());
+        PrintLines(writer, lines);
+    }
+    return file.data().toStdString();
 }
 
 } // namespace kavro

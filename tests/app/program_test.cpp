@@ -1,10 +1,13 @@
 #include "app/program.h"
 
+#include "support/failure_text.h"
 #include "support/form_driver.h"
+#include "support/full_disk.h"
 
 #include <QApplication>
 #include <QFile>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -43,6 +46,43 @@ TEST(Program, AnswersTheCommandLineWithoutADisplay) {
     EXPECT_EQ(RunWithoutDisplay({}).Exit, 1);
 }
 
+QWidget* MainWindow() {
+    for (QWidget* widget : QApplication::topLevelWidgets())
+        if (widget->objectName() == "KavroForm")
+            return widget;
+    return nullptr;
+}
+
+// One message names every file that could not be saved, and then the program ends.
+TEST(Program, TellsAtTheEndWhatAFullDiskDidNotTake) {
+    FullDisk disk;
+    qputenv("XDG_CONFIG_HOME", QByteArray::fromStdString(disk.Path("")));
+    std::string told;
+    for (const bool full : {false, true}) {
+        Program program({.Demo = true, .Devices = {{1, SimulatedLineDevice}}});
+        program.Start();
+        QWidget* form = MainWindow();
+        const DialogDriver::Step yes = {"ExitForm", [](QDialog& dialog) { Click(dialog, "YesBtn"); }};
+        const DialogDriver::Step message = {"", [&](QDialog& dialog) {
+                                                told = static_cast<QMessageBox&>(dialog).text().toStdString();
+                                                form->close(); // asks no second time
+                                                dialog.accept();
+                                            }};
+        DialogDriver driver(full ? std::vector{yes, message} : std::vector{yes});
+        QTimer::singleShot(0, form, [form] { form->close(); });
+        if (full)
+            disk.Fill();
+        EXPECT_EQ(QApplication::exec(), 0);
+        EXPECT_TRUE(driver.Finished());
+        EXPECT_FALSE(form->isVisible());
+    }
+    for (const char* file : {"kavro/demo/COM.CFG", "kavro/demo/admin.map"}) {
+        EXPECT_TRUE(Contains(told, disk.Path(file) + " cannot be saved: " + disk.Reason()));
+        EXPECT_FALSE(disk.Read(file).empty());
+    }
+    disk.MakeRoom();
+}
+
 // The whole program on a pseudo-terminal: start, search, exit, and the settings read back at the next start.
 TEST(Program, SearchesAPortAndKeepsItsSettings) {
     QTemporaryDir folder;
@@ -57,9 +97,7 @@ TEST(Program, SearchesAPortAndKeepsItsSettings) {
     for (const char* timeout : {"100", "150"}) {
         Program program(options);
         program.Start();
-        QWidget* form = QApplication::topLevelWidgets().value(0);
-        for (QWidget* widget : QApplication::topLevelWidgets())
-            form = widget->objectName() == "KavroForm" ? widget : form;
+        QWidget* form = MainWindow();
         DialogDriver driver({{"ComPortForm",
                               [&](QDialog& dialog) {
                                   EXPECT_EQ(Find<QLineEdit>(dialog, "Timeout").text(), timeout);

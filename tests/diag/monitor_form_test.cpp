@@ -13,7 +13,6 @@
 #include <csignal>
 
 #include <sys/resource.h>
-#include <sys/stat.h>
 
 namespace kavro {
 namespace {
@@ -95,17 +94,16 @@ TEST_F(MonitorFormTest, SpaceTicksAValueForTheTrend) {
     const TestFolder folder;
     const auto picture = [&](std::int64_t unixMs) {
         Now.UnixMs = unixMs;
-        ChooseFile("PictureBtn", folder.Path("trend.png"));
-        return QImage(QString::fromStdString(folder.Path("trend.png")));
+        ChooseFile("PictureBtn", folder.Path("trend"));
+        return QImage::fromData(QByteArray::fromStdString(Files[folder.Path("trend.png")]));
     };
     const QImage first = picture(0);
     EXPECT_EQ(first.size(), trend.size() * 2);
     EXPECT_EQ(first, picture(0));
     EXPECT_NE(first, picture(86'400'000)) << "another day, the same time";
-    ASSERT_EQ(mkfifo(folder.Path("pipe.png").c_str(), 0600), 0);
-    ChooseFile("PictureBtn", folder.Path("pipe.png"));
-    EXPECT_EQ(Messages.Shown.size(), 1U);
-    EXPECT_TRUE(std::filesystem::is_fifo(folder.Path("pipe.png"))) << "only a file is replaced";
+    Session.ReplaceFile = [](const auto&, const auto&) { throw RuntimeFailure("The disk is full."); };
+    ChooseFile("PictureBtn", folder.Path("trend.png"));
+    EXPECT_EQ(Messages.Shown, (ShownMessages{{"The disk is full.", "Error"}}));
 }
 
 TEST_F(MonitorFormTest, WithoutATickTheValuesHaveTheRoom) {

@@ -4,9 +4,16 @@
 #include "sim/demo_line.h"
 #include "support/form_driver.h"
 #include "support/test_session.h"
+#include "terminal/test_folder.h"
+#include "ui/print_lines.h"
 
+#include <QComboBox>
+#include <QFileSystemModel>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
+#include <QPrinter>
+#include <QRegularExpression>
 
 #include <gtest/gtest.h>
 
@@ -94,7 +101,7 @@ TEST_F(KavroFormTest, SearchEndsInTheMiddle) {
         Search("255", [&](QDialog& scan) {
             // The search is ended while the second module is probed, which is finished.
             Line.Log = [&, ended = false](const LineEvent&) mutable {
-                if (Session.Device.empty() || std::exchange(ended, true))
+                if (Session.Device.size() != 1 || std::exchange(ended, true))
                     return;
                 way(scan);
                 EXPECT_TRUE(scan.isVisible()); // until the search has really ended
@@ -122,17 +129,65 @@ TEST_F(KavroFormTest, LostPortEndsTheSearchWithOneMessage) {
     ExpectListIsShown();
     EXPECT_TRUE(Find<QLabel>(*Form, "PortStatus").text().endsWith("(closed)"));
 
+    List().setCurrentRow(1);
     const auto acceptOnly = [](QDialog& dialog) { Click(dialog, "OKBtn"); };
     DialogDriver driver({{"SearchForm", acceptOnly}});
     Trigger(*Form, "mnuSearch");
     EXPECT_TRUE(driver.Finished());
     EXPECT_EQ(Messages.Shown.back().first, "The simulated line is unplugged. Plug it in again.");
     EXPECT_EQ(Session.ModuleCount, 3) << "what is known stays";
+    EXPECT_EQ(Session.SelectedModule, 1);
     Line.Plug();
     Search("3");
     EXPECT_EQ(Messages.Shown.size(), 2U) << "the port opens by itself";
     EXPECT_FALSE(Find<QLabel>(*Form, "PortStatus").text().endsWith("(closed)"));
     ExpectListIsShown();
+}
+
+TEST_F(KavroFormTest, SavesUnderTheNameThatWasMeant) {
+    // Which filter, what is typed, the file.
+    const std::tuple<int, const char*, const char*> cases[] = {
+        {0, "line", "line.map"}, {0, "line.txt", "line.txt"}, {1, "line", "line"}, {1, "a.map", "a.map"}};
+    const TestFolder folder;
+    for (const auto& [filter, typed, file] : cases) {
+        Files.clear();
+        DialogDriver driver({{"SaveDialog", [&, filter = filter, typed = typed](QDialog& dialog) {
+                                  auto& kinds = Find<QComboBox>(dialog, "fileTypeCombo");
+                                  EXPECT_EQ(kinds.itemText(0).trimmed(), "MAP Files (*.map)");
+                                  EXPECT_EQ(kinds.itemText(1).trimmed(), "All Files (*.*)");
+                                  for (const int index : {1 - filter, filter}) { // as the user looks around
+                                      kinds.setCurrentIndex(index);
+                                      emit kinds.activated(index);
+                                      emit kinds.textActivated(kinds.currentText());
+                                  }
+                                  EXPECT_EQ(dialog.findChild<QFileSystemModel*>()->nameFilters(),
+                                            QStringList(filter == 0 ? "*.map" : "*"));
+                                  const auto path = QString::fromStdString(folder.Path(typed));
+                                  Find<QLineEdit>(dialog, "fileNameEdit").setText(path);
+                                  dialog.accept();
+                              }}});
+        Trigger(*Form, "mnuSave");
+        EXPECT_TRUE(driver.Finished());
+        EXPECT_EQ(Files.size(), 1U);
+        EXPECT_TRUE(Files.contains(folder.Path(file))) << typed;
+    }
+}
+
+// A PDF made in memory is the one that the printer would have written.
+TEST_F(KavroFormTest, PrintsToAFile) {
+    const TestFolder folder;
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setOutputFileName(QString::fromStdString(folder.Path("printer.pdf")));
+    const QStringList lines(200, QString(75, 'x'));
+    const std::string pdf = PdfOfLines(printer, lines);
+    ASSERT_TRUE(PrintLines(printer, lines));
+    const auto facts = [](const std::string& text) {
+        const QString file = QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size()));
+        const auto box = QRegularExpression("/MediaBox.*\\]").match(file).captured();
+        return std::tuple(file.count("/Type /Page\n"), box.toStdString(), file.endsWith("%%EOF\n"));
+    };
+    EXPECT_EQ(facts(pdf), facts(folder.Read("printer.pdf")));
+    EXPECT_EQ(std::get<0>(facts(pdf)), 3);
 }
 
 TEST_F(KavroFormTest, ExitQuestionDecides) {

@@ -1,6 +1,8 @@
 #include "map/list_line.h"
 #include "map/map_file.h"
+#include "support/failure_text.h"
 #include "support/test_session.h"
+#include "terminal/test_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -50,12 +52,12 @@ TEST(ListLine, RareSettings) {
 
 TEST(MapFile, SaveSettingsInOrderWhateverFails) {
     const std::string config = "/etc/COM.CFG 150\n1\nn,8,1\n9600\n";
-    // A path whose file cannot be replaced, the current port, what is done.
-    const std::tuple<std::string, std::int16_t, Lines> cases[] = {
-        {"", 1, {"COM1 close", config, "admin.map " + MapText("COM1", "x\n")}},
-        {"/etc/COM.CFG", 1, {"COM1 close", "failed", "admin.map " + MapText("COM1", "x\n")}},
-        {"admin.map", 1, {"COM1 close", config, "failed"}},
-        {"", 0, {"admin.map " + MapText("COM0", "x\n")}}}; // no port to close, no setting to write
+    // Paths whose files cannot be replaced, the current port, what is done.
+    const std::tuple<Lines, std::int16_t, Lines> cases[] = {
+        {{}, 1, {"COM1 close", config, "admin.map " + MapText("COM1", "x\n")}},
+        {{"/etc/COM.CFG"}, 1, {"COM1 close", "failed", "admin.map " + MapText("COM1", "x\n")}},
+        {{"/etc/COM.CFG", "admin.map"}, 1, {"COM1 close", "failed", "failed"}},
+        {{}, 0, {"admin.map " + MapText("COM0", "x\n")}}}; // no port to close, no setting to write
     for (const auto& [failing, port, steps] : cases) {
         ScriptedSession test;
         test.Session.ConfigFilePath = "/etc/COM.CFG";
@@ -64,12 +66,47 @@ TEST(MapFile, SaveSettingsInOrderWhateverFails) {
         EnableBaudCodes(test.Session, {3});
         test.Session.Device = {"x"};
         test.Session.ReplaceFile = [&](const std::string& path, const std::string& content) {
-            test.Log.push_back(path == failing ? "failed" : path + " " + content);
-            if (path == failing)
-                throw RuntimeFailure("The disk is full.");
+            const bool fails = std::ranges::count(failing, path) != 0;
+            test.Log.push_back(fails ? "failed" : path + " " + content);
+            if (fails)
+                throw RuntimeFailure(path + " full.");
         };
-        SaveSettings(test.Session);
+        std::string told;
+        for (const std::string& path : failing)
+            told += "\n\n" + path + " full.";
+        EXPECT_EQ(SaveSettings(test.Session),
+                  told.empty() ? ""
+                               : "Not everything could be saved. The old files are as they were." + told);
         EXPECT_EQ(test.Log, steps);
+    }
+}
+
+// An empty map does not replace one with modules that is not kept beside it.
+TEST(MapFile, KeepsTheLastMapWithModules) {
+    const TestFolder folder;
+    const std::string map = folder.Path("admin.map"), old = map + ".old";
+    const std::string full = MapText("COM12", "x\n"), empty = MapText("COM1", "");
+    using Saved = std::map<std::string, std::string>;
+    const std::tuple<std::string, Lines, std::string, Saved> cases[] = {
+        // The map before, the list, a path whose file cannot be replaced, what is saved.
+        {full, {}, "", {{map, empty}, {old, full}}},
+        {full, {}, old, {}},
+        {full, {"x"}, "", {{map, MapText("COM1", "x\n")}}},
+        {MapText("COM12", ""), {}, "", {{map, empty}}},
+        {"", {}, "", {{map, empty}}}};
+    for (const auto& [before, list, failing, saved] : cases) {
+        ScriptedSession test;
+        folder.Write("admin.map", before);
+        test.Session.MapFilePath = map;
+        test.Session.Device = list;
+        test.Session.ReplaceFile = [&](const std::string& path, const std::string& content) {
+            if (path == failing)
+                throw RuntimeFailure(path);
+            test.Files[path] = content;
+        };
+        EXPECT_TRUE(SaveSettings(test.Session).ends_with(failing.empty() ? "" : "\n\n" + failing));
+        test.Files.erase("");
+        EXPECT_EQ(test.Files, saved);
     }
 }
 

@@ -83,6 +83,29 @@ TEST_F(SearchTest, CommandsAndEventsInOrder) {
     EXPECT_EQ(Test.Time.GetTickCount(), 4 * 1000 + 3 * 200);
 }
 
+TEST_F(SearchTest, OneThatCannotBeginForgetsNothing) {
+    const std::tuple<bool, bool, int, std::string> cases[] = {
+        // The port is open, refuses its settings, is lost after so many outputs; what becomes of the list.
+        {false, false, 9, "kept"},
+        {true, true, 9, "kept"},
+        {true, false, 0, "kept"},
+        {true, false, 1, "begun "}};
+    for (const auto& [open, refuses, outputs, list] : cases) {
+        S.Line.PortBaudCode.fill(-1);
+        S.Device = {"kept"};
+        S.ModuleCount = 1;
+        S.ScanIndex = 0;
+        Test.Port().PortOpen(open);
+        Test.Port().FailSettings = refuses;
+        Test.Port().OutputsUntilFailure = outputs;
+        std::string begun;
+        EXPECT_THROW(Search(9, {.Begun = [&] { begun += "begun "; }}), RuntimeFailure);
+        EXPECT_EQ(begun + (S.Device.empty() ? "" : S.Device[0]), list);
+        const bool kept = list == "kept";
+        EXPECT_EQ(std::tuple(S.ModuleCount, S.ScanIndex), kept ? std::tuple(1, 0) : std::tuple(0, -1));
+    }
+}
+
 TEST_F(SearchTest, SilentAddressesCostWhatTheAlgorithmNames) {
     // Baud codes, reply time-out, milliseconds of a first search and of the same once more.
     const std::tuple<std::vector<int>, std::int16_t, int, int> cases[] = {

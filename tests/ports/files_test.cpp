@@ -1,15 +1,18 @@
 #include "ports/line_file.h"
+#include "ports/port_registry.h"
 #include "ports/replace_file.h"
 #include "ports/settings_folder.h"
 #include "support/failure_text.h"
+#include "support/full_disk.h"
 #include "terminal/test_folder.h"
 
 #include <QByteArray>
 
-#include <csignal>
+#include <cstring>
 #include <filesystem>
 
-#include <sys/resource.h>
+#include <sys/file.h>
+#include <sys/wait.h>
 
 namespace kavro {
 namespace {
@@ -45,22 +48,70 @@ TEST_F(FilesTest, WhatCannotBeReplaced) {
         EXPECT_TRUE(Contains(FailureText([&] { ReplaceFile(path, "new"); }), path));
     EXPECT_EQ(Folder.Read("file"), "old");
     EXPECT_TRUE(fs::is_character_file("/dev/null"));
+    fs::create_symlink("loop", Folder.Path("loop"));
+    const std::string reason = "loop cannot be saved: " + std::string(strerror(ELOOP));
+    EXPECT_TRUE(Contains(FailureText([&] { ReplaceFile(Folder.Path("loop"), "new"); }), reason));
 }
 
-TEST_F(FilesTest, FullDiskLeavesTheOldFileWhole) {
+TEST(FullDisk, LeavesTheOldFilesWhole) {
+    FullDisk disk;
+    const std::string file = disk.Path("COM.CFG");
+    const auto devices = [&] { return PortRegistry(disk.Path("ports.ini"), {}, [] { return nullptr; }); };
+    PortRegistry registry = devices();
+    registry.Assign(1, "/dev/old");
+    registry.Save();
+    ReplaceFile(file, "old");
+    disk.Fill();
+    registry.Assign(1, "/dev/new");
+    const std::pair<std::string, std::string> saved[] = {
+        {file, FailureText([&] { ReplaceFile(file, "new"); })}, // so short that it is no matter of its writes
+        {file, FailureText([&] { ReplaceFile(file, std::string(1'000'000, 'x')); })},
+        {disk.Path("ports.ini"), FailureText([&] { registry.Save(); })}};
+    for (const auto& [path, told] : saved)
+        EXPECT_TRUE(Contains(told, "The file " + path + " cannot be saved: " + disk.Reason() + "."));
+    EXPECT_EQ(disk.Read("COM.CFG"), "old");
+    EXPECT_EQ(devices().Device(1), "/dev/old");
+    EXPECT_EQ(disk.Entries(), 2) << "nothing half-written stays behind";
+    disk.MakeRoom();
+    ReplaceFile(file, "new");
+    registry.Save();
+    EXPECT_EQ(disk.Read("COM.CFG"), "new");
+    EXPECT_EQ(devices().Device(1), "/dev/new");
+    EXPECT_EQ(disk.Entries(), 2) << "no lock either";
+}
+
+TEST_F(FilesTest, ClearsAwayWhatAKilledSaveLeft) {
     Folder.Write("file", "old");
-    // A limit on the size of files makes writing fail as a full disk does.
-    rlimit before{};
-    getrlimit(RLIMIT_FSIZE, &before);
-    const rlimit small = {100'000, before.rlim_max};
-    const auto ignoring = std::signal(SIGXFSZ, SIG_IGN);
-    setrlimit(RLIMIT_FSIZE, &small);
-    const std::string told = FailureText([&] { ReplaceFile(File, std::string(1'000'000, 'x')); });
-    setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, ignoring);
-    EXPECT_TRUE(Contains(told, File));
+    const pid_t child = fork();
+    if (child == 0) { // killed in the middle of writing
+        const rlimit small = {1000, RLIM_INFINITY}, none = {0, 0};
+        setrlimit(RLIMIT_CORE, &none);
+        setrlimit(RLIMIT_FSIZE, &small);
+        std::signal(SIGXFSZ, SIG_DFL);
+        ReplaceFile(File, std::string(1'000'000, 'x'));
+        _exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFSIGNALED(status));
     EXPECT_EQ(Folder.Read("file"), "old");
-    EXPECT_EQ(Entries(), 1); // nothing half-written stays behind
+    EXPECT_EQ(Entries(), 2);
+
+    // What another program is just writing stays, and what is no temporary file of this one.
+    const char* const others[] = {"file.1-2.kavro-tmp", "file.backup", "file.1x.kavro-tmp", "file.kavro-tmp",
+                                  "file2.1-2.kavro-tmp"};
+    for (const char* name : others)
+        Folder.Write(name, "");
+    const int writing = open(Folder.Path(others[0]).c_str(), O_WRONLY);
+    ASSERT_EQ(flock(writing, LOCK_EX), 0);
+    ReplaceFile(File, "new");
+    EXPECT_EQ(Folder.Read("file"), "new");
+    EXPECT_EQ(Entries(), 6);
+    for (const char* name : others)
+        EXPECT_TRUE(fs::exists(Folder.Path(name))) << name;
+    close(writing);
+    ReplaceFile(File, "new");
+    EXPECT_EQ(Entries(), 5);
 }
 
 TEST(SettingsFolder, FollowsTheDesktopRules) {
@@ -71,6 +122,8 @@ TEST(SettingsFolder, FollowsTheDesktopRules) {
         qputenv("XDG_CONFIG_HOME", value);
         EXPECT_EQ(ConfigFilePath(false), folder + "COM.CFG");
         EXPECT_EQ(PortsFilePath(true), folder + "demo/ports.ini");
+        EXPECT_EQ(MapFilePath(false), "admin.map");
+        EXPECT_EQ(MapFilePath(true), folder + "demo/admin.map");
     }
     qputenv("XDG_CONFIG_HOME", before);
 }

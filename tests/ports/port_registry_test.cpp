@@ -53,10 +53,14 @@ TEST_F(PortRegistryTest, CommandLineThenFileThenDefault) {
 }
 
 TEST_F(PortRegistryTest, KeepsWhatTheUserChose) {
+    // Written by hand: what is none of its entries stays as it stands.
+    ReplaceFile(Ini,
+                "COM7=/dev/above\r\n; cabinet 3\r\n\r\n[Other]\nCOM3=other\n[General]\nCOM8=/dev/kept8\n");
     auto registry = Registry({{1, "/dev/given"}, {2, "/dev/given2"}});
     registry.Assign(1, "/dev/other"); // and taken back
     registry.Assign(1, "/dev/given");
-    for (const char* const device : {"C:\\odd, \"name\"", "demo"}) {
+    for (const char* const device : {"C:\\odd, \"name\"", "@odd;=[x] %41", "/dev/f\xc3\xbcr alle",
+                                     "/dev/serial/by-id/usb-A_1.0:if00", "demo"}) {
         registry.Assign(2, device);
         registry.Assign(3, "/dev/kept3");
         registry.Save();
@@ -69,7 +73,8 @@ TEST_F(PortRegistryTest, KeepsWhatTheUserChose) {
     registry.Assign(3, "/dev/ttyS2");
     registry.Save();
     EXPECT_EQ(Registry().Device(2), "/dev/given2");
-    EXPECT_FALSE(Contains(Folder.Read("new/ports.ini"), "COM3")); // the default needs no entry
+    EXPECT_EQ(Folder.Read("new/ports.ini"), "[General]\nCOM2=/dev/given2\nCOM7=/dev/above\nCOM8=/dev/kept8\n"
+                                            "; cabinet 3\n\n[Other]\nCOM3=other\n"); // no default
 }
 
 TEST_F(PortRegistryTest, OpenPortMovesOnlyToADeviceThatOpens) {

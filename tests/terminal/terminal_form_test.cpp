@@ -153,7 +153,6 @@ TEST(TerminalForm, DoesOneThingAtATime) {
     QString progress;
     terminal.Repeat("$012", "2", [&] {
         progress = terminal.Text("Progress");
-        EXPECT_TRUE(Find<QLineEdit>(*terminal.Form, "LogFileName").isReadOnly());
         terminal.Enter("$FF2");
         for (const char* button :
              {"RepeatCmdBtn", "RunBatchBtn", "StepBatchBtn", "DisplayBatchBtn", "RepeatBtn", "LogDialogBtn"})
@@ -182,7 +181,7 @@ TEST(TerminalForm, LogsBeforeSending) {
     EXPECT_EQ(terminal.Test.Messages.Shown.at(1).first, "Error opening file.");
     EXPECT_TRUE(terminal.Enabled().isEmpty());
 
-    // What cannot be opened is not told, but the box says so; the batch file is not emptied.
+    // What cannot be opened is not told, but stands below the box; the batch file is not emptied.
     terminal.ChooseBatch(" $042\n");
     terminal.Press("StepBatchBtn"); // fails, as the port is lost, and closes the batch file
     for (const std::string& path : {terminal.Folder.Path(), terminal.Folder.Path("batch")}) {
@@ -190,6 +189,7 @@ TEST(TerminalForm, LogsBeforeSending) {
         Find<QLineEdit>(*terminal.Form, "LogFileName").setText(QString::fromStdString(path));
         enabled.click();
         EXPECT_FALSE(enabled.isChecked()) << path;
+        EXPECT_TRUE(terminal.Text("LogState").startsWith("Not logging: The ")) << path;
     }
     EXPECT_EQ(terminal.Folder.Read("batch"), " $042\n");
     EXPECT_EQ(terminal.Told(), 3u);
@@ -203,6 +203,42 @@ TEST(TerminalForm, LogsBeforeSending) {
     EXPECT_EQ(terminal.Test.Log.back(), "COM1 9600 $062");
     EXPECT_EQ(terminal.Told(), 4u);
     EXPECT_FALSE(enabled.isChecked());
+    EXPECT_TRUE(terminal.Text("LogState").contains("No space left on device"));
+}
+
+// Only the box and the chooser open a file; while the box is ticked, what is not logged can be seen.
+TEST(TerminalForm, ALogIsNotEmptiedByItsNameBeingTyped) {
+    Terminal terminal;
+    auto& enabled = Find<QCheckBox>(*terminal.Form, "LogToFile");
+    auto& name = Find<QLineEdit>(*terminal.Form, "LogFileName");
+    const auto type = [&](const std::string& text) { name.setText(QString::fromStdString(text)); };
+    const std::string first = terminal.Folder.Write("first", "old"), second = terminal.Folder.Path("second");
+    const auto tick = [&] {
+        enabled.setChecked(false);
+        enabled.click();
+    };
+    const std::tuple<std::function<void()>, std::string, const char*, const char*> steps[] = {
+        // What is done, what the line below says, and the two files after another command.
+        {tick, "Not logging: there is no file name", "old", "precious"},
+        {[&] { type(first); }, "Not logging: this file is not open", "old", "precious"},
+        {tick, "", "$2\n", "precious"},
+        {[&] { type(second); }, "Logging to " + first, "$2\n$3\n", "precious"},
+        {[&] { terminal.Choose("LogDialogBtn", ""); }, "Not logging: there is no", "$2\n$3\n", "precious"},
+        {[&] { type(first); }, "", "$2\n$3\n$5\n", "precious"},
+        {[&] { terminal.Choose("LogDialogBtn", second); }, "", "$2\n$3\n$5\n", "$6\n"},
+        {tick, "", "$2\n$3\n$5\n", "$7\n"},
+        {[&] { enabled.click(); }, "", "$2\n$3\n$5\n", "$7\n"}};
+    terminal.Folder.Write("second", "precious");
+    for (int command = 0; const auto& [act, state, inFirst, inSecond] : steps) {
+        SCOPED_TRACE(command);
+        act();
+        terminal.Enter("$" + QString::number(command++));
+        EXPECT_TRUE(terminal.Text("LogState").toStdString().starts_with(state));
+        EXPECT_EQ(terminal.Text("LogState").isEmpty(), state.empty());
+        EXPECT_EQ(Find<QLabel>(*terminal.Form, "LogState").isVisible(), !state.empty());
+        EXPECT_EQ(terminal.Folder.Read("first") + "," + terminal.Folder.Read("second"),
+                  std::string(inFirst) + "," + inSecond);
+    }
 }
 
 TEST(TerminalForm, RunsABatchFileThatCanBeStopped) {

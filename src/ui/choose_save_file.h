@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+namespace kavro {
+
+/// What a save dialog offers.
+struct SaveChoice {
+    QString Title;
+    QString Kind;   ///< of its first filter, for example "MAP Files"
+    QString Suffix; ///< of that kind, for example "map"; added to a name without one
+    QString Name;   ///< proposed
+};
+
+/// Shows the save dialog `SaveDialog` for files of one kind, or for all files, which get no suffix. Empty
+/// when it is cancelled.
+QString ChooseSaveFile(QWidget* parent, const SaveChoice& choice);
+
+} // namespace kavro

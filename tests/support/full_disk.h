@@ -1,0 +1,86 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include <fcntl.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace kavro {
+
+/// A folder on a disk that can be filled: a small file system of its own where the test may mount one, else
+/// no file of the test may grow while it is full.
+class FullDisk {
+public:
+    FullDisk() {
+        std::string name = testing::TempDir() + "kavro-disk-XXXXXX";
+        folder_ = std::string(mkdtemp(name.data())) + "/";
+        mounted_ = mount("kavro-disk", folder_.c_str(), "tmpfs", 0, "size=64k") == 0;
+    }
+
+    ~FullDisk() {
+        MakeRoom();
+        if (mounted_)
+            umount2(folder_.c_str(), MNT_DETACH);
+        std::filesystem::remove_all(folder_);
+    }
+
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+    std::string Path(const std::string& name) const { return folder_ + name; }
+
+    std::string Read(const std::string& name) const {
+        std::ifstream file(Path(name), std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    /// How many files and folders it holds.
+    std::ptrdiff_t Entries() const {
+        return std::distance(std::filesystem::directory_iterator(folder_), {}) - (filler_ ? 1 : 0);
+    }
+
+    void Fill() {
+        if (!mounted_) {
+            std::signal(SIGXFSZ, SIG_IGN);
+            Limit(0);
+            return;
+        }
+        const std::string block(1024, 'x');
+        const int file = open(Path("filler").c_str(), O_WRONLY | O_CREAT, 0600);
+        while (write(file, block.data(), block.size()) > 0) {
+        }
+        close(file);
+        filler_ = true;
+    }
+
+    void MakeRoom() {
+        if (!mounted_)
+            Limit(RLIM_INFINITY);
+        std::filesystem::remove(Path("filler"));
+        filler_ = false;
+    }
+
+    /// What the system says of it.
+    const char* Reason() const { return mounted_ ? "No space left on device" : "File too large"; }
+
+private:
+    static void Limit(rlim_t bytes) {
+        const rlimit limits = {bytes, RLIM_INFINITY};
+        setrlimit(RLIMIT_FSIZE, &limits);
+    }
+
+    std::string folder_;
+    bool mounted_ = false;
+    bool filler_ = false;
+};
+
+} // namespace kavro
