@@ -1,7 +1,7 @@
 #include "link/line.h"
 
 #include "link/baud.h"
-#include "link/runtime_failure.h"
+#include "link/line_babbles.h"
 #include "link/text.h"
 
 namespace kavro {
@@ -94,7 +94,7 @@ bool Line::ReceiveReply(std::string& reply, std::int16_t checksumOn, int delayMs
         if (character == CarriageReturn)
             break;
         if (reply.size() == LongestReply)
-            throw RuntimeFailure(
+            throw LineBabbles(
                 "The line does not fall silent: " + std::to_string(LongestReply) +
                 " characters came without a carriage return. Check the wiring and the baud rate.");
         reply += character;

@@ -1,6 +1,7 @@
 #include "map/search.h"
 
 #include "link/baud.h"
+#include "link/line_babbles.h"
 #include "map/list_line.h"
 
 #include <algorithm>
@@ -22,19 +23,28 @@ void NetworkSearch::Run() {
     pending_ = {};
     pending_.Address = NoAddress;
     stored_ = 0;
+    findings_ = {};
     try {
         SearchAddresses();
     } catch (...) {
-        session_.ModuleCount = static_cast<std::int16_t>(stored_);
+        Finish();
         throw;
     }
+    Finish();
+}
+
+void NetworkSearch::Finish() {
     session_.ModuleCount = static_cast<std::int16_t>(stored_);
+    if (pending_.Address >= 0 && session_.ScanIndex < 0)
+        findings_.BeyondRange = pending_.Address;
 }
 
 void NetworkSearch::SearchAddresses() {
     for (std::int16_t address = 0; address <= session_.SearchHighAddress; ++address) {
-        if (StopRequested != 0)
+        if (StopRequested != 0) {
+            findings_.StoppedAfter = static_cast<std::int16_t>(address - 1);
             break;
+        }
         events_.Address(address);
         if (address == pending_.Address) {
             // The module in its initialisation state takes this place; its address is not probed.
@@ -48,22 +58,39 @@ void NetworkSearch::SearchAddresses() {
 }
 
 void NetworkSearch::SearchAddress(std::int16_t address) {
-    const auto answer = FindAnswer(address);
+    bool understood = false;
+    try {
+        understood = Understand(address);
+    } catch (const LineBabbles&) {
+        // Passed over: the port works, and other addresses may be readable.
+    }
+    if (!understood)
+        findings_.Unclear.push_back(address);
+}
+
+// Whether it is clear now what is at the address: a module, which has been added, or nothing at all.
+bool NetworkSearch::Understand(std::int16_t address) {
+    bool heard = false;
+    const auto answer = FindAnswer(address, heard);
     if (!answer)
-        return;
+        return !heard;
     Line& line = session_.Line;
     if (address == 0) {
         ModuleRecord found = pending_;
         if (IdentifyModule(line, *answer, found) == Identified::No)
-            return;
+            return false;
         pending_ = found;
         FinishAddressZero();
-    } else if (IdentifyModule(line, *answer, session_.ModuleTable[stored_]) != Identified::No) {
+    } else {
+        if (IdentifyModule(line, *answer, session_.ModuleTable[stored_]) == Identified::No)
+            return false;
         AppendEntry();
     }
+    return true;
 }
 
-std::optional<ConfigAnswer> NetworkSearch::FindAnswer(std::int16_t address) {
+// `heard` tells whether anything came, were it no good answer.
+std::optional<ConfigAnswer> NetworkSearch::FindAnswer(std::int16_t address, bool& heard) {
     Line& line = session_.Line;
     for (std::int16_t code = 0; code < BaudCodeCount; ++code) {
         if (line.SettingsOf(line.CurrentPort).BaudEnabled[static_cast<std::size_t>(code)] == 0)
@@ -71,6 +98,7 @@ std::optional<ConfigAnswer> NetworkSearch::FindAnswer(std::int16_t address) {
         events_.Baud(BaudFromCode(code));
         for (const std::int16_t checksum : {std::int16_t{0}, std::int16_t{1}}) {
             auto answer = AskForConfig(line, address, checksum, code);
+            heard = heard || line.ReplyStatus != 0 || !line.ReplyText.empty();
             if (checksum == 1)
                 events_.Yield();
             if (answer)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "map/identify.h"
+#include "map/search_findings.h"
 #include "map/session.h"
 
 #include <cstdint>
@@ -24,24 +25,31 @@ class NetworkSearch {
 public:
     NetworkSearch(Session& session, SearchEvents events);
 
-    /// Runs to the end. Throws `RuntimeFailure` when the port fails; what was found until then is kept.
+    /// Runs to the end. Throws `RuntimeFailure` when the port fails; what was found until then is kept. An
+    /// address that babbles is passed over.
     void Run();
 
     /// Ends the search before the next address; the module being probed is finished first.
     void Stop() { StopRequested = -1; }
 
+    /// What there is to tell when `Run` has ended, also by a failure.
+    const SearchFindings& Findings() const { return findings_; }
+
 private:
     void SearchAddresses();
     void SearchAddress(std::int16_t address);
-    std::optional<ConfigAnswer> FindAnswer(std::int16_t address);
+    bool Understand(std::int16_t address);
+    std::optional<ConfigAnswer> FindAnswer(std::int16_t address, bool& heard);
     void FinishAddressZero();
     void Store(const ModuleRecord& record);
     void AppendEntry();
+    void Finish();
 
     Session& session_;
     SearchEvents events_;
     ModuleRecord pending_; // found at address 00, until the loop reaches the address that it reports
     int stored_ = 0;       // next free entry
+    SearchFindings findings_;
     std::int16_t StopRequested = 0;
 };
 
