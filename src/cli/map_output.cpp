@@ -30,6 +30,7 @@ QJsonObject ModuleObject(const Session& session, int index) {
         {"inputRange", record.InputRange},
         {"dataFormat", record.DataFormat},
         {"initialisation", index == session.ScanIndex},
+        {"complete", record.Complete},
         {"line", Shown(session.Device[static_cast<std::size_t>(index)])},
     };
 }
@@ -38,8 +39,9 @@ QJsonObject ModuleObject(const Session& session, int index) {
 
 std::string MapText(const Session& session) {
     std::string text = std::string(ListHeading) + "\n";
-    for (const std::string& line : session.Device)
-        text += Printable(line) + "\n";
+    for (int index = 0; index < session.ModuleCount; ++index)
+        text += Printable(session.Device[static_cast<std::size_t>(index)]) +
+                (session.ModuleTable[index].Complete ? "" : "   incomplete") + "\n";
     return text;
 }
 

@@ -30,6 +30,41 @@ void ApplyOptions(const SearchOptions& options, Session& session) {
         SetTimeouts(line, *options.TimeoutMs);
 }
 
+SearchResult SearchWithProgress(Session& session) {
+    SearchResult result;
+    const InterruptWatch watch(session.Line);
+    SearchProgress progress(session.Line, session.SearchHighAddress);
+    NetworkSearch* running = nullptr;
+    SearchEvents events;
+    events.Address = [&](std::int16_t address) { result.LastAddress = progress.Address = address; };
+    events.Baud = [&](std::int32_t baud) {
+        progress.Baud = baud;
+        progress.Show();
+    };
+    events.Found = [&](int index) {
+        progress.Found = index + 1;
+        progress.Show();
+    };
+    events.Yield = [&] {
+        if (!watch.Interrupted())
+            return;
+        running->Stop();
+        progress.Stopping = true;
+        progress.Show();
+    };
+    NetworkSearch search(session, events, Belief::Strict);
+    running = &search;
+    try {
+        search.Run();
+    } catch (const Interruption&) {
+        result.Interrupted = true;
+    } catch (const RuntimeFailure& failure) {
+        result.PortFailure = failure.what();
+    }
+    result.Findings = search.Findings();
+    return result;
+}
+
 int RunSearch(CliSession& cli, const SearchOptions& options) {
     Session& session = cli.Session;
     cli.OpenPort();
@@ -52,36 +87,11 @@ int RunSearch(CliSession& cli, const SearchOptions& options) {
 
 SearchResult SearchLine(Session& session, const SearchOptions& options) {
     ApplyOptions(options, session);
-    SearchResult result;
-    const InterruptWatch watch(session.Line);
-    SearchProgress progress(session.Line, session.SearchHighAddress);
-    NetworkSearch* running = nullptr;
-    SearchEvents events;
-    events.Address = [&](std::int16_t address) { result.LastAddress = progress.Address = address; };
-    events.Baud = [&](std::int32_t baud) {
-        progress.Baud = baud;
-        progress.Show();
-    };
-    events.Found = [&](int index) {
-        progress.Found = index + 1;
-        progress.Show();
-    };
-    events.Yield = [&] {
-        if (!watch.Interrupted())
-            return;
-        running->Stop();
-        progress.Stopping = true;
-        progress.Show();
-    };
-    NetworkSearch search(session, events);
-    running = &search;
-    try {
-        search.Run();
-    } catch (const Interruption&) {
-        result.Interrupted = true;
-    } catch (const RuntimeFailure& failure) {
-        result.PortFailure = failure.what();
-    }
+    const SearchResult result = SearchWithProgress(session);
+    SearchFindings findings = result.Findings;
+    findings.StoppedAfter.reset(); // told by the command, which knows of interruptions too
+    for (const std::string& text : FindingTexts(findings))
+        PrintNote(text);
     return result;
 }
 
@@ -96,9 +106,9 @@ void AddSearchRangeOptions(QCommandLineParser& parser) {
 
 void AddSearchOptions(QCommandLineParser& parser) {
     parser.setApplicationDescription(
-        "Searches a line and prints its modules; \"*\" stands before one in its initialisation state. "
-        "Ctrl+C\n"
-        "ends the search after the address being tried, and what was found is printed.\n\n"
+        "Searches a line and prints its modules; \"*\" stands before one in its initialisation state,\n"
+        "\"incomplete\" behind one that did not tell everything. Ctrl+C ends the search, and what was found\n"
+        "is printed.\n\n"
         "Exit codes: 0 modules were found, 2 wrong use, 3 port trouble, 4 no module found, or Ctrl+C came.");
     AddSearchRangeOptions(parser);
     parser.addOption({"json", "Print the modules as JSON."});

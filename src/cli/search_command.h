@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/subcommand.h"
+#include "map/search_findings.h"
 #include "map/session.h"
 
 #include <cstdint>
@@ -23,6 +24,7 @@ struct SearchResult {
     int LastAddress = 0;      ///< the last one that was begun
     std::string PortFailure;  ///< what ended the search early; empty when nothing did
     bool Interrupted = false; ///< by Ctrl+C, in the middle of an address
+    SearchFindings Findings;  ///< told on standard error already
 };
 
 /// Searches the open port, with progress on standard error, until Ctrl+C.

@@ -100,7 +100,7 @@ bool Line::ReceiveLine(std::string& reply, int timeoutMs) {
             if (reply.size() == LongestReply) {
                 if (Bounded)
                     return false;
-                throw RuntimeFailure(
+                throw LineBabbles(
                     "The line does not fall silent: " + std::to_string(LongestReply) +
                     " characters came without a carriage return. Check the wiring and the baud rate.");
             }

@@ -13,6 +13,12 @@ public:
     explicit RuntimeFailure(const std::string& description) : std::runtime_error(description) {}
 };
 
+/// Characters come without end and without a carriage return.
+class LineBabbles : public RuntimeFailure {
+public:
+    using RuntimeFailure::RuntimeFailure;
+};
+
 /// The user ended the work at hand, in the middle of a transaction: no failure of the line.
 class Interruption : public RuntimeFailure {
 public:

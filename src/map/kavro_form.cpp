@@ -2,7 +2,9 @@
 
 #include "link/com_port_form.h"
 #include "link/port_config.h"
+#include "link/text.h"
 #include "map/about_form.h"
+#include "map/device_list_form.h"
 #include "map/exit_form.h"
 #include "map/list_line.h"
 #include "map/map_file.h"
@@ -19,9 +21,10 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDateTime>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QListWidget>
+#include <QLocale>
 #include <QMenuBar>
 #include <QPrintDialog>
 #include <QPrinter>
@@ -31,16 +34,37 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
-#include <algorithm>
-
 namespace kavro {
 
 namespace {
 
-constexpr int ListColumns = 75; // characters of a list line and of the dash lines of a map file
-constexpr int ListRows = 18;
 constexpr int PortWatchMs = 1000;
 constexpr const char* ReopensText = "The next operation opens the port by itself when its device is there.";
+constexpr int StatusMargin = 3;
+
+const char* OperationName(Operation operation) {
+    switch (operation) {
+    case Operation::Configuration:
+        return "configuration";
+    case Operation::Diagnostic:
+        return "diagnostic";
+    default:
+        return "calibration";
+    }
+}
+
+QString NothingToOpen(Operation operation, const std::string& model) {
+    const QString shown = QString::fromStdString(Trim(ShownModel(model)));
+    return QString("There is no %1 for a module of %2.")
+        .arg(OperationName(operation), shown.isEmpty() ? "unknown model" : "model " + shown);
+}
+
+QLabel* StatusLabel(const char* name) {
+    auto* label = Named(new QLabel, name, {});
+    label->setTextFormat(Qt::PlainText); // a path or a model may look like markup
+    label->setMargin(StatusMargin);
+    return label;
+}
 
 } // namespace
 
@@ -68,12 +92,9 @@ void KavroForm::Build() {
 
     auto* heading = Named(new QLabel(ListHeading), "Heading", {});
     heading->setFont(FixedFont());
-    device_ = Named(new QListWidget, "Device", "Modules");
-    device_->setFont(FixedFont());
+    device_ = new DeviceList(runs(&KavroForm::Configuration));
     // The columns of the lines stand under those of the heading.
     heading->setIndent(device_->frameWidth() + style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1);
-    const QFontMetrics metrics(device_->font());
-    device_->setMinimumSize(metrics.horizontalAdvance(' ') * ListColumns, metrics.lineSpacing() * ListRows);
     connect(device_, &QListWidget::itemSelectionChanged, this, [this] {
         const auto rows = device_->selectionModel()->selectedRows();
         session_.SelectedModule = static_cast<std::int16_t>(rows.isEmpty() ? -1 : rows.first().row());
@@ -85,7 +106,6 @@ void KavroForm::Build() {
     layout->addWidget(heading);
     layout->addWidget(device_, 1);
     setCentralWidget(center);
-    device_->installEventFilter(this);
     for (QWidget* background : {center, static_cast<QWidget*>(heading), device_->viewport()}) {
         background->setMouseTracking(true);
         background->installEventFilter(this);
@@ -95,11 +115,10 @@ void KavroForm::Build() {
 }
 
 void KavroForm::BuildStatus() {
-    activityStatus_ = Named(new QLabel, "ActivityStatus", {});
-    portStatus_ = Named(new QLabel, "PortStatus", {});
-    countStatus_ = Named(new QLabel, "CountStatus", {});
-    for (QLabel* status : {activityStatus_, countStatus_, portStatus_})
-        status->setMargin(3);
+    activityStatus_ = StatusLabel("ActivityStatus");
+    activityStatus_->setWordWrap(true); // what a search tells may be long
+    portStatus_ = StatusLabel("PortStatus");
+    countStatus_ = StatusLabel("CountStatus");
     statusBar()->addWidget(activityStatus_, 1);
     statusBar()->addPermanentWidget(countStatus_);
     statusBar()->addPermanentWidget(portStatus_);
@@ -122,6 +141,7 @@ void KavroForm::BuildMenus() {
     AddItem(*operation, "mnuMonitor", "&Monitor...", &KavroForm::Monitor);
     AddItem(*operation, "mnuDiagnostic", "&Diagnostic...", &KavroForm::Diagnostic);
     AddItem(*operation, "mnuCalibration", "C&alibration...", &KavroForm::Calibration);
+    device_->addActions(operation->actions());
     auto* about = menuBar()->addAction("&About!");
     about->setObjectName("mnuAbout");
     connect(about, &QAction::triggered, this, [this] { Run(&KavroForm::About); });
@@ -142,6 +162,7 @@ void KavroForm::Run(void (KavroForm::*operation)()) {
     if (running_)
         return;
     running_ = true;
+    operationNote_.clear();
     Guard(messages_, [&] { (this->*operation)(); });
     running_ = false;
     UpdateStatus();
@@ -161,25 +182,14 @@ void KavroForm::Load(std::optional<std::int16_t> startPort) {
 
 bool KavroForm::event(QEvent* event) {
     if (event->type() == QEvent::WindowActivate)
-        UpdateStatus(running_ ? activityStatus_->text() : "Ready"); // a port may have been lost meanwhile
+        UpdateStatus(running_ ? activityStatus_->text() : QString()); // a port may have been lost meanwhile
     return QMainWindow::event(event);
 }
 
 bool KavroForm::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == device_ && event->type() == QEvent::KeyPress)
-        return SelectFirst(static_cast<QKeyEvent*>(event)->key());
     if (event->type() == QEvent::MouseMove)
         panel_->HidePrompts();
     return QMainWindow::eventFilter(watched, event);
-}
-
-// The first arrow key selects the line that the focus is on; the list itself would go on to the next.
-bool KavroForm::SelectFirst(int key) {
-    const bool arrow = key == Qt::Key_Up || key == Qt::Key_Down;
-    if (!arrow || device_->count() == 0 || session_.SelectedModule >= 0)
-        return false;
-    device_->setCurrentRow(std::max(device_->currentRow(), 0));
-    return true;
 }
 
 void KavroForm::closeEvent(QCloseEvent* event) {
@@ -221,12 +231,15 @@ void KavroForm::Print() {
     dialog.setWindowTitle("Print");
     if (dialog.exec() != QDialog::Accepted)
         return;
-    QStringList lines;
+    Printout printout{.Title = QString(ApplicationTitle) + ": modules",
+                      .Details = PortText() + ", " +
+                                 QLocale().toString(QDateTime::currentDateTime(), QLocale::ShortFormat),
+                      .Heading = ListHeading};
     for (const std::string& line : session_.Device)
-        lines << QString::fromStdString(line);
+        printout.Lines << QString::fromStdString(line);
     if (!printer.outputFileName().isEmpty())
-        session_.ReplaceFile(printer.outputFileName().toStdString(), PdfOfLines(printer, lines));
-    else if (!PrintLines(printer, lines))
+        session_.ReplaceFile(printer.outputFileName().toStdString(), PdfOf(printer, printout));
+    else if (!PrintLines(printer, printout))
         throw RuntimeFailure("The list could not be printed. Check the printer.");
 }
 
@@ -244,6 +257,7 @@ void KavroForm::Search() {
 }
 
 void KavroForm::Scan() {
+    searchNote_.clear();
     UpdateStatus("Searching...");
     const auto clear = [this] {
         device_->clear();
@@ -253,6 +267,10 @@ void KavroForm::Scan() {
     ScanForm scan(
         session_, messages_, clear, [this](int index) { AppendLine(index); }, this);
     scan.exec();
+    QStringList notes;
+    for (const std::string& text : FindingTexts(scan.Findings()))
+        notes << QString::fromStdString(text);
+    searchNote_ = notes.join(' ');
     if (session_.ModuleCount == 0 && !scan.Failed())
         messages_.Show("No module found!");
 }
@@ -291,6 +309,8 @@ void KavroForm::OpenModuleDialog(Operation operation) {
         messages_.Show(dispatch.Message, dispatch.Title);
     if (dispatch.Dialog != ModuleDialog::None)
         openers_.Module(dispatch.Dialog, this);
+    else if (!*dispatch.Message)
+        operationNote_ = NothingToOpen(operation, session_.ModuleTable[session_.SelectedModule].Model);
 }
 
 void KavroForm::RebuildSelectedLine() {
@@ -316,20 +336,27 @@ void KavroForm::Help() {
     messages_.Show("Under development", "Help");
 }
 
+QString KavroForm::PortText() const {
+    const int port = session_.Line.CurrentPort;
+    QString text = QString("COM%1").arg(port);
+    if (port >= 1 && port <= PortTotal)
+        text += ": " + QString::fromStdString(devices_.Device(port));
+    return text;
+}
+
+// What goes on now; else what the last operation and the last search have told.
 void KavroForm::UpdateStatus(const QString& activity) {
     ShowPort();
     countStatus_->setText(QString("Modules: %1").arg(session_.ModuleCount));
-    activityStatus_->setText(activity);
+    QStringList notes = activity.isEmpty() ? QStringList{operationNote_, searchNote_} : QStringList{activity};
+    notes.removeAll(QString());
+    activityStatus_->setText(notes.isEmpty() ? "Ready" : notes.join(' '));
 }
 
 void KavroForm::ShowPort() {
     const int port = session_.Line.CurrentPort;
-    const bool known = port >= 1 && port <= PortTotal;
-    const bool closed = known && !session_.Line.CommPort(port).PortOpen();
-    QString text = QString("COM%1").arg(port);
-    if (known)
-        text += ": " + QString::fromStdString(devices_.Device(port)) + (closed ? " (closed)" : "");
-    portStatus_->setText(text);
+    const bool closed = port >= 1 && port <= PortTotal && !session_.Line.CommPort(port).PortOpen();
+    portStatus_->setText(PortText() + (closed ? " (closed)" : ""));
     portStatus_->setToolTip(closed ? ReopensText : "");
 }
 

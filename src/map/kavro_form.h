@@ -11,11 +11,11 @@
 #include <optional>
 
 class QLabel;
-class QListWidget;
 class QMenu;
 
 namespace kavro {
 
+class DeviceList;
 class OperationPanel;
 
 /// How the main window opens the dialogs that it does not know; each shows its dialog modally over `parent`
@@ -66,8 +66,8 @@ private:
     void AppendLine(int index);
     void RebuildSelectedLine();
     void SelectLine();
-    bool SelectFirst(int key);
-    void UpdateStatus(const QString& activity = "Ready");
+    QString PortText() const;
+    void UpdateStatus(const QString& activity = {});
     void ShowPort();
 
     Session& session_;
@@ -76,10 +76,12 @@ private:
     DialogOpeners openers_;
 
     OperationPanel* panel_ = nullptr;
-    QListWidget* device_ = nullptr;
+    DeviceList* device_ = nullptr;
     QLabel* portStatus_ = nullptr;
     QLabel* countStatus_ = nullptr;
     QLabel* activityStatus_ = nullptr;
+    QString operationNote_;  // what the last operation has to tell, until the next one begins
+    QString searchNote_;     // the same of the last search, until the next one
     bool running_ = false;   // while an operation runs; nothing can start a second one underneath it
     bool asking_ = false;    // while the exit question is up
     bool exitAsked_ = false; // the close button was used while an operation ran

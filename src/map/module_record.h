@@ -68,6 +68,7 @@ struct ModuleRecord {
     std::int16_t ConverterInterface = 0; ///< converter: non-zero = RS-485, zero = RS-422
     std::int16_t ConverterParity = 0;    ///< converter: 1 = odd, 0 or 2 = none, any other = even
     std::int16_t ConverterStopBits = 0;  ///< converter: stop bits = value + 1
+    bool Complete = true;                ///< the search has read all that it asks such a module
 
     DigitalSettings Digital{};
     AlarmInputSettings AlarmInput{};

@@ -56,7 +56,7 @@ void OperationPanel::HidePrompts() {
 bool OperationPanel::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Enter || event->type() == QEvent::FocusIn)
         ShowPrompt(watched);
-    else if (event->type() == QEvent::FocusOut)
+    else if (event->type() == QEvent::FocusOut || event->type() == QEvent::Leave)
         HidePrompts();
     return QWidget::eventFilter(watched, event);
 }

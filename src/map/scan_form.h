@@ -27,6 +27,9 @@ public:
     /// Whether the search ended by a failure, which has been told.
     bool Failed() const { return failed_; }
 
+    /// What there is to tell about the search that has ended.
+    const SearchFindings& Findings() const { return search_.Findings(); }
+
     void reject() override; // Escape and the close button
 
 protected:

@@ -146,6 +146,10 @@ bool ConsoleView::EntryKey(const QKeyEvent& key) {
         Copy();
         return true;
     }
+    if (key.key() == Qt::Key_Escape && !cmdText_->isReadOnly() && !cmdText_->text().isEmpty()) {
+        cmdText_->clear(); // of an empty box it closes the terminal
+        return true;
+    }
     if ((key.key() != Qt::Key_Up && key.key() != Qt::Key_Down) || cmdText_->isReadOnly())
         return false;
     const std::string typed = cmdText_->text().toStdString();

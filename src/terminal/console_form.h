@@ -15,7 +15,7 @@ namespace kavro {
 
 /// The console's drawing area in a fixed-pitch font, with the entry box `CmdText` on the row where the next
 /// command goes. A row of twips is as high as a line of the font. Up and Down in the entry box recall earlier
-/// commands; Ctrl+C without a selection and the context menu copy the console's text.
+/// commands; Escape empties it; Ctrl+C without a selection and the context menu copy the console's text.
 class ConsoleView : public QWidget {
 public:
     /// `entered` is called when the carriage return key is pressed in the entry box.

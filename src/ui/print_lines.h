@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QStringList>
 
 #include <string>
@@ -9,11 +10,23 @@ class QPrinter;
 
 namespace kavro {
 
-/// Prints the lines in a fixed-pitch font, one printed line each, on as many pages as they need. Lines wider
-/// than the page make the font smaller, never cut. False when the printer failed.
-bool PrintLines(QPagedPaintDevice& printer, const QStringList& lines);
+/// A list as it is printed.
+struct Printout {
+    QString Title;
+    QString Details; ///< where and when it was
+    QString Heading; ///< of the columns of the lines
+    QStringList Lines;
+};
 
-/// The PDF file that printing these lines with the printer's page and resolution gives.
-std::string PdfOfLines(const QPrinter& printer, const QStringList& lines);
+/// The rows of every page: title, details and heading, then the lines in order, a row each, and the page
+/// number in the last of the `rows` rows.
+QList<QStringList> PrintedPages(const Printout& printout, int rows);
+
+/// Prints it in a fixed-pitch font on as many pages as it needs. Rows wider than the page make the font
+/// smaller, never cut. False when the printer failed.
+bool PrintLines(QPagedPaintDevice& printer, const Printout& printout);
+
+/// The PDF file that printing it with the printer's page and resolution gives.
+std::string PdfOf(const QPrinter& printer, const Printout& printout);
 
 } // namespace kavro

@@ -179,8 +179,8 @@ TEST_F(KavroFormTest, PrintsToAFile) {
     QPrinter printer(QPrinter::HighResolution);
     printer.setOutputFileName(QString::fromStdString(folder.Path("printer.pdf")));
     const QStringList lines(200, QString(75, 'x'));
-    const std::string pdf = PdfOfLines(printer, lines);
-    ASSERT_TRUE(PrintLines(printer, lines));
+    const std::string pdf = PdfOf(printer, {.Lines = lines});
+    ASSERT_TRUE(PrintLines(printer, {.Lines = lines}));
     const auto facts = [](const std::string& text) {
         const QString file = QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size()));
         const auto box = QRegularExpression("/MediaBox.*\\]").match(file).captured();

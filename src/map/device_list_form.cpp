@@ -1,0 +1,62 @@
+#include "map/device_list_form.h"
+
+#include "ui/fixed_font.h"
+#include "ui/named.h"
+
+#include <QContextMenuEvent>
+#include <QFontMetrics>
+#include <QKeyEvent>
+#include <QMenu>
+
+#include <algorithm>
+
+namespace kavro {
+
+namespace {
+
+constexpr int Columns = 75; // characters of a list line and of the dash lines of a map file
+constexpr int UsualLines = 18;
+constexpr int FewestLines = 4;
+
+} // namespace
+
+DeviceList::DeviceList(std::function<void()> open) : open_(std::move(open)) {
+    Named(this, "Device", "Modules");
+    setFont(FixedFont());
+    setMinimumSize(QFontMetrics(font()).horizontalAdvance(' ') * Columns, Height(FewestLines));
+    menu_ = Named(new QMenu(this), "DeviceMenu", "Operations of the module");
+}
+
+int DeviceList::Height(int lines) const {
+    return QFontMetrics(font()).lineSpacing() * lines;
+}
+
+QSize DeviceList::sizeHint() const {
+    return {minimumWidth(), Height(UsualLines)};
+}
+
+void DeviceList::keyPressEvent(QKeyEvent* event) {
+    const int key = event->key();
+    if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+        if (!event->isAutoRepeat()) // a key held down would answer what it has opened
+            open_();
+    } else if ((key == Qt::Key_Up || key == Qt::Key_Down) && count() > 0 && selectedItems().isEmpty()) {
+        // The first arrow key selects the line that the focus is on; the list itself would go on to the next.
+        setCurrentRow(std::max(currentRow(), 0));
+    } else {
+        QListWidget::keyPressEvent(event);
+    }
+}
+
+void DeviceList::mouseDoubleClickEvent(QMouseEvent* event) {
+    QListWidget::mouseDoubleClickEvent(event);
+    if (event->button() == Qt::LeftButton && itemAt(event->position().toPoint()))
+        open_();
+}
+
+void DeviceList::contextMenuEvent(QContextMenuEvent* event) {
+    menu_->addActions(actions()); // those that it has already stay as they are
+    menu_->popup(event->globalPos());
+}
+
+} // namespace kavro

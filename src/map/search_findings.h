@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kavro {
+
+/// What a search has to tell beside the modules that it lists.
+struct SearchFindings {
+    std::vector<std::int16_t>
+        Unclear; ///< addresses where something was heard but no module understood, rising
+    std::optional<std::int16_t> BeyondRange;  ///< what a module in its initialisation state reports, when the
+                                              ///< search did not get there and so does not list it
+    std::optional<std::int16_t> StoppedAfter; ///< last address of a search that was stopped, -1 for none
+};
+
+/// The findings for the user, a sentence each; nothing when there is nothing to tell.
+std::vector<std::string> FindingTexts(const SearchFindings& findings);
+
+} // namespace kavro

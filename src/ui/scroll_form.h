@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QSize>
+
+class QWidget;
+
+namespace kavro {
+
+/// The least size in which a window shows all its content, when it is at most `width` wide.
+QSize NeededSize(const QWidget& form, int width);
+
+/// Puts the content of a window into a scroll area, which follows the keyboard focus. Returns what its scroll
+/// bars take.
+QSize ScrollContent(QWidget& form);
+
+} // namespace kavro
