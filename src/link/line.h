@@ -65,13 +65,14 @@ public:
 
     LineStatistics Statistics; ///< of every `Exchange`; whoever shows them begins anew with `{}`
 
-    bool Bounded = false; ///< a transaction ends 3 s after its command at the latest (or after its time-out,
-                          ///< where that is longer), and a reply without end, or with a checksum that
-                          ///< overflows, is an incomplete one in place of a failure
+    bool Bounded = false;  ///< a transaction ends 3 s after its command at the latest (or after its time-out,
+                           ///< where that is longer), and a reply without end, or with a checksum that
+                           ///< overflows, is an incomplete one in place of a failure
     bool Awaiting = false; ///< `Exchange` begins with `AwaitSilence`, and sends nothing when that fails
-    std::function<bool()> Interrupted; ///< asked every tenth of a second in all waiting; when it has been true for
-                                       ///< 0.3 s, the wait ends by throwing `Interruption`. May be empty
-    bool Echo = false;                 ///< the adapter hands back every character sent; found by itself
+    std::function<bool()>
+        Interrupted;   ///< asked every tenth of a second in all waiting; when it has been true for
+                       ///< 0.3 s, the wait ends by throwing `Interruption`. May be empty
+    bool Echo = false; ///< the adapter hands back every character sent; found by itself
     std::function<void()> EchoFound = [] {}; ///< called when `Echo` becomes true
     std::int64_t IncompleteCount = 0;        ///< transactions without a complete reply, since the start
 
@@ -129,8 +130,9 @@ private:
 
     SerialPorts ports_;
     Clock& clock_;
-    std::string sentLine_;    // until its echo, or another line, has come
-    std::int64_t sentAt_ = 0; // ms
+    std::string sentLine_;           // until its echo, or another line, has come
+    std::int64_t sentAt_ = 0;        // ms
+    std::int64_t interruptedAt_ = 0; // ms, when `Interrupted` was last asked and said no
     std::int64_t incompleteAt_ =
         0; // ms, end of the last transaction without a complete reply, or what came after
     std::int64_t silentFor_ = 0; // `IncompleteCount` up to which silence was awaited
