@@ -133,9 +133,10 @@ void KavroForm::Run(void (KavroForm::*operation)()) {
     if (running_)
         return;
     running_ = true;
+    session_.Note.clear();
     Guard(messages_, [&] { (this->*operation)(); });
     running_ = false;
-    UpdateStatus();
+    UpdateStatus(session_.Note.empty() ? "Ready" : QString::fromStdString(session_.Note));
     device_->setFocus();
     if (exitAsked_)
         close();
@@ -152,7 +153,7 @@ void KavroForm::Load(std::optional<std::int16_t> startPort) {
 
 bool KavroForm::event(QEvent* event) {
     if (event->type() == QEvent::WindowActivate)
-        UpdateStatus(running_ ? activityStatus_->text() : "Ready"); // a port may have been lost meanwhile
+        UpdateStatus(activityStatus_->text()); // a port may have been lost meanwhile
     return QMainWindow::event(event);
 }
 

@@ -32,6 +32,7 @@ struct Session {
     std::int16_t SelectedModule = -1; ///< selected entry, -1 when none
 
     std::int16_t ConfigResult = 0;      ///< 1: a configuration dialog changed the module, 2: it did not
+    std::string Note;                   ///< what a dialog that has closed has left to tell
     std::int16_t SearchAccepted = 0;    ///< -1 when the search dialog was accepted
     std::int16_t SearchHighAddress = 0; ///< highest address to probe, 0 to 255
 
