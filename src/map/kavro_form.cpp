@@ -192,8 +192,16 @@ void KavroForm::Exit() {
     asking_ = true;
     const bool yes = ExitForm(this).exec() == QDialog::Accepted;
     asking_ = false;
-    if (!yes)
-        return;
+    if (yes)
+        Leave();
+}
+
+void KavroForm::End() {
+    exitAsked_ = false;
+    Run(&KavroForm::Leave);
+}
+
+void KavroForm::Leave() {
     SaveSettings(session_);
     hide();
     QApplication::exit(); // the only way out; closing the last window does not end the program
