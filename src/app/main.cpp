@@ -1,6 +1,7 @@
 #include "app/color_scheme.h"
 #include "app/options.h"
 #include "app/program.h"
+#include "ports/termination_signals.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -30,14 +31,15 @@ int main(int argc, char** argv) {
         std::fputs("kavro: There is no display. Use kavroctl to work in a terminal.\n", stderr);
         return 1;
     }
+    const kavro::TerminationSignals endRequests; // before Qt starts threads
     QApplication application(argc, argv);
     QApplication::setApplicationName("kavro");
     QApplication::setDesktopFileName("kavro");
     QApplication::setWindowIcon(QIcon(":/icons/kavro.svg"));
-    // The exit question alone ends the program; a message box closed during start-up does not.
+    // The exit question ends the program, or the system; a message box closed during start-up does not.
     QApplication::setQuitOnLastWindowClosed(false);
     kavro::FollowColorScheme(application);
-    kavro::Program program(*options);
+    kavro::Program program(*options, endRequests.Descriptor());
     program.Start();
     return QApplication::exec();
 }

@@ -25,12 +25,13 @@ std::string LocaleDecimalSeparator() {
 
 } // namespace
 
-Program::Program(const Options& options)
+Program::Program(const Options& options, int endRequests)
     : options_(options), simulatedLine_(DemoLine()),
       registry_(
           PortsFilePath(options.Demo), options.Devices,
           [this] { return std::make_unique<SimulatedPort>(simulatedLine_, clock_); }, ClosedPortAdvice),
-      session_(registry_.Ports(), clock_), form_(session_, messages_, registry_, Openers()) {
+      session_(registry_.Ports(), clock_), form_(session_, messages_, registry_, Openers()),
+      ending_(endRequests, form_, session_) {
     session_.ConfigFilePath = ConfigFilePath(options.Demo);
     session_.MapFilePath = MapFilePath(options.Demo);
     session_.DecimalSeparator = LocaleDecimalSeparator();

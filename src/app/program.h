@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/ending.h"
 #include "app/message_boxes.h"
 #include "app/options.h"
 #include "link/clock.h"
@@ -13,8 +14,9 @@ namespace kavro {
 /// The composition of the program: every part is built once, here, and handed what it needs.
 class Program {
 public:
-    /// Builds everything; opens no port and shows nothing.
-    explicit Program(const Options& options);
+    /// Builds everything; opens no port and shows nothing. `endRequests`: a descriptor that becomes readable
+    /// when the program is to end in order; -1 for none.
+    explicit Program(const Options& options, int endRequests = -1);
 
     /// Runs the start-up with its messages, and shows the main window.
     void Start();
@@ -29,6 +31,7 @@ private:
     PortRegistry registry_;
     Session session_;
     KavroForm form_;
+    Ending ending_;
 };
 
 } // namespace kavro

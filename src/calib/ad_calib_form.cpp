@@ -19,6 +19,7 @@ namespace {
 constexpr int Steps = 3;
 constexpr int LongestTarget = 16; // characters; far more than any temperature needs
 constexpr double ReadingScale = 1.4;
+constexpr const char* Degrees = "\u00b0C";
 
 } // namespace
 
@@ -72,12 +73,14 @@ QWidget* AdCalibForm::BuildChoices() {
 
 QWidget* AdCalibForm::BuildColdJunction() {
     temperature_ = Named(new QLabel, "Temperature", {});
-    cjcInput_ = Named(new QLineEdit, "CJCInput", "Target temperature");
+    cjcInput_ = Named(new QLineEdit, "CJCInput", "Target temperature in degrees Celsius");
     cjcInput_->setMaxLength(LongestTarget);
     FilterKeys(*cjcInput_,
                [this](int& keyCode) { FilterSignedNumberKey(keyCode, Session().DecimalSeparator); });
-    connect(cjcInput_, &QLineEdit::textChanged, this,
-            [this](const QString& text) { calibration_.CJCInput = text.toStdString(); });
+    connect(cjcInput_, &QLineEdit::textChanged, this, [this](const QString& text) {
+        calibration_.CJCInput = text.toStdString();
+        ShowFoot(calibration_.Foot());
+    });
     auto* ask = Named(new QLabel("Please input &target temperature then press 'Execute' button:"),
                       "CJCInputLabel", {});
     ask->setWordWrap(true);
@@ -86,29 +89,31 @@ QWidget* AdCalibForm::BuildColdJunction() {
     auto* panel = new QWidget;
     auto* layout = new QVBoxLayout(panel);
     layout->setContentsMargins({});
-    const auto addRow = [layout](QWidget* first, QWidget* second) {
+    const auto addRow = [layout](std::initializer_list<QWidget*> controls) {
         auto* row = new QHBoxLayout;
-        row->addWidget(first);
-        row->addWidget(second);
+        for (QWidget* control : controls)
+            row->addWidget(control);
         row->addStretch(1);
         layout->addLayout(row);
     };
-    addRow(Named(new QLabel("CJC temperature ="), "CJCLabel", {}), temperature_);
+    temperatureUnit_ = Named(new QLabel(Degrees), "TemperatureUnit", {});
+    addRow({Named(new QLabel("CJC temperature ="), "CJCLabel", {}), temperature_, temperatureUnit_});
     layout->addWidget(ask);
-    addRow(cjcInput_, Named(new QLabel("C"), "DegreeLabel", {}));
+    addRow({cjcInput_, Named(new QLabel(Degrees), "DegreeLabel", {})});
     layout->addStretch(1);
     return panel;
 }
 
 QWidget& AdCalibForm::ShowView() {
     const AdCalibrationView& view = calibration_.View();
-    ShowCommon(view);
+    ShowCommon(view, calibration_.Foot());
     choices_->setVisible(view.ChoicesShown);
     coldJunction_->setVisible(view.CJCChoiceShown);
     reading_->setVisible(view.ReadingShown);
     reading_->setText(QString::fromStdString(view.Reading));
     coldJunctionPanel_->setVisible(view.CJCShown);
     temperature_->setText(QString::fromStdString(view.Temperature));
+    temperatureUnit_->setVisible(!view.Temperature.empty());
     cjcInput_->setText(QString::fromStdString(calibration_.CJCInput));
     if (view.ChoicesShown)
         return *offset_;

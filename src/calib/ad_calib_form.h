@@ -27,6 +27,7 @@ private:
     QLabel* reading_ = nullptr;
     QWidget* coldJunctionPanel_ = nullptr;
     QLabel* temperature_ = nullptr;
+    QLabel* temperatureUnit_ = nullptr;
     QLineEdit* cjcInput_ = nullptr;
 };
 

@@ -1,6 +1,5 @@
 #include "calib/ad_calibration.h"
 
-#include "calib/calibration_commands.h"
 #include "link/codes.h"
 #include "link/text.h"
 
@@ -15,6 +14,10 @@ namespace {
 
 constexpr int SettleMs = 1000; // after a cold-junction correction, until the module measures with it
 constexpr double DegreesPerCount = 0.0153;
+constexpr const char* ClearsText = "While the target is not a number, Execute clears the present correction.";
+constexpr const char* GoneText = "The old correction is gone.";
+constexpr const char* NoneMadeText = " No new correction is made.";
+constexpr const char* ZeroText = " The target is now 0: Execute would correct to 0 \u00b0C.";
 
 constexpr const char* GuideTexts[] = {
     "Apply power to the analog input module and let it warm up for about 30 minutes.",
@@ -108,7 +111,13 @@ AdCalibration::AdCalibration(Session& session, int index, std::function<void(int
     ShowStep();
 }
 
+std::string AdCalibration::Foot() const {
+    const bool clears = view_.CJCShown && !TypedNumber(CJCInput, session_.DecimalSeparator);
+    return told_ + (clears && !told_.empty() ? " " : "") + (clears ? ClearsText : "");
+}
+
 void AdCalibration::ShowStep() {
+    told_.clear();
     const ModelGuide guide = GuideOf(session_.ModuleTable[index_].Model);
     switch (view_.StepNo) {
     case 1:
@@ -166,11 +175,14 @@ void AdCalibration::NextBtn_Click() {
 }
 
 void AdCalibration::Execute() {
+    told_.clear();
     switch (calibType_) {
     case CalibType::Offset:
-        return Exchange("1");
+        Ask("1", AnswerForm::Acknowledgement, "Offset calibration", "stored");
+        return;
     case CalibType::Span:
-        return Exchange("0");
+        Ask("0", AnswerForm::Acknowledgement, "Span calibration", "stored");
+        return;
     case CalibType::ColdJunction:
         return ExecuteColdJunction();
     }
@@ -178,33 +190,45 @@ void AdCalibration::Execute() {
 
 void AdCalibration::ExecuteColdJunction() {
     SendCalibration(session_, index_, CalibrationCommand(session_, index_, '$', "9+0000"));
+    told_ = GoneText; // whatever happens from here on
     wait_(SettleMs);
     const auto measured = ReadColdJunction();
     if (!measured) { // there is nothing to correct by
         view_.Temperature.clear();
+        told_ += NoneMadeText;
         return;
     }
     float difference = 0;
-    if (const auto target = TypedNumber(CJCInput, session_.DecimalSeparator))
+    const auto target = TypedNumber(CJCInput, session_.DecimalSeparator);
+    if (target)
         difference = *target - static_cast<float>(*measured);
     else
         CJCInput = "0";
-    Exchange("9" + CJCCorrection(difference));
+    Correct(CJCCorrection(difference), !target);
     wait_(SettleMs);
     ShowColdJunction();
 }
 
-void AdCalibration::Exchange(const std::string& code) {
-    ExchangeCalibration(session_, index_, CalibrationCommand(session_, index_, '$', code),
-                        session_.Line.ReplyTimeout);
+void AdCalibration::Correct(const std::string& counts, bool clears) {
+    const std::size_t gone = told_.size() + 1;
+    const std::string what = "CJC correction" + (clears ? std::string() : " " + counts);
+    if (Ask("9" + counts, AnswerForm::Acknowledgement, what, clears ? "cleared" : "stored") == Heard::Good)
+        told_.erase(0, gone); // it is not missed now
+    if (clears)
+        told_ += ZeroText;
 }
 
-// The number behind the reply's first character, whatever that is and even if the reply is not complete; this
-// is meant. Nothing when there is none.
+Heard AdCalibration::Ask(const std::string& code, AnswerForm form, const std::string& what,
+                         const std::string& done) {
+    return AskCalibration(session_, index_,
+                          {CalibrationCommand(session_, index_, '$', code), form, what, done, {}},
+                          session_.Line.ReplyTimeout, told_);
+}
+
 std::optional<double> AdCalibration::ReadColdJunction() {
-    Exchange("3");
-    const auto number = LeadingNumber(Middle(session_.Line.ReplyText, 2));
-    return number && std::abs(*number) <= std::numeric_limits<float>::max() ? number : std::nullopt;
+    if (Ask("3", AnswerForm::Temperature, "CJC temperature", {}) != Heard::Good)
+        return std::nullopt;
+    return LeadingNumber(Middle(session_.Line.ReplyText, 2));
 }
 
 void AdCalibration::ShowColdJunction() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "calib/calibration_commands.h"
 #include "calib/calibration_view.h"
 #include "map/session.h"
 
@@ -23,9 +24,9 @@ struct AdCalibrationView : CalibrationView {
     std::string Temperature = "+25.3 C"; ///< of the cold junction; empty when it could not be read
 };
 
-/// The calibration of an analog input module in three steps: warm-up, choice, execution. Replies are read but
-/// not tested. Every function throws `RuntimeFailure` when the port fails; its button can then be pressed
-/// again.
+/// The calibration of an analog input module in three steps: warm-up, choice, execution. Replies decide
+/// nothing but what is told of them; a temperature alone must be one to be shown and corrected by. Every
+/// function throws `RuntimeFailure` when the port fails; its button can then be pressed again.
 class AdCalibration {
 public:
     /// Step 1 for entry `index`; `wait` is called with the milliseconds to let pass.
@@ -36,6 +37,9 @@ public:
     /// Target temperature as typed, with the decimal separator of the user's locale. Becomes "0" when it is
     /// executed and is not a number.
     std::string CJCInput;
+
+    /// What the module said last, and what Execute will do where that is not plain.
+    std::string Foot() const;
 
     void OffsetBtn_Click() { Choose(CalibType::Offset); }
     void SpanBtn_Click() { Choose(CalibType::Span); }
@@ -50,8 +54,9 @@ private:
     void ShowExecution();
     void Execute();
     void ExecuteColdJunction();
-    void Exchange(const std::string& code);
+    Heard Ask(const std::string& code, AnswerForm form, const std::string& what, const std::string& done);
     std::optional<double> ReadColdJunction();
+    void Correct(const std::string& counts, bool clears);
     void ShowColdJunction();
 
     Session& session_;
@@ -59,6 +64,7 @@ private:
     std::function<void(int ms)> wait_;
     AdCalibrationView view_;
     CalibType calibType_ = CalibType::Offset;
+    std::string told_; // of the last button
 };
 
 /// The correction that raises the cold-junction temperature by `difference` degrees: sign and counts of

@@ -22,7 +22,19 @@ namespace {
 
 constexpr int GuideColumns = 62;
 constexpr int GuideLines = 5; // of the longest guide text
+constexpr int FootLines = 3;
 constexpr int RepaintMs = 20;
+
+// A text that wraps, with room for that many lines.
+QLabel* WrappedLabel(const char* name, int columns, int lines) {
+    auto* label = Named(new QLabel, name, {});
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    const QFontMetrics metrics = label->fontMetrics();
+    label->setMinimumSize(metrics.averageCharWidth() * columns, metrics.lineSpacing() * lines);
+    return label;
+}
 
 QString Spoken(const char* caption) {
     return QString(caption).remove('&').remove('<').remove('>').trimmed();
@@ -48,11 +60,8 @@ CalibForm::CalibForm(const char* name, const char* title, int steps, kavro::Sess
     step->addWidget(new QLabel(QString("of %1").arg(steps)));
     step->addStretch(1);
 
-    guideText_ = Named(new QLabel, "GuideText", {});
-    guideText_->setWordWrap(true);
-    guideText_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    guideText_->setMinimumSize(fontMetrics().averageCharWidth() * GuideColumns,
-                               fontMetrics().lineSpacing() * GuideLines);
+    guideText_ = WrappedLabel("GuideText", GuideColumns, GuideLines);
+    foot_ = WrappedLabel("Foot", GuideColumns, FootLines);
     stage_ = new QGridLayout;
     AddToStage(*guideText_, 0);
 
@@ -94,13 +103,20 @@ void CalibForm::Finish(std::function<void()> back, std::function<bool()> next) {
     buttons->addStretch(1);
     for (QPushButton* button : {back_, next_, exit})
         buttons->addWidget(button);
-    static_cast<QVBoxLayout*>(layout())->addLayout(buttons);
+    auto* rows = static_cast<QVBoxLayout*>(layout());
+    rows->addWidget(foot_);
+    rows->addLayout(buttons);
     next_->setFocus();
     Refresh();
     CenterForm(*this);
 }
 
-void CalibForm::ShowCommon(const CalibrationView& view) {
+void CalibForm::ShowFoot(const std::string& foot) {
+    foot_->setText(QString::fromStdString(foot));
+}
+
+void CalibForm::ShowCommon(const CalibrationView& view, const std::string& foot) {
+    ShowFoot(foot);
     stepNo_->setText(QString::number(view.StepNo));
     guideText_->setText(QString::fromStdString(view.GuideText));
     guideText_->setVisible(view.GuideShown);

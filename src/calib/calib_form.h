@@ -16,7 +16,8 @@ class QPushButton;
 namespace kavro {
 
 /// What the calibration dialogs share: the module, the step and its guide text, and the buttons to walk the
-/// steps. A dialog adds its own controls to the stage below the guide text and shows its steps in `ShowView`.
+/// steps, with a line at the foot that says what the module answered. A dialog adds its own controls to the
+/// stage below the guide text and shows its steps in `ShowView`.
 ///
 /// One operation at a time, under the busy pointer. Closing the dialog meanwhile takes effect when the
 /// operation has ended.
@@ -57,8 +58,10 @@ protected:
     static QPushButton* Button(const char* name, const char* caption);
     /// Adds the buttons below the stage, with what Back and Next do, and places the dialog.
     void Finish(std::function<void()> back, std::function<bool()> next);
-    /// Shows what every dialog has.
-    void ShowCommon(const CalibrationView& view);
+    /// Shows what every dialog has; `foot` as `ShowFoot`.
+    void ShowCommon(const CalibrationView& view, const std::string& foot);
+    /// Shows, at the foot of the dialog, what the module said and what is to be known before going on.
+    void ShowFoot(const std::string& foot);
     QPushButton& NextBtn() const { return *next_; }
 
 private:
@@ -71,6 +74,7 @@ private:
     QGridLayout* stage_ = nullptr;
     QLabel* stepNo_ = nullptr;
     QLabel* guideText_ = nullptr;
+    QLabel* foot_ = nullptr;
     QPushButton* back_ = nullptr;
     QPushButton* next_ = nullptr;
     bool operating_ = false;  // nothing can start a second operation underneath one

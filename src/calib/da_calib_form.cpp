@@ -50,9 +50,10 @@ DaCalibForm::DaCalibForm(kavro::Session& session, kavro::Messages& messages, QWi
     row->addStretch(1);
     AddToStage(*trim_, 1);
     Finish([this] { calibration_.BackBtn_Click(); },
-           [this] { return calibration_.NextBtn_Click() && Leave(); });
+           [this] { return calibration_.NextBtn_Click() && GiveBack([this] { calibration_.Restore(); }); });
     // From here on the module may be set up, so that the dialog comes up even when the port fails.
     Guard(messages, [this] { calibration_.SetUp(); });
+    ShowFoot(calibration_.Foot());
 }
 
 QPushButton* DaCalibForm::TrimButton(const char* name, const char* caption, void (DaCalibration::*trim)()) {
@@ -68,21 +69,27 @@ QPushButton* DaCalibForm::TrimButton(const char* name, const char* caption, void
 
 QWidget& DaCalibForm::ShowView() {
     const DaCalibrationView& view = calibration_.View();
-    ShowCommon(view);
+    ShowCommon(view, calibration_.Foot());
     trim_->setVisible(view.TrimShown);
     return NextBtn();
 }
 
 bool DaCalibForm::Leave() {
+    return GiveBack([this] { calibration_.ExitBtn_Click(); });
+}
+
+bool DaCalibForm::GiveBack(const std::function<void()>& restore) {
     while (true) {
+        Answer answer = Answer::Leave;
         try {
-            calibration_.Restore();
-            return true;
+            restore();
         } catch (const RuntimeFailure& failure) {
-            const Answer answer = AskToLeave(*this, failure.what());
-            if (answer != Answer::TryAgain)
-                return answer == Answer::Leave;
+            answer = AskToLeave(*this, failure.what());
         }
+        if (answer == Answer::Leave)
+            Session().Note = calibration_.Told(); // nobody sees the foot any more
+        if (answer != Answer::TryAgain)
+            return answer == Answer::Leave;
     }
 }
 

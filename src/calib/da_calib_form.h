@@ -16,6 +16,7 @@ protected:
     bool Leave() override;
 
 private:
+    bool GiveBack(const std::function<void()>& restore);
     QPushButton* TrimButton(const char* name, const char* caption, void (DaCalibration::*trim)());
 
     DaCalibration calibration_;

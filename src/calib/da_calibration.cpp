@@ -1,6 +1,5 @@
 #include "calib/da_calibration.h"
 
-#include "calib/calibration_commands.h"
 #include "link/text.h"
 
 namespace kavro {
@@ -11,6 +10,9 @@ constexpr std::size_t ConfigReplyLength = 9; // "!AATTCCFF"
 constexpr std::size_t ConfigLength = 6;
 constexpr std::int16_t FirstOutputStep = 4;
 constexpr std::int16_t LastStep = 5;
+constexpr const char* NotSetUpText =
+    "\u26a0 The module is not known to be set up for calibration: nothing that "
+    "it stores here can be trusted.";
 
 constexpr const char* GuideTexts[LastStep] = {
     "Apply power to the analog output module and let it warm up for about 30 minutes.",
@@ -29,7 +31,7 @@ constexpr const char* GuideTexts[LastStep] = {
 } // namespace
 
 DaCalibration::DaCalibration(Session& session, int index) : session_(session), index_(index) {
-    Exchange('$', "2");
+    configRead_ = Ask('$', "2", AnswerForm::Configuration, "Configuration", {}) == Heard::Good;
     const Line& line = session_.Line;
     if (line.ReplyIs('!') && line.ReplyText.size() == ConfigReplyLength)
         savedConfig_ = Middle(line.ReplyText, 4, ConfigLength);
@@ -37,14 +39,36 @@ DaCalibration::DaCalibration(Session& session, int index) : session_(session), i
 }
 
 void DaCalibration::SetUp() {
-    if (MustRestore())
-        Exchange(Configure("30" + Middle(savedConfig_, 3, 2) + "00"), session_.Line.LongReplyTimeout);
-}
-
-void DaCalibration::Restore() {
     if (!MustRestore())
         return;
-    Exchange(Configure(savedConfig_), session_.Line.LongReplyTimeout);
+    setUp_ = false;
+    const Heard heard = Ask({Configure("30" + Middle(savedConfig_, 3, 2) + "00"),
+                             AnswerForm::Acknowledgement,
+                             "Set-up for calibration",
+                             "done",
+                             {}},
+                            session_.Line.LongReplyTimeout);
+    setUp_ = heard == Heard::Good && configRead_;
+}
+
+std::string DaCalibration::Foot() const {
+    if (setUp_)
+        return told_;
+    return NotSetUpText + (told_.empty() ? "" : " " + told_);
+}
+
+void DaCalibration::ExitBtn_Click() {
+    told_.clear();
+    GiveBack("");
+}
+
+void DaCalibration::GiveBack(const char* done) {
+    if (!MustRestore())
+        return;
+    const std::string command = Configure(savedConfig_);
+    Ask({command, AnswerForm::Acknowledgement, "The module's own configuration", done,
+         "The command " + command + " restores it."},
+        session_.Line.LongReplyTimeout);
     savedConfig_.clear();
 }
 
@@ -63,11 +87,11 @@ void DaCalibration::ShowStep() {
     case 4:
         view_.TrimShown = true;
         view_.NextCaption = "Next >"; // after Back, where it goes on to step 5 and does not end anything
-        Exchange('#', "04.000");
+        Ask('#', "04.000", AnswerForm::Output, "Output of 4 mA", "set");
         break;
     default:
         view_.NextCaption = "Done";
-        Exchange('#', "20.000");
+        Ask('#', "20.000", AnswerForm::Output, "Output of 20 mA", "set");
     }
 }
 
@@ -81,6 +105,7 @@ bool DaCalibration::TakeUp() {
 }
 
 void DaCalibration::BackBtn_Click() {
+    told_.clear();
     if (interrupted_)
         SetUp();
     --view_.StepNo;
@@ -88,10 +113,13 @@ void DaCalibration::BackBtn_Click() {
 }
 
 bool DaCalibration::NextBtn_Click() {
+    told_.clear();
     if (TakeUp())
         return false;
-    if (view_.StepNo >= FirstOutputStep)
-        Exchange('$', view_.StepNo == FirstOutputStep ? "0" : "1");
+    if (view_.StepNo == FirstOutputStep)
+        Ask('$', "0", AnswerForm::Acknowledgement, "Calibration at 4 mA", "stored");
+    if (view_.StepNo == LastStep)
+        Ask('$', "1", AnswerForm::Acknowledgement, "Calibration at 20 mA", "stored");
     if (view_.StepNo == LastStep)
         return true;
     ++view_.StepNo;
@@ -99,9 +127,10 @@ bool DaCalibration::NextBtn_Click() {
     return false;
 }
 
-void DaCalibration::Trim(const char* code) {
+void DaCalibration::Trim(const char* code, const char* name) {
+    told_.clear();
     if (!TakeUp())
-        Exchange('$', code);
+        Ask('$', code, AnswerForm::Acknowledgement, name, "done");
 }
 
 // A module in its initialisation state is spoken to at 00, but keeps an address of its own.
@@ -110,18 +139,21 @@ std::string DaCalibration::Configure(const std::string& config) const {
     return CalibrationCommand(session_, index_, '%', ownAddress + config);
 }
 
-void DaCalibration::Exchange(char lead, const std::string& code) {
-    Exchange(CalibrationCommand(session_, index_, lead, code), session_.Line.ReplyTimeout);
+Heard DaCalibration::Ask(char lead, const std::string& code, AnswerForm form, const std::string& what,
+                         const std::string& done) {
+    return Ask({CalibrationCommand(session_, index_, lead, code), form, what, done, {}},
+               session_.Line.ReplyTimeout);
 }
 
-void DaCalibration::Exchange(const std::string& command, int timeoutMs) {
+Heard DaCalibration::Ask(const Question& question, int timeoutMs) {
     interrupted_ = true;
     try {
-        ExchangeCalibration(session_, index_, command, timeoutMs);
+        const Heard heard = AskCalibration(session_, index_, question, timeoutMs, told_);
+        interrupted_ = false;
+        return heard;
     } catch (const RuntimeFailure& failure) {
         throw RuntimeFailure(failure.what() + WhatToRestore());
     }
-    interrupted_ = false;
 }
 
 std::string DaCalibration::WhatToRestore() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "calib/calibration_commands.h"
 #include "calib/calibration_view.h"
 #include "map/session.h"
 
@@ -13,8 +14,8 @@ struct DaCalibrationView : CalibrationView {
 };
 
 /// The calibration of an analog output module in five steps. The module runs in the range 0 to 20 mA with
-/// engineering units from `SetUp` until `Restore` gives it its own configuration back. Replies are read but
-/// not tested.
+/// engineering units from `SetUp` until `Restore` gives it its own configuration back. Replies decide nothing
+/// but what is told of them.
 ///
 /// Every function throws `RuntimeFailure` when the port fails, with the configuration that is still to be
 /// restored in its description. What was interrupted is then taken up by the next button: the module is set
@@ -26,30 +27,39 @@ public:
     /// its own, and nothing is restored.
     DaCalibration(Session& session, int index);
 
-    /// Sets the module up for calibration.
+    /// Sets the module up for calibration, unless its configuration could not be read.
     void SetUp();
 
     const DaCalibrationView& View() const { return view_; }
+    /// What the module said last, behind a warning when it is not known to be set up for calibration.
+    std::string Foot() const;
+    /// What it said last alone.
+    const std::string& Told() const { return told_; }
 
     void BackBtn_Click();
     /// The next step. True at step 5 once the calibration is complete: the module is to be restored and the
     /// dialog to be closed.
     bool NextBtn_Click();
-    void TrimUpBtn_Click() { Trim("301"); }
-    void TrimDownBtn_Click() { Trim("3FF"); }
+    void TrimUpBtn_Click() { Trim("301", "Trim Up"); }
+    void TrimDownBtn_Click() { Trim("3FF", "Trim Down"); }
 
     /// Whether the module still has to get its own configuration back.
     bool MustRestore() const { return !savedConfig_.empty(); }
-    /// Gives it back; does nothing when there is nothing to give back.
-    void Restore();
+    /// Gives it back after Done; does nothing when there is nothing to give back. What the module says to
+    /// that is added to what it said last.
+    void Restore() { GiveBack("restored"); }
+    /// Gives it back before; nothing is told when that went well.
+    void ExitBtn_Click();
 
 private:
     void ShowStep();
     bool TakeUp();
-    void Trim(const char* code);
+    void Trim(const char* code, const char* name);
     std::string Configure(const std::string& config) const;
-    void Exchange(const std::string& command, int timeoutMs);
-    void Exchange(char lead, const std::string& code);
+    Heard Ask(const Question& question, int timeoutMs);
+    Heard Ask(char lead, const std::string& code, AnswerForm form, const std::string& what,
+              const std::string& done);
+    void GiveBack(const char* done);
     std::string WhatToRestore() const;
 
     Session& session_;
@@ -57,6 +67,9 @@ private:
     DaCalibrationView view_;
     std::string savedConfig_; // type code, baud code and format byte, two hexadecimal digits each
     bool interrupted_ = false;
+    bool configRead_ = false; // by a reply that is the module's own without doubt
+    bool setUp_ = false;      // and it took its set-up for calibration
+    std::string told_;        // of the last button
 };
 
 } // namespace kavro

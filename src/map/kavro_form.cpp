@@ -163,8 +163,11 @@ void KavroForm::Run(void (KavroForm::*operation)()) {
         return;
     running_ = true;
     operationNote_.clear();
+    session_.Note.clear();
     Guard(messages_, [&] { (this->*operation)(); });
     running_ = false;
+    if (!session_.Note.empty())
+        operationNote_ = QString::fromStdString(session_.Note);
     UpdateStatus();
     device_->setFocus();
     if (exitAsked_)
@@ -209,12 +212,21 @@ void KavroForm::Exit() {
     exitAsked_ = false;
     asking_ = true;
     const bool yes = ExitForm(this).exec() == QDialog::Accepted;
-    const std::string failures = yes ? SaveSettings(session_) : std::string();
-    if (!failures.empty())
+    asking_ = false;
+    if (yes)
+        Leave();
+}
+
+void KavroForm::End() {
+    exitAsked_ = false;
+    Run(&KavroForm::Leave);
+}
+
+void KavroForm::Leave() {
+    asking_ = true; // a close request during the message asks nothing
+    if (const std::string failures = SaveSettings(session_); !failures.empty())
         messages_.Show(failures, "Error");
     asking_ = false;
-    if (!yes)
-        return;
     hide();
     QApplication::exit(); // the only way out; closing the last window does not end the program
 }

@@ -35,6 +35,11 @@ public:
     /// names), with its messages and, on failure, the COM Port dialog.
     void Load(std::optional<std::int16_t> startPort);
 
+    /// Whether an operation, or the start-up, is going on.
+    bool Running() const { return running_; }
+    /// Saves the settings and ends the program, as after the exit question. Nothing may be running.
+    void End();
+
 protected:
     bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
@@ -51,6 +56,7 @@ private:
     void Save();
     void Print();
     void Exit();
+    void Leave();
     void ComPort();
     void Search();
     void Terminal();

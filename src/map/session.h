@@ -38,6 +38,7 @@ struct Session {
     std::array<std::int64_t, kavro::ModuleTable::Size> BelievedSince = NeverBelieved();
 
     std::int16_t ConfigResult = 0;      ///< 1: a configuration dialog changed the module, 2: it did not
+    std::string Note;                   ///< what a dialog that has closed has left to tell
     std::int16_t SearchAccepted = 0;    ///< -1 when the search dialog was accepted
     std::int16_t SearchHighAddress = 0; ///< highest address to probe, 0 to 255
 

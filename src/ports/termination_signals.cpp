@@ -14,11 +14,16 @@ namespace kavro {
 
 namespace {
 
+// But those that the program was started to ignore, as by nohup.
 sigset_t EndingSignals() {
     sigset_t signals;
     sigemptyset(&signals);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
-        sigaddset(&signals, signal);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction present {};
+        sigaction(signal, nullptr, &present);
+        if (present.sa_handler != SIG_IGN)
+            sigaddset(&signals, signal);
+    }
     return signals;
 }
 
@@ -41,10 +46,15 @@ TerminationSignals::~TerminationSignals() {
     pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
+void TerminationSignals::EndWithin(int seconds) {
+    alarm(static_cast<unsigned>(seconds));
+}
+
 #else
 
 TerminationSignals::TerminationSignals() = default;
 TerminationSignals::~TerminationSignals() = default;
+void TerminationSignals::EndWithin(int) {}
 
 #endif
 

@@ -68,7 +68,9 @@ TEST(AdCalibration, WalksItsStepsWithoutTestingReplies) {
         {"8210", "ncn", "3BN Execute T .0 4.78125", read + " $129+0138 $123", ">+0.0\r", "4.78125", 2100},
         {"8210", "ncn", "3BN Execute T 25.3 1067.1", read + " $129+109FB $123", warm, "1067.1", 2100},
         {"8210", "ncn", "3BN Execute T 25.3 0", read + " $129+0000 $123", warm, "2.5-1", 2100},
-        {"8210", "ncn", "3BN Execute T 12.0 13", read + " $129+0041 $123", "?12\r", "13", 2100},
+        {"8210", "ncn", "3BN Execute T  13", read, "?12\r", "13", 1000},
+        {"8210", "ncn", "3BN Execute T  13", read, ">+25.3x\r", "13", 1000},
+        {"8210", "ncn", "3BN Execute T  13", read, ">25.3\r", "13", 1000},
         {"8210", "ncn", "3BN Execute T  30", read, "", "30", 1200},
         {"8210", "ncn", "3BN Execute T  30", read, ">1e99\r", "30", 1000},
         {"8210", "ncn", "3BN Execute T 25.3 -99999999999Ove", read, warm, "-99999999999", 1000},
@@ -92,7 +94,9 @@ struct OutputWalk : CalibSession {
     using CalibSession::CalibSession;
     // Next (Done restores, as in the dialog), Back, Trim Up, Trim Down, Exit.
     void Press(char key) {
-        if (key == 'x' || (key == 'n' && Calibration->NextBtn_Click()))
+        if (key == 'x')
+            Calibration->ExitBtn_Click();
+        else if (key == 'n' && Calibration->NextBtn_Click())
             Calibration->Restore();
         else if (key == 'b')
             Calibration->BackBtn_Click();
