@@ -309,7 +309,7 @@ void KavroForm::UpdateStatus(const QString& activity) {
     const bool known = port >= 1 && port <= PortTotal;
     QString text = QString("COM%1").arg(port);
     if (known)
-        text += ": " + QString::fromStdString(devices_.Device(port)) +
+        text += ": " + QString::fromStdString(ShownDevice(devices_.Device(port))) +
                 (session_.Line.CommPort(port).PortOpen() ? "" : " (closed)");
     portStatus_->setText(text);
     countStatus_->setText(QString("Modules: %1").arg(session_.ModuleCount));
