@@ -9,8 +9,9 @@
 
 namespace kavro {
 
-/// A reading as it is shown: "+" before a number that has no "-", any other text as it is.
-std::string SignedReading(const AnalogReading& reading);
+/// A reading as it is shown: "+" before a number that has no "-", with the user's decimal separator; any
+/// other text as it is.
+std::string SignedReading(const AnalogReading& reading, const std::string& separator);
 
 /// Whether a model tells which of its inputs are open.
 bool HasOpenStatus(std::string_view model);

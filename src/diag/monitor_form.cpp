@@ -67,7 +67,7 @@ MonitorForm::MonitorForm(kavro::Session& session, kavro::Messages& messages, QWi
 
 QWidget* MonitorForm::BuildValues() {
     grid_ = new MonitorGrid(Session(), monitor_, [this] { ShowTrend(); });
-    trend_ = new TrendView;
+    trend_ = new TrendView(Session().DecimalSeparator);
     auto* splitter = Named(new QSplitter, "Splitter", "Grid and trend");
     splitter->addWidget(grid_);
     splitter->addWidget(trend_);

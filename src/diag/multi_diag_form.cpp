@@ -51,7 +51,8 @@ void MultiDiagForm::AddReading() {
 Answer MultiDiagForm::ReadReading() {
     const ModuleRecord& record = Record();
     reading_->BeginReading(0);
-    reading_->ShowReading(0, SignedReading(ReadAnalogInput(Session(), Index(), 0)),
+    reading_->ShowReading(0,
+                          SignedReading(ReadAnalogInput(Session(), Index(), 0), Session().DecimalSeparator),
                           RangeUnit(record.InputRange, record.DataFormat));
     return LastAnswer(Session().Line, '>');
 }
@@ -72,7 +73,10 @@ void MultiDiagForm::AddAlarm() {
         std::string& limit = limits_[high ? 1 : 0];
         AddRead({high ? "High alarm limit" : "Low alarm limit",
                  [this, high, &limit] { return ReadAlarmLimit(Session(), Index(), high, limit); },
-                 [label, &limit](bool stale) { ShowValue(*label, Shown(limit), stale); }, true});
+                 [this, label, &limit](bool stale) {
+                     ShowValue(*label, Shown(ShownNumber(limit, Session().DecimalSeparator)), stale);
+                 },
+                 true});
     }
     rows->addRow("Active alarms:", active_ = ValueLabel("ActiveAlarms"));
     clear_ = Named(new QPushButton("&Clear alarm"), "ClearBtn", "Clear alarm");

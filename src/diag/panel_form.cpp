@@ -193,11 +193,13 @@ void PanelForm::ShowLost(bool lost) {
 
 void PanelForm::ShowStatistics() {
     const LineStatistics& statistics = session_.Line.Statistics;
+    const auto shown = [this](double ms) {
+        return QString::fromStdString(ShownNumber(FormatNumber(ms, 1, 1), session_.DecimalSeparator));
+    };
     statistics_->setText(QString("Transactions: %1   Failures: %2   Reply time: %3 ms, mean %4 ms")
                              .arg(statistics.Transactions)
                              .arg(statistics.Failures())
-                             .arg(statistics.LastMs(), 0, 'f', 1)
-                             .arg(statistics.MeanMs(), 0, 'f', 1));
+                             .arg(shown(statistics.LastMs()), shown(statistics.MeanMs())));
 }
 
 } // namespace kavro

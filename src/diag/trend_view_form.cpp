@@ -1,6 +1,7 @@
 #include "diag/trend_view_form.h"
 
 #include "diag/trend_style_form.h"
+#include "link/text.h"
 #include "ui/named.h"
 
 #include <QFontMetricsF>
@@ -62,7 +63,7 @@ QColor Faint(const QPalette& palette) {
 
 } // namespace
 
-TrendView::TrendView() {
+TrendView::TrendView(std::string separator) : separator_(std::move(separator)) {
     Named(this, "TrendView", "Trend of the ticked values over the last ten minutes");
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 }
@@ -164,7 +165,7 @@ void TrendView::ScaleAxis(Pane& pane, double height) const {
 QString TrendView::TickText(const Pane& pane, double mark) const {
     if (pane.Word)
         return (mark < 0 ? "-" : "") + QString::number(static_cast<qlonglong>(std::fabs(mark)), 16).toUpper();
-    return QString::number(mark == 0 ? 0 : mark, 'f', pane.Axis.Decimals); // never "-0"
+    return QString::fromStdString(ShownNumber(FormatNumber(mark, 1, pane.Axis.Decimals), separator_));
 }
 
 double TrendView::LegendHeight(const Pane& pane, double width) const {

@@ -7,6 +7,7 @@
 #include <QWidget>
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 class QImage;
@@ -26,7 +27,8 @@ struct TrendLine {
 /// The last ten minutes of some values over time: a pane with a scaled axis per unit, one above the other.
 class TrendView : public QWidget {
 public:
-    TrendView();
+    /// `separator`: the user's decimal separator, for the axes.
+    explicit TrendView(std::string separator);
 
     /// Shows these lines as of the moment `nowMs` of the clock.
     void Show(std::vector<TrendLine> lines, std::int64_t nowMs);
@@ -59,6 +61,7 @@ private:
     void PaintAxes(QPainter& painter, const Pane& pane, bool withTime) const;
     void PaintLine(QPainter& painter, const Pane& pane, const TrendLine& line) const;
 
+    std::string separator_;
     std::vector<TrendLine> lines_;
     std::int64_t nowMs_ = 0;
 };
