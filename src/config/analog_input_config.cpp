@@ -8,6 +8,14 @@ namespace kavro {
 
 namespace {
 
+constexpr std::size_t MaskReplyLength = 5; // "!AAVV"
+
+bool IsMaskReply(const Session& session, int index) {
+    const std::string& reply = session.Line.ReplyText;
+    return session.Line.ReplyIs('!') && reply.size() == MaskReplyLength &&
+           NamesModule(session, index, Middle(reply, 2, 2)) && HexNumber(Middle(reply, 4));
+}
+
 bool ApplyChannels(Session& session, int index, unsigned enabled, Messages& messages) {
     const int channels = ChannelCount(session.ModuleTable[index].Model).value_or(0);
     const unsigned mask = enabled & ((1U << channels) - 1);
@@ -20,7 +28,9 @@ bool ApplyChannels(Session& session, int index, unsigned enabled, Messages& mess
 AnalogInputConfig ReadAnalogInputConfig(Session& session, int index) {
     const ModuleRecord& record = session.ModuleTable[index];
     AnalogInputConfig config{LinkSettingsOf(record), record.InputRange, record.DataFormat};
-    config.EnabledChannels = ReadChannelEnables(session, index, session.Line.LongReplyTimeout).value_or(0);
+    const auto enabled = ReadChannelEnables(session, index, session.Line.LongReplyTimeout);
+    config.EnabledChannels = enabled.value_or(0);
+    config.ChannelsKnown = enabled && IsMaskReply(session, index);
     return config;
 }
 

@@ -14,10 +14,11 @@ struct AnalogInputConfig {
     std::int16_t InputRange = 0;  ///< range code
     std::int16_t DataFormat = 0;  ///< data format code
     unsigned EnabledChannels = 0; ///< bit n: channel n is read; bits beyond the model's channels do not count
+    bool ChannelsKnown = true;    ///< false: these were asked for, and no good reply came
 };
 
 /// The entry's settings, with the enabled channels read from the module ("$AA6"): none when it does not
-/// answer.
+/// answer. A reply that is not "!AAVV" is used as far as it goes, but does not make them known.
 AnalogInputConfig ReadAnalogInputConfig(Session& session, int index);
 
 /// Writes the settings: the module configuration when it differs from the entry, then always the enabled

@@ -9,18 +9,18 @@ namespace {
 
 constexpr unsigned AllPorts = 0x0F;
 
-// "!MM00": the reply has no address in it.
-unsigned ReadInputPorts(Session& session, int index) {
-    if (!ExchangeWithModule(session, index, "$" + AddressText(session, index) + "6",
-                            session.Line.ReplyTimeout))
-        return 0;
-    return HexNumber(Middle(session.Line.ReplyText, 2, 2)).value_or(0) & AllPorts;
-}
+constexpr std::size_t DirectionReplyLength = 5; // "!MM00": the reply has no address in it
 
 } // namespace
 
 PortDirectionConfig ReadPortDirectionConfig(Session& session, int index) {
-    return {LinkSettingsOf(session.ModuleTable[index]), ReadInputPorts(session, index)};
+    const bool answered = ExchangeWithModule(session, index, "$" + AddressText(session, index) + "6",
+                                             session.Line.ReplyTimeout);
+    const std::string& reply = session.Line.ReplyText;
+    const auto mask = answered ? HexNumber(Middle(reply, 2, 2)) : std::nullopt;
+    const bool known = mask && *mask <= AllPorts && session.Line.ReplyIs('!') &&
+                       reply.size() == DirectionReplyLength && Middle(reply, 4) == "00";
+    return {LinkSettingsOf(session.ModuleTable[index]), mask.value_or(AllPorts) & AllPorts, known};
 }
 
 ConfigOutcome ApplyPortDirectionConfig(Session& session, int index, const PortDirectionConfig& config,

@@ -10,10 +10,12 @@ namespace kavro {
 struct PortDirectionConfig {
     LinkSettings Link;
     unsigned InputPorts = 0; ///< bit 3 port A, 2 B, 1 CH, 0 CL; 1: the port is an input, 0: an output
+    bool PortsKnown = true;  ///< false: the directions were asked for, and no good reply came
 };
 
-/// The entry's settings, with the directions read from the module ("$AA6"): all outputs when it does not
-/// answer. Only here the short time-out holds, and the reply's first character is not tested.
+/// The entry's settings, with the directions read from the module ("$AA6"): all inputs, which drive nothing,
+/// when it does not answer. Only here the short time-out holds. The reply's first character is not tested,
+/// but a reply that is not "!MM00" does not make them known.
 PortDirectionConfig ReadPortDirectionConfig(Session& session, int index);
 
 /// Writes the module configuration when it differs from the entry, then always the directions ("$AASMM").
