@@ -85,8 +85,6 @@ bool IsDecimalNumber(std::string_view text) {
 
 // The whole text as a number, infinite when it is too large; nothing when it is not one.
 std::optional<float> TypedNumber(const std::string& text, const std::string& separator) {
-    if (separator != "." && text.find('.') != std::string::npos)
-        return std::nullopt; // there it may be meant to group digits
     std::string number = Trim(text);
     NormalizeDecimalPoint(number, separator);
     if (!IsDecimalNumber(number))
@@ -234,7 +232,7 @@ std::optional<double> AdCalibration::ReadColdJunction() {
 void AdCalibration::ShowColdJunction() {
     view_.Temperature.clear(); // a port that fails must not leave the reading before
     if (const auto temperature = ReadColdJunction())
-        view_.Temperature = FormatNumber(*temperature, 0, 1);
+        view_.Temperature = ShownNumber(FormatNumber(*temperature, 0, 1), session_.DecimalSeparator);
 }
 
 } // namespace kavro

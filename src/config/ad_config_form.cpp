@@ -5,6 +5,7 @@
 #include "link/codes.h"
 #include "link/model_choices.h"
 #include "ui/busy_pointer.h"
+#include "ui/note.h"
 
 #include <QComboBox>
 #include <QFormLayout>
@@ -15,6 +16,8 @@ namespace kavro {
 namespace {
 
 constexpr int ShownChannels = 8;
+constexpr const char* ChannelsUnknown =
+    "The enabled channels could not be read: what stands here may be wrong, and OK sends it.";
 
 QStringList ChannelLabels() {
     QStringList labels;
@@ -48,6 +51,9 @@ AdConfigForm::AdConfigForm(kavro::Session& session, kavro::Messages& messages, Q
     columns->addWidget(channels_);
     auto* fields = new QVBoxLayout;
     fields->addLayout(columns);
+    auto* unknown = new Note("ChannelsNote", *this);
+    unknown->Tell(config.ChannelsKnown ? "" : ChannelsUnknown);
+    fields->addWidget(unknown);
     Finish(*fields);
 }
 

@@ -11,7 +11,8 @@ namespace kavro {
 /// The configuration of an analog input module with several channels: 8230, 8250, 8260.
 class AdConfigForm : public ConfigForm {
 public:
-    /// Reads the enabled channels from the module; all are shown as disabled when it does not answer.
+    /// Reads the enabled channels from the module; all are shown as disabled when it does not answer,
+    /// and a line says so.
     AdConfigForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent = nullptr);
 
 protected:

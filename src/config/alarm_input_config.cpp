@@ -4,8 +4,6 @@
 #include "link/codes.h"
 #include "link/text.h"
 
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <optional>
 
@@ -14,6 +12,7 @@ namespace kavro {
 namespace {
 
 struct AlarmLimit {
+    const char* Control;
     const char* Name;
     const char* Code;
     float ModuleRecord::*Kept;
@@ -22,29 +21,14 @@ struct AlarmLimit {
 };
 
 constexpr AlarmLimit Limits[] = {
-    {"low alarm limit", "PL", &ModuleRecord::LowAlarm, &AlarmInputConfig::LowAlarm,
+    {"LowAlarm", "low alarm limit", "PL", &ModuleRecord::LowAlarm, &AlarmInputConfig::LowAlarm,
      "Low alarm limit configuration failed."},
-    {"high alarm limit", "PH", &ModuleRecord::HighAlarm, &AlarmInputConfig::HighAlarm,
+    {"HighAlarm", "high alarm limit", "PH", &ModuleRecord::HighAlarm, &AlarmInputConfig::HighAlarm,
      "High alarm limit configuration failed."},
 };
 
 std::string AlarmModeCode(std::int16_t mode) {
     return mode == 0 ? "DA" : "EA" + std::to_string(mode);
-}
-
-// The whole text as a number in digits, with sign and point.
-std::optional<double> NumberIn(std::string text) {
-    text = Trim(text);
-    const bool sign = text.starts_with('+') || text.starts_with('-');
-    const std::string digits = text.substr(sign ? 1 : 0);
-    if (digits.find_first_not_of("0123456789.") != std::string::npos)
-        return std::nullopt;
-    double value = 0;
-    const char* end = digits.data() + digits.size();
-    const auto [rest, error] = std::from_chars(digits.data(), end, value);
-    if (error != std::errc{} || rest != end)
-        return std::nullopt;
-    return text.starts_with('-') ? -value : value;
 }
 
 // A limit as it stands in commands and replies: sign and fixed digits.
@@ -60,23 +44,11 @@ bool Fits(double value, std::int16_t range) {
     return std::fabs(value) <= RangeFullScale(range);
 }
 
-/// The limits in the order of `Limits`. Throws `RuntimeFailure` for one that is not possible.
-std::array<double, std::size(Limits)> LimitsIn(const AlarmInputConfig& config, const std::string& separator) {
-    const double fullScale = RangeFullScale(config.InputRange);
-    if (fullScale == 0)
-        throw RuntimeFailure("Select an input range.");
-    std::array<double, std::size(Limits)> values{};
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        std::string text = config.*Limits[i].Entered;
-        NormalizeDecimalPoint(text, separator);
-        const auto value = NumberIn(text);
-        if (!value || !Fits(*value, config.InputRange))
-            throw RuntimeFailure("The " + std::string(Limits[i].Name) + " must be a number from -" +
-                                 ShortestText(fullScale) + " to +" + ShortestText(fullScale) + " " +
-                                 Trim(RangeUnit(config.InputRange, EngineeringUnits)) + ".");
-        values[i] = *value;
-    }
-    return values;
+// Nothing when it is no number within the full scale of the range.
+std::optional<double> LimitIn(std::string entered, std::int16_t range, const std::string& separator) {
+    NormalizeDecimalPoint(entered, separator);
+    const auto value = PlainNumber(entered);
+    return value && Fits(*value, range) ? value : std::nullopt;
 }
 
 // One module whose settings are being written; every function is true when the module accepted, or when there
@@ -106,7 +78,9 @@ struct AlarmInputWriter {
         return Note(accepted, "Alarm mode configuration failed.");
     }
 
-    bool Limit(const AlarmLimit& limit, double value, bool always) const {
+    bool Limit(const AlarmLimit& limit, bool always) const {
+        const double value =
+            LimitIn(Config.*limit.Entered, Config.InputRange, Session.DecimalSeparator).value_or(0);
         // The module may have kept another range than the one that the limit was entered for.
         if (!Fits(value, Record.InputRange))
             return Note(false, limit.Failure);
@@ -127,21 +101,40 @@ AlarmInputConfig AlarmInputConfigOf(const Session& session, int index) {
     AlarmInputConfig config{
         LinkSettingsOf(record), record.InputRange, record.DataFormat, record.AlarmMode, {}, {}};
     for (const AlarmLimit& limit : Limits) {
-        std::string text = LimitText(record.*limit.Kept, record.InputRange);
-        if (const auto point = text.find('.'); point != std::string::npos)
-            text.replace(point, 1, session.DecimalSeparator);
-        config.*limit.Entered = text;
+        config.*limit.Entered =
+            ShownNumber(LimitText(record.*limit.Kept, record.InputRange), session.DecimalSeparator);
     }
     return config;
+}
+
+std::optional<RefusedEntry> RefusedAlarmSetting(const AlarmInputConfig& config,
+                                                const std::string& separator) {
+    if (auto refused = RefusedAddress(config.Link))
+        return refused;
+    const double fullScale = RangeFullScale(config.InputRange);
+    if (fullScale == 0)
+        return RefusedEntry{"InputRange", "Select an input range."};
+    for (const AlarmLimit& limit : Limits)
+        if (!LimitIn(config.*limit.Entered, config.InputRange, separator)) {
+            const std::string bound = ShownNumber(ShortestText(fullScale), separator);
+            return RefusedEntry{limit.Control, "The " + std::string(limit.Name) + " must be a number from -" +
+                                                   bound + " to +" + bound + " " +
+                                                   Trim(RangeUnit(config.InputRange, EngineeringUnits)) +
+                                                   "."};
+        }
+    return std::nullopt;
+}
+
+std::string AlarmOrderNote(const AlarmInputConfig& config, const std::string& separator) {
+    const auto low = LimitIn(config.LowAlarm, config.InputRange, separator);
+    const auto high = LimitIn(config.HighAlarm, config.InputRange, separator);
+    return low && high && *low > *high ? "The low alarm limit is above the high one." : "";
 }
 
 ConfigOutcome ApplyAlarmInputConfig(Session& session, int index, const AlarmInputConfig& config,
                                     Messages& messages) {
     session.ConfigResult = 2;
-    if (!CheckAddress(session, config.Link, messages))
-        return ConfigOutcome::Refused;
-    std::array<double, std::size(Limits)> limits{};
-    if (!Guard(messages, [&] { limits = LimitsIn(config, session.DecimalSeparator); }))
+    if (TellRefused(RefusedAlarmSetting(config, session.DecimalSeparator), messages))
         return ConfigOutcome::Refused;
 
     const AlarmInputWriter module{session, index, config, messages};
@@ -149,8 +142,8 @@ ConfigOutcome ApplyAlarmInputConfig(Session& session, int index, const AlarmInpu
     bool complete = module.ModuleConfig();
     complete &= module.AlarmMode();
     const bool rangeChanged = module.Record.InputRange != rangeBefore;
-    for (std::size_t i = 0; i < limits.size(); ++i)
-        complete &= module.Limit(Limits[i], limits[i], rangeChanged);
+    for (const AlarmLimit& limit : Limits)
+        complete &= module.Limit(limit, rangeChanged);
     return EndConfig(session, complete, messages);
 }
 

@@ -26,7 +26,9 @@ bool ApplyChannels(Session& session, int index, const AnalogInputConfig& config,
 AnalogInputConfig ReadAnalogInputConfig(Session& session, int index) {
     const ModuleRecord& record = session.ModuleTable[index];
     AnalogInputConfig config{LinkSettingsOf(record), record.InputRange, record.DataFormat};
-    config.EnabledChannels = ReadChannelEnables(session, index, session.Line.LongReplyTimeout).value_or(0);
+    const auto enabled = ReadChannelEnables(session, index, session.Line.LongReplyTimeout);
+    config.EnabledChannels = enabled.value_or(0);
+    config.ChannelsKnown = enabled && LastReplyFits(session, index, '$', "6");
     return config;
 }
 

@@ -23,10 +23,21 @@ void StoreLinkSettings(ModuleRecord& record, const LinkSettings& link) {
     record.Checksum = link.Checksum;
 }
 
-bool CheckAddress(Session& session, const LinkSettings& link, Messages& messages) {
+std::optional<RefusedEntry> RefusedAddress(const LinkSettings& link) {
     if (link.Address <= HighestAddress)
+        return std::nullopt;
+    return RefusedEntry{"Addr", "Address can not exceed 255."};
+}
+
+bool TellRefused(const std::optional<RefusedEntry>& refused, Messages& messages) {
+    if (refused)
+        ShowError(messages, refused->Text);
+    return refused.has_value();
+}
+
+bool CheckAddress(Session& session, const LinkSettings& link, Messages& messages) {
+    if (!TellRefused(RefusedAddress(link), messages))
         return true;
-    ShowError(messages, "Address can not exceed 255.");
     session.ConfigResult = 2;
     return false;
 }
@@ -49,12 +60,14 @@ bool WriteModuleConfig(Session& session, int index, const LinkSettings& link, st
                                  ToHex(formatByte, 2));
 }
 
+bool NamesModule(const Session& session, int index, std::string_view address) {
+    return address == AddressText(session, index) || address == ToHex(session.ModuleTable[index].Address, 2);
+}
+
 bool WriteAcknowledged(Session& session, int index, char lead, const std::string& code) {
-    const std::string address = AddressText(session, index);
-    if (!ExchangeWithModule(session, index, lead + address + code, session.Line.LongReplyTimeout))
-        return false;
-    const std::string& reply = session.Line.ReplyText;
-    return reply == "!" + address || reply == "!" + ToHex(session.ModuleTable[index].Address, 2);
+    return ExchangeWithModule(session, index, lead + AddressText(session, index) + code,
+                              session.Line.LongReplyTimeout) &&
+           session.Line.ReplyIs('!') && NamesModule(session, index, Middle(session.Line.ReplyText, 2));
 }
 
 bool NoteStep(Session& session, bool accepted, const char* failure, Messages& messages) {
@@ -114,7 +127,7 @@ ConfigOutcome EndConfig(const Session& session, bool complete, Messages& message
     return OutcomeOf(complete);
 }
 
-void ShowError(Messages& messages, const char* text) {
+void ShowError(Messages& messages, const std::string& text) {
     messages.Show(text, "Error");
 }
 

@@ -4,7 +4,9 @@
 #include "map/session.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace kavro {
 
@@ -30,8 +32,20 @@ LinkSettings LinkSettingsOf(const ModuleRecord& record);
 /// Keeps what the module has accepted.
 void StoreLinkSettings(ModuleRecord& record, const LinkSettings& link);
 
+/// An entry of a dialog that is not possible.
+struct RefusedEntry {
+    std::string Control; ///< its name
+    std::string Text;    ///< for the user
+};
+
+/// The address, when it is above 255.
+std::optional<RefusedEntry> RefusedAddress(const LinkSettings& link);
+
 /// False, with the message shown and `ConfigResult` 2, when the address is above 255.
 bool CheckAddress(Session& session, const LinkSettings& link, Messages& messages);
+
+/// Tells a refused entry, and whether there was one.
+bool TellRefused(const std::optional<RefusedEntry>& refused, Messages& messages);
 
 /// The format byte FF of a module configuration: bit 6 checksum, and the family's own bits.
 std::int16_t FormatByte(const LinkSettings& link, std::int16_t familyBits);
@@ -49,9 +63,12 @@ bool WriteModuleConfig(Session& session, int index, const LinkSettings& link, st
                        std::int16_t formatByte);
 
 /// Sends `lead`, the entry's address at this moment, and `code`, for example "$", "01", "B1". True only for
-/// the reply "!AA" and nothing behind it. AA is the address spoken to; a module in its initialisation state
-/// may name its own in place of 00.
+/// the reply "!AA" and nothing behind it, AA naming the module.
 bool WriteAcknowledged(Session& session, int index, char lead, const std::string& code);
+
+/// Whether an address in a reply names entry `index`: by the address it is spoken to at, or, in its
+/// initialisation state, by its own.
+bool NamesModule(const Session& session, int index, std::string_view address);
 
 /// Ends a step of a dialog's sequence: accepted, `ConfigResult` becomes 1; else `failure` is told and
 /// `ConfigResult` stays as it was. Returns `accepted`.
@@ -97,7 +114,7 @@ constexpr ConfigOutcome OutcomeOf(bool complete) {
 ConfigOutcome EndConfig(const Session& session, bool complete, Messages& messages);
 
 /// Shows `text`, titled "Error".
-void ShowError(Messages& messages, const char* text);
+void ShowError(Messages& messages, const std::string& text);
 
 /// Texts that several dialogs share.
 inline constexpr const char* ConfigFailedText = "Configuration command failed.";

@@ -1,11 +1,13 @@
 #include "config/config_form.h"
 
+#include "config/entry_notes.h"
 #include "link/baud.h"
 #include "link/text.h"
 #include "ui/busy_pointer.h"
 #include "ui/center_form.h"
 #include "ui/key_filter.h"
 #include "ui/named.h"
+#include "ui/note.h"
 #include "ui/ok_cancel.h"
 #include "ui/spin_buttons.h"
 #include "ui/usable.h"
@@ -19,8 +21,6 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include <limits>
-
 namespace kavro {
 
 namespace {
@@ -31,14 +31,11 @@ QStringList BaudItems() {
     return {BaudNames.begin(), BaudNames.end()};
 }
 
-// Any number of digits; a number too long for the field's type stands for one that is too high anyway.
 std::int32_t AddressIn(const QLineEdit& box) {
-    const QString text = box.text().trimmed();
-    bool isNumber = false;
-    const qlonglong value = text.toLongLong(&isNumber);
-    if (!isNumber || value < 0)
+    const auto address = CappedNumber(Trim(box.text().toStdString()));
+    if (!address)
         throw RuntimeFailure("Enter an address from 0 to 255.");
-    return static_cast<std::int32_t>(std::min<qlonglong>(value, std::numeric_limits<std::int32_t>::max()));
+    return *address;
 }
 
 } // namespace
@@ -80,6 +77,28 @@ void ConfigForm::AddModuleAndAddress(QFormLayout& rows, const char* addressLabel
     row->addWidget(addr_, 1);
     AddSpinButtons(*row, *addr_, "AddressSpin", AddressRange);
     AddLabelled(rows, addressLabel, *addr_, row);
+    addressNote_ = AddNote(rows, "AddrNote");
+    connect(addr_, &QLineEdit::textChanged, this, [this] { ShowAddressNote(); });
+    ShowAddressNote();
+}
+
+void ConfigForm::ShowAddressNote() {
+    addressNote_->Tell(QString::fromStdString(AddressNote(session_, index_, addr_->text().toStdString())));
+}
+
+Note* ConfigForm::AddNote(QFormLayout& rows, const char* name) {
+    auto* note = new Note(name, *this);
+    rows.addRow(note);
+    return note;
+}
+
+void ConfigForm::ReturnTo(const std::optional<RefusedEntry>& refused) {
+    if (!refused)
+        return;
+    auto* control = findChild<QWidget*>(QString::fromStdString(refused->Control));
+    control->setFocus();
+    if (auto* box = qobject_cast<QLineEdit*>(control))
+        box->selectAll();
 }
 
 void ConfigForm::AddBaudRate(QFormLayout& rows) {
@@ -146,6 +165,8 @@ void ConfigForm::OKBtn_Click() {
     running_ = false;
     if (outcome != ConfigOutcome::Refused)
         accept();
+    else
+        ReturnTo(RefusedAddress(link));
 }
 
 void ConfigForm::reject() {

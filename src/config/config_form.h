@@ -16,6 +16,8 @@ class QVBoxLayout;
 
 namespace kavro {
 
+class Note;
+
 /// What the configuration dialogs share: the module's name, address, baud rate and checksum, OK and Cancel. A
 /// dialog adds its own fields between these and turns them into settings in `Apply`.
 ///
@@ -57,6 +59,10 @@ protected:
     /// has company.
     static void AddLabelled(QFormLayout& rows, const char* label, QWidget& control,
                             QLayout* around = nullptr);
+    /// A line below the row before, which says what an entry will lead to.
+    Note* AddNote(QFormLayout& rows, const char* name);
+    /// Leads the user back to an entry that was refused.
+    void ReturnTo(const std::optional<RefusedEntry>& refused);
     /// Disables a control of the link when it cannot be changed, with the reason.
     void LimitToInitialisation(QWidget& control) const;
     /// Adds OK and Cancel below `fields` and places the dialog.
@@ -65,11 +71,13 @@ protected:
 private:
     void OKBtn_Click();
     LinkSettings LinkInFields() const;
+    void ShowAddressNote();
 
     kavro::Session& session_;
     kavro::Messages& messages_;
     const int index_;
     QLineEdit* addr_ = nullptr;
+    Note* addressNote_ = nullptr;
     QComboBox* baudRate_ = nullptr;
     QComboBox* checksumCombo_ = nullptr; // one of the two
     QCheckBox* checksumBox_ = nullptr;

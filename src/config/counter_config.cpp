@@ -116,36 +116,49 @@ constexpr CounterCommand CountingCommands[] = {
     Command<&Values::AlarmValue, 1>('@', "SA", AlarmLimitFailed),
 };
 
-void CheckCounts(const std::array<double, 2>& counts, const std::string& name) {
-    for (std::size_t counter = 0; counter < counts.size(); ++counter)
-        if (std::trunc(counts[counter]) > HighestCount || std::trunc(counts[counter]) < LowestCount)
-            throw RuntimeFailure("The " + name + " of counter " + std::to_string(counter) +
-                                 " is too large. Enter a number from 0 to 4294967295.");
+bool FitsCount(double count) {
+    return std::trunc(count) <= HighestCount && std::trunc(count) >= LowestCount;
 }
 
-std::int16_t Fitting(double value, const std::string& name) {
-    if (std::fabs(value) > std::numeric_limits<std::int16_t>::max())
-        throw RuntimeFailure("The " + name + " is too large. Enter a smaller number.");
-    return static_cast<std::int16_t>(value);
+bool FitsEntry(double value) {
+    return std::fabs(value) <= std::numeric_limits<std::int16_t>::max();
 }
 
-std::int16_t WidthIn(const std::string& text, const std::string& name) {
-    // It goes out as it is written: a carriage return in it would end the command.
-    if (std::ranges::any_of(text, [](unsigned char character) { return character < ' '; }))
-        throw RuntimeFailure("The " + name + " is not a number. Enter it in microseconds.");
-    return Fitting(NumericValue(text), name);
+double Tenths(double volts) {
+    return std::round(volts * 10);
+}
+
+std::optional<RefusedEntry> RefusedCount(const Values& values) {
+    struct Counts {
+        const char* Control;
+        const char* Name;
+        const std::array<double, 2>& Of;
+    };
+    for (const Counts& counts : {Counts{"MaxValue", "maximum value", values.MaxValue},
+                                 {"InitialValue", "initial value", values.InitialValue},
+                                 {"AlarmValue", "alarm value", values.AlarmValue}})
+        for (std::size_t counter = 0; counter < counts.Of.size(); ++counter)
+            if (!FitsCount(counts.Of[counter])) {
+                const std::string number = std::to_string(counter);
+                return RefusedEntry{std::string(counts.Control) + "_" + number,
+                                    "The " + std::string(counts.Name) + " of counter " + number +
+                                        " is too large. Enter a number from 0 to 4294967295."};
+            }
+    return std::nullopt;
+}
+
+// A width goes out as it is written: a carriage return in it would end the command.
+bool BreaksCommand(const std::string& width) {
+    return std::ranges::any_of(width, [](unsigned char character) { return character < ' '; });
 }
 
 // The settings with their widths and levels as the entry holds them.
 CounterConfig Converted(CounterConfig config) {
     Values& values = config.Values;
-    CheckCounts(values.MaxValue, "maximum value");
-    CheckCounts(values.InitialValue, "initial value");
-    CheckCounts(values.AlarmValue, "alarm value");
-    values.MinAtHigh = WidthIn(config.MinAtHigh, "minimum signal width at high level");
-    values.MinAtLow = WidthIn(config.MinAtLow, "minimum signal width at low level");
-    values.TtlAtHigh = Fitting(std::round(config.TtlAtHigh * 10), "high trigger level");
-    values.TtlAtLow = Fitting(std::round(config.TtlAtLow * 10), "low trigger level");
+    values.MinAtHigh = static_cast<std::int16_t>(NumericValue(config.MinAtHigh));
+    values.MinAtLow = static_cast<std::int16_t>(NumericValue(config.MinAtLow));
+    values.TtlAtHigh = static_cast<std::int16_t>(Tenths(config.TtlAtHigh));
+    values.TtlAtLow = static_cast<std::int16_t>(Tenths(config.TtlAtLow));
     return config;
 }
 
@@ -192,16 +205,43 @@ CounterConfig CounterConfigOf(const Session& session, int index) {
             values.TtlAtLow / 10.0};
 }
 
+std::optional<RefusedEntry> RefusedCounterSetting(const CounterConfig& config) {
+    if (auto refused = RefusedAddress(config.Link))
+        return refused;
+    // What a module that measures frequencies is not sent need not fit either.
+    if (config.TypeCode != CounterRange)
+        return std::nullopt;
+    if (auto refused = RefusedCount(config.Values))
+        return refused;
+    struct Number {
+        const char* Control;
+        const char* Name;
+        double Value;
+        bool BreaksCommand;
+    };
+    const auto width = [](const char* control, const char* name, const std::string& text) {
+        return Number{control, name, NumericValue(text), BreaksCommand(text)};
+    };
+    for (const Number& number : {width("MinAtHigh", "minimum signal width at high level", config.MinAtHigh),
+                                 width("MinAtLow", "minimum signal width at low level", config.MinAtLow),
+                                 Number{"TTLAtHigh", "high trigger level", Tenths(config.TtlAtHigh), false},
+                                 Number{"TTLAtLow", "low trigger level", Tenths(config.TtlAtLow), false}}) {
+        const std::string the = "The " + std::string(number.Name);
+        if (number.BreaksCommand)
+            return RefusedEntry{number.Control, the + " is not a number. Enter it in microseconds."};
+        if (!FitsEntry(number.Value))
+            return RefusedEntry{number.Control, the + " is too large. Enter a smaller number."};
+    }
+    return std::nullopt;
+}
+
 ConfigOutcome ApplyCounterConfig(Session& session, int index, const CounterConfig& config,
                                  Messages& messages) {
     session.ConfigResult = 2;
-    if (!CheckAddress(session, config.Link, messages))
+    if (TellRefused(RefusedCounterSetting(config), messages))
         return ConfigOutcome::Refused;
-    // What a module that measures frequencies is not sent need not fit either.
     const bool counts = config.TypeCode == CounterRange;
-    CounterConfig wanted = config;
-    if (!Guard(messages, [&] { wanted = counts ? Converted(config) : config; }))
-        return ConfigOutcome::Refused;
+    const CounterConfig wanted = counts ? Converted(config) : config;
 
     bool complete = ApplyModuleConfig(session, index, wanted, messages);
     complete &= ApplyCommand(session, index, InputModeCommand, wanted, messages);

@@ -5,6 +5,7 @@
 #include "map/session.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace kavro {
@@ -23,12 +24,16 @@ struct CounterConfig {
 /// The entry's settings; nothing is read from the module.
 CounterConfig CounterConfigOf(const Session& session, int index);
 
+/// The first entry that is not possible: the address, or, of a module that counts, a number that its command
+/// or its field in the entry cannot hold.
+std::optional<RefusedEntry> RefusedCounterSetting(const CounterConfig& config);
+
 /// Writes every setting that differs from the entry with a command of its own, in a fixed order: module
 /// configuration, input mode, and of a module that counts all the others. Tells every failure and goes on;
 /// at the end tells the success when any command was accepted. Keeps in the entry what the module accepted,
 /// and leaves `ConfigResult` 1 when it accepted anything, else 2.
 ///
-/// A number that its command or its field in the entry cannot hold is refused before anything is sent.
+/// What `RefusedCounterSetting` names is refused before anything is sent.
 ConfigOutcome ApplyCounterConfig(Session& session, int index, const CounterConfig& config,
                                  Messages& messages);
 

@@ -1,10 +1,12 @@
 #include "config/ctr_config_form.h"
 
 #include "config/counter_config.h"
+#include "config/entry_notes.h"
 #include "config/number_text.h"
 #include "link/codes.h"
 #include "link/text.h"
 #include "ui/named.h"
+#include "ui/note.h"
 #include "ui/usable.h"
 
 #include <QComboBox>
@@ -39,10 +41,6 @@ QFormLayout* AddFrame(QBoxLayout& layout, const QString& caption) {
     auto* frame = new QGroupBox(caption);
     layout.addWidget(frame);
     return new QFormLayout(frame);
-}
-
-double NumberIn(const QLineEdit& box) {
-    return NumericValue(box.text().toStdString());
 }
 
 // A list without a selection leaves the setting as it is.
@@ -90,14 +88,39 @@ QLayout* CtrConfigForm::BuildModule() {
     return moduleRows_;
 }
 
-QLineEdit* CtrConfigForm::AddBox(QFormLayout& rows, const char* name, const char* label,
-                                 const std::string& text) {
-    auto* box =
-        Named(new QLineEdit(QString::fromStdString(text)), name, QString(label).remove('&').remove(':'));
+QLineEdit* CtrConfigForm::AddBox(QFormLayout& rows, const BoxName& name, const std::string& text,
+                                 NoteOf note) {
+    auto* box = Named(new QLineEdit(QString::fromStdString(text)), name.Name,
+                      QString(name.Label).remove('&').remove(':'));
     // Room for the longest count.
     box->setMinimumWidth(box->fontMetrics().horizontalAdvance("42949672950000"));
-    AddLabelled(rows, label, *box);
+    AddLabelled(rows, name.Label, *box);
+    Note* line = AddNote(rows, (std::string(name.Name) + "Note").c_str());
+    if (name.Counter) {
+        OfCounter(*name.Counter, box);
+        line->setObjectName(line->objectName() + QString("_%1").arg(*name.Counter));
+    }
+    notes_.push_back({box, line, note});
+    connect(box, &QLineEdit::textChanged, this, [this] { ShowNotes(); });
     return box;
+}
+
+QLineEdit* CtrConfigForm::AddCount(QFormLayout& rows, const BoxName& name, double count) {
+    return AddBox(rows, name, Shown(count), CountNote);
+}
+
+QLineEdit* CtrConfigForm::AddLevel(QFormLayout& rows, const BoxName& name, double volts) {
+    return AddBox(rows, name, Shown(volts), LevelNote);
+}
+
+std::string CtrConfigForm::Shown(double value) const {
+    return ShownNumber(ShortestText(value), Session().DecimalSeparator);
+}
+
+double CtrConfigForm::NumberIn(const QLineEdit& box) const {
+    std::string text = box.text().toStdString();
+    NormalizeDecimalPoint(text, Session().DecimalSeparator);
+    return NumericValue(text);
 }
 
 QGroupBox* CtrConfigForm::BuildFilter(const CounterConfig& config) {
@@ -108,11 +131,11 @@ QGroupBox* CtrConfigForm::BuildFilter(const CounterConfig& config) {
     digitalFilter_ =
         AddList(*rows, "DigitalFilter", "&Digital filter:", Switch(), config.Values.DigitalFilter);
     QFormLayout* widths = AddFrame(*layout, "Min input signal width");
-    minAtHigh_ = AddBox(*widths, "MinAtHigh", "&High level (usec):", config.MinAtHigh);
-    minAtLow_ = AddBox(*widths, "MinAtLow", "&Low level (usec):", config.MinAtLow);
+    minAtHigh_ = AddBox(*widths, {"MinAtHigh", "&High level (usec):"}, config.MinAtHigh, WidthNote);
+    minAtLow_ = AddBox(*widths, {"MinAtLow", "&Low level (usec):"}, config.MinAtLow, WidthNote);
     QFormLayout* levels = AddFrame(*layout, "TTL input");
-    ttlAtHigh_ = AddBox(*levels, "TTLAtHigh", "High t&rigger level (V):", ShortestText(config.TtlAtHigh));
-    ttlAtLow_ = AddBox(*levels, "TTLAtLow", "Lo&w trigger level (V):", ShortestText(config.TtlAtLow));
+    ttlAtHigh_ = AddLevel(*levels, {"TTLAtHigh", "High t&rigger level (V):"}, config.TtlAtHigh);
+    ttlAtLow_ = AddLevel(*levels, {"TTLAtLow", "Lo&w trigger level (V):"}, config.TtlAtLow);
     return group;
 }
 
@@ -129,10 +152,9 @@ QGroupBox* CtrConfigForm::BuildCounters() {
         QFormLayout& fields = *AddFrame(*frames, CounterCaption(n));
         counters_[n].CounterStatus = OfCounter(
             n, AddList(fields, "CounterStatus", "Status:", {"Stop", "Start"}, values.CounterStatus[n]));
-        counters_[n].MaxValue =
-            OfCounter(n, AddBox(fields, "MaxValue", "Max value (Dec):", ShortestText(values.MaxValue[n])));
-        counters_[n].InitialValue = OfCounter(
-            n, AddBox(fields, "InitialValue", "Initial value (Dec):", ShortestText(values.InitialValue[n])));
+        counters_[n].MaxValue = AddCount(fields, {"MaxValue", "Max value (Dec):", n}, values.MaxValue[n]);
+        counters_[n].InitialValue =
+            AddCount(fields, {"InitialValue", "Initial value (Dec):", n}, values.InitialValue[n]);
     }
     return group;
 }
@@ -145,8 +167,8 @@ QGroupBox* CtrConfigForm::BuildAlarms() {
         QFormLayout& fields = *AddFrame(*frames, CounterCaption(n));
         counters_[n].AlarmSetting =
             OfCounter(n, AddList(fields, "AlarmSetting", "Alarm setting:", Switch(), values.AlarmSetting[n]));
-        counters_[n].AlarmValue = OfCounter(
-            n, AddBox(fields, "AlarmValue", "Alarm value (Dec):", ShortestText(values.AlarmValue[n])));
+        counters_[n].AlarmValue =
+            AddCount(fields, {"AlarmValue", "Alarm value (Dec):", n}, values.AlarmValue[n]);
     }
     return group;
 }
@@ -160,9 +182,19 @@ void CtrConfigForm::ApplyLayout() {
         for (QWidget* control : frame->findChildren<QWidget*>())
             SetUsable(*control, counts, OfCountingOnly);
     }
+    ShowNotes();
 }
 
-ConfigOutcome CtrConfigForm::Apply(const LinkSettings& link) {
+// Of a module that measures frequencies none of these is sent.
+void CtrConfigForm::ShowNotes() {
+    const bool counts = typeCode_->currentIndex() == 0;
+    for (const NotedBox& noted : notes_)
+        noted.Line->Tell(counts ? QString::fromStdString(
+                                      noted.Text(noted.Box->text().toStdString(), Session().DecimalSeparator))
+                                : "");
+}
+
+CounterConfig CtrConfigForm::ConfigInFields(const LinkSettings& link) const {
     CounterConfig config = CounterConfigOf(Session(), Index());
     config.Link = link;
     if (typeCode_->currentIndex() >= 0)
@@ -183,7 +215,15 @@ ConfigOutcome CtrConfigForm::Apply(const LinkSettings& link) {
     config.MinAtLow = minAtLow_->text().toStdString();
     config.TtlAtHigh = NumberIn(*ttlAtHigh_);
     config.TtlAtLow = NumberIn(*ttlAtLow_);
-    return ApplyCounterConfig(Session(), Index(), config, Messages());
+    return config;
+}
+
+ConfigOutcome CtrConfigForm::Apply(const LinkSettings& link) {
+    const CounterConfig config = ConfigInFields(link);
+    const ConfigOutcome outcome = ApplyCounterConfig(Session(), Index(), config, Messages());
+    if (outcome == ConfigOutcome::Refused)
+        ReturnTo(RefusedCounterSetting(config));
+    return outcome;
 }
 
 } // namespace kavro

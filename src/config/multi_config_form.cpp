@@ -7,6 +7,7 @@
 #include "link/text.h"
 #include "ui/key_filter.h"
 #include "ui/named.h"
+#include "ui/note.h"
 
 #include <QComboBox>
 #include <QFormLayout>
@@ -45,8 +46,15 @@ MultiConfigForm::MultiConfigForm(kavro::Session& session, kavro::Messages& messa
     alarmMode_ = AddList(*rows, "AlarmMode", "Alarm &mode:", AlarmModeItems(), config.AlarmMode);
     lowAlarm_ = AddLimit(*rows, "LowAlarm", "&Low alarm limit:", config.LowAlarm);
     highAlarm_ = AddLimit(*rows, "HighAlarm", "&High alarm limit:", config.HighAlarm);
-    connect(inputRange_, &QComboBox::currentIndexChanged, this, [this] { ShowUnit(); });
+    limitsNote_ = AddNote(*rows, "LimitsNote");
+    connect(inputRange_, &QComboBox::currentIndexChanged, this, [this] {
+        ShowUnit();
+        ShowLimitsNote();
+    });
     ShowUnit();
+    for (QLineEdit* limit : {lowAlarm_, highAlarm_})
+        connect(limit, &QLineEdit::textChanged, this, [this] { ShowLimitsNote(); });
+    ShowLimitsNote();
 
     auto* fields = new QVBoxLayout;
     fields->addLayout(rows);
@@ -57,7 +65,10 @@ QLineEdit* MultiConfigForm::AddLimit(QFormLayout& rows, const char* name, const 
                                      const std::string& text) {
     auto* box = new QLineEdit(QString::fromStdString(text));
     box->setObjectName(name);
-    FilterKeys(*box, [this](int& keyCode) { FilterSignedNumberKey(keyCode, Session().DecimalSeparator); });
+    FilterKeys(*box, [this](int& keyCode) {
+        if (keyCode != '.') // which is taken as well as the user's own
+            FilterSignedNumberKey(keyCode, Session().DecimalSeparator);
+    });
     auto* unit = Named(new QLabel, QString(name) + "Unit", {});
     unit->setMinimumWidth(unit->fontMetrics().horizontalAdvance("mA "));
     units_.push_back(unit);
@@ -80,14 +91,26 @@ void MultiConfigForm::ShowUnit() {
     highAlarm_->setAccessibleName("High alarm limit, " + unit);
 }
 
-ConfigOutcome MultiConfigForm::Apply(const LinkSettings& link) {
+void MultiConfigForm::ShowLimitsNote() {
+    limitsNote_->Tell(QString::fromStdString(AlarmOrderNote(ConfigInFields({}), Session().DecimalSeparator)));
+}
+
+AlarmInputConfig MultiConfigForm::ConfigInFields(const LinkSettings& link) const {
     const int mode = alarmMode_->currentIndex();
-    return ApplyAlarmInputConfig(Session(), Index(),
-                                 {link, SelectedInputRange(),
-                                  SelectedCode(*dataFormat_, formatMap_, Record().DataFormat),
-                                  mode < 0 ? Record().AlarmMode : static_cast<std::int16_t>(mode),
-                                  lowAlarm_->text().toStdString(), highAlarm_->text().toStdString()},
-                                 Messages());
+    return {link,
+            SelectedInputRange(),
+            SelectedCode(*dataFormat_, formatMap_, Record().DataFormat),
+            mode < 0 ? Record().AlarmMode : static_cast<std::int16_t>(mode),
+            lowAlarm_->text().toStdString(),
+            highAlarm_->text().toStdString()};
+}
+
+ConfigOutcome MultiConfigForm::Apply(const LinkSettings& link) {
+    const AlarmInputConfig config = ConfigInFields(link);
+    const ConfigOutcome outcome = ApplyAlarmInputConfig(Session(), Index(), config, Messages());
+    if (outcome == ConfigOutcome::Refused)
+        ReturnTo(RefusedAlarmSetting(config, Session().DecimalSeparator));
+    return outcome;
 }
 
 } // namespace kavro

@@ -7,6 +7,8 @@
 
 namespace kavro {
 
+struct AlarmInputConfig;
+
 /// The configuration of an analog input module with one channel and alarms: 8210, 8220, 8240.
 class MultiConfigForm : public ConfigForm {
 public:
@@ -19,6 +21,8 @@ private:
     QLineEdit* AddLimit(QFormLayout& rows, const char* name, const char* label, const std::string& text);
     std::int16_t SelectedInputRange() const;
     void ShowUnit();
+    void ShowLimitsNote();
+    AlarmInputConfig ConfigInFields(const LinkSettings& link) const;
 
     std::vector<std::int16_t> ranges_;    // range code by position in the list
     std::vector<std::int16_t> formatMap_; // data format code by position in the list
@@ -28,6 +32,7 @@ private:
     QComboBox* alarmMode_ = nullptr;
     QLineEdit* lowAlarm_ = nullptr;
     QLineEdit* highAlarm_ = nullptr;
+    Note* limitsNote_ = nullptr;
 };
 
 } // namespace kavro

@@ -2,6 +2,7 @@
 
 #include "config/port_direction_config.h"
 #include "ui/busy_pointer.h"
+#include "ui/note.h"
 
 #include <QFormLayout>
 #include <QVBoxLayout>
@@ -12,6 +13,9 @@ namespace {
 
 constexpr const char* PortLabels[] = {"Port A", "Port B", "Port CH", "Port CL"};
 constexpr int Ports = std::size(PortLabels);
+
+constexpr const char* PortsUnknown =
+    "The directions could not be read: what stands here may be wrong, and OK sends it.";
 
 // The first port has the highest bit.
 constexpr int BitOf(int port) {
@@ -36,6 +40,9 @@ N46ConfigForm::N46ConfigForm(kavro::Session& session, kavro::Messages& messages,
     auto* fields = new QVBoxLayout;
     fields->addLayout(rows);
     fields->addWidget(ports_);
+    auto* unknown = new Note("PortsNote", *this);
+    unknown->Tell(config.PortsKnown ? "" : PortsUnknown);
+    fields->addWidget(unknown);
     Finish(*fields);
 }
 

@@ -8,7 +8,8 @@ namespace kavro {
 /// The configuration of the digital I/O module with four ports: 8460.
 class N46ConfigForm : public ConfigForm {
 public:
-    /// Reads the directions of the ports from the module; all are shown as outputs when it does not answer.
+    /// Reads the directions of the ports from the module; all are shown as inputs when it does not answer,
+    /// and a line says so.
     N46ConfigForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent = nullptr);
 
 protected:

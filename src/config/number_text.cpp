@@ -1,5 +1,7 @@
 #include "config/number_text.h"
 
+#include "link/text.h"
+
 #include <array>
 #include <charconv>
 
@@ -23,6 +25,20 @@ std::string ShortestText(double value) {
 
 std::string ShortestText(float value) {
     return Text(value);
+}
+
+std::optional<double> PlainNumber(std::string text) {
+    text = Trim(text);
+    const bool sign = text.starts_with('+') || text.starts_with('-');
+    const std::string digits = text.substr(sign ? 1 : 0);
+    if (digits.find_first_not_of("0123456789.") != std::string::npos)
+        return std::nullopt;
+    double value = 0;
+    const char* end = digits.data() + digits.size();
+    const auto [rest, error] = std::from_chars(digits.data(), end, value);
+    if (error != std::errc{} || rest != end)
+        return std::nullopt;
+    return text.starts_with('-') ? -value : value;
 }
 
 } // namespace kavro

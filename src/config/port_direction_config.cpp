@@ -10,18 +10,15 @@ namespace {
 
 constexpr unsigned AllPorts = 0x0F;
 
-// "!MM00": the reply has no address in it.
-unsigned ReadInputPorts(Session& session, int index) {
-    if (!ExchangeWithModule(session, index, "$" + AddressText(session, index) + "6",
-                            session.Line.ReplyTimeout))
-        return 0;
-    return HexNumber(Middle(session.Line.ReplyText, 2, 2)).value_or(0) & AllPorts;
-}
-
 } // namespace
 
 PortDirectionConfig ReadPortDirectionConfig(Session& session, int index) {
-    return {LinkSettingsOf(session.ModuleTable[index]), ReadInputPorts(session, index)};
+    const bool answered = ExchangeWithModule(session, index, "$" + AddressText(session, index) + "6",
+                                             session.Line.ReplyTimeout);
+    const std::string& reply = session.Line.ReplyText;
+    const auto mask = answered ? HexNumber(Middle(reply, 2, 2)) : std::nullopt;
+    return {LinkSettingsOf(session.ModuleTable[index]), mask.value_or(AllPorts) & AllPorts, std::nullopt,
+            LastReplyFits(session, index, '$', "6")};
 }
 
 std::optional<PortDirectionConfig> ReadPortDirectionConfigWell(Session& session, int index) {

@@ -63,8 +63,10 @@ void AdDiagForm::Tick() {
         if (Enabled(channel))
             Then([this, unit, channel] {
                 readings_->BeginReading(channel);
-                readings_->ShowReading(channel, SignedReading(ReadAnalogInput(Session(), Index(), channel)),
-                                       unit);
+                readings_->ShowReading(
+                    channel,
+                    SignedReading(ReadAnalogInput(Session(), Index(), channel), Session().DecimalSeparator),
+                    unit);
             });
     if (hasOpenStatus_)
         Then([this] { ShowOpenStatus(); });

@@ -5,8 +5,9 @@
 
 namespace kavro {
 
-std::string SignedReading(const AnalogReading& reading) {
-    return (reading.Value && !reading.Text.starts_with('-') ? "+" : "") + reading.Text;
+std::string SignedReading(const AnalogReading& reading, const std::string& separator) {
+    return (reading.Value && !reading.Text.starts_with('-') ? "+" : "") +
+           ShownNumber(reading.Text, separator);
 }
 
 Answer ReadInputValue(Session& session, int index, int channel, AnalogReading& reading) {

@@ -10,8 +10,9 @@
 
 namespace kavro {
 
-/// A reading as it is shown: "+" before a number that has no "-", any other text as it is.
-std::string SignedReading(const AnalogReading& reading);
+/// A reading as it is shown: "+" before a number that has no "-", with the user's decimal separator; any
+/// other text as it is.
+std::string SignedReading(const AnalogReading& reading, const std::string& separator);
 
 /// Reads channel `channel` of an analog input, believing what `AskModule` believes; the full scale is that of
 /// the module's own range. `reading` stays as it was unless the answer is `Ok`.

@@ -49,8 +49,8 @@ std::string OutputData(const ModuleRecord& record, BarPosition bar) {
 
 } // namespace
 
-std::string ShownOutput(float value) {
-    return FormatNumber(value, 1, 3);
+std::string ShownOutput(float value, const std::string& separator) {
+    return ShownNumber(FormatNumber(value, 1, 3), separator);
 }
 
 float OutputValue(std::int16_t rangeCode, BarPosition bar) {

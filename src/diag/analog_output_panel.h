@@ -18,8 +18,8 @@ struct BarPosition {
     int Total = 1;
 };
 
-/// An output as it is shown: "12.500", "-7.250".
-std::string ShownOutput(float value);
+/// An output as it is shown: "12.500", "-7.250", with the user's decimal separator.
+std::string ShownOutput(float value, const std::string& separator);
 
 /// Value of the single output with this range code when its bar stands there; in single precision.
 float OutputValue(std::int16_t rangeCode, BarPosition bar);

@@ -39,7 +39,10 @@ void DaDiagForm::Build() {
         .Unit = Trim(RangeUnit(range, Record().DataFormat)),
         .Designed = "00.000",
         .Shown =
-            [this](int position) { return ShownOutput(OutputValue(Record().InputRange, BarAt(position))); },
+            [this](int position) {
+                return ShownOutput(OutputValue(Record().InputRange, BarAt(position)),
+                                   Session().DecimalSeparator);
+            },
         .Change = [this](int position) { Operate([this, position] { Change(position); }); },
     });
     Rows().addWidget(output_);

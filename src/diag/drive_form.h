@@ -2,6 +2,7 @@
 
 #include "diag/panel_form.h"
 #include "map/module_command.h"
+#include "ui/warning_sign.h"
 
 #include <QString>
 
@@ -10,9 +11,6 @@
 #include <vector>
 
 namespace kavro {
-
-/// Leads a text that needs attention.
-inline constexpr const char* WarningSign = "\u26a0 ";
 
 /// Something that a panel reads in every tick, by one transaction.
 struct PanelRead {

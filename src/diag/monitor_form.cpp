@@ -62,7 +62,7 @@ MonitorForm::MonitorForm(kavro::Session& session, kavro::Messages& messages, QWi
 
 QWidget* MonitorForm::BuildValues() {
     grid_ = new MonitorGrid(Session(), monitor_, [this] { ShowTrend(); });
-    trend_ = new TrendView;
+    trend_ = new TrendView(Session().DecimalSeparator);
     splitter_ = Named(new QSplitter, "Splitter", "Grid and trend");
     splitter_->addWidget(grid_);
     splitter_->addWidget(trend_);

@@ -35,20 +35,21 @@ bool IsNumber(const std::string& channel) {
 }
 
 // "1.2500 V"; the value of a channel that has no number is led by its name.
-QString ValueText(const MonitoredValue& value) {
+QString ValueText(const MonitoredValue& value, const std::string& separator) {
     const std::string name = IsNumber(value.Value.Channel) ? "" : value.Value.Channel + ": ";
     const std::string text = value.Value.State == ValueState::Disabled || !value.GoodAt
                                  ? StateText(value.Value.State)
-                                 : value.Value.Text + " " + value.Value.Unit;
+                                 : ShownNumber(value.Value.Text, separator) + " " + value.Value.Unit;
     return QString::fromStdString(name + Trim(text));
 }
 
-QString AgeText(std::optional<std::int64_t> ageMs) {
+QString AgeText(std::optional<std::int64_t> ageMs, const std::string& separator) {
     constexpr std::int64_t tenths = 10'000, seconds = 120'000; // up to here
     if (!ageMs)
         return {};
     if (*ageMs < tenths)
-        return QString("%1 s").arg(static_cast<double>(*ageMs) / 1000, 0, 'f', 1);
+        return QString::fromStdString(
+            ShownNumber(FormatNumber(static_cast<double>(*ageMs) / 1000, 1, 1), separator) + " s");
     return *ageMs < seconds ? QString("%1 s").arg(*ageMs / 1000) : QString("%1 min").arg(*ageMs / 60'000);
 }
 
@@ -139,7 +140,7 @@ void MonitorGrid::ShowValue(int index, int place) {
         cell->setFlags(cell->flags() | Qt::ItemIsUserCheckable);
         cell->setCheckState(Qt::Unchecked);
     }
-    SetText(index, FirstValueColumn + place, ValueText(value));
+    SetText(index, FirstValueColumn + place, ValueText(value, session_.DecimalSeparator));
     // A value that may no longer be so is soft and slanted.
     QFont font = this->font();
     font.setItalic(!live && !disabled);
@@ -155,7 +156,7 @@ void MonitorGrid::ShowAll() {
 void MonitorGrid::ShowAges() {
     const QSignalBlocker silent(this);
     for (int index = 0; index < rowCount(); ++index)
-        SetText(index, AgeColumn, AgeText(monitor_.AgeMs(index)));
+        SetText(index, AgeColumn, AgeText(monitor_.AgeMs(index), session_.DecimalSeparator));
     viewport()->update();
 }
 
@@ -207,7 +208,7 @@ bool MonitorGrid::viewportEvent(QEvent* event) {
         const QModelIndex cell = indexAt(static_cast<QHelpEvent*>(event)->pos());
         const auto place = static_cast<std::size_t>(cell.column() - FirstValueColumn);
         if (cell.isValid() && place < monitor_.Values(cell.row()).size()) {
-            const QString age = AgeText(monitor_.AgeMs(cell.row(), place));
+            const QString age = AgeText(monitor_.AgeMs(cell.row(), place), session_.DecimalSeparator);
             const QSignalBlocker silent(this);
             item(cell.row(), cell.column())
                 ->setToolTip(age.isEmpty() ? "Never read" : "Read " + age + " ago");

@@ -53,7 +53,7 @@ Answer MultiDiagForm::ReadReading() {
     AnalogReading reading{"*error*", std::nullopt};
     reading_->BeginReading(0);
     const Answer answer = ReadInputValue(Session(), Index(), 0, reading);
-    reading_->ShowReading(0, SignedReading(reading), RangeUnit(record.InputRange, record.DataFormat));
+    reading_->ShowReading(0, SignedReading(reading, Session().DecimalSeparator), RangeUnit(record.InputRange, record.DataFormat));
     return answer;
 }
 
@@ -73,7 +73,10 @@ void MultiDiagForm::AddAlarm() {
         std::string& limit = limits_[high ? 1 : 0];
         AddRead({high ? "High alarm limit" : "Low alarm limit",
                  [this, high, &limit] { return ReadAlarmLimit(Session(), Index(), high, limit); },
-                 [label, &limit](bool stale) { ShowValue(*label, Shown(limit), stale); }, true});
+                 [this, label, &limit](bool stale) {
+                     ShowValue(*label, Shown(ShownNumber(limit, Session().DecimalSeparator)), stale);
+                 },
+                 true});
     }
     rows->addRow("Active alarms:", active_ = ValueLabel("ActiveAlarms"));
     clear_ = Named(new QPushButton("&Clear alarm"), "ClearBtn", "Clear alarm");

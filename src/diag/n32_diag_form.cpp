@@ -54,7 +54,10 @@ OutputControl* N32DiagForm::MakePort(int port) {
         .Unit = Trim(RangeUnit(Record().InputRange, Record().DataFormat)),
         .Minimum = -OutputBarSteps,
         .Designed = "-10.000",
-        .Shown = [](int position) { return ShownOutput(PortValue(BarAt(position))); },
+        .Shown =
+            [this](int position) {
+                return ShownOutput(PortValue(BarAt(position)), Session().DecimalSeparator);
+            },
         .Change = [this, port](int position) { Operate([=, this] { Change(port, position); }); },
     });
 }

@@ -216,12 +216,14 @@ void PanelForm::ShowLost(bool lost) {
 
 void PanelForm::ShowStatistics() {
     const LineStatistics& statistics = session_.Line.Statistics;
+    const auto shown = [this](double ms) {
+        return QString::fromStdString(ShownNumber(FormatNumber(ms, 1, 1), session_.DecimalSeparator));
+    };
     statistics_->setText(QString("Transactions: %1   Failures: %2%3   Reply time: %4 ms, mean %5 ms")
                              .arg(statistics.Transactions)
                              .arg(statistics.Failures())
                              .arg(KindsText(statistics))
-                             .arg(statistics.LastMs(), 0, 'f', 1)
-                             .arg(statistics.MeanMs(), 0, 'f', 1));
+                             .arg(shown(statistics.LastMs()), shown(statistics.MeanMs())));
 }
 
 } // namespace kavro

@@ -1,6 +1,7 @@
 #include "diag/trend_view_form.h"
 
 #include "diag/trend_style_form.h"
+#include "link/text.h"
 #include "ui/named.h"
 
 #include <QFontMetricsF>
@@ -65,7 +66,7 @@ QColor Faint(const QPalette& palette) {
 
 } // namespace
 
-TrendView::TrendView() {
+TrendView::TrendView(std::string separator) : separator_(std::move(separator)) {
     Named(this, "TrendView", "Trend of the ticked values over the last ten minutes");
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 }
@@ -173,7 +174,7 @@ std::vector<TimeMark> TrendView::TimeMarks(double width, const std::optional<Wal
 QString TrendView::TickText(const Pane& pane, double mark) const {
     if (pane.Word)
         return (mark < 0 ? "-" : "") + QString::number(static_cast<qlonglong>(std::fabs(mark)), 16).toUpper();
-    return QString::number(mark == 0 ? 0 : mark, 'f', pane.Axis.Decimals); // never "-0"
+    return QString::fromStdString(ShownNumber(FormatNumber(mark, 1, pane.Axis.Decimals), separator_));
 }
 
 double TrendView::LegendHeight(const Pane& pane, double width) const {

@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 class QImage;
@@ -28,7 +29,8 @@ struct TrendLine {
 /// The last ten minutes of some values over time: a pane with a scaled axis per unit, one above the other.
 class TrendView : public QWidget {
 public:
-    TrendView();
+    /// `separator`: the user's decimal separator, for the axes.
+    explicit TrendView(std::string separator);
 
     /// Shows these lines as of the moment `nowMs` of the clock.
     void Show(std::vector<TrendLine> lines, std::int64_t nowMs);
@@ -63,6 +65,7 @@ private:
     void PaintTimes(QPainter& painter, const Pane& pane, const std::vector<TimeMark>& times) const;
     void PaintLine(QPainter& painter, const Pane& pane, const TrendLine& line) const;
 
+    std::string separator_;
     std::vector<TrendLine> lines_;
     std::int64_t nowMs_ = 0;
 };

@@ -26,8 +26,21 @@ namespace {
 
 constexpr SpinRange DataBitsRange = {4, 8};
 
-QString ShownDevice(const std::string& device) {
-    return device == SimulatedLineDevice ? QStringLiteral("Simulated line") : QString::fromStdString(device);
+constexpr const char* NotOnTheWire =
+    "This is kept and shown, but every port is driven n,8,1: no parity, 8 data bits, 1 stop bit.";
+constexpr const char* ThisRunOnly =
+    "\nFor this run only: the next start accepts COM1 to COM4. After any other it reports wrong settings and "
+    "begins with COM2 and a TimeOut of 100 ms.";
+constexpr int HighestStartPort = 4;
+
+QString DeviceText(const std::string& device) {
+    return QString::fromStdString(ShownDevice(device));
+}
+
+// A tooltip, which a screen reader speaks as well.
+void Explain(QWidget& control, const QString& text) {
+    control.setToolTip(text);
+    control.setAccessibleDescription(text);
 }
 
 // "/dev/ttyUSB0  (FT-X 485 adapter, maker, serial number)"
@@ -89,7 +102,10 @@ QGroupBox* ComPortForm::BuildPorts() {
         device->setEditable(true);
         device->setInsertPolicy(QComboBox::NoInsert);
         device->setMinimumContentsLength(30);
-        device->setToolTip("The device that " + name + " stands for: choose a detected one or type its path");
+        const QString limit = port > HighestStartPort ? ThisRunOnly : "";
+        Explain(*option, limit.trimmed());
+        Explain(*device,
+                "The device that " + name + " stands for: choose a detected one or type its path." + limit);
         comOption_->addButton(option, port);
         comDevice_[static_cast<std::size_t>(port - 1)] = device;
         grid->addWidget(option, port - 1, 0);
@@ -105,6 +121,7 @@ QGroupBox* ComPortForm::BuildParity() {
     for (const QString name : {"None", "Odd", "Even"}) {
         const int index = static_cast<int>(parityOption_->buttons().size());
         auto* option = Named(new QRadioButton(name), QString("ParityOption_%1").arg(index), "Parity " + name);
+        Explain(*option, NotOnTheWire);
         parityOption_->addButton(option, index);
         layout->addWidget(option);
     }
@@ -129,9 +146,11 @@ QGroupBox* ComPortForm::BuildBaudChecks() {
 QLayout* ComPortForm::BuildValues() {
     dataBits_ = NumberBox("DataBits", "Data bits");
     timeout_ = NumberBox("Timeout", "TimeOut in milliseconds");
-    timeout_->setToolTip("Milliseconds of silence after which a reply is given up; at least 100");
+    Explain(*timeout_, "Milliseconds of silence after which a reply is given up: 100 to 6553");
     stopBits_ = Named(new QComboBox, "StopBits", "Stop bits");
     stopBits_->addItems({"1", "1.5", "2"});
+    for (QWidget* control : {static_cast<QWidget*>(dataBits_), static_cast<QWidget*>(stopBits_)})
+        Explain(*control, NotOnTheWire);
     auto* dataBitsRow = new QHBoxLayout;
     dataBitsRow->setSpacing(0);
     dataBitsRow->addWidget(dataBits_);
@@ -158,7 +177,7 @@ void ComPortForm::Fill() {
 
     // COM.CFG can name port 0, which has no option and no settings.
     const bool known = line_.CurrentPort >= 1 && line_.CurrentPort <= PortTotal;
-    const PortSettingsRecord settings = known ? line_.SettingsOf(line_.CurrentPort) : PortSettingsRecord{};
+    const PortSettingsRecord settings = known ? line_.SettingsOf(line_.CurrentPort) : DefaultPortSettings();
     if (known)
         comOption_->button(line_.CurrentPort)->setChecked(true);
     if (auto* parity = parityOption_->button(settings.Parity))
@@ -167,16 +186,16 @@ void ComPortForm::Fill() {
         baudCheck_[code]->setChecked(settings.BaudEnabled[code] == 1);
     dataBits_->setText(QString::number(settings.DataBits));
     stopBits_->setCurrentIndex(settings.StopBits);
-    timeout_->setText(QString::number(line_.ReplyTimeout));
+    timeout_->setText(QString::number(line_.ChosenTimeout()));
 }
 
 void ComPortForm::FillDevices(QComboBox& box, int port, const std::vector<DetectedDevice>& detected) {
     const std::string current = devices_.Device(port);
     for (const DetectedDevice& device : detected)
         box.addItem(DetectedText(device), QString::fromStdString(device.Path));
-    box.addItem(ShownDevice(SimulatedLineDevice), SimulatedLineDevice);
+    box.addItem(DeviceText(SimulatedLineDevice), SimulatedLineDevice);
     if (box.findData(QString::fromStdString(current)) < 0)
-        box.addItem(ShownDevice(current), QString::fromStdString(current));
+        box.addItem(DeviceText(current), QString::fromStdString(current));
     box.setCurrentIndex(box.findData(QString::fromStdString(current)));
 }
 
@@ -203,13 +222,34 @@ std::vector<ComPortForm::DeviceChange> ComPortForm::ChangedDevices() const {
     return changes;
 }
 
+bool ComPortForm::Check(QLineEdit& box, std::int16_t (*number)(const std::string& text)) {
+    if (Guard(messages_, [&] { number(box.text().toStdString()); }))
+        return true;
+    box.setFocus();
+    box.selectAll();
+    return false;
+}
+
+// What cannot be applied keeps the dialog open, so that no other entry is lost.
+bool ComPortForm::CheckEntries() {
+    if (comOption_->checkedId() < 1) {
+        messages_.Show("Please choose a COM port.", "Error");
+        return false;
+    }
+    for (const DeviceChange& change : ChangedDevices())
+        if (change.After.empty()) {
+            messages_.Show("COM" + std::to_string(change.Port) +
+                               " has no device. Choose one, or type its path.",
+                           "Error");
+            comDevice_[static_cast<std::size_t>(change.Port - 1)]->setFocus();
+            return false;
+        }
+    return Check(*dataBits_, DataBitsIn) && Check(*timeout_, TimeoutIn);
+}
+
 // A choice that fails anywhere leaves every device as it was.
 void ComPortForm::Apply(PortChoice& choice) {
     const auto changes = ChangedDevices();
-    for (const DeviceChange& change : changes)
-        if (change.After.empty())
-            throw RuntimeFailure("COM" + std::to_string(change.Port) +
-                                 " has no device. Choose one, or type its path.");
     const auto isLeft = [&](const DeviceChange& change) {
         return change.Port == line_.CurrentPort && change.Port != choice.Port;
     };
@@ -235,11 +275,9 @@ void ComPortForm::Apply(PortChoice& choice) {
 }
 
 void ComPortForm::OKBtn_Click() {
-    PortChoice choice = ReadChoice();
-    if (choice.Port < 1) {
-        messages_.Show("Please choose a COM port.", "Error");
+    if (!CheckEntries())
         return;
-    }
+    PortChoice choice = ReadChoice();
     setCursor(Qt::WaitCursor); // a change of the baud rate takes a second
     Guard(messages_, [&] {
         Apply(choice);

@@ -40,6 +40,8 @@ private:
     void FillDevices(QComboBox& box, int port, const std::vector<DetectedDevice>& detected);
     PortChoice ReadChoice() const;
     std::vector<DeviceChange> ChangedDevices() const;
+    bool Check(QLineEdit& box, std::int16_t (*number)(const std::string& text));
+    bool CheckEntries();
     void Apply(PortChoice& choice);
     void OKBtn_Click();
 

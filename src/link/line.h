@@ -59,6 +59,12 @@ public:
     std::int16_t ReplyTimeout = 100;     ///< ms of silence after which a reply is given up
     std::int16_t LongReplyTimeout = 400; ///< ms, for operations that take a module longer
 
+    /// The reply time-out of COM.CFG, ms, while it is not in use because the port could not be opened at
+    /// start. A TimeOut that the user chooses takes its place.
+    std::optional<std::int16_t> FileTimeout;
+    /// The reply time-out that the user has chosen, in use or not: what is offered and saved.
+    std::int16_t ChosenTimeout() const { return FileTimeout.value_or(ReplyTimeout); }
+
     std::string CommandText;      ///< command being sent, without checksum and carriage return
     std::string ReplyText;        ///< last reply, without carriage return and verified checksum
     std::int16_t ReplyStatus = 0; ///< -1 when the last reply was complete and its checksum good, else 0

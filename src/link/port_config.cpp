@@ -4,6 +4,7 @@
 #include "link/runtime_failure.h"
 #include "link/text.h"
 
+#include <algorithm>
 #include <cctype>
 #include <filesystem>
 #include <fstream>
@@ -20,6 +21,7 @@ constexpr std::int16_t Baud9600Code = 3;
 constexpr std::int16_t DefaultTimeoutMs = 100;
 constexpr std::int16_t StartUpTimeoutFactor = 4; // the dialog's factor is 5; the difference is meant
 constexpr std::int16_t DialogTimeoutFactor = 5;
+constexpr std::int16_t HighestTimeoutMs = INT16_MAX / DialogTimeoutFactor;
 constexpr const char* ParityLetters[] = {"n", "o", "e"};
 
 // Items of a text file, separated by commas or line ends, blanks around them dropped, quotes around a text
@@ -76,9 +78,7 @@ std::string ReadWholeFile(const std::string& path) {
 void StartWithoutFile(Line& line, std::int16_t port) {
     line.CurrentPort = port;
     PortSettingsRecord& settings = line.SettingsOf(port);
-    settings = {};
-    settings.DataBits = 8;
-    settings.BaudEnabled[Baud9600Code] = 1;
+    settings = DefaultPortSettings();
     line.CommPort(port).PortOpen(true);
     line.ReplyTimeout = DefaultTimeoutMs;
     line.LongReplyTimeout = DefaultTimeoutMs * StartUpTimeoutFactor;
@@ -117,10 +117,19 @@ PortConfigFile ReadItems(Line& line, ItemReader& items, std::optional<std::int16
     return result;
 }
 
+// Not of wrong content, nor one whose long time-out overflows.
+bool HasTimeout(const PortConfigFile& file) {
+    const int longTimeout = StartUpTimeoutFactor * file.Timeout;
+    return file.Ok && longTimeout >= INT16_MIN && longTimeout <= INT16_MAX;
+}
+
 void StartWithFile(Line& line, const std::string& path, std::optional<std::int16_t> startPort,
                    Messages& messages) {
     const PortConfigFile file = LoadPortConfig(line, path, startPort);
+    if (HasTimeout(file))
+        line.FileTimeout = file.Timeout;
     line.CommPort(line.CurrentPort).PortOpen(true); // also when the content is wrong
+    line.FileTimeout.reset();
     if (ApplyFileTimeouts(line, file))
         return;
     // The message names COM2 and 9600 in every case, though only an invalid port number moves the port to 2
@@ -135,6 +144,28 @@ bool IsPort(int port) {
 std::int16_t LowestBaudCode(const std::array<std::int16_t, 8>& enabled) {
     const auto found = std::find(enabled.begin(), enabled.end(), 1);
     return static_cast<std::int16_t>(found - enabled.begin()); // 8 when there is none: applied as 9600
+}
+
+bool SearchesAtAll(const PortSettingsRecord& settings) {
+    return std::ranges::find(settings.BaudEnabled, 1) != settings.BaudEnabled.end();
+}
+
+// The dialog has to offer something that works where a damaged file has set nothing.
+void CompleteSettings(Line& line) {
+    if (!IsPort(line.CurrentPort))
+        return;
+    PortSettingsRecord& settings = line.SettingsOf(line.CurrentPort);
+    if (settings.DataBits == 0)
+        settings.DataBits = DefaultPortSettings().DataBits;
+    if (!SearchesAtAll(settings))
+        settings.BaudEnabled = DefaultPortSettings().BaudEnabled;
+}
+
+std::int16_t NumberUpTo(std::int16_t highest, const std::string& text, const std::string& message) {
+    const auto number = CappedNumber(Trim(text));
+    if (!number || *number > highest)
+        throw RuntimeFailure(message);
+    return static_cast<std::int16_t>(*number);
 }
 
 // Puts the port back into use that was before a change failed half-way, and into the state it was in.
@@ -153,11 +184,9 @@ void RestorePort(Line& line, std::int16_t oldPort, bool wasOpen) {
 
 void ApplyChoice(Line& line, PortChoice& choice, Messages& messages) {
     // Numbers first: one that cannot be read leaves everything as it was.
-    const std::int16_t dataBits = WholeNumber16(choice.DataBits, "Data bits");
-    const std::int16_t timeout = WholeNumber16(choice.Timeout, "TimeOut");
+    const std::int16_t dataBits = DataBitsIn(choice.DataBits);
+    const std::int16_t timeout = TimeoutIn(choice.Timeout);
     const std::int16_t accepted = std::max(timeout, DefaultTimeoutMs);
-    const std::int16_t longTimeout =
-        ToInt16(std::int64_t{DialogTimeoutFactor} * accepted, "5 times the TimeOut");
 
     const std::int16_t oldPort = line.CurrentPort;
     SerialPort& port = line.CommPort(choice.Port);
@@ -180,8 +209,9 @@ void ApplyChoice(Line& line, PortChoice& choice, Messages& messages) {
         messages.Show("TimeOut Value must greater than or equal to 100.");
         choice.Timeout = std::to_string(DefaultTimeoutMs);
     }
+    line.FileTimeout.reset();
     line.ReplyTimeout = accepted;
-    line.LongReplyTimeout = longTimeout;
+    line.LongReplyTimeout = static_cast<std::int16_t>(DialogTimeoutFactor * accepted);
 }
 
 } // namespace
@@ -193,11 +223,9 @@ PortConfigFile LoadPortConfig(Line& line, const std::string& configFilePath,
 }
 
 bool ApplyFileTimeouts(Line& line, const PortConfigFile& file) {
-    const int longTimeout = StartUpTimeoutFactor * file.Timeout;
-    const bool usable = file.Ok && longTimeout >= INT16_MIN && longTimeout <= INT16_MAX;
+    const bool usable = HasTimeout(file);
     line.ReplyTimeout = usable ? file.Timeout : DefaultTimeoutMs;
-    line.LongReplyTimeout =
-        static_cast<std::int16_t>(usable ? longTimeout : StartUpTimeoutFactor * DefaultTimeoutMs);
+    line.LongReplyTimeout = static_cast<std::int16_t>(StartUpTimeoutFactor * line.ReplyTimeout);
     return usable;
 }
 
@@ -215,6 +243,7 @@ void ReadPortConfig(Line& line, const std::string& configFilePath, std::optional
         messages.Show("COM" + std::to_string(line.CurrentPort) + ": " + failure.what(), Title);
         messages.Show("The COM Port Setting dialog box will appear for you to configure and open a COM port.",
                       Title);
+        CompleteSettings(line);
         showComPortForm();
     }
 }
@@ -222,7 +251,7 @@ void ReadPortConfig(Line& line, const std::string& configFilePath, std::optional
 std::string PortConfigText(const Line& line) {
     const PortSettingsRecord& settings = line.SettingsOf(line.CurrentPort);
     std::ostringstream text;
-    text << line.ReplyTimeout << '\n' << line.CurrentPort << '\n';
+    text << line.ChosenTimeout() << '\n' << line.CurrentPort << '\n';
     text << ParityLetters[settings.Parity == 1 || settings.Parity == 2 ? settings.Parity : 0] << ",8,1\n";
     for (std::int16_t code = 0; code < BaudCodeCount; ++code) // code order: 115200 before 57600
         if (settings.BaudEnabled[static_cast<std::size_t>(code)] == 1)
@@ -233,6 +262,23 @@ std::string PortConfigText(const Line& line) {
 bool IsValidPortSetting(std::int16_t port, std::int32_t baud, const std::string& /*parity*/,
                         std::int16_t /*dataBits*/, std::int16_t /*stopBits*/) {
     return port >= 0 && port <= HighestFilePort && IsStandardBaud(baud);
+}
+
+PortSettingsRecord DefaultPortSettings() {
+    PortSettingsRecord settings;
+    settings.DataBits = 8;
+    settings.BaudEnabled[Baud9600Code] = 1;
+    return settings;
+}
+
+std::int16_t DataBitsIn(const std::string& text) {
+    return NumberUpTo(INT16_MAX, text, "Data bits must be a number from 4 to 8.");
+}
+
+std::int16_t TimeoutIn(const std::string& text) {
+    return NumberUpTo(HighestTimeoutMs, text,
+                      "TimeOut must be a number from " + std::to_string(DefaultTimeoutMs) + " to " +
+                          std::to_string(HighestTimeoutMs) + ", in milliseconds.");
 }
 
 void ApplyPortChoice(Line& line, PortChoice& choice, Messages& messages) {

@@ -16,7 +16,8 @@ namespace kavro {
 /// letter, data bits, stop bits, then the baud rates to search. Without a file COM1 is opened with 9600 to
 /// search. Content that can be read but is wrong is told by a message and replaced by defaults; any failure
 /// (too few items, not a number, a port that cannot be opened) is told by two messages, and then
-/// `showComPortForm` is called. `startPort`, when given, is used in place of any other port number.
+/// `showComPortForm` is called, with the time-out of a good file in `FileTimeout` and defaults for what the
+/// file did not set. `startPort`, when given, is used in place of any other port number.
 void ReadPortConfig(Line& line, const std::string& configFilePath, std::optional<std::int16_t> startPort,
                     Messages& messages, const std::function<void()>& showComPortForm);
 
@@ -42,6 +43,9 @@ std::string PortConfigText(const Line& line);
 bool IsValidPortSetting(std::int16_t port, std::int32_t baud, const std::string& parity,
                         std::int16_t dataBits, std::int16_t stopBits);
 
+/// Settings of a port without a file: 8 data bits, 9600 baud to search.
+PortSettingsRecord DefaultPortSettings();
+
 /// What the user entered in the COM Port dialog.
 struct PortChoice {
     std::int16_t Port = 1;                     ///< 1 to 8
@@ -51,6 +55,11 @@ struct PortChoice {
     std::int16_t StopBits = 0;                 ///< list index
     std::string Timeout;                       ///< decimal text, ms
 };
+
+/// The numbers of a choice. Each throws `RuntimeFailure`, which names the limits, for a text without digits
+/// alone or a number that cannot be kept; a TimeOut below 100 and data bits beyond 4 to 8 can.
+std::int16_t DataBitsIn(const std::string& text);
+std::int16_t TimeoutIn(const std::string& text);
 
 /// Applies the dialog's choice: opens the new port before the old one is closed, stores the settings, applies
 /// the lowest baud rate chosen and the time-outs. A time-out below 100 is told by a message and becomes 100,

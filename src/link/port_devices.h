@@ -17,6 +17,11 @@ struct DetectedDevice {
 /// Name that stands for the simulated line wherever a device is named.
 inline constexpr const char* SimulatedLineDevice = "demo";
 
+/// A device as the user is told of it.
+inline std::string ShownDevice(const std::string& device) {
+    return device == SimulatedLineDevice ? "Simulated line" : device;
+}
+
 /// Which device each COM port is.
 class PortDevices {
 public:

@@ -142,6 +142,14 @@ std::int32_t WholeNumber32(std::string_view text, std::string_view what) {
     return static_cast<std::int32_t>(WholeNumber(text, what, Limits::min(), Limits::max()));
 }
 
+std::optional<std::int32_t> CappedNumber(std::string_view digits) {
+    if (digits.empty() || digits.find_first_not_of("0123456789") != std::string_view::npos)
+        return std::nullopt;
+    std::int32_t value = 0;
+    const auto error = std::from_chars(digits.data(), digits.data() + digits.size(), value).ec;
+    return error == std::errc{} ? value : std::numeric_limits<std::int32_t>::max();
+}
+
 std::int16_t ToInt16(std::int64_t value, std::string_view what) {
     if (value < std::numeric_limits<std::int16_t>::min() || value > std::numeric_limits<std::int16_t>::max())
         throw RuntimeFailure("Overflow: " + std::string(what) + " " + std::to_string(value) +
@@ -172,6 +180,12 @@ std::string FormatNumber(double value, int minIntegerDigits, int decimals) {
     whole = PadLeft(whole, static_cast<std::size_t>(minIntegerDigits), '0');
     const bool negative = value < 0 && digits.find_first_not_of('0') != std::string::npos;
     return (negative ? "-" : "") + whole + (decimals > 0 ? "." + digits.substr(point) : std::string());
+}
+
+std::string ShownNumber(std::string text, const std::string& separator) {
+    if (const auto point = text.find('.'); point != std::string::npos)
+        text.replace(point, 1, separator);
+    return text;
 }
 
 void NormalizeDecimalPoint(std::string& text, const std::string& separator) {

@@ -42,6 +42,10 @@ double NumericValue(std::string_view text);
 std::int16_t WholeNumber16(std::string_view text, std::string_view what);
 std::int32_t WholeNumber32(std::string_view text, std::string_view what);
 
+/// Digits and nothing else as a number; the largest of its type stands for any that is larger. Nothing for
+/// another text.
+std::optional<std::int32_t> CappedNumber(std::string_view digits);
+
 /// Checked conversion to 16 bits. Throws `RuntimeFailure` on overflow; `what` names the value in the
 /// description.
 std::int16_t ToInt16(std::int64_t value, std::string_view what);
@@ -51,7 +55,11 @@ std::int16_t ToInt16(std::int64_t value, std::string_view what);
 /// negative value.
 std::string FormatNumber(double value, int minIntegerDigits, int decimals);
 
-/// Replaces every `separator` (the locale's decimal separator) in `text` by ".".
+/// A number with a "." as it is shown to the user: with `separator`, the decimal separator of the locale.
+std::string ShownNumber(std::string text, const std::string& separator);
+
+/// Replaces every `separator` (the locale's decimal separator) in `text` by ".". So what the user types may
+/// have either.
 void NormalizeDecimalPoint(std::string& text, const std::string& separator);
 
 /// Keeps the key codes of "0" to "9", carriage return and backspace; any other key becomes 0 (cancelled).

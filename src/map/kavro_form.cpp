@@ -352,7 +352,7 @@ QString KavroForm::PortText() const {
     const int port = session_.Line.CurrentPort;
     QString text = QString("COM%1").arg(port);
     if (port >= 1 && port <= PortTotal)
-        text += ": " + QString::fromStdString(devices_.Device(port));
+        text += ": " + QString::fromStdString(ShownDevice(devices_.Device(port)));
     return text;
 }
 

@@ -33,6 +33,10 @@ bool ExchangeWithModule(Session& session, int index, const std::string& command,
 /// Reads the set-up of entry `index` from its module ("$AA2", then the alarm reads of a single-channel analog
 /// input) into the entry. A reply of another form leaves the entry, or the field, as it was. Throws
 /// `RuntimeFailure`, with the entry unchanged, when the module reports codes that are not numbers.
+///
+/// Nothing in the dialogs calls it: a configuration dialog sends exactly its own commands and keeps in the
+/// entry what the module accepted, and the search reads the set-up by commands and rules of its own. Neither
+/// has room for these reads. It is for what reads a module again outside of them.
 void ReadModuleConfig(Session& session, int index);
 
 /// One reading of an analog input.

@@ -79,6 +79,11 @@ ReplyMeasure MeasureOf(const Session& session, int index) {
             record.DataFormat};
 }
 
+bool LastReplyFits(const Session& session, int index, char lead, std::string_view tail) {
+    const std::string_view form = ReplyFormOf(session.ModuleTable[index].Model, lead, tail);
+    return session.Line.ReplyStatus != 0 && FitsForm(session.Line.ReplyText, form, MeasureOf(session, index));
+}
+
 ModuleReply AskModule(Session& session, int index, char lead, const std::string& tail) {
     const CarefulTransactions careful(session.Line);
     const std::string_view form = ReplyFormOf(session.ModuleTable[index].Model, lead, tail);

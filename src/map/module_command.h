@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace kavro {
@@ -31,6 +32,10 @@ struct ModuleReply {
 
 /// What replies of entry `index` are measured by.
 ReplyMeasure MeasureOf(const Session& session, int index);
+
+/// Whether the last reply is a good one to the command of entry `index` that has `lead` before the address and
+/// `tail` behind it.
+bool LastReplyFits(const Session& session, int index, char lead, std::string_view tail);
 
 /// Sends `lead`, the address of entry `index` and `tail`, for example "$", "01", "6", and takes the reply
 /// apart, which must be of the command's form; one that is not is asked for once more. Throws

@@ -5,6 +5,7 @@
 #include "ui/center_form.h"
 #include "ui/key_filter.h"
 #include "ui/named.h"
+#include "ui/note.h"
 #include "ui/ok_cancel.h"
 
 #include <QDialogButtonBox>
@@ -12,13 +13,14 @@
 #include <QLabel>
 #include <QLineEdit>
 
-#include <algorithm>
-
 namespace kavro {
 
 namespace {
 
 constexpr int HighestAddress = 255;
+constexpr const char* NoRateText =
+    "No baud rate is ticked, so this search will find nothing. Cancel it and tick "
+    "the rates of the modules under Network > ComPort.";
 
 // The rates in code order, so 115200 stands before 57600.
 QString EnabledRates(const PortSettingsRecord& settings) {
@@ -56,6 +58,9 @@ SearchForm::SearchForm(Session& session, Messages& messages, QWidget* parent)
     layout->addRow(note);
     layout->addRow("COM port:", comPort);
     layout->addRow("Search baud rates:", baudRate);
+    auto* noRate = new Note("BaudRateNote", *this);
+    noRate->Tell(baudRate->text().isEmpty() ? NoRateText : "");
+    layout->addRow(noRate);
     layout->addRow("Search &address range from 0 to", hiAddress_);
     layout->addRow(buttons);
     hiAddress_->setFocus();
@@ -68,18 +73,16 @@ void SearchForm::reject() {
 }
 
 void SearchForm::OKBtn_Click() {
-    const std::string text = hiAddress_->text().toStdString();
-    const bool digits = std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
-    if (text.empty() || !digits) {
+    const auto value = CappedNumber(hiAddress_->text().toStdString());
+    if (!value) {
         messages_.Show("Please input a number.", "Error");
         return;
     }
-    const int value = hiAddress_->text().toInt(); // 0 with more digits than any number has
-    if (value > HighestAddress || text.size() > 9) {
+    if (*value > HighestAddress) {
         messages_.Show("Number can not exceed " + std::to_string(HighestAddress) + ".", "Error");
         return;
     }
-    session_.SearchHighAddress = static_cast<std::int16_t>(value);
+    session_.SearchHighAddress = static_cast<std::int16_t>(*value);
     session_.SearchAccepted = -1;
     accept();
 }

@@ -15,8 +15,7 @@ auto Named(const std::string& device, Operation operation) {
     try {
         return operation();
     } catch (const RuntimeFailure& failure) {
-        throw RuntimeFailure((device == SimulatedLineDevice ? "Simulated line" : device) + ": " +
-                             failure.what());
+        throw RuntimeFailure(ShownDevice(device) + ": " + failure.what());
     }
 }
 

@@ -12,10 +12,10 @@ namespace kavro {
 
 /// A list as it is printed.
 struct Printout {
-    QString Title;
-    QString Details; ///< where and when it was
-    QString Heading; ///< of the columns of the lines
-    QStringList Lines;
+    QString Title = {};
+    QString Details = {}; ///< where and when it was
+    QString Heading = {}; ///< of the columns of the lines
+    QStringList Lines = {};
 };
 
 /// The rows of every page: title, details and heading, then the lines in order, a row each, and the page

@@ -103,8 +103,9 @@ TEST(MultiConfigForm, LimitsFollowTheRange) {
     EXPECT_FALSE(StaysOpen(form, ""));
     EXPECT_EQ(test.Sent, Lines{});
     Type(Find<QLineEdit>(form, "LowAlarm"), "x.");
-    EXPECT_EQ(Find<QLineEdit>(form, "LowAlarm").text(), "+0,0000");
-    EXPECT_TRUE(StaysOpen(form, "LowAlarm=-1,5"));
+    EXPECT_EQ(Find<QLineEdit>(form, "LowAlarm").text(), "+0,0000.");
+    EXPECT_TRUE(StaysOpen(form, "LowAlarm=-1.5"));
+    EXPECT_EQ(form.focusWidget()->objectName(), "LowAlarm");
     EXPECT_FALSE(StaysOpen(form, "AlarmMode=Disabled;InputRange=+/- 15mV"));
     EXPECT_EQ(Find<QLabel>(form, "LowAlarmUnit").text(), "mV");
     EXPECT_EQ(test.Sent, (Lines{"%0101000600", "@01DA", "@01PL-01.500", "@01PH+01.000"}));
@@ -139,7 +140,7 @@ const EntryCase EntryCases[] = {
      Open<CtrConfigForm>,
      "InitialValue_0=12.9;InitialValue_1=-1",
      {"@01P00000000C", "@01P1FFFFFFFF"}},
-    {Counter, Open<CtrConfigForm>, "TTLAtHigh=2.4;TTLAtLow=0.8", {"$011H24", "$011L08"}},
+    {Counter, Open<CtrConfigForm>, "TTLAtHigh=2,4;TTLAtLow=0.8", {"$011H24", "$011L08"}},
     {Counter, Open<CtrConfigForm>, "TTLAtHigh=1.96;TTLAtLow=0.96", {"$011L10"}},
     {Counter, Open<CtrConfigForm>, "MinAtHigh=10.9 us;MinAtLow=5", {"$010L0005"}},
     {Counter, Open<CtrConfigForm>, "MinAtHigh=us;MinAtLow=12345", {"$010H00us", "$010L12345"}, false},
@@ -210,6 +211,7 @@ TEST(MultiConfigForm, ImpossibleLimitsAreRefused) {
         EXPECT_TRUE(StaysOpen(form, QString("LowAlarm=") + text));
         EXPECT_EQ(test.Messages.Shown,
                   (ShownMessages{{"The low alarm limit must be a number from -10 to +10 V.", "Error"}}));
+        EXPECT_EQ(form.focusWidget()->objectName(), "LowAlarm");
         EXPECT_EQ(test.Sent, Lines{});
     }
 }
@@ -224,6 +226,80 @@ TEST(MultiConfigForm, LimitsOfARefusedRangeAreNotSent) {
                                                   {"High alarm limit configuration failed.", "Error"},
                                                   CompleteMessage}));
     EXPECT_EQ(test.Record.HighAlarm, 8.5F);
+}
+
+// What an entry will lead to is said beside it while it is made, and nothing is sent or shown for it.
+TEST(ConfigForm, NotesBesideTheFields) {
+    const struct {
+        ModuleRecord Record;
+        Opener Open;
+        const char *Control, *Wrong, *Right, *Note;
+    } cases[] = {
+        {TenVolts, Open<MultiConfigForm>, "Addr", "7", "8", "AddrNote"},
+        {TenVolts, Open<MultiConfigForm>, "LowAlarm", "8,6", "8.5", "LimitsNote"},
+        {TenVolts, Open<MultiConfigForm>, "HighAlarm", "-1,6", "", "LimitsNote"},
+        {Counter, Open<CtrConfigForm>, "MaxValue_1", "1,000", "1000", "MaxValueNote_1"},
+        {Counter, Open<CtrConfigForm>, "AlarmValue_0", "12abc", "12", "AlarmValueNote_0"},
+        {Counter, Open<CtrConfigForm>, "MinAtLow", "5,5", "55", "MinAtLowNote"},
+        {Counter, Open<CtrConfigForm>, "TTLAtLow", "0,55", "0,5", "TTLAtLowNote"},
+    };
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.Control);
+        ModuleOnLine module(test.Record);
+        module.Session.DecimalSeparator = ",";
+        module.Session.ModuleCount = 2;
+        module.Session.ModuleTable[1].Address = 7;
+        const auto form = test.Open(module.Session, module.Messages);
+        form->show();
+        const auto& note = Find<QLabel>(*form, test.Note);
+        auto& box = Find<QLineEdit>(*form, test.Control);
+        for (const bool wrong : {false, true, false}) {
+            if (wrong || note.isVisible())
+                box.setText(wrong ? test.Wrong : test.Right);
+            EXPECT_EQ(note.isVisible(), wrong);
+        }
+        box.setText(test.Wrong);
+        if (auto* type = form->findChild<QComboBox*>("TypeCode")) {
+            type->setCurrentIndex(1); // none of these is sent then
+            EXPECT_FALSE(note.isVisible());
+        }
+        EXPECT_EQ(std::tuple(module.Sent, module.Messages.Shown), std::tuple(Lines{}, ShownMessages{}));
+    }
+}
+
+TEST(ConfigForm, SaysWhatCouldNotBeRead) {
+    const std::tuple<const char*, Opener, const char*, const char*> forms[] = {
+        {"8250  ", Open<AdConfigForm>, "ChannelsNote", "ChannelDisable_0"},
+        {"8460  ", Open<N46ConfigForm>, "PortsNote", "PortInput_3"}};
+    for (const auto& [model, open, note, harmless] : forms)
+        for (const bool silent : {false, true}) {
+            ModuleOnLine test({.Model = model});
+            test.Session.Line.Exchange("$01S00", 0, 3, 400); // the ports are outputs
+            test.Module.OwnFaults.Silent = silent;
+            const auto form = open(test.Session, test.Messages);
+            form->show();
+            EXPECT_EQ(Find<QLabel>(*form, note).isVisible(), silent) << model;
+            EXPECT_EQ(Find<QAbstractButton>(*form, harmless).isChecked(), silent) << model;
+            EXPECT_EQ(test.Messages.Shown, ShownMessages{});
+        }
+}
+
+// After the message of a refused entry the focus is in its field.
+TEST(CtrConfigForm, ReturnsToARefusedEntry) {
+    ModuleOnLine test(Counter);
+    CtrConfigForm form(test.Session, test.Messages);
+    for (const char* entry : {"Addr=300", "MaxValue_0=4294967296", "InitialValue_1=1e30", "AlarmValue_1=-3e9",
+                              "MinAtHigh=40000", "MinAtLow=-40000", "TTLAtHigh=4000", "TTLAtLow=4e30"}) {
+        const QString control = QString(entry).section('=', 0, 0);
+        auto& box = Find<QLineEdit>(form, control);
+        const QString before = box.text();
+        Find<QWidget>(form, "CancelBtn").setFocus();
+        EXPECT_TRUE(StaysOpen(form, entry));
+        EXPECT_EQ(form.focusWidget()->objectName(), control);
+        EXPECT_EQ(box.selectedText(), box.text());
+        box.setText(before);
+    }
+    EXPECT_EQ(test.Sent, Lines{});
 }
 
 TEST(ConfigForm, AddressAndCancel) {
@@ -245,9 +321,11 @@ TEST(ConfigForm, AddressAndCancel) {
     EXPECT_TRUE(StaysOpen(form, ""));
     EXPECT_TRUE(StaysOpen(form, "Addr=256"));
     EXPECT_TRUE(StaysOpen(form, "Addr=99999999999"));
+    EXPECT_TRUE(StaysOpen(form, "Addr=99999999999999999999999"));
+    EXPECT_EQ(form.focusWidget()->objectName(), "Addr");
     const std::pair<std::string, std::string> tooHigh = {"Address can not exceed 255.", "Error"};
     EXPECT_EQ(test.Messages.Shown,
-              (ShownMessages{{"Enter an address from 0 to 255.", "Error"}, tooHigh, tooHigh}));
+              (ShownMessages{{"Enter an address from 0 to 255.", "Error"}, tooHigh, tooHigh, tooHigh}));
     test.Session.ConfigResult = 1;
     Click(form, "CancelBtn");
     EXPECT_FALSE(form.isVisible());

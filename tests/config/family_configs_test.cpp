@@ -1,6 +1,7 @@
 #include "config/analog_input_config.h"
 #include "config/analog_output_config.h"
 #include "config/digital_config.h"
+#include "config/entry_notes.h"
 #include "config/port_direction_config.h"
 #include "link/model_choices.h"
 #include "support/test_session.h"
@@ -169,16 +170,71 @@ TEST(FamilyConfigs, ReadsBeforeTheDialog) {
     struct Case {
         const char* Reply;
         unsigned Channels, Inputs;
+        bool ChannelsKnown = false, PortsKnown = false;
     };
-    for (const Case& test : {Case{"!01A5\r", 0xA5, 1}, Case{"!0300\r", 0, 3}, Case{"?01fF\r", 0xFF, 1},
-                             Case{"!F\r", 0, 15}, Case{"!x\r", 0, 0}, Case{"!01A5", 0, 0}}) {
+    for (const Case& test : {Case{"!01A5\r", 0xA5, 1, true},
+                             {"!0300\r", 0, 3, false, true},
+                             {"!0100\r", 0, 1, true, true},
+                             {"!02A5\r", 0xA5, 2}, // of another module
+                             {"?01fF\r", 0xFF, 1},
+                             {"!01G0\r", 0, 1},
+                             {"!0G00\r", 0, 15},
+                             {"!1300\r", 0, 3},
+                             {"!F\r", 0, 15},
+                             {"!x\r", 0, 15},
+                             {"!01\r", 0, 1},
+                             {"!01A5", 0, 15}}) {
         ConfigSession session("8460  ", {});
         session.Port().Replies["9600 $016"] = {test.Reply};
-        EXPECT_EQ(ReadAnalogInputConfig(session.Session, 0).EnabledChannels, test.Channels) << test.Reply;
+        const AnalogInputConfig channels = ReadAnalogInputConfig(session.Session, 0);
+        EXPECT_EQ(channels.EnabledChannels, test.Channels) << test.Reply;
+        EXPECT_EQ(channels.ChannelsKnown, test.ChannelsKnown) << test.Reply;
         const auto start = session.Time.GetTickCount();
-        EXPECT_EQ(ReadPortDirectionConfig(session.Session, 0).InputPorts, test.Inputs) << test.Reply;
+        const PortDirectionConfig ports = ReadPortDirectionConfig(session.Session, 0);
+        EXPECT_EQ(ports.InputPorts, test.Inputs) << test.Reply;
+        EXPECT_EQ(ports.PortsKnown, test.PortsKnown) << test.Reply;
         EXPECT_LE(session.Time.GetTickCount() - start, session.Session.Line.ReplyTimeout)
             << "not the long one";
+    }
+}
+
+TEST(FamilyConfigs, NotesBesideEntries) {
+    ScriptedSession list;
+    list.Session.ModuleCount = 2;
+    list.Session.ModuleTable[0].Address = 1;
+    list.Session.ModuleTable[1] = {.Address = 7, .Model = "8250  "};
+    const auto address = [&](const char* text) { return AddressNote(list.Session, 0, text); };
+    for (const char* text : {"1", "2", "0", "", "256", "99999999999"})
+        EXPECT_EQ(address(text), "") << text;
+    EXPECT_EQ(address("007"), "The list already has a module at this address: 8250.");
+
+    const std::string whole = ": not a whole number.", written = "Sent as written" + whole;
+    const struct {
+        const char *Text, *Separator;
+        std::string Count, Width, Level; // behind "Taken as " but for `written`
+    } cases[] = {{"12", ".", "", "", ""},
+                 {" -5", ",", "", written, ""},
+                 {"2.4", ".", "2" + whole, written, ""},
+                 {"2,4", ".", "2" + whole, written, "2 V: not a number."},
+                 {"2,4", ",", "2" + whole, written, ""},
+                 {"2.4", ",", "2" + whole, written, ""},
+                 {"2,44", ",", "2" + whole, written, "2,4 V."},
+                 {"1,000", ".", "1" + whole, written, "1 V: not a number."},
+                 {"1,000", ",", "1" + whole, written, ""},
+                 {"12abc", ".", "12" + whole, written, "12 V: not a number."},
+                 {"1e3", ".", "1000" + whole, written, "1000 V: not a number."},
+                 {"-0.01", ".", "0" + whole, written, "0 V."},
+                 {"x", ".", "0" + whole, written, "0 V: not a number."},
+                 {"", ".", "0" + whole, "0.", "0 V: not a number."},
+                 {"1e30", ".", "", written, ""}}; // too large, which OK refuses
+    const auto taken = [](const std::string& note) {
+        return note.starts_with("Taken as ") ? note.substr(9) : note;
+    };
+    for (const auto& [text, separator, count, width, level] : cases) {
+        SCOPED_TRACE(std::string(text) + " " + separator);
+        EXPECT_EQ(taken(CountNote(text, separator)), count);
+        EXPECT_EQ(taken(WidthNote(text, separator)), width);
+        EXPECT_EQ(taken(LevelNote(text, separator)), level);
     }
 }
 

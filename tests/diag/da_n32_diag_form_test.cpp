@@ -29,7 +29,7 @@ TEST(DaDiagForm, CommandOfEachFormat) {
     for (const auto& [range, format, position, command, shown] : cases) {
         const BarPosition bar{position, 32760};
         EXPECT_EQ(OutputCommand("01", {.DataFormat = format, .InputRange = range}, bar), command);
-        EXPECT_EQ(ShownOutput(OutputValue(range, bar)), shown);
+        EXPECT_EQ(ShownOutput(OutputValue(range, bar), "."), shown);
     }
     for (int count = 0; count <= OutputCounts; ++count) // every one is reached
         ASSERT_EQ(OutputCommand("", {.DataFormat = 2, .InputRange = 48}, {8 * count, 8 * OutputCounts}),
@@ -42,13 +42,13 @@ TEST(DaDiagForm, SendsTheStartAndEachChange) {
     DaDiagForm form(test.Session, test.Messages);
     EXPECT_EQ(test.Sent(), (Lines{"$01F", "#0104.000"}));
     EXPECT_EQ(Shown(form, "LowRange") + Shown(form, "HighRange") + Shown(form, "DataFormat_1"), "420mA");
-    EXPECT_EQ(Shown(form, "DA_data"), "4.000");
+    EXPECT_EQ(Shown(form, "DA_data"), "4,000");
     auto& bar = Find<QScrollBar>(form, "DaScroll");
     bar.setSliderDown(true);
     bar.setSliderPosition(100);
     bar.setSliderPosition(bar.maximum() / 2);
     QApplication::processEvents();
-    EXPECT_EQ(Shown(form, "DA_data"), "12.000") << "follows the drag";
+    EXPECT_EQ(Shown(form, "DA_data"), "12,000") << "follows the drag";
     EXPECT_EQ(test.Sent(), Lines{});
     bar.setSliderDown(false);
     QApplication::processEvents();

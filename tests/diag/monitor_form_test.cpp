@@ -63,6 +63,7 @@ protected:
 TEST_F(MonitorFormTest, OneRowPerModuleAndOneModulePerTick) {
     EXPECT_EQ(Find<QTableWidget>(*Form, "MonitorGrid").verticalHeaderItem(6)->text(), "7 (07H) 8250");
     EXPECT_EQ(Cell(6, StateColumn), "waiting");
+    Session.DecimalSeparator = ",";
     Turns(6);
     Form->Timer1_Timer();
     EXPECT_EQ(Session.Line.CommandText, "$076") << "one transaction at a time";
@@ -75,7 +76,8 @@ TEST_F(MonitorFormTest, OneRowPerModuleAndOneModulePerTick) {
     Turns(7);
     EXPECT_EQ(Cell(0, Value0), before);
     EXPECT_EQ(Cell(0, StateColumn) + " " + Cell(1, StateColumn), "no reply ok");
-    EXPECT_EQ(Cell(0, AgeColumn), "6.1 s");
+    EXPECT_EQ(Cell(0, AgeColumn), "6,1 s");
+    EXPECT_EQ(before.find('.'), std::string::npos) << before;
     EXPECT_TRUE(Messages.Shown.empty());
 }
 

@@ -73,6 +73,14 @@ TEST(Text, WholeNumbers) {
     for (const char* text : {"", "abc", "1.5", "+-5", "32768", "99999999999999999999"})
         EXPECT_THROW(WholeNumber16(text, "x"), RuntimeFailure) << text;
     EXPECT_THROW(WholeNumber32("2147483648", "x"), RuntimeFailure);
+    const std::pair<const char*, std::int32_t> capped[] = {{"0", 0},
+                                                           {"0000000000000000000005", 5},
+                                                           {"2147483648", 2147483647},
+                                                           {"99999999999999999999", 2147483647}};
+    for (const auto& [text, value] : capped)
+        EXPECT_EQ(CappedNumber(text), value);
+    for (const char* text : {"", "-1", "+1", " 1", "1.0", "1a"})
+        EXPECT_FALSE(CappedNumber(text)) << text;
 }
 
 TEST(Text, FormatNumber) {
@@ -92,6 +100,9 @@ TEST(Text, DecimalSeparatorAndKeyFilters) {
                        "5,2\xD9\xAB";
     NormalizeDecimalPoint(text, "\xD9\xAB"); // U+066B
     EXPECT_EQ(text, "1.5,2.");
+    for (const auto& [number, shown] :
+         {std::pair{"+01.500 V", "+01,500 V"}, {"*error*", "*error*"}, {".0", ",0"}})
+        EXPECT_EQ(ShownNumber(number, ","), shown);
     for (int key = -1; key < 0x700; ++key) {
         const bool digit = (key >= '0' && key <= '9') || key == 13 || key == 8;
         const bool sign = key == '+' || key == '-';

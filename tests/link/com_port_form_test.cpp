@@ -92,10 +92,9 @@ TEST_F(ComPortFormTest, CancelChangesNothing) {
 // A failure is told once, closes the dialog and leaves port, devices and time-outs as they were.
 TEST_F(ComPortFormTest, FailureLeavesEverythingAsItWas) {
     const std::function<void()> failures[] = {
-        [this] { Port(2).FailOpen = true; },       [this] { Port(2).FailSettings = true; },
-        [this] { Devices.Refused = "/dev/gone"; }, [this] { Enter("Timeout", ""); },
-        [this] { Enter("Timeout", "6554"); }, // 5 times that overflows
-        [this] { Enter("DataBits", "99999"); },
+        [this] { Port(2).FailOpen = true; },
+        [this] { Port(2).FailSettings = true; },
+        [this] { Devices.Refused = "/dev/gone"; },
     };
     for (const auto& fail : failures) {
         Messages.Shown.clear();
@@ -117,9 +116,53 @@ TEST_F(ComPortFormTest, FailureLeavesEverythingAsItWas) {
     }
 }
 
+// What cannot be applied is told with its limits, and every entry stays for the next OK.
+TEST_F(ComPortFormTest, ImpossibleEntriesLoseNothing) {
+    TestLine.FileTimeout = 500; // of a start without the adapter
+    Open();
+    EXPECT_EQ(Text("Timeout"), "500");
+    Device(2).setEditText("/dev/new");
+    Click(*Form, "ComOption_2");
+    Click(*Form, "BaudCheck_0");
+    const std::string timeout = "TimeOut must be a number from 100 to 6553, in milliseconds.";
+    const std::string dataBits = "Data bits must be a number from 4 to 8.";
+    const std::tuple<const char*, const char*, std::string> entries[] = {
+        {"Timeout", "", timeout},     {"Timeout", "6554", timeout}, {"Timeout", "9999999999", timeout},
+        {"Timeout", "5 00", timeout}, {"DataBits", "", dataBits},   {"DataBits", "99999", dataBits}};
+    for (const auto& [control, text, message] : entries) {
+        Messages.Shown.clear();
+        const QString before = Text(control);
+        Enter(control, text);
+        Click(*Form, "OKBtn");
+        EXPECT_EQ(Messages.Shown, (ShownMessages{{message, "Error"}})) << text;
+        EXPECT_TRUE(Form->isVisible());
+        EXPECT_EQ(Form->focusWidget()->objectName(), control);
+        Enter(control, before.toUtf8());
+    }
+    EXPECT_EQ(std::tuple(Log, TestLine.CurrentPort, TestLine.ChosenTimeout()), std::tuple(Lines{}, 1, 500));
+    Enter("Timeout", "6553");
+    Click(*Form, "OKBtn");
+    EXPECT_EQ(std::tuple(TestLine.CurrentPort, TestLine.LongReplyTimeout), std::tuple(2, 32765));
+    EXPECT_EQ(TestLine.ChosenTimeout(), 6553);
+    EXPECT_EQ(TestLine.SettingsOf(2).BaudEnabled[0], 1);
+    EXPECT_EQ(Devices.Devices[2], "/dev/new");
+}
+
+TEST_F(ComPortFormTest, SaysWhatDoesNotLast) {
+    ComPortForm& form = Open();
+    for (const char* control : {"ComOption_", "ComDevice_"})
+        for (int port = 1; port <= PortTotal; ++port)
+            EXPECT_EQ(Find<QWidget>(form, control + QString::number(port)).toolTip().contains("COM1 to COM4"),
+                      port > 4);
+    for (const char* control : {"ParityOption_0", "ParityOption_2", "DataBits", "StopBits"})
+        EXPECT_TRUE(Find<QWidget>(form, control).toolTip().contains("n,8,1")) << control;
+}
+
 TEST_F(ComPortFormTest, ServesAPortNumberThatDoesNotExist) {
     TestLine.CurrentPort = 0;
     Open();
+    EXPECT_EQ(Text("DataBits"), "8");
+    EXPECT_TRUE(Find<QAbstractButton>(*Form, "BaudCheck_3").isChecked());
     Click(*Form, "OKBtn");
     EXPECT_TRUE(Form->isVisible());
     Click(*Form, "ComOption_4");

@@ -65,6 +65,7 @@ TEST(PortConfig, FilesThatCannotBeRead) {
         EXPECT_EQ(test.MessagesBefore, 2U);
         EXPECT_TRUE(test.Log.empty()) << "no port is open";
         EXPECT_EQ(test.Session.Line.ReplyTimeout, 100) << "the file's time-out was not reached";
+        EXPECT_EQ(test.Session.Line.LongReplyTimeout, 400);
     };
     const std::pair<const char*, const char*> cases[] = {
         {"", "COM1: Input past the end of COM.CFG: there is no reply time-out. Choose the settings anew."},
@@ -81,6 +82,31 @@ TEST(PortConfig, FilesThatCannotBeRead) {
         expect(StartUp(content, {}, 2), description);
     std::filesystem::create_directory(Path);
     expect(StartUp(nullptr), "COM1: The settings file " + Path + " cannot be read. Check its access rights.");
+}
+
+// What the dialog then offers, and what is saved when it is cancelled.
+TEST(PortConfig, AFailedStartKeepsTheFilesTimeout) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"500\n2\nn,8,1\n19200\n", "500\n2\nn,8,1\n19200\n"}, // the adapter is not there
+        {"50\n2\nn,8,1\n9600\n", "50\n2\nn,8,1\n9600\n"},
+        {"500\n5\nn,8,1\n2400\n", "100\n2\nn,8,1\n2400\n"}, // nor is the content good
+        {"9000\n2\nn,8,1\n2400\n", "100\n2\nn,8,1\n2400\n"},
+        {"500\n2\nn,8\n", "100\n2\nn,8,1\n9600\n"}, // damaged: 9600 baud
+        {"500\n2\nn,8,1\n96oo\n", "100\n2\nn,8,1\n9600\n"},
+        {"", "100\n1\nn,8,1\n9600\n"},
+        {nullptr, "100\n1\nn,8,1\n9600\n"}};
+    for (const auto& [content, saved] : cases) {
+        SCOPED_TRACE(content ? content : "no file");
+        StartUp test(content, {}, content ? 2 : 1);
+        Line& line = test.Session.Line;
+        EXPECT_EQ(PortConfigText(line), saved);
+        EXPECT_EQ(std::tuple(line.ReplyTimeout, line.LongReplyTimeout), std::tuple(100, 400)) << "meanwhile";
+        EXPECT_EQ(line.SettingsOf(line.CurrentPort).DataBits, 8);
+        test.Port(3).FailOpen = false;
+        PortChoice choice{.Port = 3, .DataBits = "8", .Timeout = "200"};
+        ApplyPortChoice(line, choice, test.Messages);
+        EXPECT_EQ(PortConfigText(line), "200\n3\nn,8,1\n");
+    }
 }
 
 TEST(PortConfig, APortThatIsGivenTakesTheFilesPlace) {

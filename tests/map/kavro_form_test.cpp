@@ -29,6 +29,7 @@ protected:
             Session.ModuleTable[Session.SelectedModule].Address = 77;
             Session.ConfigResult = 1;
         };
+        Devices.Devices[1] = SimulatedLineDevice;
         Form = std::make_unique<KavroForm>(Session, Messages, Devices, Openers);
         Form->show();
     }
@@ -127,7 +128,7 @@ TEST_F(KavroFormTest, LostPortEndsTheSearchWithOneMessage) {
     EXPECT_EQ(Messages.Shown[0].second, "Error");
     EXPECT_EQ(Session.ModuleCount, 3);
     ExpectListIsShown();
-    EXPECT_TRUE(Find<QLabel>(*Form, "PortStatus").text().endsWith("(closed)"));
+    EXPECT_EQ(Find<QLabel>(*Form, "PortStatus").text(), "COM1: Simulated line (closed)");
 
     List().setCurrentRow(1);
     const auto acceptOnly = [](QDialog& dialog) { Click(dialog, "OKBtn"); };
@@ -217,11 +218,13 @@ TEST(SearchForm, ChecksTheAddress) {
     EXPECT_EQ(address.selectedText(), "255");
     Type(address, "1x-2 .3"); // in place of what was selected; only digits pass
     EXPECT_EQ(address.text(), "123");
-    const std::pair<const char*, const char*> wrong[] = {{"", "Please input a number."},
-                                                         {"12a", "Please input a number."},
-                                                         {"-1", "Please input a number."},
-                                                         {"256", "Number can not exceed 255."},
-                                                         {"99999999999", "Number can not exceed 255."}};
+    const std::pair<const char*, const char*> wrong[] = {
+        {"", "Please input a number."},
+        {"12a", "Please input a number."},
+        {"-1", "Please input a number."},
+        {"256", "Number can not exceed 255."},
+        {"99999999999", "Number can not exceed 255."},
+        {"9999999999999999999999999", "Number can not exceed 255."}};
     for (const auto& [text, told] : wrong) {
         test.Messages.Shown.clear();
         address.setText(text);
@@ -230,13 +233,21 @@ TEST(SearchForm, ChecksTheAddress) {
         EXPECT_TRUE(form.isVisible());
         EXPECT_EQ(test.Session.SearchAccepted, 0);
     }
-    address.setText("255");
+    address.setText("0000000255");
     Click(form, "OKBtn");
     EXPECT_FALSE(form.isVisible());
     EXPECT_EQ(std::tuple(test.Session.SearchAccepted, test.Session.SearchHighAddress), std::tuple(-1, 255));
     form.show();
     form.close(); // as Cancel
     EXPECT_EQ(test.Session.SearchAccepted, 0);
+    for (const bool none : {false, true}) {
+        EnableBaudCodes(test.Session, none ? std::vector<int>{} : std::vector{7});
+        SearchForm other(test.Session, test.Messages, nullptr);
+        other.show();
+        EXPECT_EQ(Find<QLabel>(other, "BaudRateNote").isVisible(), none);
+        Click(other, "OKBtn");
+        EXPECT_EQ(test.Session.SearchAccepted, -1);
+    }
 }
 
 } // namespace
