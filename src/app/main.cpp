@@ -1,6 +1,7 @@
 #include "app/color_scheme.h"
 #include "app/options.h"
 #include "app/program.h"
+#include "app/window_focus.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -37,6 +38,7 @@ int main(int argc, char** argv) {
     // The exit question alone ends the program; a message box closed during start-up does not.
     QApplication::setQuitOnLastWindowClosed(false);
     kavro::FollowColorScheme(application);
+    kavro::KeepWindowFocus(application);
     kavro::Program program(*options);
     program.Start();
     return QApplication::exec();

@@ -12,7 +12,7 @@ struct Printout {
     QString Title;
     QString Details; ///< where and when it was
     QString Heading; ///< of the columns of the lines
-    QStringList Lines;
+    QStringList Lines{};
 };
 
 /// The rows of every page: title, details and heading, then the lines in order, a row each, and the page
