@@ -1,9 +1,10 @@
 #include "app/color_scheme.h"
 
+#include "app/dark_outline_style.h"
+
 #include <QApplication>
 #include <QPalette>
 #include <QStyle>
-#include <QStyleFactory>
 
 #ifdef KAVRO_HAS_DBUS
 #include <QDBusConnection>
@@ -47,7 +48,7 @@ void Apply(QApplication& application, bool dark) {
         return;
     application.setProperty(AppliedProperty, dark);
     if (dark)
-        QApplication::setStyle(QStyleFactory::create("Fusion")); // the one style that takes any palette
+        QApplication::setStyle(new DarkOutlineStyle); // of Fusion, the one style that takes any palette
     QApplication::setPalette(dark ? DarkPalette() : QApplication::style()->standardPalette());
 }
 
@@ -72,9 +73,7 @@ void AskPortal(QApplication& application) {
                      });
 }
 
-} // namespace
-
-void FollowColorScheme(QApplication& application) {
+void FollowPortal(QApplication& application) {
     if (!QDBusConnection::sessionBus().isConnected())
         return;
     AskPortal(application);
@@ -84,8 +83,20 @@ void FollowColorScheme(QApplication& application) {
                              AskPortal(application);
                      });
 }
+
+} // namespace
 #else
-void FollowColorScheme(QApplication&) {}
+namespace {
+
+void FollowPortal(QApplication&) {}
+
+} // namespace
 #endif
+
+void FollowColorScheme(QApplication& application) {
+    if (QApplication::style()->name().compare("fusion", Qt::CaseInsensitive) == 0)
+        QApplication::setStyle(new DarkOutlineStyle);
+    FollowPortal(application);
+}
 
 } // namespace kavro

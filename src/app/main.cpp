@@ -1,6 +1,7 @@
 #include "app/color_scheme.h"
 #include "app/options.h"
 #include "app/program.h"
+#include "app/window_focus.h"
 #include "ports/termination_signals.h"
 
 #include <QApplication>
@@ -39,6 +40,7 @@ int main(int argc, char** argv) {
     // The exit question ends the program, or the system; a message box closed during start-up does not.
     QApplication::setQuitOnLastWindowClosed(false);
     kavro::FollowColorScheme(application);
+    kavro::KeepWindowFocus(application);
     kavro::Program program(*options, endRequests.Descriptor());
     program.Start();
     return QApplication::exec();

@@ -52,6 +52,8 @@ void Program::Start() {
     // The demo starts on its simulated line, whatever port its settings name.
     form_.Load(options_.Demo ? std::optional(DemoPort) : std::nullopt);
     form_.show();
+    form_.activateWindow(); // after the messages of the start-up, which had no window to give the focus back
+                            // to
 }
 
 } // namespace kavro

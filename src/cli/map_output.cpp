@@ -19,7 +19,7 @@ QString Shown(std::string_view text) {
 
 QJsonObject ModuleObject(const Session& session, int index) {
     const ModuleRecord& record = session.ModuleTable[index];
-    return {
+    QJsonObject object = {
         {"index", index},
         {"address", record.Address},
         {"addressHex", QString::fromStdString(ToHex(record.Address, 2))},
@@ -30,9 +30,11 @@ QJsonObject ModuleObject(const Session& session, int index) {
         {"inputRange", record.InputRange},
         {"dataFormat", record.DataFormat},
         {"initialisation", index == session.ScanIndex},
-        {"complete", record.Complete},
         {"line", Shown(session.Device[static_cast<std::size_t>(index)])},
     };
+    if (!record.Complete)
+        object["complete"] = false;
+    return object;
 }
 
 } // namespace

@@ -37,15 +37,17 @@ QSize DeviceList::sizeHint() const {
 
 void DeviceList::keyPressEvent(QKeyEvent* event) {
     const int key = event->key();
-    if (key == Qt::Key_Return || key == Qt::Key_Enter) {
-        if (!event->isAutoRepeat()) // a key held down would answer what it has opened
-            open_();
-    } else if ((key == Qt::Key_Up || key == Qt::Key_Down) && count() > 0 && selectedItems().isEmpty()) {
-        // The first arrow key selects the line that the focus is on; the list itself would go on to the next.
+    const bool enter = key == Qt::Key_Return || key == Qt::Key_Enter;
+    const bool chosen = !selectedItems().isEmpty();
+    if (enter && event->isAutoRepeat())
+        return; // a key held down would answer what it has opened
+    if (count() > 0 && !chosen && (enter || key == Qt::Key_Up || key == Qt::Key_Down))
+        // The first key selects the line that the focus is on; the list itself would go on to the next.
         setCurrentRow(std::max(currentRow(), 0));
-    } else {
+    else if (enter && chosen)
+        open_();
+    else
         QListWidget::keyPressEvent(event);
-    }
 }
 
 void DeviceList::mouseDoubleClickEvent(QMouseEvent* event) {

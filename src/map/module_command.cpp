@@ -56,8 +56,10 @@ Answer Greet(Session& session, int index) {
         AskRepeating(session, index, Command(session, index, '$', "M"), ReplyFormOf(model, '$', "M"));
     if (name.Answer == Answer::Refused)
         BelievedSince(session, index) = session.Line.IncompleteCount;
-    else if (name.Answer == Answer::Ok && FixedText(name.Data, 6) != FixedText(model, 6))
-        return Answer::Garbled; // another module has taken its place
+    else if (name.Answer == Answer::Ok && FixedText(name.Data, 6) != FixedText(model, 6)) {
+        BelievedSince(session, index) = -1; // another module has taken its place
+        return Answer::Garbled;
+    }
     return name.Answer == Answer::Refused ? Answer::Ok : name.Answer;
 }
 

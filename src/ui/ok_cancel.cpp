@@ -4,9 +4,28 @@
 
 #include <QDialog>
 #include <QDialogButtonBox>
+#include <QKeyEvent>
 #include <QPushButton>
 
 namespace kavro {
+
+namespace {
+
+class HeldEnterFilter : public QObject {
+public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::KeyPress) {
+            const auto& press = static_cast<const QKeyEvent&>(*event);
+            if (press.isAutoRepeat() && (press.key() == Qt::Key_Return || press.key() == Qt::Key_Enter))
+                return true;
+        }
+        return QObject::eventFilter(watched, event);
+    }
+};
+
+} // namespace
 
 QDialogButtonBox* OkAndCancel(QDialog& dialog, std::function<void()> ok) {
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
@@ -14,6 +33,11 @@ QDialogButtonBox* OkAndCancel(QDialog& dialog, std::function<void()> ok) {
     Named(buttons->button(QDialogButtonBox::Cancel), "CancelBtn", "Cancel")->setText("Cancel");
     QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, std::move(ok));
     QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    auto* heldEnter = new HeldEnterFilter(&dialog);
+    const QObjectList receivers = {&dialog, buttons->button(QDialogButtonBox::Ok),
+                                   buttons->button(QDialogButtonBox::Cancel)};
+    for (QObject* receiver : receivers)
+        receiver->installEventFilter(heldEnter);
     return buttons;
 }
 

@@ -38,6 +38,7 @@ QSize ScrollContent(QWidget& form) {
         layout->setContentsMargins({});
         layout->addWidget(area);
     }
+    form.layout()->activate(); // the window may be smaller now
     if (focus)
         focus->setFocus();
     QObject::connect(qApp, &QApplication::focusChanged, area, [area](QWidget*, QWidget* now) {

@@ -177,7 +177,10 @@ TEST(ConfigCommand, WhatIsHardlyMeantNeedsForce) {
             demo.Session.ModuleTable[0] = {.Address = 70, .Model = "8410  "};
             const Captured set = demo.Set(address, given, force, 1);
             const bool refused = told != nullptr && !force;
-            EXPECT_EQ(set.Exit, refused ? ExitWrongUse : ExitSuccess) << given.front() << set.Err;
+            // Where two modules answer, what was written cannot be read back.
+            const bool collides = force && told && std::string(told).starts_with("A module");
+            EXPECT_EQ(set.Exit, refused ? ExitWrongUse : collides ? ExitNotAccepted : ExitSuccess)
+                << given.front() << set.Err;
             EXPECT_TRUE(Contains(set.Err, refused ? told : "Change configuration complete."));
             const Lines after(demo.Heard.begin() + reads, demo.Heard.end());
             const auto write = std::ranges::find_if(after, [](const auto& each) { return each[0] != '$'; });
@@ -202,7 +205,10 @@ TEST(ConfigCommand, WhatTheModuleDoesNotAcceptOrTellHasAnExitCode) {
         {15, "$0F6", silent, untold},
         {18, "@12RP", silent, untold},
         {1, "@01RL", refuse, untold},
-        {5, "%05", refuse, "Configuration command failed.\nkavroctl: Change"},
+        {5,
+         "%05",
+         refuse,
+         "Configuration command failed.\nkavroctl: The address did not take: 99 is wanted, the module has 5."},
         {20, "%14", silent, "kavroctl: Configuration command failed.\n"},
         {24, "?", silent, "The module 8999 at address 24 (18H) has no settings that kavroctl knows."},
     };

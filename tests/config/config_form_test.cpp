@@ -251,6 +251,7 @@ TEST(ConfigForm, NotesBesideTheFields) {
         module.Session.ModuleTable[1].Address = 7;
         const auto form = test.Open(module.Session, module.Messages);
         form->show();
+        QApplication::processEvents();
         const auto& note = Find<QLabel>(*form, test.Note);
         auto& box = Find<QLineEdit>(*form, test.Control);
         for (const bool wrong : {false, true, false}) {

@@ -186,9 +186,11 @@ TEST(FamilyConfigs, ReadsBeforeTheDialog) {
                              {"!01A5", 0, 15}}) {
         ConfigSession session("8460  ", {});
         session.Port().Replies["9600 $016"] = {test.Reply};
+        session.Session.ModuleTable[0].Model = "8250  ";
         const AnalogInputConfig channels = ReadAnalogInputConfig(session.Session, 0);
         EXPECT_EQ(channels.EnabledChannels, test.Channels) << test.Reply;
         EXPECT_EQ(channels.ChannelsKnown, test.ChannelsKnown) << test.Reply;
+        session.Session.ModuleTable[0].Model = "8460  ";
         const auto start = session.Time.GetTickCount();
         const PortDirectionConfig ports = ReadPortDirectionConfig(session.Session, 0);
         EXPECT_EQ(ports.InputPorts, test.Inputs) << test.Reply;

@@ -26,6 +26,7 @@ protected:
         EnableBaudCodes(Session, {3});
         Session.SearchHighAddress = 7;
         NetworkSearch(Session, {}).Run();
+        Time.Sleep(MonitorTickMs); // until the timer ticks
         Form = std::make_unique<MonitorForm>(Session, Messages, nullptr, [this] { return Now; });
         Form->show();
         StopTimer(*Form);

@@ -8,12 +8,16 @@
 #include "ui/print_lines.h"
 
 #include <QComboBox>
+#include <QContextMenuEvent>
+#include <QEnterEvent>
 #include <QFileSystemModel>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
 #include <QPrinter>
 #include <QRegularExpression>
+#include <QScrollArea>
 
 #include <gtest/gtest.h>
 
@@ -92,6 +96,91 @@ TEST_F(KavroFormTest, SearchFillsTheListAndTheSelectionFollowsIt) {
     EXPECT_EQ(Messages.Shown, (ShownMessages{{"No module found!", ""}}));
 }
 
+TEST_F(KavroFormTest, TheListOpensModulesByKeyAndMouse) {
+    Search("5");
+    const auto press = [&](int key, bool held = false) {
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, {}, held);
+        QApplication::sendEvent(&List(), &event);
+        return std::pair(List().currentRow(), Opened.size());
+    };
+    Session.SelectedModule = -1;
+    EXPECT_EQ(press(Qt::Key_Return), std::pair(0, std::size_t{0})) << "selects first";
+    EXPECT_EQ(press(Qt::Key_Down), std::pair(1, std::size_t{0}));
+    EXPECT_EQ(press(Qt::Key_Return), std::pair(1, std::size_t{1}));
+    EXPECT_EQ(press(Qt::Key_Return, true), std::pair(1, std::size_t{1})) << "held down";
+    EXPECT_EQ(press(Qt::Key_Enter), std::pair(1, std::size_t{2}));
+
+    const auto doubleClick = [&](QPoint place, Qt::MouseButton button) {
+        for (const auto type :
+             {QEvent::MouseButtonPress, QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick}) {
+            QMouseEvent event(type, place, List().viewport()->mapToGlobal(place), button, button, {});
+            QApplication::sendEvent(List().viewport(), &event);
+        }
+        return std::pair(List().currentRow(), Opened.size());
+    };
+    const QPoint third = List().visualItemRect(List().item(2)).center();
+    EXPECT_EQ(doubleClick(third, Qt::LeftButton), std::pair(2, std::size_t{3}));
+    EXPECT_EQ(doubleClick(third, Qt::RightButton), std::pair(2, std::size_t{3}));
+    EXPECT_EQ(doubleClick(List().viewport()->rect().bottomLeft(), Qt::LeftButton).second, 3U)
+        << "below the lines";
+
+    auto& menu = Find<QMenu>(*Form, "DeviceMenu");
+    for (const auto reason : {QContextMenuEvent::Keyboard, QContextMenuEvent::Mouse}) {
+        QContextMenuEvent event(reason, third, List().mapToGlobal(third));
+        QApplication::sendEvent(List().viewport(), &event);
+        EXPECT_TRUE(menu.isVisible());
+        QStringList offered;
+        for (const QAction* action : menu.actions())
+            offered << action->objectName();
+        EXPECT_EQ(offered, (QStringList{"mnuTerminal", "mnuConfiguration", "mnuMonitor", "mnuDiagnostic",
+                                        "mnuCalibration"}));
+        menu.close();
+    }
+    EXPECT_TRUE(Messages.Shown.empty());
+}
+
+TEST_F(KavroFormTest, TheStatusBarTellsWhatWasLeftOut) {
+    const auto status = [&] { return Find<QLabel>(*Form, "ActivityStatus").text().toStdString(); };
+    Line.LineFaults.Refuse = true;
+    Search("2");
+    const std::string heard = "Heard but not understood at addresses 0 to 2.";
+    EXPECT_EQ(status(), heard);
+    QEvent activated(QEvent::WindowActivate);
+    QApplication::sendEvent(Form.get(), &activated); // also of another window's closing
+    EXPECT_EQ(status(), heard);
+
+    Session.SelectedModule = 0;
+    const std::tuple<const char*, const char*, const char*> nothingOpens[] = {
+        {"8999  ", "ConfigBtn", "There is no configuration for a module of model 8999. "},
+        {"8999  ", "DiagBtn", "There is no diagnostic for a module of model 8999. "},
+        {"8510  ", "CalibBtn", "There is no calibration for a module of model 8510. "},
+        {"      ", "CalibBtn", "There is no calibration for a module of unknown model. "}};
+    Messages.Shown.clear();
+    for (const auto& [model, button, told] : nothingOpens) {
+        Session.ModuleTable[0].Model = model;
+        Click(*Form, button);
+        EXPECT_EQ(status(), told + heard);
+    }
+    EXPECT_TRUE(Messages.Shown.empty() && Opened.empty());
+    Session.ModuleTable[0].Model = "8410  ";
+    Click(*Form, "ConfigBtn");
+    EXPECT_EQ(status(), heard) << "an operation ends the note of the one before";
+    Line.LineFaults.Refuse = false;
+    Search("24");
+    EXPECT_EQ(status(), "Ready");
+}
+
+TEST_F(KavroFormTest, PromptsGoWithThePointer) {
+    auto& button = Find<QWidget>(*Form, "DiagBtn");
+    const QWidget& prompt = Find<QWidget>(*Form, "DiagPrompt");
+    QEnterEvent enter({}, {}, {});
+    QApplication::sendEvent(&button, &enter);
+    EXPECT_TRUE(prompt.isVisible());
+    QEvent leave(QEvent::Leave); // as when the pointer leaves the window
+    QApplication::sendEvent(&button, &leave);
+    EXPECT_FALSE(prompt.isVisible());
+}
+
 // Every way to end a search in the middle keeps what was found and leaves none running.
 TEST_F(KavroFormTest, SearchEndsInTheMiddle) {
     const std::function<void(QDialog&)> ways[] = {
@@ -111,6 +200,7 @@ TEST_F(KavroFormTest, SearchEndsInTheMiddle) {
         EXPECT_EQ(Session.ModuleCount, 2);
         ExpectListIsShown();
         EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+        EXPECT_TRUE(Find<QLabel>(*Form, "ActivityStatus").text().startsWith("The search was stopped after"));
         EXPECT_TRUE(Form->isVisible());
         // Only closing the main window asks, and it asks after the search.
         EXPECT_EQ(question.Finished(), &way == std::end(ways) - 1);

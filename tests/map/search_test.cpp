@@ -186,6 +186,55 @@ TEST_F(SearchTest, WhatIsNotAModule) {
     EXPECT_EQ(S.ModuleTable[0].Address, 0);
 }
 
+// What is told beside the list: replies by command, address before which the search is stopped, findings.
+TEST_F(SearchTest, TellsWhatIsNotInTheList) {
+    const std::string babble(2000, 'U');
+    struct Case {
+        std::map<std::string, std::string> Replies;
+        int StopBefore;
+        Lines Want;
+    };
+    const Case cases[] = {
+        {{}, 9, {}},
+        {{{"$012", "!01400600\r"}, {"$01M", "!018410\r"}}, 9, {}},
+        {{{"$012", "?01\r"}, {"$012B7", "!01400600AC\r"}}, 9, {}}, // understood in the end
+        {{{"$012", "?01\r"}}, 9, {"Heard but not understood at address 1."}},
+        {{{"$022B8", "\xFF"}, {"$032", "\r"}, {"$042", babble}, {"$062", "!06XX0600\r"}},
+         9,
+         {"Heard but not understood at addresses 2 to 4, 6."}},
+        {{{"$002", babble}, {"$012", "!01400600\r"}, {"$01M", babble}, {"$032", "?"}},
+         9,
+         {"Heard but not understood at addresses 0, 1, 3."}},
+        {{{"$002", "!C8400600\r"}, {"$00M", "!C88410\r"}},
+         9,
+         {"A module in its initialisation state reports address 200, which was not searched: search that far "
+          "to list it."}},
+        {{{"$002", "!04400600\r"}, {"$012", "x"}},
+         3,
+         {"The search was stopped after address 2.",
+          "A module in its initialisation state reports address 4, which was not searched: search that far "
+          "to "
+          "list it.",
+          "Heard but not understood at address 1."}},
+        {{{"$002", "!00400600\r"}}, 0, {"The search was stopped before its first address."}}};
+    for (const auto& [replies, stopBefore, want] : cases) {
+        Test.Port().Replies.clear();
+        for (const auto& [command, reply] : replies)
+            Test.Port().Replies["9600 " + command] = {reply};
+        S.SearchHighAddress = 6;
+        NetworkSearch* running = nullptr;
+        NetworkSearch search(S, {.Address = [&](std::int16_t address) {
+                                 if (address == stopBefore - 1)
+                                     running->Stop();
+                             }});
+        running = &search;
+        if (stopBefore == 0)
+            search.Stop();
+        search.Run();
+        EXPECT_EQ(FindingTexts(search.Findings()), want);
+    }
+}
+
 TEST_F(SearchTest, ReadsOfEveryFamily) {
     // Configuration, model, checksum of the reads, "command reply" in order, fields.
     const std::tuple<const char*, const char*, bool, const char*, const char*> cases[] = {

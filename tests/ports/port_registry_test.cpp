@@ -107,7 +107,7 @@ TEST_F(PortRegistryTest, OpenPortMovesOnlyToADeviceThatOpens) {
 
     after.Unplug();
     EXPECT_EQ(FailureText([&] { port.Output("d"); }),
-              link + ": The device has been disconnected. Plug it in. Look there.");
+              link + ": The device has been disconnected. Plug it in again. Look there.");
     EXPECT_FALSE(port.PortOpen());
     EXPECT_EQ(FailureText([&] { port.Output("d"); }), link + ": The port is not open. Look there.");
 }

@@ -23,9 +23,7 @@ namespace {
 // The form on a scripted COM1, whose modules do not answer unless told to.
 struct Terminal {
     Terminal() {
-        // An exit that an earlier test asked for would end every dialog at once.
-        QTimer::singleShot(0, qApp, [] { QApplication::quit(); });
-        QApplication::exec();
+        ForgetExit();
         QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
         Test.Session.Line.SetPortBaud(1, 3, 0, 0, 0);
         Test.Log.clear();
@@ -97,6 +95,16 @@ struct Terminal {
 };
 
 const QStringList Chosen = {"Run", "Step", "Display", "Repeat"};
+
+TEST(TerminalForm, EscapeClosesItOnlyWithNothingTyped) {
+    Terminal terminal;
+    terminal.CmdText().setText("$012");
+    terminal.Press(Qt::Key_Escape);
+    EXPECT_TRUE(terminal.Form->isVisible());
+    EXPECT_EQ(terminal.CmdText().text(), "");
+    terminal.Press(Qt::Key_Escape);
+    EXPECT_FALSE(terminal.Form->isVisible());
+}
 
 TEST(TerminalForm, TakesTheChecksumOfTheModule) {
     Terminal terminal;
