@@ -118,7 +118,7 @@ TEST(ReadCommand, KeepsToItsScheduleAndLeavesMissedTurnsOut) {
     using Moments = std::vector<std::int64_t>;
     // A turn takes 134 ms; the first one also asked twice which channels are enabled.
     for (const auto& [interval, moments] :
-         {std::pair{700, Moments{674, 1374, 2074}}, {100, {174, 374, 574}}}) {
+         {std::pair{700, Moments{673, 1373, 2073}}, {100, {173, 373, 573}}}) {
         ReadSession demo;
         demo.Timed = "#050";
         demo.Read(5, {.Pace = {interval, 4}});

@@ -71,7 +71,7 @@ TEST_F(MonitorFormTest, OneRowPerModuleAndOneModulePerTick) {
     while (Form->Busy())
         QApplication::processEvents();
     EXPECT_EQ(Cell(6, Value0 + 2), "disabled");
-    EXPECT_EQ(Cell(5, StateColumn), "ok");
+    EXPECT_EQ(Cell(5, StateColumn) + " " + Cell(5, Value0 + 3), "open open");
     Line.ModuleAt(1).OwnFaults.Silent = true;
     const std::string before = Cell(0, Value0);
     Turns(7);
@@ -161,7 +161,7 @@ TEST_F(MonitorFormTest, AnAdapterThatIsPulledOutAndPutBack) {
     Turns(7);
     Line.Unplug();
     Turns(5);
-    EXPECT_EQ(Cell(6, StateColumn), "no reply");
+    EXPECT_EQ(Cell(6, StateColumn), "line lost");
     Line.Plug();
     Turns(3000 / MonitorTickMs);
     EXPECT_EQ(Cell(0, StateColumn), "ok");
