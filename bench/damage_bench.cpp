@@ -38,8 +38,8 @@ using Statements = std::set<std::string>;
 
 /// One run of an operation with a module.
 struct BenchRun {
-    BenchRun(std::size_t number, CapturedOutput& output)
-        : Target(number), Address(Target.Module.Settings.Initialisation ? std::int16_t{0} : std::int16_t{1}),
+    BenchRun(BenchModule& target, CapturedOutput& output)
+        : Target(target), Address(Target.Module.Settings.Initialisation ? std::int16_t{0} : std::int16_t{1}),
           Session(Ports(), Time), Output(output) {
         Session.Line.SettingsOf(1).BaudEnabled[Baud9600Code] = 1;
     }
@@ -53,7 +53,7 @@ struct BenchRun {
     kavro::Contact Contact() const { return ContactOf(Session, Address, {}); }
 
     VirtualClock Time;
-    BenchModule Target;
+    BenchModule& Target;
     std::int16_t Address;
     kavro::Session Session;
     CapturedOutput& Output;
@@ -216,9 +216,9 @@ struct GoodExchange {
     auto operator<=>(const GoodExchange&) const = default;
 };
 
-Statements RunOperation(const Operation& operation, std::size_t number, CapturedOutput& output,
+Statements RunOperation(const Operation& operation, BenchModule& target, CapturedOutput& output,
                         const std::function<void(const std::string&, std::string&)>& tamper) {
-    BenchRun run(number, output);
+    BenchRun run(target, output);
     if (operation.Known)
         FindModule(run.Session, run.Contact());
     run.Port().Tamper = tamper;
@@ -246,7 +246,7 @@ public:
 
     void Run() {
         std::set<GoodExchange> exchanges;
-        truth_ = RunOperation(operation_, number_, output_, [&](const auto& command, const auto& reply) {
+        truth_ = RunIt([&](const auto& command, const auto& reply) {
             if (!reply.empty())
                 exchanges.insert({command, reply.substr(0, reply.size() - 1)});
         });
@@ -262,12 +262,17 @@ public:
     }
 
 private:
+    Statements RunIt(const std::function<void(const std::string&, std::string&)>& tamper) {
+        if (*operation_.Change != '\0') // the module is changed: every run needs a new one
+            target_ = std::make_unique<BenchModule>(number_);
+        return RunOperation(operation_, *target_, output_, tamper);
+    }
+
     void Try(const GoodExchange& exchange, const std::string& damaged, int times, Counts& counts) {
-        const Statements said =
-            RunOperation(operation_, number_, output_, [&](const auto& command, auto& reply) {
-                if (command == exchange.Command && times-- > 0)
-                    reply = damaged + '\r';
-            });
+        const Statements said = RunIt([&](const auto& command, auto& reply) {
+            if (command == exchange.Command && times-- > 0)
+                reply = damaged + '\r';
+        });
         ++counts.Runs;
         if (std::ranges::includes(truth_, said))
             return;
@@ -283,7 +288,7 @@ private:
     void Keep(const GoodExchange& exchange, const std::string& damaged, const Statements& said) {
         const auto wrong =
             std::ranges::find_if(said, [&](const auto& each) { return !truth_.contains(each); });
-        const std::string model = BenchModule(number_).Module.Settings.Model;
+        const std::string& model = target_->Module.Settings.Model;
         result_.Examples.push_back(model + " " + exchange.Command + ": " + exchange.Reply + " -> " + damaged +
                                    ": " + *wrong);
     }
@@ -292,6 +297,7 @@ private:
     std::size_t number_;
     CapturedOutput& output_;
     Result& result_;
+    std::unique_ptr<BenchModule> target_ = std::make_unique<BenchModule>(number_);
     Statements truth_;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "bench/mutations.h"
+#include "bench/scratch_folder.h"
 #include "cli/command_sender.h"
 #include "cli/map_input.h"
 #include "link/port_config.h"
@@ -11,29 +12,9 @@
 #include "sim/virtual_clock.h"
 #include "support/recorded_messages.h"
 
-#include <filesystem>
 #include <fstream>
 
 namespace kavro {
-
-/// A folder below the system's temporary one; gone with its content at the end.
-class ScratchFolder {
-public:
-    ScratchFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "kavro-bench-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr)
-            throw RuntimeFailure("No temporary folder can be made.");
-        Path = name;
-    }
-    ~ScratchFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(Path, ignored);
-    }
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-
-    std::string Path;
-};
 
 inline const std::string& FileWith(const std::string& content) {
     static const ScratchFolder folder; // for the whole run: thousands of files a second go there
