@@ -44,7 +44,7 @@ private:
 /// repeat it. One at a time.
 class RandomRun {
 public:
-    /// `usage`: the program's name. Arguments are the seed, the seconds, and the step to begin with.
+    /// The arguments of the program are the seed, the seconds, and the step to begin with.
     RandomRun(const char* name, int argc, char** argv, int longestStepSeconds)
         : seed_(argc > 1 ? std::strtoull(argv[1], nullptr, 10) : 1),
           seconds_(argc > 2 ? std::atoi(argv[2]) : 10),
@@ -66,6 +66,10 @@ public:
     }
     RandomRun(const RandomRun&) = delete;
     RandomRun& operator=(const RandomRun&) = delete;
+
+    /// Whether a step depends on the seed and its number alone, so that it can be repeated without those
+    /// before it.
+    bool StepsAlone = true;
 
     std::uint64_t Seed() const { return seed_; }
     std::uint64_t Step() const { return step_; }
