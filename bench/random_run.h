@@ -120,11 +120,6 @@ private:
                      static_cast<unsigned long long>(RepeatFrom()));
     }
 
-public:
-    /// The step that a repetition begins with: this one, unless it depends on all before it.
-    bool StepsAlone = true;
-
-private:
     std::uint64_t RepeatFrom() const {
         return StepsAlone ? step_ - 1 : first_;
     }
