@@ -2,27 +2,27 @@
 
 #include <cstdio>
 #include <string>
+#include <utility>
 
-#include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
 namespace kavro {
 
-/// Keeps standard output, and throws standard error away, until it goes out of scope.
+/// Keeps standard output, and throws away what is written to `stderr`, until it goes out of scope. The
+/// descriptor of standard error stays as it is: sanitizers write there.
 class CapturedOutput {
 public:
-    CapturedOutput() : file_(memfd_create("captured", 0)), nothing_(open("/dev/null", O_WRONLY)) {
+    CapturedOutput() {
         std::fflush(stdout);
         dup2(file_, STDOUT_FILENO);
-        dup2(nothing_, STDERR_FILENO);
     }
     ~CapturedOutput() {
         Take();
         dup2(output_, STDOUT_FILENO);
-        dup2(error_, STDERR_FILENO);
-        for (const int file : {file_, nothing_, output_, error_})
-            close(file);
+        close(output_);
+        close(file_);
+        std::fclose(std::exchange(stderr, error_));
     }
     CapturedOutput(const CapturedOutput&) = delete;
     CapturedOutput& operator=(const CapturedOutput&) = delete;
@@ -38,8 +38,8 @@ public:
     }
 
 private:
-    const int output_ = dup(STDOUT_FILENO), error_ = dup(STDERR_FILENO); // before they are replaced
-    const int file_, nothing_;
+    const int output_ = dup(STDOUT_FILENO), file_ = memfd_create("captured", 0);
+    std::FILE* const error_ = std::exchange(stderr, std::fopen("/dev/null", "w"));
 };
 
 } // namespace kavro

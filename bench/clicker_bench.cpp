@@ -269,7 +269,8 @@ private:
     void CheckCalibration() {
         const bool up = CalibrationUp() != nullptr;
         if (!up && calibrated_.Up && !calibrated_.Disturbed && OutputConfigs() != calibrated_.Before)
-            run_.Fail("an output module was not restored:" + calibrated_.Before + " ->" + OutputConfigs());
+            run_.Fail("an output module was not restored:" + calibrated_.Before + " ->" + OutputConfigs() +
+                      Story());
         if (!up)
             calibrated_ = {.Up = false, .Disturbed = !LineIsWell(), .Before = OutputConfigs()};
         calibrated_.Up = up;

@@ -114,10 +114,9 @@ private:
     }
 
     void Tell(const char* what) {
-        std::fprintf(stderr, "%s: %s at step %llu: %s\n  repeat with: %s %llu %d %llu\n", name_, what,
-                     static_cast<unsigned long long>(step_), noted_, name_,
-                     static_cast<unsigned long long>(seed_), seconds_,
-                     static_cast<unsigned long long>(RepeatFrom()));
+        dprintf(STDERR_FILENO, "%s: %s at step %llu: %s\n  repeat with: %s %llu %d %llu\n", name_, what,
+                static_cast<unsigned long long>(step_), noted_, name_, static_cast<unsigned long long>(seed_),
+                seconds_, static_cast<unsigned long long>(RepeatFrom()));
     }
 
     std::uint64_t RepeatFrom() const {
