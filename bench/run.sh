@@ -17,6 +17,13 @@ echo
 echo
 "$build/bench/monitor_bench"
 echo
+"$build/bench/late_bench" 20000
+echo
+"$build/bench/damage_bench"
+echo
+"$build/bench/reader_fuzz" 1 10
+"$build/bench/clicker_bench" 1 10
+echo
 
 if [ ! -x "$build/bench/startup_bench" ]; then
     echo "start: not measured, the X11 headers (libx11-dev) are missing"

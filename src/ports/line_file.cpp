@@ -106,6 +106,25 @@ void ReadObject(const Item& object, std::span<const Key<Target>> keys, Target& t
     }
 }
 
+double Share(const Item& item) {
+    const double share = item.Value.toDouble(NAN);
+    if (!(share >= 0 && share <= 1))
+        MustBe(item, "a number from 0 to 1");
+    return share;
+}
+
+constexpr Key<LateReplies> LateKeys[] = {
+    {"share", [](LateReplies& late, const Item& item) { late.Share = Share(item); }},
+    {"min", [](LateReplies& late, const Item& item) { late.MinMs = SmallNumber(item, 0, LongestPauseMs); }},
+    {"max", [](LateReplies& late, const Item& item) { late.MaxMs = SmallNumber(item, 0, LongestPauseMs); }},
+};
+
+void ReadLate(Faults& faults, const Item& item) {
+    ReadObject<LateReplies>(item, LateKeys, faults.Late);
+    if (faults.Late.MinMs > faults.Late.MaxMs)
+        MustBe(item, "from a \"min\" to a \"max\" that is not below it");
+}
+
 constexpr Key<Faults> FaultKeys[] = {
     {"silent", [](Faults& faults, const Item& item) { faults.Silent = Flag(item); }},
     {"delay",
@@ -118,6 +137,10 @@ constexpr Key<Faults> FaultKeys[] = {
     {"refuse", [](Faults& faults, const Item& item) { faults.Refuse = Flag(item); }},
     {"wrongAddress", [](Faults& faults, const Item& item) { faults.WrongAddress = Flag(item); }},
     {"unplugged", [](Faults& faults, const Item& item) { faults.Unplugged = Flag(item); }},
+    {"echo", [](Faults& faults, const Item& item) { faults.Echo = Flag(item); }},
+    {"late", ReadLate},
+    {"babble", [](Faults& faults, const Item& item) { faults.Babble = Flag(item); }},
+    {"damage", [](Faults& faults, const Item& item) { faults.DamageShare = Share(item); }},
 };
 
 struct ModuleDescription {
@@ -152,6 +175,8 @@ void ReadModule(SimulatedLine& line, const Item& item) {
     Description module{.Settings = FactorySettings(members["model"].toString().toStdString()),
                        .OwnFaults = {}};
     ReadObject<Description>(item, ModuleKeys, module);
+    if (module.OwnFaults.Echo)
+        Fail(item.Place + ".faults.echo is no fault of a module: the adapter of the whole line echoes.");
     line.Add(MakeModule(std::move(module.Settings))).OwnFaults = module.OwnFaults;
 }
 

@@ -1,6 +1,14 @@
 #pragma once
 
+#include <algorithm>
+
 namespace kavro {
+
+/// Replies that are late now and then, each by another time.
+struct LateReplies {
+    double Share = 0;         ///< of the replies, 0 to 1
+    int MinMs = 0, MaxMs = 0; ///< late by a random time from `MinMs` to `MaxMs`
+};
 
 /// What can be wrong with a simulated module, or with the whole line. All off by default.
 struct Faults {
@@ -13,9 +21,14 @@ struct Faults {
     bool Refuse = false;           ///< answers every command with "?" and its address
     bool WrongAddress = false;     ///< names the address after its own in its replies
     bool Unplugged = false;        ///< a module: gone from the line; the line: the adapter was pulled out
+    bool Echo = false;             ///< of the line alone: the adapter hands back what is sent
+    LateReplies Late{};            ///< in time order with whatever else comes meanwhile
+    bool Babble = false;           ///< answers with characters without end, until the next command
+    double DamageShare = 0;        ///< of the replies, 0 to 1, that have one character wrong or are cut
 };
 
-/// The faults of a module on a line that has faults of its own: switches are joined, times are added.
+/// The faults of a module on a line that has faults of its own: switches are joined, times are added, of two
+/// shares the greater one counts.
 constexpr Faults Combined(const Faults& first, const Faults& second) {
     return {.Silent = first.Silent || second.Silent,
             .DelayMs = first.DelayMs + second.DelayMs,
@@ -25,7 +38,11 @@ constexpr Faults Combined(const Faults& first, const Faults& second) {
             .SlowCharacterMs = first.SlowCharacterMs + second.SlowCharacterMs,
             .Refuse = first.Refuse || second.Refuse,
             .WrongAddress = first.WrongAddress || second.WrongAddress,
-            .Unplugged = first.Unplugged || second.Unplugged};
+            .Unplugged = first.Unplugged || second.Unplugged,
+            .Echo = first.Echo || second.Echo,
+            .Late = first.Late.Share >= second.Late.Share ? first.Late : second.Late,
+            .Babble = first.Babble || second.Babble,
+            .DamageShare = std::max(first.DamageShare, second.DamageShare)};
 }
 
 } // namespace kavro

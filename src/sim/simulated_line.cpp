@@ -3,6 +3,7 @@
 #include "link/runtime_failure.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace kavro {
 
@@ -11,6 +12,19 @@ namespace {
 constexpr std::int64_t BitsPerCharacter = 10;
 constexpr std::uint32_t NoiseInsteadOneIn = 8;
 constexpr std::uint32_t LongestNoise = 4;
+constexpr std::size_t BabbleLength = 65536; // nobody waits for that many
+constexpr std::size_t LongestLogged = 1024;
+
+// The characters of `text` one behind the other with that pause between two.
+std::vector<TimedByte> InTurn(const std::string& text, int baud, std::int64_t start, std::int64_t pause) {
+    std::vector<TimedByte> bytes;
+    bytes.reserve(text.size());
+    for (std::int64_t count = 0; const char byte : text) {
+        const std::int64_t pauses = count * pause;
+        bytes.push_back({AfterCharacters(start, ++count, baud) + pauses, byte});
+    }
+    return bytes;
+}
 
 } // namespace
 
@@ -33,33 +47,42 @@ SimulatedModule& SimulatedLine::ModuleAt(int address) const {
 std::vector<TimedByte> SimulatedLine::Deliver(const std::string& command, int baud, std::int64_t moment) {
     std::vector<TimedByte> bytes;
     if (baud > 0 && Plugged()) {
+        if (LineFaults.Echo)
+            bytes = InTurn(command + '\r', baud, moment, 0);
         const auto heard = AfterCharacters(moment, static_cast<std::int64_t>(command.size()) + 1, baud);
         for (const auto& module : modules_) {
             const Faults faults = Combined(module->FaultsAt(command), LineFaults);
-            const auto reply = module->Hear(command, baud, heard, faults);
-            if (!reply)
-                continue;
-            const std::int64_t start = heard + TurnAroundMicroseconds + std::int64_t{1000} * faults.DelayMs;
-            std::int64_t count = 0;
-            for (const char byte : BytesOnWire(*reply, faults)) {
-                const std::int64_t pauses = count * 1000 * faults.SlowCharacterMs;
-                bytes.push_back({AfterCharacters(start, ++count, baud) + pauses, byte});
-            }
+            if (const auto reply = module->Hear(command, baud, heard, faults))
+                std::ranges::copy(Characters(*reply, faults, baud, heard + TurnAroundMicroseconds),
+                                  std::back_inserter(bytes));
         }
         std::ranges::stable_sort(bytes, {}, &TimedByte::Moment);
     }
     if (Log) {
         LineEvent event{.Moment = moment, .Baud = baud, .Command = command, .Reply = {}};
         for (const TimedByte& byte : bytes)
-            event.Reply += byte.Byte;
+            if (event.Reply.size() < LongestLogged)
+                event.Reply += byte.Byte;
         Log(event);
     }
+    return bytes;
+}
+
+std::vector<TimedByte> SimulatedLine::Characters(const std::string& reply, const Faults& faults, int baud,
+                                                 std::int64_t start) {
+    const std::string text = faults.Babble ? Babble() : BytesOnWire(reply, faults);
+    const std::int64_t lateMs = faults.DelayMs + LateMs(faults.Late);
+    auto bytes = InTurn(text, baud, start + 1000 * lateMs, std::int64_t{1000} * faults.SlowCharacterMs);
+    for (TimedByte& byte : bytes)
+        byte.Babble = faults.Babble;
     return bytes;
 }
 
 std::string SimulatedLine::BytesOnWire(std::string reply, const Faults& faults) {
     if (!faults.NoCarriageReturn)
         reply += '\r';
+    if (Chance(faults.DamageShare))
+        Damage(reply);
     if (!faults.Noise)
         return reply;
     const bool instead = Random(NoiseInsteadOneIn) == 0;
@@ -67,6 +90,38 @@ std::string SimulatedLine::BytesOnWire(std::string reply, const Faults& faults) 
     for (std::uint32_t left = 1 + Random(LongestNoise); left > 0; --left)
         noise += static_cast<char>(Random(256));
     return instead ? noise : noise + reply;
+}
+
+std::string SimulatedLine::Babble() {
+    std::string text(BabbleLength, ' ');
+    for (char& character : text)
+        character = static_cast<char>('\r' + 1 + Random(255)); // anything but a carriage return
+    return text;
+}
+
+// Once: cut before some character (the last one, as a rule the carriage return, still comes), or one
+// character doubled, dropped or replaced.
+void SimulatedLine::Damage(std::string& text) {
+    const std::size_t place = Random(static_cast<std::uint32_t>(text.size()));
+    switch (Random(4)) {
+    case 0:
+        text.erase(place, std::max<std::size_t>(text.size() - 1 - place, 1));
+        break;
+    case 1:
+        text.insert(place, 1, text[place]);
+        break;
+    case 2:
+        text.erase(place, 1);
+        break;
+    default:
+        text[place] = static_cast<char>(text[place] + 1 + static_cast<int>(Random(255)));
+    }
+}
+
+std::int64_t SimulatedLine::LateMs(const LateReplies& late) {
+    if (!Chance(late.Share))
+        return 0;
+    return late.MinMs + Random(static_cast<std::uint32_t>(late.MaxMs - late.MinMs) + 1);
 }
 
 void SimulatedLine::Unplug() {

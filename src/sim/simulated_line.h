@@ -17,6 +17,7 @@ namespace kavro {
 struct TimedByte {
     std::int64_t Moment = 0;
     char Byte = 0;
+    bool Babble = false; ///< of a babbling module, which the next command on the line silences
 };
 
 /// One command line and what came back, for logs and tests.
@@ -24,7 +25,7 @@ struct LineEvent {
     std::int64_t Moment = 0; ///< when the command began, microseconds
     int Baud = 0;            ///< of the command; 0 for a rate that could not be told
     std::string Command;     ///< without its carriage return
-    std::string Reply;       ///< every character that comes back, carriage return included; empty: silence
+    std::string Reply;       ///< what comes back, carriage return included; empty: silence
 };
 
 /// Moment at which `count` characters (10 bits each) that begin at `moment` are through.
@@ -72,8 +73,15 @@ public:
     int UnplugCount() const { return unplugCount_; }
 
 private:
+    /// The characters of a module's `reply` that is due at `start`.
+    std::vector<TimedByte> Characters(const std::string& reply, const Faults& faults, int baud,
+                                      std::int64_t start);
     std::string BytesOnWire(std::string reply, const Faults& faults);
+    std::string Babble();
+    void Damage(std::string& text);
+    std::int64_t LateMs(const LateReplies& late);
     std::uint32_t Random(std::uint32_t below) { return static_cast<std::uint32_t>(random_() % below); }
+    bool Chance(double share) { return share > 0 && static_cast<double>(random_()) < share * 0x1p32; }
 
     std::vector<std::unique_ptr<SimulatedModule>> modules_;
     std::mt19937 random_;

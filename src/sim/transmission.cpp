@@ -25,6 +25,7 @@ void Transmission::Deliver(int baud, std::int64_t moment) {
     const auto length = static_cast<std::int64_t>(command_.size()) + 1;
     sentMoment_ = baud > 0 ? AfterCharacters(moment, length, baud) : moment;
     const std::string command = std::exchange(command_, {});
+    std::erase_if(replies_, [moment](const TimedByte& byte) { return byte.Babble && byte.Moment > moment; });
     const auto reply = line_.Deliver(command, baud, moment);
     // A late reply to an earlier command may still be coming: on the line they mix as they fall.
     replies_.insert(replies_.end(), reply.begin(), reply.end());

@@ -129,13 +129,14 @@ TEST(SettingsFolder, FollowsTheDesktopRules) {
 }
 
 TEST_F(FilesTest, LineFileReadsEveryKey) {
-    Folder.Write("file", R"({"seed": 4294967295, "faults": {"noise": true, "slowCharacters": 3},
+    Folder.Write("file", R"({"seed": 4294967295, "faults": {"noise": true, "slowCharacters": 3, "echo": true},
         "modules": [{"model": "8250", "address": 3, "baud": 19200, "checksum": true, "initialisation": true,
                      "range": "0a", "format": 2, "revision": "B7", "faults": {"delay": 50, "refuse": true,
-                     "silent": true, "wrongChecksum": true, "noCarriageReturn": true, "unplugged": true}},
+                     "silent": true, "wrongChecksum": true, "noCarriageReturn": true, "unplugged": true,
+                     "babble": true, "damage": 0.25, "late": {"share": 0.5, "min": 100, "max": 400}}},
                     {"address": 255, "model": "8610"}]})");
     const SimulatedLine line = ReadLineFile(File);
-    EXPECT_TRUE(line.LineFaults.Noise);
+    EXPECT_TRUE(line.LineFaults.Noise && line.LineFaults.Echo);
     EXPECT_EQ(line.LineFaults.SlowCharacterMs, 3);
     const ModuleSettings& first = line.ModuleAt(3).Settings;
     EXPECT_EQ(std::tuple(first.Baud, first.TypeCode, first.DataFormat), std::tuple(19200, 0x0A, 2));
@@ -144,7 +145,9 @@ TEST_F(FilesTest, LineFileReadsEveryKey) {
     const Faults& faults = line.ModuleAt(3).OwnFaults;
     EXPECT_EQ(faults.DelayMs, 50);
     EXPECT_TRUE(faults.Refuse && faults.Silent && faults.WrongChecksum && faults.NoCarriageReturn);
-    EXPECT_TRUE(faults.Unplugged);
+    EXPECT_TRUE(faults.Unplugged && faults.Babble);
+    EXPECT_EQ(std::tuple(faults.DamageShare, faults.Late.Share, faults.Late.MinMs, faults.Late.MaxMs),
+              std::tuple(0.25, 0.5, 100, 400));
     EXPECT_EQ(line.ModuleAt(255).Hear("$FF2", 9600, 0), "!FF00668003") << "factory settings, own class";
 }
 
@@ -159,6 +162,8 @@ TEST_F(FilesTest, LineFileSaysWhatIsWrongAndWhere) {
         {R"({"modules": [], "seed": -1})", "seed must be a whole number from 0 to 4294967295."},
         {R"({"modules": [], "faults": {"delay": 1.5}})", "faults.delay must be a whole number"},
         {R"({"modules": [], "faults": {"silent": 1}})", "faults.silent must be true or false."},
+        {R"({"modules": [], "faults": {"damage": 1.1}})", "faults.damage must be a number from 0 to 1."},
+        {R"({"modules": [], "faults": {"late": {"min": 2, "max": 1}}})", "faults.late must be from a"},
         {R"({"modules": [7]})", "modules[0] must be an object"},
         {R"({"modules": [{"address": 1}]})", "modules[0] lacks the key \"model\"."},
     };
@@ -168,7 +173,8 @@ TEST_F(FilesTest, LineFileSaysWhatIsWrongAndWhere) {
         {R"("8250", "address": 1, "baud": 14400)", "baud must be one of"},
         {R"("8250", "address": 1, "range": "+8")", "range must be two"},
         {R"("8250", "address": 1, "format": 4)", "format must be"},
-        {R"("8250", "address": 1, "faults": [])", "faults must be an object"}};
+        {R"("8250", "address": 1, "faults": [])", "faults must be an object"},
+        {R"("8250", "address": 1, "faults": {"echo": true})", "faults.echo is no fault of a module"}};
     const auto told = [this](const std::string& text) {
         Folder.Write("file", text);
         return FailureText([this] { ReadLineFile(File); });

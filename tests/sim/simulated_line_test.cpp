@@ -171,6 +171,7 @@ TEST_F(SimulatedPortTest, FaultsOfModuleAndLine) {
         {{.NoCarriageReturn = true}, -1, "!01080600"},
         {{.SlowCharacterMs = 20}, 9 * 20, Answer},
         {{.Refuse = true}, -6, "?01\r"},
+        {{.Late = {.Share = 1, .MinMs = 30, .MaxMs = 30}}, 30, Answer},
         {{.Silent = true, .DelayMs = 50}, -17, ""}};
     for (Faults* place : {&Line.LineFaults, &Module.OwnFaults})
         for (const auto& [fault, moreMs, reply] : cases) {
@@ -197,6 +198,56 @@ TEST_F(SimulatedPortTest, NoiseDependsOnTheSeedAlone) {
     EXPECT_NE(noisy(7), noisy(8));
     EXPECT_TRUE(Contains(noisy(7), Answer));
     EXPECT_LT(std::ranges::count(noisy(7), '\r'), 20) << "now and then noise comes instead of a reply";
+}
+
+TEST_F(SimulatedPortTest, ALateReplyComesInTheMiddleOfTheNextExchange) {
+    Module.CommandFaults = [](std::string_view command) {
+        return Faults{.Late = {.Share = command == "$012" ? 1.0 : 0, .MinMs = 100, .MaxMs = 100}};
+    };
+    Port.Output(Question);
+    Time.Sleep(97); // 8 ms before its first character
+    Port.EmptyInBuffer();
+    EXPECT_EQ(Exchange("$01M\r"), "!01!80215008\r0600\r");
+    Module.CommandFaults = [](std::string_view) { return Faults{.Late = {0.1, 100, 400}}; };
+    int late = 0;
+    for (int i = 0; i < 1000; ++i) {
+        const std::int64_t start = Time.Microseconds();
+        EXPECT_EQ((Port.Output(Question), Receive(500)), Answer);
+        const double moreMs = static_cast<double>(Time.Microseconds() - start) / 1000 - 517.6;
+        late += moreMs > 1;
+        EXPECT_TRUE(moreMs < 1 || (moreMs > 98 && moreMs < 402)) << moreMs;
+    }
+    EXPECT_NEAR(late, 100, 40);
+}
+
+TEST_F(SimulatedPortTest, AnAdapterThatEchoesAndAModuleThatBabbles) {
+    Line.LineFaults.Echo = true;
+    EXPECT_EQ(Exchange(Question), std::string(Question) + Answer);
+    EXPECT_EQ(Exchange("$022\r"), "$022\r") << "nobody's command comes back too";
+    Line.LineFaults = {.SlowCharacterMs = 90, .Babble = true};
+    Port.Output(Question);
+    for (int i = 0; i < 10'000; ++i) // a quarter of an hour
+        ASSERT_TRUE(Port.WaitForInput(95) && Port.Input() != '\r');
+    Line.LineFaults = {};
+    EXPECT_EQ(Exchange(Question), Answer);
+}
+
+TEST_F(SimulatedPortTest, EveryDamageIsOneOfItsKinds) {
+    Line.LineFaults.DamageShare = 1;
+    const std::string whole = Answer;
+    int lengths[3] = {};
+    for (int i = 0; i < 1000; ++i) {
+        const std::string text = Exchange(Question);
+        EXPECT_NE(text, whole);
+        const auto differs = std::ranges::mismatch(text, whole);
+        const std::string rest(differs.in1, text.end()), wholeRest(differs.in2, whole.end());
+        const bool doubled = text.size() == 11 && rest.substr(1) == wholeRest;
+        const bool replaced = text.size() == 10 && rest.substr(1) == wholeRest.substr(1);
+        EXPECT_TRUE(doubled || replaced || (text.size() < 10 && whole.ends_with(rest))) << text;
+        ++lengths[doubled ? 0 : replaced ? 1 : 2];
+    }
+    for (const int count : lengths)
+        EXPECT_GT(count, 200);
 }
 
 TEST_F(SimulatedPortTest, AnUnpluggedLineIsToldOnce) {
