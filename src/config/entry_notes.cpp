@@ -39,13 +39,13 @@ std::string CountNote(const std::string& count, const std::string& separator) {
     const double taken = std::trunc(NumericValue(WithPoint(count, separator)));
     if (IsWhole(count) || std::fabs(taken) > HighestTaken)
         return {};
-    return "Taken as " + ShortestText(taken + 0.0) + ": not a whole number."; // never "-0"
+    return "Taken as " + ShortestText(taken + 0.0) + ": enter digits only."; // never "-0"
 }
 
 std::string WidthNote(const std::string& width, const std::string& /*separator*/) {
     if (CappedNumber(width))
         return {};
-    return width.empty() ? "Taken as 0." : "Sent as written: not a whole number.";
+    return width.empty() ? "Taken as 0." : "Sent as written: enter digits only.";
 }
 
 std::string LevelNote(const std::string& level, const std::string& separator) {

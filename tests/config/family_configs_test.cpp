@@ -210,7 +210,7 @@ TEST(FamilyConfigs, NotesBesideEntries) {
         EXPECT_EQ(address(text), "") << text;
     EXPECT_EQ(address("007"), "The list already has a module at this address: 8250.");
 
-    const std::string whole = ": not a whole number.", written = "Sent as written" + whole;
+    const std::string whole = ": enter digits only.", written = "Sent as written" + whole;
     const struct {
         const char *Text, *Separator;
         std::string Count, Width, Level; // behind "Taken as " but for `written`
