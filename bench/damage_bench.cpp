@@ -15,8 +15,6 @@
 #include "cli/read_command.h"
 #include "cli/search_command.h"
 #include "diag/alarm_panel.h"
-#include "diag/analog_input_panel.h"
-#include "diag/analog_output_panel.h"
 #include "diag/counter_panel.h"
 #include "diag/digital_panel.h"
 #include "diag/monitor.h"
@@ -140,24 +138,15 @@ void PortPanel(Session& session, Statements& said) {
         said.insert("levels " + std::to_string(word));
 }
 
-void OutputPanel(Session& session, Statements& said) {
-    if (const auto inputs = ReadOutputModuleInputs(session, 0))
-        said.insert("inputs " + std::to_string(*inputs));
-}
-
-void OpenPanel(Session& session, Statements& said) {
-    if (const auto open = ReadOpenStatus(session, 0))
-        said.insert("open " + *open);
-}
-
 struct PanelEntry {
     std::string_view Models;
     void (*Read)(Session& session, Statements& said);
 };
 constexpr PanelEntry Panels[] = {
-    {"8210 8220 8240", AlarmPanel}, {"8260", OpenPanel},
-    {"8320", OutputPanel},          {"8460", PortPanel},
-    {"8510", CounterPanel},         {"8410 8420 8430 8440 8450 8470 8480 8490", DigitalPanel},
+    {"8210 8220 8240", AlarmPanel},
+    {"8460", PortPanel},
+    {"8510", CounterPanel},
+    {"8410 8420 8430 8440 8450 8470 8480 8490", DigitalPanel},
 };
 
 void ReadPanel(BenchRun& run, const std::string& /*change*/, Statements& said) {

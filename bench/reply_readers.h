@@ -163,13 +163,13 @@ inline void ReadAlarmPanel(ReaderContext& context) {
     ReadAlarmLimit(context.Session, 0, context.Dice.Chance(0.5), text);
     SwitchAlarmOutput(context.Session, 0, context.Channel() % 2, true);
     ClearAlarms(context.Session, 0);
-    SignedReading(ReadAnalogInput(context.Session, 0, 0));
+    SignedReading(ReadAnalogInput(context.Session, 0, 0), ".");
 }
 
 inline void ReadInputPanel(ReaderContext& context) {
     if (!context.Serves(Operation::Diagnostic, ModuleDialog::AdDiagForm))
         return;
-    SignedReading(ReadAnalogInput(context.Session, 0, context.Channel()));
+    SignedReading(ReadAnalogInput(context.Session, 0, context.Channel()), ".");
     ReadChannelEnables(context.Session, 0, context.Session.Line.ReplyTimeout);
     ReadOpenStatus(context.Session, 0);
 }
