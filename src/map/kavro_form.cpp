@@ -323,6 +323,7 @@ void KavroForm::UpdateStatus(const QString& activity) {
     portStatus_->setText(text);
     countStatus_->setText(QString("Modules: %1").arg(session_.ModuleCount));
     activityStatus_->setText(activity);
+    activityStatus_->setToolTip(activity); // where the bar is too short for it
 }
 
 } // namespace kavro

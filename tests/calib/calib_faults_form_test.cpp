@@ -159,7 +159,7 @@ TEST(CalibForms, SayAtTheFootWhatTheModuleSaid) {
 
 // What the module says last is told behind the dialog: always after Done, otherwise when it is not good.
 TEST(DaCalibForm, LeavesBehindWhatTheLastRepliesSaid) {
-    const std::string own = "The module's own configuration: ", how = " The command %0808310641 restores it.";
+    const std::string own = "Own configuration: ", how = " The command %0808310641 restores it.";
     const struct {
         bool Done;
         int At;
