@@ -71,6 +71,8 @@ void Search(BenchRun& run, const std::string& /*change*/, Statements& said) {
     SearchLine(run.Session, options);
     for (int index = 0; index < run.Session.ModuleCount; ++index) {
         const ModuleRecord& record = run.Session.ModuleTable[index];
+        if (!record.Complete) // and told so
+            continue;
         said.insert({"address " + std::to_string(record.Address), "model " + record.Model,
                      "line " + BuildListLine(run.Session, index)});
     }

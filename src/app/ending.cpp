@@ -42,6 +42,7 @@ void Ending::Begin() {
     // The one setting that is not saved: it follows from the other time-out.
     session_.Line.LongReplyTimeout = std::min(session_.Line.LongReplyTimeout, LongestSilenceMs);
     session_.Note.clear();
+    firstTop_ = QApplication::activeModalWidget();
     sinceRequest_.start();
     looking_.start();
 }
@@ -71,15 +72,12 @@ void Ending::Close(QWidget& top) {
         top.close();
 }
 
-// A question whether to leave something undone is answered with yes: it has just been tried, and the note
-// that it leaves behind is told.
+// A question whether to leave something undone is answered with yes once it has been tried again; the note
+// that this leaves behind is told.
 void Ending::Answer(QMessageBox& box) {
     for (QAbstractButton* button : box.buttons())
-        if (box.buttonRole(button) == QMessageBox::DestructiveRole) {
-            incomplete_ = true;
-            button->click();
-            return;
-        }
+        if (box.buttonRole(button) == QMessageBox::DestructiveRole)
+            return &box == firstTop_ ? box.reject() : button->click();
     Tell(box.text() + " " + box.informativeText());
     incomplete_ = incomplete_ || leaving_;
     box.reject();

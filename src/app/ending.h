@@ -4,6 +4,7 @@
 #include "map/session.h"
 
 #include <QElapsedTimer>
+#include <QPointer>
 #include <QSocketNotifier>
 #include <QTimer>
 
@@ -38,8 +39,9 @@ private:
     std::unique_ptr<QSocketNotifier> requests_;
     QTimer looking_;
     QElapsedTimer sinceRequest_;
-    bool leaving_ = false;    // while the settings are being saved
-    bool incomplete_ = false; // a module was not restored, or a file not saved
+    QPointer<QWidget> firstTop_; // the window that was up when the request came
+    bool leaving_ = false;       // while the settings are being saved
+    bool incomplete_ = false;    // a module was not restored, or a file not saved
 };
 
 } // namespace kavro

@@ -66,7 +66,7 @@ void DaCalibration::GiveBack(const char* done) {
     if (!MustRestore())
         return;
     const std::string command = Configure(savedConfig_);
-    Ask({command, AnswerForm::Acknowledgement, "The module's own configuration", done,
+    Ask({command, AnswerForm::Acknowledgement, "Own configuration", done,
          "The command " + command + " restores it."},
         session_.Line.LongReplyTimeout);
     savedConfig_.clear();

@@ -3,6 +3,7 @@
 #include "config/entry_notes.h"
 #include "link/baud.h"
 #include "link/text.h"
+#include "map/module_command.h"
 #include "ui/busy_pointer.h"
 #include "ui/center_form.h"
 #include "ui/key_filter.h"
@@ -25,6 +26,8 @@ namespace kavro {
 
 namespace {
 
+constexpr const char* SettingsUnread = "The module did not tell its settings, so they cannot be changed. Check that it "
+                                       "is powered, then open this window again.";
 constexpr SpinRange AddressRange = {1, 255}; // 0 can be typed, but not stepped to
 
 QStringList BaudItems() {
@@ -124,11 +127,22 @@ void ConfigForm::LimitToInitialisation(QWidget& control) const {
               "that state and search again.");
 }
 
+void ConfigForm::ReadEntry(QVBoxLayout& fields) {
+    const BusyPointer busy;
+    bool lost = !Guard(messages_, [this] { unread_ = !ReadEntryWell(session_, index_); });
+    unread_ |= lost;
+    auto* note = new Note("SettingsNote", *this);
+    note->Tell(unread_ ? SettingsUnread : "");
+    fields.addWidget(note);
+}
+
 void ConfigForm::Finish(QVBoxLayout& fields) {
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(&fields);
     layout->addStretch(1);
     layout->addWidget(OkAndCancel(*this, [this] { OKBtn_Click(); }));
+    if (unread_)
+        SetUsable(*findChild<QWidget*>("OKBtn"), false, SettingsUnread);
     addr_->selectAll();
     addr_->setFocus();
     CenterForm(*this);
@@ -148,7 +162,7 @@ LinkSettings ConfigForm::LinkInFields() const {
 }
 
 void ConfigForm::OKBtn_Click() {
-    if (running_)
+    if (running_ || unread_)
         return;
     LinkSettings link;
     if (!Guard(messages_, [&] { link = LinkInFields(); })) {

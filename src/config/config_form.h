@@ -65,6 +65,9 @@ protected:
     void ReturnTo(const std::optional<RefusedEntry>& refused);
     /// Disables a control of the link when it cannot be changed, with the reason.
     void LimitToInitialisation(QWidget& control) const;
+    /// Reads the entry again, believing only what is read well, for a dialog that writes it back. When that
+    /// fails, `SettingsNote` says so below `fields` and OK is not usable.
+    void ReadEntry(QVBoxLayout& fields);
     /// Adds OK and Cancel below `fields` and places the dialog.
     void Finish(QVBoxLayout& fields);
 
@@ -81,6 +84,7 @@ private:
     QComboBox* baudRate_ = nullptr;
     QComboBox* checksumCombo_ = nullptr; // one of the two
     QCheckBox* checksumBox_ = nullptr;
+    bool unread_ = false;  // `ReadEntry` failed
     bool running_ = false; // while the commands of OK run
 };
 

@@ -39,6 +39,8 @@ namespace kavro {
 namespace {
 
 constexpr int PortWatchMs = 1000;
+constexpr const char* EchoText =
+    "The adapter hands back every character sent. The echo is taken away from every reply.";
 constexpr const char* ReopensText = "The next operation opens the port by itself when its device is there.";
 constexpr int StatusMargin = 3;
 
@@ -362,14 +364,16 @@ void KavroForm::UpdateStatus(const QString& activity) {
     countStatus_->setText(QString("Modules: %1").arg(session_.ModuleCount));
     QStringList notes = activity.isEmpty() ? QStringList{operationNote_, searchNote_} : QStringList{activity};
     notes.removeAll(QString());
-    activityStatus_->setText(notes.isEmpty() ? "Ready" : notes.join(' '));
+    const QString shown = notes.isEmpty() ? QString("Ready") : notes.join(' ');
+    activityStatus_->setText(shown);
+    activityStatus_->setToolTip(shown); // where the bar is too short for it
 }
 
 void KavroForm::ShowPort() {
     const int port = session_.Line.CurrentPort;
     const bool closed = port >= 1 && port <= PortTotal && !session_.Line.CommPort(port).PortOpen();
-    portStatus_->setText(PortText() + (closed ? " (closed)" : ""));
-    portStatus_->setToolTip(closed ? ReopensText : "");
+    portStatus_->setText(PortText() + (closed ? " (closed)" : session_.Line.Echo ? ", echo" : ""));
+    portStatus_->setToolTip(closed ? ReopensText : session_.Line.Echo ? EchoText : "");
 }
 
 } // namespace kavro

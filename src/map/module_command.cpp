@@ -1,9 +1,11 @@
 #include "map/module_command.h"
 
 #include "link/text.h"
+#include "map/identify.h"
 #include "map/module_access.h"
 
 #include <array>
+#include <optional>
 
 namespace kavro {
 
@@ -84,6 +86,27 @@ ReplyMeasure MeasureOf(const Session& session, int index) {
 bool LastReplyFits(const Session& session, int index, char lead, std::string_view tail) {
     const std::string_view form = ReplyFormOf(session.ModuleTable[index].Model, lead, tail);
     return session.Line.ReplyStatus != 0 && FitsForm(session.Line.ReplyText, form, MeasureOf(session, index));
+}
+
+bool ReadEntryWell(Session& session, int index) {
+    const CarefulTransactions careful(session.Line);
+    ModuleRecord& entry = session.ModuleTable[index];
+    std::optional<ModuleRecord> before;
+    for (int tries = 0; tries < 3; ++tries) {
+        ConfigAnswer answer{ModuleAddress(session, index), ModuleChecksum(session, index),
+                            ModuleBaudCode(session, index), {}};
+        ModuleRecord record;
+        OpenPort(session.Line);
+        if (AskModuleAgain(session.Line, answer, record) != Identified::Fully || record.Model != entry.Model ||
+            record.Address != entry.Address)
+            return false;
+        if (before == record) {
+            entry = record;
+            return true;
+        }
+        before = std::move(record);
+    }
+    return false;
 }
 
 ModuleReply AskModule(Session& session, int index, char lead, const std::string& tail) {

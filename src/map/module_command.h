@@ -37,6 +37,11 @@ ReplyMeasure MeasureOf(const Session& session, int index);
 /// `tail` behind it.
 bool LastReplyFits(const Session& session, int index, char lead, std::string_view tail);
 
+/// Reads the set-up of entry `index` again as a search does, believing no more than `AskModule` does, until two
+/// readings in a row are alike. False, with the entry as it was, when the module does not tell all of it or is
+/// another model.
+bool ReadEntryWell(Session& session, int index);
+
 /// Sends `lead`, the address of entry `index` and `tail`, for example "$", "01", "6", and takes the reply
 /// apart, which must be of the command's form; one that is not is asked for once more. Throws
 /// `RuntimeFailure` when the port fails.

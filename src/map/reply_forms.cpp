@@ -246,6 +246,18 @@ bool HasBaudCode(std::string_view digits) {
     return code && *code >= 3 && *code <= 10;
 }
 
+// The bits of a format byte that mean something: checksum, and data format or gate time.
+std::int16_t FormatBits(std::int16_t family) {
+    switch (family) {
+    case DigitalIo:
+        return 0x40;
+    case CounterFrequency:
+        return 0x44;
+    default:
+        return 0x43;
+    }
+}
+
 bool IsTypeOf(std::string_view model, std::int16_t type) {
     switch (ModuleFamily(model)) {
     case DigitalIo:
@@ -300,9 +312,10 @@ bool HasModelsCodes(std::string_view reply, std::string_view model) {
     if (family == Converter)
         return HasBaudCode(Middle(reply, 6, 1)) && HasBaudCode(Middle(reply, 7, 1));
     const bool analog = family == AnalogInput || family == AnalogOutput || family == MultiAnalogInput;
-    const auto format = static_cast<std::int16_t>(field(8, 2) % 4);
+    const std::int16_t format = field(8, 2);
     return HasBaudCode(Middle(reply, 6, 2)) && IsTypeOf(model, field(4, 2)) &&
-           (!analog || std::ranges::count(FormatCodes(model), format) > 0);
+           (format & ~FormatBits(family)) == 0 &&
+           (!analog || std::ranges::count(FormatCodes(model), static_cast<std::int16_t>(format % 4)) > 0);
 }
 
 } // namespace kavro

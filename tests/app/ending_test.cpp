@@ -73,6 +73,14 @@ TEST(Ending, LeavesWhateverIsUpInOrder) {
     const auto silence = [](EndingProgram& program, QDialog&) {
         program.Line.ModuleAt(8).OwnFaults.Silent = true;
     };
+    const auto leaveAsked = [](EndingProgram& program, QDialog& form) {
+        program.Line.Unplug();
+        QTimer::singleShot(0, &form, [&] { // behind the question whether to leave without restoring
+            program.Line.Plug();
+            program.AskToEnd();
+        });
+        Click(form, "ExitBtn");
+    };
     const Case cases[] = {
         {"mnuAbout", "AboutForm"},
         {"mnuExit", "ExitForm"},
@@ -82,6 +90,7 @@ TEST(Ending, LeavesWhateverIsUpInOrder) {
         {"mnuDiagnostic", "DaDiagForm"},
         {"mnuCalibration", "DaCalibForm"},
         {"mnuCalibration", "DaCalibForm", next(4)},
+        {"mnuCalibration", "DaCalibForm", leaveAsked},
         {"mnuCalibration", "DaCalibForm", lose, 1, Calibrated},
         {"mnuCalibration", "DaCalibForm", silence, 1, Calibrated},
     };

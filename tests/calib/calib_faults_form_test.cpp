@@ -91,95 +91,73 @@ TEST(AdCalibForm, CorrectsTheColdJunctionUnlessItCannotBeRead) {
         }
 }
 
-// The line at the foot after these buttons; `Target` is typed before the last one.
-TEST(CalibForms, SayAtTheFootWhatTheModuleSaid) {
+// The line at the foot after these buttons ("n" Next, "b" Back, "o" Offset, "s" Span, "c" CJC, "u" Trim Up,
+// "x" Exit), and the note that a dialog that closes leaves behind. The target is typed before the last one.
+TEST(CalibForms, SayWhatTheModuleSaid) {
     constexpr Faults none, silent{.Silent = true}, refuse{.Refuse = true}, other{.WrongAddress = true};
+    const std::map<char, const char*> names = {{'n', "NextBtn"}, {'b', "BackBtn"}, {'o', "OffsetBtn"},
+                                               {'s', "SpanBtn"}, {'c', "CJCBtn"},  {'u', "TrimUpBtn"},
+                                               {'x', "ExitBtn"}};
     const std::string notSetUp =
                           "\u26a0 The module is not known to be set up for calibration: nothing that it "
                           "stores here can be trusted. ",
                       clears = "While the target is not a number, Execute clears the present correction.",
-                      gone = "The old correction is gone. ";
-    const std::vector<const char*> offset{"NextBtn", "OffsetBtn", "NextBtn"}, cjc{"NextBtn", "CJCBtn"},
-        execute{"NextBtn", "CJCBtn", "NextBtn"}, at4mA{"NextBtn", "NextBtn", "NextBtn"};
+                      gone = "The old correction is gone. ", made = "CJC correction +00E5: ",
+                      own = "Own configuration: ", how = " The command %0808310641 restores it.";
     const struct {
-        const char* Model;
-        std::vector<const char*> Buttons;
-        std::string Foot;
+        int Address;
+        const char* Buttons;
+        std::string Text;
         int At = -1;
         Faults Fault = {};
         const char* Target = "";
     } cases[] = {
-        {"8260", {"NextBtn"}, ""},
-        {"8260", offset, "Offset calibration: stored."},
-        {"8260", offset, "Offset calibration: unreadable reply.", 0, other},
-        {"8260", offset, "Offset calibration: unreadable reply.", 0, {.WrongChecksum = true}},
-        {"8260", {"NextBtn", "SpanBtn", "NextBtn"}, "Span calibration: no reply.", 0, silent},
-        {"8260", {"NextBtn", "SpanBtn", "NextBtn", "BackBtn"}, "", 0, silent},
-        {"8260", cjc, clears},
-        {"8260", cjc, "CJC temperature: refused by the module. " + clears, 0, refuse},
-        {"8260", execute, "CJC correction +00E5: stored.", -1, none, "27.0"},
-        {"8260", execute,
-         "CJC correction: cleared. The target is now 0: Execute would correct to 0 \u00b0C."},
-        {"8260", execute, gone + "CJC temperature: no reply. No new correction is made.", 2, silent, "27"},
-        {"8260", execute, gone + "CJC correction +00E5: refused by the module.", 3, refuse, "27"},
-        {"8260", execute, "CJC correction +00E5: stored. CJC temperature: no reply.", 4, silent, "27"},
-        {"8260", execute, "The old correction is gone.", -1, none, "99999999999"},
-        {"8310", {}, "Set-up for calibration: done."},
-        {"8310", {}, notSetUp + "Set-up for calibration: no reply.", 1, silent},
-        {"8310", {}, notSetUp + "Configuration: refused by the module.", 0, refuse},
-        {"8310", {}, notSetUp + "Configuration: unreadable reply. Set-up for calibration: done.", 0, other},
-        {"8310", at4mA, "Output of 4 mA: set."},
-        {"8310", {"NextBtn", "NextBtn", "NextBtn", "TrimUpBtn"}, "Trim Up: done."},
-        {"8310",
-         {"NextBtn", "NextBtn", "NextBtn", "NextBtn"},
-         "Calibration at 4 mA: refused by the module. Output of 20 mA: set.",
-         3,
-         refuse},
-        {"8320", {}, notSetUp + "Set-up for calibration: refused by the module."},
-        {"8320", at4mA, notSetUp + "Output of 4 mA: refused by the module."},
+        {6, "n", ""},
+        {6, "non", "Offset calibration: stored."},
+        {6, "non", "Offset calibration: unreadable reply.", 0, other},
+        {6, "non", "Offset calibration: unreadable reply.", 0, {.WrongChecksum = true}},
+        {6, "nsn", "Span calibration: no reply.", 0, silent},
+        {6, "nsnb", "", 0, silent},
+        {6, "nc", clears},
+        {6, "nc", "CJC temperature: refused by the module. " + clears, 0, refuse},
+        {6, "ncn", made + "stored.", -1, none, "27.0"},
+        {6, "ncn", "CJC correction: cleared. The target is now 0: Execute would correct to 0 \u00b0C."},
+        {6, "ncn", gone + "CJC temperature: no reply. No new correction is made.", 2, silent, "27"},
+        {6, "ncn", gone + made + "refused by the module.", 3, refuse, "27"},
+        {6, "ncn", made + "stored. CJC temperature: no reply.", 4, silent, "27"},
+        {6, "ncn", "The old correction is gone.", -1, none, "99999999999"},
+        {8, "", "Set-up for calibration: done."},
+        {8, "", notSetUp + "Set-up for calibration: no reply.", 1, silent},
+        {8, "", notSetUp + "Configuration: refused by the module.", 0, refuse},
+        {8, "", notSetUp + "Configuration: unreadable reply. Set-up for calibration: done.", 0, other},
+        {8, "nnn", "Output of 4 mA: set."},
+        {8, "nnnu", "Trim Up: done."},
+        {8, "nnnn", "Calibration at 4 mA: refused by the module. Output of 20 mA: set.", 3, refuse},
+        {8, "nnnnn", "Calibration at 20 mA: stored. " + own + "restored."},
+        {8, "nnnnn", "Calibration at 20 mA: refused by the module. " + own + "restored.", 5, refuse},
+        {8, "nnnx", ""},
+        {8, "nnnx", own + "no reply." + how, 3, silent},
+        {9, "", notSetUp + "Set-up for calibration: refused by the module."},
+        {9, "nnn", notSetUp + "Output of 4 mA: refused by the module."},
     };
-    for (const auto& [model, buttons, foot, at, fault, target] : cases) {
-        const bool input = std::string(model) == "8260";
-        FaultedModule test(model, input ? 6 : std::string(model) == "8310" ? 8 : 9, 0x0F);
+    for (const auto& [address, buttons, text, at, fault, target] : cases) {
+        FaultedModule test(address == 6 ? "8260" : "8310", address, 0x0F);
         test.FaultAt = at;
         test.Fault = fault;
         std::unique_ptr<QDialog> form;
-        if (input)
+        if (address == 6)
             form = std::make_unique<AdCalibForm>(test.Session, test.Messages);
         else
             form = std::make_unique<DaCalibForm>(test.Session, test.Messages);
-        for (const char* button : buttons) {
-            if (button == buttons.back() && *target)
+        form->show();
+        for (const char* button = buttons; *button; ++button) {
+            if (!button[1] && *target)
                 Find<QLineEdit>(*form, "CJCInput").setText(target);
-            Click(*form, button);
+            Click(*form, names.at(*button));
         }
-        EXPECT_EQ(Find<QLabel>(*form, "Foot").text().toStdString(), foot) << at;
-    }
-}
-
-// What the module says last is told behind the dialog: always after Done, otherwise when it is not good.
-TEST(DaCalibForm, LeavesBehindWhatTheLastRepliesSaid) {
-    const std::string own = "The module's own configuration: ", how = " The command %0808310641 restores it.";
-    const struct {
-        bool Done;
-        int At;
-        Faults Fault;
-        std::string Note;
-    } cases[] = {
-        {true, -1, {}, "Calibration at 20 mA: stored. " + own + "restored."},
-        {true, 5, {.Refuse = true}, "Calibration at 20 mA: refused by the module. " + own + "restored."},
-        {false, -1, {}, ""},
-        {false, 5, {.Silent = true}, own + "no reply." + how},
-    };
-    for (const auto& [done, at, fault, note] : cases) {
-        FaultedModule test("8310", 8, 0x31);
-        test.FaultAt = at;
-        test.Fault = fault;
-        DaCalibForm form(test.Session, test.Messages);
-        for (int step = 1; step < 5; ++step)
-            Click(form, "NextBtn");
-        Click(form, done ? "NextBtn" : "ExitBtn");
-        EXPECT_EQ(test.Session.Note, note);
+        const std::string told =
+            form->isVisible() ? Find<QLabel>(*form, "Foot").text().toStdString() : test.Session.Note;
+        EXPECT_EQ(told, text) << buttons << at;
     }
 }
 

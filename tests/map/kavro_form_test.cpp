@@ -32,6 +32,7 @@ protected:
             Opened.push_back(dialog);
             Session.ModuleTable[Session.SelectedModule].Address = 77;
             Session.ConfigResult = 1;
+            Session.Note = "Calibrated.";
         };
         Devices.Devices[1] = SimulatedLineDevice;
         Form = std::make_unique<KavroForm>(Session, Messages, Devices, Openers);
@@ -89,8 +90,10 @@ TEST_F(KavroFormTest, SearchFillsTheListAndTheSelectionFollowsIt) {
     EXPECT_EQ(List().item(2)->text().mid(1, 8), " 77(4DH)");
     EXPECT_EQ(List().currentRow(), 2);
     EXPECT_EQ(Session.SelectedModule, 2);
+    EXPECT_EQ(Find<QLabel>(*Form, "ActivityStatus").text(), "Calibrated.");
 
-    Search("0"); // a new search forgets the selection
+    Search("0"); // a new search forgets the selection, and the note
+    EXPECT_EQ(Find<QLabel>(*Form, "ActivityStatus").text(), "Ready");
     EXPECT_EQ(Session.SelectedModule, -1);
     ExpectListIsShown();
     EXPECT_EQ(Messages.Shown, (ShownMessages{{"No module found!", ""}}));
