@@ -26,8 +26,9 @@ namespace kavro {
 
 namespace {
 
-constexpr const char* SettingsUnread = "The module did not tell its settings, so they cannot be changed. Check that it "
-                                       "is powered, then open this window again.";
+constexpr const char* SettingsUnread =
+    "The module did not tell its settings, so they cannot be changed. Check that it "
+    "is powered, then open this window again.";
 constexpr SpinRange AddressRange = {1, 255}; // 0 can be typed, but not stepped to
 
 QStringList BaudItems() {
@@ -127,13 +128,10 @@ void ConfigForm::LimitToInitialisation(QWidget& control) const {
               "that state and search again.");
 }
 
-void ConfigForm::ReadEntry(QVBoxLayout& fields) {
+void ConfigForm::ReadEntry() {
     const BusyPointer busy;
-    bool lost = !Guard(messages_, [this] { unread_ = !ReadEntryWell(session_, index_); });
-    unread_ |= lost;
-    auto* note = new Note("SettingsNote", *this);
-    note->Tell(unread_ ? SettingsUnread : "");
-    fields.addWidget(note);
+    unread_ = true; // also when the port fails
+    Guard(messages_, [this] { unread_ = !ReadEntryWell(session_, index_); });
 }
 
 void ConfigForm::Finish(QVBoxLayout& fields) {
@@ -141,8 +139,12 @@ void ConfigForm::Finish(QVBoxLayout& fields) {
     layout->addLayout(&fields);
     layout->addStretch(1);
     layout->addWidget(OkAndCancel(*this, [this] { OKBtn_Click(); }));
-    if (unread_)
+    if (unread_) {
+        auto* note = new Note("SettingsNote", *this);
+        note->Tell(SettingsUnread);
+        fields.addWidget(note);
         SetUsable(*findChild<QWidget*>("OKBtn"), false, SettingsUnread);
+    }
     addr_->selectAll();
     addr_->setFocus();
     CenterForm(*this);

@@ -65,9 +65,9 @@ protected:
     void ReturnTo(const std::optional<RefusedEntry>& refused);
     /// Disables a control of the link when it cannot be changed, with the reason.
     void LimitToInitialisation(QWidget& control) const;
-    /// Reads the entry again, believing only what is read well, for a dialog that writes it back. When that
-    /// fails, `SettingsNote` says so below `fields` and OK is not usable.
-    void ReadEntry(QVBoxLayout& fields);
+    /// Reads the entry again, believing only what is read well, before its fields are shown. When that fails,
+    /// `SettingsNote` says so and OK is not usable.
+    void ReadEntry();
     /// Adds OK and Cancel below `fields` and places the dialog.
     void Finish(QVBoxLayout& fields);
 

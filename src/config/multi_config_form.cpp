@@ -33,6 +33,7 @@ QStringList AlarmModeItems() {
 MultiConfigForm::MultiConfigForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent)
     : ConfigForm("MultiConfigForm", session, messages, parent), ranges_(RangeCodes(Record().Model)),
       formatMap_(FormatCodes(Record().Model)) {
+    ReadEntry();
     const AlarmInputConfig config = AlarmInputConfigOf(session, Index());
     auto* rows = new QFormLayout;
     AddModuleAndAddress(*rows, "&Address (Dec):");

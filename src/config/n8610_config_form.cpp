@@ -11,6 +11,7 @@ namespace kavro {
 
 N8610ConfigForm::N8610ConfigForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent)
     : ConfigForm("N8610ConfigForm", session, messages, parent) {
+    ReadEntry();
     const ConverterConfig config = ConverterConfigOf(session, Index());
     auto* rows = new QFormLayout;
     AddModuleAndAddress(*rows, "&Address (Dec):");
