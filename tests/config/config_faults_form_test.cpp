@@ -109,6 +109,7 @@ std::string At(const std::string& address, std::string command) {
 struct FormSession : ModuleOnLine {
     explicit FormSession(const FormCase& test) : ModuleOnLine(test.Record), Case(test), Pending(test.Steps) {
         Record.Checksum = 1;
+        Record.Converter.FormatWord |= 0x4000; // of a converter the same
         Module.Settings.Checksum = true;
     }
 
@@ -116,7 +117,7 @@ struct FormSession : ModuleOnLine {
     void Run(std::size_t unplugAt = 0) {
         Messages.Shown.clear();
         // A module that was moved without the program's knowing is put back to where its entry has it.
-        Module.Settings.Address = Record.Address;
+        MatchModule();
         UnplugAt = 0;
         const auto form = Case.Open(Session, Messages);
         Sent.clear();

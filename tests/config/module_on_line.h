@@ -1,7 +1,11 @@
 #pragma once
 
 #include "config/config_commands.h"
+#include "link/codes.h"
+#include "link/text.h"
 #include "map/family_reads.h"
+#include "sim/alarm_input_module.h"
+#include "sim/converter_module.h"
 #include "sim/module_factory.h"
 #include "support/test_session.h"
 
@@ -12,7 +16,7 @@ namespace kavro {
 inline const std::pair<std::string, std::string> CompleteMessage = {ConfigCompleteText, ""};
 
 /// A simulated module at address 1, 9600 baud, and its entry 0, selected; what is sent to it, without
-/// checksums.
+/// checksums and without the commands by which a dialog reads its entry again.
 struct ModuleOnLine : SimulatedSession {
     explicit ModuleOnLine(const ModuleRecord& record)
         : Module(Line.Add(MakeModule(Trim(record.Model), 1, 9600, record.Checksum == 1))),
@@ -23,13 +27,45 @@ struct ModuleOnLine : SimulatedSession {
         Record = record;
         Record.Address = 1;
         Record.BaudCode = 3;
+        MatchModule();
         Session.Line.SetPortBaud(1, 3, 0, 8, 0); // the pause after a change of speed is over
         Line.Log = [this](const LineEvent& event) {
             const std::size_t checksum = Module.Settings.Checksum && !Module.Settings.Initialisation ? 2 : 0;
-            Sent.push_back(event.Command.substr(0, event.Command.size() - checksum));
+            const std::string command = event.Command.substr(0, event.Command.size() - checksum);
+            if (ReadsAgain(command))
+                return;
+            Sent.push_back(command);
             if (Sent.size() == UnplugAt)
                 Line.Unplug();
         };
+    }
+
+    /// Gives the module what its entry says, where a dialog reads it again.
+    void MatchModule() {
+        Module.Settings.Address = Record.Address;
+        if (auto* alarms = dynamic_cast<AlarmInputModule*>(&Module)) {
+            Module.Settings.TypeCode = Record.InputRange;
+            Module.Settings.DataFormat = Record.DataFormat;
+            alarms->LowLimit = Record.LowAlarm;
+            alarms->HighLimit = Record.HighAlarm;
+            alarms->AlarmMode = Record.AlarmMode;
+        } else if (dynamic_cast<ConverterModule*>(&Module)) {
+            const bool checksum = std::exchange(Module.Settings.Checksum, false);
+            const std::string address = ToHex(Record.Address, 2);
+            Module.Hear("%" + address + address + ToHex(Record.InputRange, 2) +
+                            ToHex(Record.Converter.SecondBaudCode + 3, 1) + ToHex(Record.BaudCode + 3, 1) +
+                            ToHex(Record.Converter.FormatWord, 4),
+                        9600, 0, {});
+            Module.Settings.Checksum = checksum;
+        }
+    }
+
+    bool ReadsAgain(const std::string& command) const {
+        const std::int16_t family = ModuleFamily(Record.Model);
+        if (family != AnalogInput && family != Converter)
+            return false;
+        const std::string tail = command.substr(3);
+        return tail == "2" || tail == "M" || tail == "RL" || tail == "RH" || tail == "DI";
     }
 
     SimulatedModule& Module;
