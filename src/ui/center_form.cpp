@@ -45,7 +45,7 @@ private:
         if (needed.boundedTo(room) == needed)
             return;
         scrolls_ = true;
-        Place(form_, form_.size().expandedTo(needed) + ScrollContent(form_));
+        Place(form_, form_.size().expandedTo(needed) + ScrollContent(form_, room));
     }
 
     QWidget& form_;
