@@ -37,6 +37,7 @@ namespace kavro {
 namespace {
 
 constexpr int StatusMargin = 3;
+constexpr int PortColumns = 12;
 
 const char* OperationName(Operation operation) {
     switch (operation) {
@@ -110,6 +111,7 @@ void KavroForm::Build() {
     activityStatus_ = StatusLabel("ActivityStatus");
     activityStatus_->setWordWrap(true); // what a search tells may be long
     portStatus_ = StatusLabel("PortStatus");
+    portStatus_->setMinimumWidth(fontMetrics().averageCharWidth() * PortColumns); // a long path gives way
     countStatus_ = StatusLabel("CountStatus");
     statusBar()->addWidget(activityStatus_, 1);
     statusBar()->addPermanentWidget(countStatus_);
@@ -336,6 +338,7 @@ void KavroForm::UpdateStatus(const QString& activity) {
     const int port = session_.Line.CurrentPort;
     const bool closed = port >= 1 && port <= PortTotal && !session_.Line.CommPort(port).PortOpen();
     portStatus_->setText(PortText() + (closed ? " (closed)" : ""));
+    portStatus_->setToolTip(portStatus_->text());
     countStatus_->setText(QString("Modules: %1").arg(session_.ModuleCount));
     QStringList notes = activity.isEmpty() ? QStringList{operationNote_, searchNote_} : QStringList{activity};
     notes.removeAll(QString());

@@ -10,7 +10,6 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QMenu>
-#include <QScrollArea>
 
 #include <gtest/gtest.h>
 
