@@ -43,6 +43,7 @@ constexpr const char* EchoText =
     "The adapter hands back every character sent. The echo is taken away from every reply.";
 constexpr const char* ReopensText = "The next operation opens the port by itself when its device is there.";
 constexpr int StatusMargin = 3;
+constexpr int PortColumns = 12;
 
 const char* OperationName(Operation operation) {
     switch (operation) {
@@ -120,6 +121,7 @@ void KavroForm::BuildStatus() {
     activityStatus_ = StatusLabel("ActivityStatus");
     activityStatus_->setWordWrap(true); // what a search tells may be long
     portStatus_ = StatusLabel("PortStatus");
+    portStatus_->setMinimumWidth(fontMetrics().averageCharWidth() * PortColumns); // a long path gives way
     countStatus_ = StatusLabel("CountStatus");
     statusBar()->addWidget(activityStatus_, 1);
     statusBar()->addPermanentWidget(countStatus_);
@@ -373,7 +375,10 @@ void KavroForm::ShowPort() {
     const int port = session_.Line.CurrentPort;
     const bool closed = port >= 1 && port <= PortTotal && !session_.Line.CommPort(port).PortOpen();
     portStatus_->setText(PortText() + (closed ? " (closed)" : session_.Line.Echo ? ", echo" : ""));
-    portStatus_->setToolTip(closed ? ReopensText : session_.Line.Echo ? EchoText : "");
+    // Where the bar is too short for the device, the whole text is here.
+    portStatus_->setToolTip(closed                ? ReopensText
+                            : session_.Line.Echo ? EchoText
+                                                 : portStatus_->text());
 }
 
 } // namespace kavro

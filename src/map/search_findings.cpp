@@ -26,9 +26,8 @@ std::vector<std::string> FindingTexts(const SearchFindings& findings) {
                                                    : "The search was stopped after address " +
                                                          std::to_string(*findings.StoppedAfter) + ".");
     if (findings.BeyondRange)
-        texts.push_back("A module in its initialisation state reports address " +
-                        std::to_string(*findings.BeyondRange) +
-                        ", which was not searched: search that far to list it.");
+        texts.push_back("Search to address " + std::to_string(*findings.BeyondRange) +
+                        " to list the module in its initialisation state.");
     if (!findings.Unclear.empty())
         texts.push_back("Heard but not understood at " +
                         std::string(findings.Unclear.size() == 1 ? "address " : "addresses ") +

@@ -17,7 +17,6 @@
 #include <QMenu>
 #include <QPrinter>
 #include <QRegularExpression>
-#include <QScrollArea>
 
 #include <gtest/gtest.h>
 

@@ -207,14 +207,11 @@ TEST_F(SearchTest, TellsWhatIsNotInTheList) {
          {"Heard but not understood at addresses 0, 1, 3."}},
         {{{"$002", "!C8400600\r"}, {"$00M", "!C88410\r"}},
          9,
-         {"A module in its initialisation state reports address 200, which was not searched: search that far "
-          "to list it."}},
+         {"Search to address 200 to list the module in its initialisation state."}},
         {{{"$002", "!04400600\r"}, {"$012", "x"}},
          3,
          {"The search was stopped after address 2.",
-          "A module in its initialisation state reports address 4, which was not searched: search that far "
-          "to "
-          "list it.",
+          "Search to address 4 to list the module in its initialisation state.",
           "Heard but not understood at address 1."}},
         {{{"$002", "!00400600\r"}}, 0, {"The search was stopped before its first address."}}};
     for (const auto& [replies, stopBefore, want] : cases) {
