@@ -1,6 +1,6 @@
 #pragma once
 
-#include "diag/digital_channels.h"
+#include "link/digital_channels.h"
 #include "sim/demo_line.h"
 
 #include <algorithm>

@@ -3,10 +3,10 @@
 #include "cli/named_settings.h"
 #include "diag/alarm_panel.h"
 #include "diag/analog_output_panel.h"
-#include "diag/digital_channels.h"
 #include "diag/digital_panel.h"
 #include "diag/port_panel.h"
 #include "link/codes.h"
+#include "link/digital_channels.h"
 #include "link/text.h"
 #include "map/module_access.h"
 

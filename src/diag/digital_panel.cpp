@@ -1,6 +1,6 @@
 #include "diag/digital_panel.h"
 
-#include "diag/digital_channels.h"
+#include "link/digital_channels.h"
 #include "link/text.h"
 
 namespace kavro {

@@ -1,7 +1,7 @@
 #include "diag/dio_diag_form.h"
 
-#include "diag/digital_channels.h"
 #include "diag/line_group_form.h"
+#include "link/digital_channels.h"
 #include "ui/named.h"
 
 #include <QLabel>

@@ -1,4 +1,4 @@
-#include "diag/digital_channels.h"
+#include "link/digital_channels.h"
 
 #include "link/codes.h"
 
