@@ -147,7 +147,7 @@ std::optional<std::string> AskContact(Line& line, const ModuleContact& contact, 
                 : line.ReplyStatus != 0 &&
                       FitsForm(line.ReplyText, ReplyFormOf(model, lead, tail), contact.Measure))
             return line.ReplyText;
-        if (line.ReplyText.empty() || line.ReplyIs('?')) // silence and refusals are answers
+        if (line.ReplyText.empty() || IsRefusal(line.ReplyText, contact.Measure)) // these are answers
             break;
     }
     return std::nullopt;

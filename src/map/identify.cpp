@@ -45,7 +45,7 @@ bool AskForCredibleConfig(Line& line, ConfigAnswer& answer) {
             answer = *told;
             return true;
         }
-        if (line.ReplyText.empty() || line.ReplyIs('?'))
+        if (line.ReplyText.empty() || IsRefusal(line.ReplyText, ContactFor(answer, Belief::Repeated).Measure))
             break;
     }
     return false;

@@ -376,9 +376,7 @@ void KavroForm::ShowPort() {
     const bool closed = port >= 1 && port <= PortTotal && !session_.Line.CommPort(port).PortOpen();
     portStatus_->setText(PortText() + (closed ? " (closed)" : session_.Line.Echo ? ", echo" : ""));
     // Where the bar is too short for the device, the whole text is here.
-    portStatus_->setToolTip(closed                ? ReopensText
-                            : session_.Line.Echo ? EchoText
-                                                 : portStatus_->text());
+    portStatus_->setToolTip(closed ? ReopensText : session_.Line.Echo ? EchoText : portStatus_->text());
 }
 
 } // namespace kavro

@@ -18,11 +18,12 @@ std::int64_t& BelievedSince(Session& session, int index) {
 Answer AnswerIn(Line& line, std::string_view form, const ReplyMeasure& measure) {
     if (line.ReplyStatus == 0)
         return line.ReplyText.empty() ? Answer::NoReply : Answer::Garbled;
-    if (line.ReplyIs('?'))
+    if (IsRefusal(line.ReplyText, measure))
         return Answer::Refused;
     if (FitsForm(line.ReplyText, form, measure))
         return Answer::Ok;
-    line.NoteUnfit();
+    if (!line.ReplyIs('?'))
+        line.NoteUnfit();
     return Answer::Garbled;
 }
 
@@ -80,7 +81,7 @@ ReplyMeasure MeasureOf(const Session& session, int index) {
     const ModuleRecord& record = session.ModuleTable[index];
     const std::string address = AddressText(session, index);
     return {address, index == session.ScanIndex ? ToHex(record.Address, 2) : address, record.InputRange,
-            record.DataFormat};
+            record.DataFormat, record.Model};
 }
 
 bool LastReplyFits(const Session& session, int index, char lead, std::string_view tail) {
@@ -93,12 +94,14 @@ bool ReadEntryWell(Session& session, int index) {
     ModuleRecord& entry = session.ModuleTable[index];
     std::optional<ModuleRecord> before;
     for (int tries = 0; tries < 3; ++tries) {
-        ConfigAnswer answer{ModuleAddress(session, index), ModuleChecksum(session, index),
-                            ModuleBaudCode(session, index), {}};
+        ConfigAnswer answer{ModuleAddress(session, index),
+                            ModuleChecksum(session, index),
+                            ModuleBaudCode(session, index),
+                            {}};
         ModuleRecord record;
         OpenPort(session.Line);
-        if (AskModuleAgain(session.Line, answer, record) != Identified::Fully || record.Model != entry.Model ||
-            record.Address != entry.Address)
+        if (AskModuleAgain(session.Line, answer, record) != Identified::Fully ||
+            record.Model != entry.Model || record.Address != entry.Address)
             return false;
         if (before == record) {
             entry = record;

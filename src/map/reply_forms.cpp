@@ -1,6 +1,7 @@
 #include "map/reply_forms.h"
 
 #include "link/codes.h"
+#include "link/digital_channels.h"
 #include "link/model_choices.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
@@ -33,8 +34,8 @@ constexpr CommandForm AlarmInputs[] = {
 
 constexpr CommandForm MultiInputs[] = {
     {'#', "n", ">V"},
-    {'$', "6", "!AAhh"},
-    {'$', "BA", "!AAhh"},
+    {'$', "6", "!AAC"},
+    {'$', "BA", "!AAC"},
 };
 
 constexpr CommandForm SingleOutput[] = {
@@ -43,15 +44,15 @@ constexpr CommandForm SingleOutput[] = {
 };
 
 constexpr CommandForm VoltageOutputs[] = {
-    {'$', "6p", "!AAsdd.ddd"},
-    {'$', "8", "!hhzzzz"},
+    {'$', "6p", "!AAP"},
+    {'$', "8", "!ohzzzz"},
     {'~', "CR", "!AAzb"},
     {'#', "*", ">"},
 };
 
 constexpr CommandForm DigitalModules[] = {
     {'~', "CR", "!AAbb"},
-    {'$', "6", "!hhhhhhhh"},
+    {'$', "6", "!W"},
     {'@', "*", "!AA"},
 };
 
@@ -78,7 +79,8 @@ constexpr CommandForm Counters[] = {
     {'@', "DI", "!AAbbzq"},
     {'@', "RP", "!AAhhhhhhhhhhhhhhhh"},
     {'@', "RA", "!AAhhhhhhhhhhhhhhhh"},
-    {'$', "5nn", "!AA"}, {'$', "6n", "!AA"},
+    {'$', "5nn", "!AA"},
+    {'$', "6n", "!AA"},
 };
 
 constexpr CommandForm Converters[] = {
@@ -165,6 +167,8 @@ bool FitsCharacter(char character, char place) {
         return upTo('2');
     case 'q':
         return upTo('3');
+    case 'o':
+        return upTo('7');
     case 'z':
         return character == '0';
     case 's':
@@ -194,7 +198,36 @@ bool IsOutput(std::string_view text, const ReplyMeasure& measure) {
     const bool hexadecimal = measure.DataFormat == TwosComplement;
     const double fullScale =
         measure.DataFormat == EngineeringUnits ? RangeFullScale(measure.InputRange) : 100;
-    return FitsPlaces(text, OutputForm(measure.DataFormat)) && (hexadecimal || Within(text, fullScale));
+    return FitsPlaces(text, OutputForm(measure.DataFormat)) &&
+           (hexadecimal || (NumericValue(text) >= 0 && NumericValue(text) <= fullScale));
+}
+
+constexpr double HighestPortVoltage = 10;
+
+bool IsPortVoltage(std::string_view text) {
+    return FitsPlaces(text, "sdd.ddd") && std::fabs(NumericValue(text)) <= HighestPortVoltage;
+}
+
+// A limit stands as it was set: not one has the sign of a negative number that was rounded to zero.
+bool IsLimit(std::string_view text, const ReplyMeasure& measure) {
+    return FitsPlaces(text, EngineeringForm(measure.InputRange)) &&
+           Within(text, RangeFullScale(measure.InputRange)) &&
+           (text.front() == '+' || NumericValue(text) < 0);
+}
+
+bool HasNoBitBeyond(std::string_view word, int channels) {
+    const auto bits = HexNumber(word);
+    return bits && *bits >> channels == 0;
+}
+
+bool AreDigitalWords(std::string_view text, const ReplyMeasure& measure) {
+    const auto [inputs, outputs] = DigitalChannelsOf(measure.Model);
+    return FitsPlaces(text, "hhhhhhhh") && HasNoBitBeyond(text.substr(0, 4), outputs) &&
+           HasNoBitBeyond(text.substr(4), inputs);
+}
+
+bool IsChannelMask(std::string_view text, const ReplyMeasure& measure) {
+    return FitsPlaces(text, "hh") && HasNoBitBeyond(text, ChannelCount(measure.Model).value_or(0));
 }
 
 bool IsSignedNumber(std::string_view text) {
@@ -218,20 +251,28 @@ bool IsText(std::string_view text) {
 }
 
 bool FitsData(std::string_view data, std::string_view places, const ReplyMeasure& measure) {
-    if (places == "V")
+    switch (places.size() == 1 ? places.front() : '\0') {
+    case 'V':
         return IsReading(data, measure);
-    if (places == "E")
-        return FitsPlaces(data, EngineeringForm(measure.InputRange)) &&
-               Within(data, RangeFullScale(measure.InputRange));
-    if (places == "O")
+    case 'E':
+        return IsLimit(data, measure);
+    case 'O':
         return IsOutput(data, measure);
-    if (places == "S")
+    case 'P':
+        return IsPortVoltage(data);
+    case 'W':
+        return AreDigitalWords(data, measure);
+    case 'C':
+        return IsChannelMask(data, measure);
+    case 'S':
         return IsSignedNumber(data);
-    if (places == "M")
+    case 'M':
         return IsModel(data);
-    if (places == "T")
+    case 'T':
         return IsText(data);
-    return FitsPlaces(data, places);
+    default:
+        return FitsPlaces(data, places);
+    }
 }
 
 constexpr std::size_t ClassLength = 1;
@@ -296,6 +337,10 @@ bool FitsForm(std::string_view reply, std::string_view form, const ReplyMeasure&
             return false;
     }
     return FitsData(reply.substr(DataStart(form)), form.substr(DataStart(form)), measure);
+}
+
+bool IsRefusal(std::string_view reply, const ReplyMeasure& measure) {
+    return FitsForm(reply, "?AA", measure);
 }
 
 std::string ReplyData(std::string_view reply, std::string_view form) {
