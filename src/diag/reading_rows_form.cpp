@@ -23,7 +23,7 @@ constexpr const char* OpenText = "open";
 ReadingRows::ReadingRows(const QString& title, const QStringList& captions) : QGroupBox(title) {
     auto* grid = new QGridLayout(this);
     grid->setVerticalSpacing(RowSpacing);
-    grid->setColumnStretch(2, 1);
+    grid->setColumnStretch(3, 1);
     const QFont font = FixedFont();
     for (const QString& caption : captions) {
         const int row = static_cast<int>(rows_.size());
