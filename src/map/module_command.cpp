@@ -1,6 +1,7 @@
 #include "map/module_command.h"
 
 #include "link/text.h"
+#include "map/command_forms.h"
 #include "map/identify.h"
 #include "map/module_access.h"
 
@@ -93,12 +94,14 @@ bool ReadEntryWell(Session& session, int index) {
     ModuleRecord& entry = session.ModuleTable[index];
     std::optional<ModuleRecord> before;
     for (int tries = 0; tries < 3; ++tries) {
-        ConfigAnswer answer{ModuleAddress(session, index), ModuleChecksum(session, index),
-                            ModuleBaudCode(session, index), {}};
+        ConfigAnswer answer{ModuleAddress(session, index),
+                            ModuleChecksum(session, index),
+                            ModuleBaudCode(session, index),
+                            {}};
         ModuleRecord record;
         OpenPort(session.Line);
-        if (AskModuleAgain(session.Line, answer, record) != Identified::Fully || record.Model != entry.Model ||
-            record.Address != entry.Address)
+        if (AskModuleAgain(session.Line, answer, record) != Identified::Fully ||
+            record.Model != entry.Model || record.Address != entry.Address)
             return false;
         if (before == record) {
             entry = record;
