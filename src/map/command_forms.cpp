@@ -17,28 +17,54 @@ struct CommandForm {
     char Lead;
     std::string_view Tail;
     std::string_view Reply;
+    std::string_view Suffix = {}; // of this model alone; empty: of every model of the family
 };
 
 constexpr CommandForm EveryModel[] = {
     {'$', "2", "!AAhhhhhh"},
     {'$', "M", "!AAM"},
     {'$', "F", "!AAT"},
+    {'%', "*", "!AA"},
 };
 
 constexpr CommandForm AlarmInputs[] = {
-    {'#', "", ">V"},     {'@', "RL", "!AAE"}, {'@', "RH", "!AAE"}, {'@', "DI", "!AAtzqzb"},
-    {'@', "DO*", "!AA"}, {'@', "CA", "!AA"},  {'$', "3", "!AAS"},  {'$', "5", "!AAhh"},
+    {'#', "", ">V"},
+    {'@', "RL", "!AAE"},
+    {'@', "RH", "!AAE"},
+    {'@', "PL*", "!AA"},
+    {'@', "PH*", "!AA"},
+    {'@', "EAn", "!AA"},
+    {'@', "DA", "!AA"},
+    {'@', "CA", "!AA"},
+    {'@', "DI", "!AAtzqzb"},
+    {'@', "DO*", "!AA"},
+    {'$', "3", "!AAS", "240"},
+    {'$', "5", "!AAhh"},
+    // calibration
+    {'$', "0", "!AA"},
+    {'$', "1", "!AA"},
+    {'$', "3", ">C"},
+    {'$', "9*", "!AA"},
 };
 
 constexpr CommandForm MultiInputs[] = {
     {'#', "n", ">V"},
     {'$', "6", "!AAhh"},
     {'$', "BA", "!AAhh"},
+    // calibration
+    {'$', "0", "!AA"},
+    {'$', "1", "!AA"},
+    {'$', "3", ">C"},
+    {'$', "9*", "!AA"},
 };
 
 constexpr CommandForm SingleOutput[] = {
     {'$', "6", "!AAO"},
     {'#', "*", ">"},
+    // calibration
+    {'$', "0", "!AA"},
+    {'$', "1", "!AA"},
+    {'$', "3*", "!AA"},
 };
 
 constexpr CommandForm VoltageOutputs[] = {
@@ -46,6 +72,10 @@ constexpr CommandForm VoltageOutputs[] = {
     {'$', "8", "!hhzzzz"},
     {'~', "CR", "!AAzb"},
     {'#', "*", ">"},
+    // calibration
+    {'$', "0", "!AA"},
+    {'$', "1", "!AA"},
+    {'$', "3*", "!AA"},
 };
 
 constexpr CommandForm DigitalModules[] = {
@@ -77,16 +107,28 @@ constexpr CommandForm Counters[] = {
     {'@', "DI", "!AAbbzq"},
     {'@', "RP", "!AAhhhhhhhhhhhhhhhh"},
     {'@', "RA", "!AAhhhhhhhhhhhhhhhh"},
-    {'$', "5nn", "!AA"},
+    // settings
+    {'$', "B*", "!AA"},
+    {'$', "A*", "!AA"},
+    {'$', "5n*", "!AA"},
     {'$', "6n", "!AA"},
+    {'$', "3n*", "!AA"},
+    {'@', "P*", "!AA"},
+    {'@', "SA*", "!AA"},
+    {'$', "4*", "!AA"},
+    {'$', "0H*", "!AA"},
+    {'$', "0L*", "!AA"},
+    {'$', "1H*", "!AA"},
+    {'$', "1L*", "!AA"},
+    {'@', "EAn", "!AA"},
+    {'@', "DAn", "!AA"},
 };
 
 constexpr CommandForm Converters[] = {
     {'$', "2", "!AAhhhhhhhh"},
 };
 
-std::span<const CommandForm> FormsOf(std::string_view model) {
-    const std::string suffix = ModelSuffix(model);
+std::span<const CommandForm> FormsOf(std::string_view model, std::string_view suffix) {
     switch (ModuleFamily(model)) {
     case DigitalIo:
         return suffix == "460" ? std::span<const CommandForm>(PortModule) : DigitalModules;
@@ -119,18 +161,22 @@ bool MatchesTail(std::string_view pattern, std::string_view tail) {
     return pattern.size() == tail.size();
 }
 
-const CommandForm* FindForm(std::span<const CommandForm> forms, char lead, std::string_view tail) {
-    const auto found = std::ranges::find_if(
-        forms, [&](const CommandForm& form) { return form.Lead == lead && MatchesTail(form.Tail, tail); });
+const CommandForm* FindForm(std::span<const CommandForm> forms, std::string_view suffix, char lead,
+                            std::string_view tail) {
+    const auto found = std::ranges::find_if(forms, [&](const CommandForm& form) {
+        return form.Lead == lead && MatchesTail(form.Tail, tail) &&
+               (form.Suffix.empty() || form.Suffix == suffix);
+    });
     return found == forms.end() ? nullptr : &*found;
 }
 
 } // namespace
 
 std::string_view ReplyFormOf(std::string_view model, char lead, std::string_view tail) {
-    const CommandForm* form = FindForm(FormsOf(model), lead, tail);
+    const std::string suffix = ModelSuffix(model);
+    const CommandForm* form = FindForm(FormsOf(model, suffix), suffix, lead, tail);
     if (!form)
-        form = FindForm(EveryModel, lead, tail);
+        form = FindForm(EveryModel, suffix, lead, tail);
     if (!form)
         throw RuntimeFailure("A module " + Trim(model) + " has no command " + lead + "AA" +
                              std::string(tail) + ".");

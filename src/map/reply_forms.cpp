@@ -91,6 +91,13 @@ bool IsSignedNumber(std::string_view text) {
            text.find_first_not_of("0123456789.") == std::string_view::npos && text.front() != '.';
 }
 
+constexpr std::size_t LongestTemperature = 16; // far more than any needs
+
+bool IsTemperature(std::string_view text) {
+    return text.size() <= LongestTemperature && IsSignedNumber(text) && text.back() != '.' &&
+           text.find('.') != std::string_view::npos;
+}
+
 // "8", three digits, and at most two letters.
 bool IsModel(std::string_view text) {
     const auto isLetter = [](char character) { return character >= 'A' && character <= 'Z'; };
@@ -113,6 +120,8 @@ bool FitsData(std::string_view data, std::string_view places, const ReplyMeasure
         return IsOutput(data, measure);
     if (places == "S")
         return IsSignedNumber(data);
+    if (places == "C")
+        return IsTemperature(data);
     if (places == "M")
         return IsModel(data);
     if (places == "T")

@@ -6,8 +6,8 @@
 
 namespace kavro {
 
-// What a good reply to each command is, for everything that believes only what it has read well. The system's
-// own dialogs and its exact search test less, which is theirs to decide.
+// Whether replies are of the forms of `ReplyFormOf`, for everything that believes only what it has read well.
+// The system's own dialogs and its exact search test less, which is theirs to decide.
 
 /// What a reply of one module is measured by.
 struct ReplyMeasure {
@@ -22,6 +22,12 @@ struct ReplyMeasure {
 bool NamesAddress(std::string_view form);
 
 /// Whether the reply is of the form: exact length, address, digits, and numbers within the range.
+///
+/// In a form AA stands for the address, d for a decimal digit, h for a hexadecimal one in upper case, b, t
+/// and q for a digit up to 1, 2 and 3, z for "0", s for a sign; V for a reading in the module's range and
+/// data format, E for a number in the range's engineering units, O for an output value in the data format, S
+/// for any number with sign, C for a temperature, with sign and decimals, M for a model, T for any text.
+/// Anything else stands for itself.
 bool FitsForm(std::string_view reply, std::string_view form, const ReplyMeasure& measure);
 
 /// The text of a good reply behind its class and address.
