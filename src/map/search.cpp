@@ -112,7 +112,8 @@ void NetworkSearch::AskAgain() {
         if (session_.ModuleTable[index].Complete)
             continue;
         ModuleRecord record = session_.ModuleTable[index];
-        const auto identified = AskModuleAgain(session_.Line, answers_[static_cast<std::size_t>(index)], record);
+        const auto identified =
+            AskModuleAgain(session_.Line, answers_[static_cast<std::size_t>(index)], record);
         if (identified == Identified::No)
             continue;
         record.Complete = identified == Identified::Fully;

@@ -60,7 +60,7 @@ private:
     ModuleRecord pending_; // found at address 00, until the loop reaches the address that it reports
     ConfigAnswer pendingAnswer_;
     std::vector<ConfigAnswer> answers_; // of the entries
-    int stored_ = 0;       // next free entry
+    int stored_ = 0;                    // next free entry
     bool begun_ = false;
     SearchFindings findings_;
     std::int16_t StopRequested = 0;

@@ -123,8 +123,9 @@ TEST(KavroCtl, PrintsTheMap) {
     const std::string line = "   1(01H)   8210      9600        V        +/- 2.5V        ";
     const Outcome text = KavroCtl().Run({"search", "--demo", "--to", "1"});
     EXPECT_EQ(std::tuple(text.Exit, text.Err),
-              std::tuple(0, "kavroctl: A module in its initialisation state reports address 22, which was not "
-                            "searched: search that far to list it.\n"));
+              std::tuple(0,
+                         "kavroctl: A module in its initialisation state reports address 22, which was not "
+                         "searched: search that far to list it.\n"));
     EXPECT_EQ(text.Out, std::string(ListHeading) + "\n" + line + "\n");
 
     const Outcome json = KavroCtl().Run({"search", "--port", "3=demo", "--to", "1", "--json"});
