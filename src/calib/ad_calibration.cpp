@@ -176,10 +176,10 @@ void AdCalibration::Execute() {
     told_.clear();
     switch (calibType_) {
     case CalibType::Offset:
-        Ask("1", AnswerForm::Acknowledgement, "Offset calibration", "stored");
+        Ask("1", "Offset calibration", "stored");
         return;
     case CalibType::Span:
-        Ask("0", AnswerForm::Acknowledgement, "Span calibration", "stored");
+        Ask("0", "Span calibration", "stored");
         return;
     case CalibType::ColdJunction:
         return ExecuteColdJunction();
@@ -187,7 +187,7 @@ void AdCalibration::Execute() {
 }
 
 void AdCalibration::ExecuteColdJunction() {
-    SendCalibration(session_, index_, CalibrationCommand(session_, index_, '$', "9+0000"));
+    SendCalibration(session_, index_, '$', "9+0000");
     told_ = GoneText; // whatever happens from here on
     wait_(SettleMs);
     const auto measured = ReadColdJunction();
@@ -210,21 +210,18 @@ void AdCalibration::ExecuteColdJunction() {
 void AdCalibration::Correct(const std::string& counts, bool clears) {
     const std::size_t gone = told_.size() + 1;
     const std::string what = "CJC correction" + (clears ? std::string() : " " + counts);
-    if (Ask("9" + counts, AnswerForm::Acknowledgement, what, clears ? "cleared" : "stored") == Heard::Good)
+    if (Ask("9" + counts, what, clears ? "cleared" : "stored") == Answer::Ok)
         told_.erase(0, gone); // it is not missed now
     if (clears)
         told_ += ZeroText;
 }
 
-Heard AdCalibration::Ask(const std::string& code, AnswerForm form, const std::string& what,
-                         const std::string& done) {
-    return AskCalibration(session_, index_,
-                          {CalibrationCommand(session_, index_, '$', code), form, what, done, {}},
-                          session_.Line.ReplyTimeout, told_);
+Answer AdCalibration::Ask(const std::string& tail, const std::string& what, const std::string& done) {
+    return AskCalibration(session_, index_, {'$', tail, what, done, {}}, session_.Line.ReplyTimeout, told_);
 }
 
 std::optional<double> AdCalibration::ReadColdJunction() {
-    if (Ask("3", AnswerForm::Temperature, "CJC temperature", {}) != Heard::Good)
+    if (Ask("3", "CJC temperature", {}) != Answer::Ok)
         return std::nullopt;
     return LeadingNumber(Middle(session_.Line.ReplyText, 2));
 }

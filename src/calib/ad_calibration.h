@@ -54,7 +54,7 @@ private:
     void ShowExecution();
     void Execute();
     void ExecuteColdJunction();
-    Heard Ask(const std::string& code, AnswerForm form, const std::string& what, const std::string& done);
+    Answer Ask(const std::string& tail, const std::string& what, const std::string& done);
     std::optional<double> ReadColdJunction();
     void Correct(const std::string& counts, bool clears);
     void ShowColdJunction();

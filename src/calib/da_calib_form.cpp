@@ -13,9 +13,9 @@ namespace {
 
 constexpr int Steps = 5;
 
-enum class Answer { TryAgain, Leave, Stay };
+enum class LeaveAnswer { TryAgain, Leave, Stay };
 
-Answer AskToLeave(QWidget& parent, const char* failure) {
+LeaveAnswer AskToLeave(QWidget& parent, const char* failure) {
     QMessageBox box(&parent);
     box.setObjectName("RestoreQuestion");
     box.setWindowTitle(parent.windowTitle());
@@ -33,8 +33,8 @@ Answer AskToLeave(QWidget& parent, const char* failure) {
     box.exec();
     QApplication::restoreOverrideCursor();
     if (box.clickedButton() == again)
-        return Answer::TryAgain;
-    return box.clickedButton() == leave ? Answer::Leave : Answer::Stay;
+        return LeaveAnswer::TryAgain;
+    return box.clickedButton() == leave ? LeaveAnswer::Leave : LeaveAnswer::Stay;
 }
 
 } // namespace
@@ -80,16 +80,16 @@ bool DaCalibForm::Leave() {
 
 bool DaCalibForm::GiveBack(const std::function<void()>& restore) {
     while (true) {
-        Answer answer = Answer::Leave;
+        LeaveAnswer answer = LeaveAnswer::Leave;
         try {
             restore();
         } catch (const RuntimeFailure& failure) {
             answer = AskToLeave(*this, failure.what());
         }
-        if (answer == Answer::Leave)
+        if (answer == LeaveAnswer::Leave)
             Session().Note = calibration_.Told(); // nobody sees the foot any more
-        if (answer != Answer::TryAgain)
-            return answer == Answer::Leave;
+        if (answer != LeaveAnswer::TryAgain)
+            return answer == LeaveAnswer::Leave;
     }
 }
 

@@ -1,6 +1,7 @@
 #include "calib/da_calibration.h"
 
 #include "link/text.h"
+#include "map/module_access.h"
 
 namespace kavro {
 
@@ -31,7 +32,7 @@ constexpr const char* GuideTexts[LastStep] = {
 } // namespace
 
 DaCalibration::DaCalibration(Session& session, int index) : session_(session), index_(index) {
-    configRead_ = Ask('$', "2", AnswerForm::Configuration, "Configuration", {}) == Heard::Good;
+    configRead_ = Ask('$', "2", "Configuration", {}) == Answer::Ok;
     const Line& line = session_.Line;
     if (line.ReplyIs('!') && line.ReplyText.size() == ConfigReplyLength)
         savedConfig_ = Middle(line.ReplyText, 4, ConfigLength);
@@ -42,13 +43,10 @@ void DaCalibration::SetUp() {
     if (!MustRestore())
         return;
     setUp_ = false;
-    const Heard heard = Ask({Configure("30" + Middle(savedConfig_, 3, 2) + "00"),
-                             AnswerForm::Acknowledgement,
-                             "Set-up for calibration",
-                             "done",
-                             {}},
-                            session_.Line.LongReplyTimeout);
-    setUp_ = heard == Heard::Good && configRead_;
+    const std::string config = "30" + Middle(savedConfig_, 3, 2) + "00";
+    const Answer answer =
+        Ask({'%', Configuring(config), "Set-up for calibration", "done", {}}, session_.Line.LongReplyTimeout);
+    setUp_ = answer == Answer::Ok && configRead_;
 }
 
 std::string DaCalibration::Foot() const {
@@ -65,9 +63,8 @@ void DaCalibration::ExitBtn_Click() {
 void DaCalibration::GiveBack(const char* done) {
     if (!MustRestore())
         return;
-    const std::string command = Configure(savedConfig_);
-    Ask({command, AnswerForm::Acknowledgement, "Own configuration", done,
-         "The command " + command + " restores it."},
+    Ask({'%', Configuring(savedConfig_), "Own configuration", done,
+         "The command " + RestoringCommand() + " restores it."},
         session_.Line.LongReplyTimeout);
     savedConfig_.clear();
 }
@@ -87,11 +84,11 @@ void DaCalibration::ShowStep() {
     case 4:
         view_.TrimShown = true;
         view_.NextCaption = "Next >"; // after Back, where it goes on to step 5 and does not end anything
-        Ask('#', "04.000", AnswerForm::Output, "Output of 4 mA", "set");
+        Ask('#', "04.000", "Output of 4 mA", "set");
         break;
     default:
         view_.NextCaption = "Done";
-        Ask('#', "20.000", AnswerForm::Output, "Output of 20 mA", "set");
+        Ask('#', "20.000", "Output of 20 mA", "set");
     }
 }
 
@@ -117,9 +114,9 @@ bool DaCalibration::NextBtn_Click() {
     if (TakeUp())
         return false;
     if (view_.StepNo == FirstOutputStep)
-        Ask('$', "0", AnswerForm::Acknowledgement, "Calibration at 4 mA", "stored");
+        Ask('$', "0", "Calibration at 4 mA", "stored");
     if (view_.StepNo == LastStep)
-        Ask('$', "1", AnswerForm::Acknowledgement, "Calibration at 20 mA", "stored");
+        Ask('$', "1", "Calibration at 20 mA", "stored");
     if (view_.StepNo == LastStep)
         return true;
     ++view_.StepNo;
@@ -130,27 +127,29 @@ bool DaCalibration::NextBtn_Click() {
 void DaCalibration::Trim(const char* code, const char* name) {
     told_.clear();
     if (!TakeUp())
-        Ask('$', code, AnswerForm::Acknowledgement, name, "done");
+        Ask('$', code, name, "done");
 }
 
 // A module in its initialisation state is spoken to at 00, but keeps an address of its own.
-std::string DaCalibration::Configure(const std::string& config) const {
-    const std::string ownAddress = ToHex(session_.ModuleTable[index_].Address, 2);
-    return CalibrationCommand(session_, index_, '%', ownAddress + config);
+std::string DaCalibration::Configuring(const std::string& config) const {
+    return ToHex(session_.ModuleTable[index_].Address, 2) + config;
 }
 
-Heard DaCalibration::Ask(char lead, const std::string& code, AnswerForm form, const std::string& what,
-                         const std::string& done) {
-    return Ask({CalibrationCommand(session_, index_, lead, code), form, what, done, {}},
-               session_.Line.ReplyTimeout);
+std::string DaCalibration::RestoringCommand() const {
+    return CommandFor(session_, index_, '%', Configuring(savedConfig_));
 }
 
-Heard DaCalibration::Ask(const Question& question, int timeoutMs) {
+Answer DaCalibration::Ask(char lead, const std::string& tail, const std::string& what,
+                          const std::string& done) {
+    return Ask({lead, tail, what, done, {}}, session_.Line.ReplyTimeout);
+}
+
+Answer DaCalibration::Ask(const Question& question, int timeoutMs) {
     interrupted_ = true;
     try {
-        const Heard heard = AskCalibration(session_, index_, question, timeoutMs, told_);
+        const Answer answer = AskCalibration(session_, index_, question, timeoutMs, told_);
         interrupted_ = false;
-        return heard;
+        return answer;
     } catch (const RuntimeFailure& failure) {
         throw RuntimeFailure(failure.what() + WhatToRestore());
     }
@@ -160,7 +159,7 @@ std::string DaCalibration::WhatToRestore() const {
     if (!MustRestore())
         return {};
     return "\n\nThe module is still set up for calibration. Its own configuration is " + savedConfig_ +
-           "; the command " + Configure(savedConfig_) + " restores it.";
+           "; the command " + RestoringCommand() + " restores it.";
 }
 
 } // namespace kavro

@@ -55,10 +55,10 @@ private:
     void ShowStep();
     bool TakeUp();
     void Trim(const char* code, const char* name);
-    std::string Configure(const std::string& config) const;
-    Heard Ask(const Question& question, int timeoutMs);
-    Heard Ask(char lead, const std::string& code, AnswerForm form, const std::string& what,
-              const std::string& done);
+    std::string Configuring(const std::string& config) const;
+    std::string RestoringCommand() const;
+    Answer Ask(const Question& question, int timeoutMs);
+    Answer Ask(char lead, const std::string& tail, const std::string& what, const std::string& done);
     void GiveBack(const char* done);
     std::string WhatToRestore() const;
 

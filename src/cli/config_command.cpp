@@ -59,9 +59,10 @@ std::optional<NamedConfig> ReadConfigTwice(Session& session, const Contact& cont
         before = std::move(config);
     }
     if (before)
-        PrintNote("The module at address " + ShownAddress(contact.Address) +
-                  " tells its settings differently each time. Nothing was written; check the wiring, then try "
-                  "again.");
+        PrintNote(
+            "The module at address " + ShownAddress(contact.Address) +
+            " tells its settings differently each time. Nothing was written; check the wiring, then try "
+            "again.");
     return std::nullopt;
 }
 
@@ -96,8 +97,8 @@ bool HasTaken(Session& session, const NamedConfig& wanted) {
         if (SameValue(setting, present->Settings[i]))
             continue;
         taken = false;
-        PrintNote("The " + setting.Name + " did not take: " + SettingText(setting) + " is wanted, the module has " +
-                  SettingText(present->Settings[i]) + ".");
+        PrintNote("The " + setting.Name + " did not take: " + SettingText(setting) +
+                  " is wanted, the module has " + SettingText(present->Settings[i]) + ".");
     }
     return taken;
 }

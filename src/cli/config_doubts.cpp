@@ -66,6 +66,7 @@ std::string AddressDoubt(Session& session, const NamedConfig& config,
 
 std::vector<ModuleRecord> KnownModules(const Session& session) {
     std::vector<ModuleRecord> modules;
+    modules.reserve(static_cast<std::size_t>(session.ModuleCount));
     for (int index = 0; index < session.ModuleCount; ++index)
         modules.push_back(session.ModuleTable[index]);
     return modules;

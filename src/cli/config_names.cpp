@@ -147,6 +147,7 @@ template <class Config>
 NamedConfig Bound(Session& session, int index, std::optional<Config> config,
                   Settings (*names)(Config&, const Subject&),
                   ConfigOutcome (*apply)(Session&, int, const Config&, Messages&)) {
+    const bool known = config.has_value();
     const auto kept = std::make_shared<Config>(std::move(config).value_or(Config()));
     const Subject subject = {session.ModuleTable[index].Model, index == session.ScanIndex};
     Settings all = LinkNames(kept->Link, subject);
@@ -154,7 +155,7 @@ NamedConfig Bound(Session& session, int index, std::optional<Config> config,
     const auto write = [kept, &session, index, apply](Messages& messages) {
         return apply(session, index, *kept, messages);
     };
-    return {std::move(all), config.has_value(), write};
+    return {std::move(all), known, write};
 }
 
 template <auto Read, auto Names, auto Apply>

@@ -6,6 +6,7 @@
 #include "link/runtime_failure.h"
 #include "map/list_line.h"
 #include "map/module_access.h"
+#include "map/module_command.h"
 
 #include <QCommandLineParser>
 
@@ -56,10 +57,10 @@ private:
         const char digit = options_.Channel.front();
         if (!several || options_.Channel.size() != 1 || digit < '0' || digit > '7')
             return std::nullopt;
-        const auto enables = ReadChannelEnables(session_, 0, session_.Line.ReplyTimeout);
-        if (!enables || !session_.Line.ReplyIs('!'))
+        const ModuleReply enables = AskModuleTwice(session_, 0, '$', "6");
+        if (enables.Answer != Answer::Ok)
             return std::nullopt;
-        return *enables & 1U << (digit - '0');
+        return enables.Digits(0, 2) & 1U << (digit - '0');
     }
 
     bool Print() {

@@ -87,7 +87,7 @@ int RunSearch(CliSession& cli, const SearchOptions& options) {
 
 SearchResult SearchLine(Session& session, const SearchOptions& options) {
     ApplyOptions(options, session);
-    const SearchResult result = SearchWithProgress(session);
+    SearchResult result = SearchWithProgress(session);
     SearchFindings findings = result.Findings;
     findings.StoppedAfter.reset(); // told by the command, which knows of interruptions too
     for (const std::string& text : FindingTexts(findings))

@@ -51,6 +51,12 @@ std::optional<double> LimitIn(std::string entered, std::int16_t range, const std
     return value && Fits(*value, range) ? value : std::nullopt;
 }
 
+std::string RefusalText(const AlarmLimit& limit, std::int16_t range, const std::string& separator) {
+    const std::string bound = ShownNumber(ShortestText(RangeFullScale(range)), separator);
+    return "The " + std::string(limit.Name) + " must be a number from -" + bound + " to +" + bound + " " +
+           Trim(RangeUnit(range, EngineeringUnits)) + ".";
+}
+
 // One module whose settings are being written; every function is true when the module accepted, or when there
 // was nothing to change.
 struct AlarmInputWriter {
@@ -111,17 +117,11 @@ std::optional<RefusedEntry> RefusedAlarmSetting(const AlarmInputConfig& config,
                                                 const std::string& separator) {
     if (auto refused = RefusedAddress(config.Link))
         return refused;
-    const double fullScale = RangeFullScale(config.InputRange);
-    if (fullScale == 0)
+    if (RangeFullScale(config.InputRange) == 0)
         return RefusedEntry{"InputRange", "Select an input range."};
     for (const AlarmLimit& limit : Limits)
-        if (!LimitIn(config.*limit.Entered, config.InputRange, separator)) {
-            const std::string bound = ShownNumber(ShortestText(fullScale), separator);
-            return RefusedEntry{limit.Control, "The " + std::string(limit.Name) + " must be a number from -" +
-                                                   bound + " to +" + bound + " " +
-                                                   Trim(RangeUnit(config.InputRange, EngineeringUnits)) +
-                                                   "."};
-        }
+        if (!LimitIn(config.*limit.Entered, config.InputRange, separator))
+            return RefusedEntry{limit.Control, RefusalText(limit, config.InputRange, separator)};
     return std::nullopt;
 }
 

@@ -28,7 +28,7 @@ AnalogInputConfig ReadAnalogInputConfig(Session& session, int index) {
     AnalogInputConfig config{LinkSettingsOf(record), record.InputRange, record.DataFormat};
     const auto enabled = ReadChannelEnables(session, index, session.Line.LongReplyTimeout);
     config.EnabledChannels = enabled.value_or(0);
-    config.ChannelsKnown = enabled && LastReplyFits(session, index, '$', "6");
+    config.ChannelsKnown = enabled && LastAnswer(session, index, '$', "6") == Answer::Ok;
     return config;
 }
 

@@ -17,7 +17,7 @@ struct AnalogInputConfig {
     unsigned EnabledChannels = 0; ///< bit n: channel n is read; bits beyond the model's channels do not count
     std::optional<unsigned> PresentChannels = {}; ///< as the module has them, to leave them alone when they
                                                   ///< do not differ; nothing: they are sent in any case
-    bool ChannelsKnown = true;    ///< false: these were asked for, and no good reply came
+    bool ChannelsKnown = true;                    ///< false: these were asked for, and no good reply came
 };
 
 /// The entry's settings, with the enabled channels read from the module ("$AA6"): none when it does not

@@ -2,6 +2,7 @@
 
 #include "link/text.h"
 #include "map/module_access.h"
+#include "map/module_command.h"
 
 namespace kavro {
 
@@ -48,7 +49,7 @@ std::int16_t FormatByte(const LinkSettings& link, std::int16_t familyBits) {
 
 bool WriteModuleConfig(Session& session, int index, const LinkSettings& link, const std::string& fields) {
     const std::string newAddress = ToHex(link.Address, 2);
-    return ExchangeWithModule(session, index, "%" + AddressText(session, index) + newAddress + fields,
+    return ExchangeWithModule(session, index, CommandFor(session, index, '%', newAddress + fields),
                               session.Line.LongReplyTimeout) &&
            session.Line.ReplyText == "!" + newAddress;
 }
@@ -60,14 +61,9 @@ bool WriteModuleConfig(Session& session, int index, const LinkSettings& link, st
                                  ToHex(formatByte, 2));
 }
 
-bool NamesModule(const Session& session, int index, std::string_view address) {
-    return address == AddressText(session, index) || address == ToHex(session.ModuleTable[index].Address, 2);
-}
-
 bool WriteAcknowledged(Session& session, int index, char lead, const std::string& code) {
-    return ExchangeWithModule(session, index, lead + AddressText(session, index) + code,
-                              session.Line.LongReplyTimeout) &&
-           session.Line.ReplyIs('!') && NamesModule(session, index, Middle(session.Line.ReplyText, 2));
+    ExchangeWithModule(session, index, CommandFor(session, index, lead, code), session.Line.LongReplyTimeout);
+    return LastAnswer(session, index, lead, code) == Answer::Ok;
 }
 
 bool NoteStep(Session& session, bool accepted, const char* failure, Messages& messages) {
@@ -116,8 +112,7 @@ StepResult ChangeDigitalModuleConfig(Session& session, int index, const LinkSett
 
 bool ChangeSetting(Session& session, int index, char lead, const std::string& code, const char* failure,
                    Messages& messages) {
-    ExchangeWithModule(session, index, lead + AddressText(session, index) + code,
-                       session.Line.LongReplyTimeout);
+    ExchangeWithModule(session, index, CommandFor(session, index, lead, code), session.Line.LongReplyTimeout);
     return NoteStep(session, session.Line.ReplyIs('!'), failure, messages);
 }
 

@@ -66,10 +66,6 @@ bool WriteModuleConfig(Session& session, int index, const LinkSettings& link, st
 /// the reply "!AA" and nothing behind it, AA naming the module.
 bool WriteAcknowledged(Session& session, int index, char lead, const std::string& code);
 
-/// Whether an address in a reply names entry `index`: by the address it is spoken to at, or, in its
-/// initialisation state, by its own.
-bool NamesModule(const Session& session, int index, std::string_view address);
-
 /// Ends a step of a dialog's sequence: accepted, `ConfigResult` becomes 1; else `failure` is told and
 /// `ConfigResult` stays as it was. Returns `accepted`.
 bool NoteStep(Session& session, bool accepted, const char* failure, Messages& messages);

@@ -40,8 +40,8 @@ private:
     };
     /// A box as it is named, labelled and, of each counter one, numbered.
     struct BoxName {
-        const char* Name;
-        const char* Label;
+        const char* Name = "";
+        const char* Label = "";
         std::optional<std::size_t> Counter = {};
     };
 

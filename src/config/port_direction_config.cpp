@@ -18,7 +18,7 @@ PortDirectionConfig ReadPortDirectionConfig(Session& session, int index) {
     const std::string& reply = session.Line.ReplyText;
     const auto mask = answered ? HexNumber(Middle(reply, 2, 2)) : std::nullopt;
     return {LinkSettingsOf(session.ModuleTable[index]), mask.value_or(AllPorts) & AllPorts, std::nullopt,
-            LastReplyFits(session, index, '$', "6")};
+            LastAnswer(session, index, '$', "6") == Answer::Ok};
 }
 
 std::optional<PortDirectionConfig> ReadPortDirectionConfigWell(Session& session, int index) {

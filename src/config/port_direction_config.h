@@ -14,7 +14,7 @@ struct PortDirectionConfig {
     unsigned InputPorts = 0; ///< bit 3 port A, 2 B, 1 CH, 0 CL; 1: the port is an input, 0: an output
     std::optional<unsigned> PresentInputs = {}; ///< as the module has them, to leave them alone when they do
                                                 ///< not differ; nothing: they are sent in any case
-    bool PortsKnown = true;  ///< false: the directions were asked for, and no good reply came
+    bool PortsKnown = true; ///< false: the directions were asked for, and no good reply came
 };
 
 /// The entry's settings, with the directions read from the module ("$AA6"): all inputs, which drive nothing,

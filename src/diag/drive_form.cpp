@@ -2,6 +2,7 @@
 
 #include "diag/reading_rows_form.h"
 #include "ui/fixed_font.h"
+#include "ui/make_room.h"
 #include "ui/named.h"
 
 #include <QFontMetrics>
@@ -97,14 +98,11 @@ void DriveForm::ShowPoll() {
                                : WarningSign + failed_ + ": " + AnswerText(failure_) + ". " + StaleText);
 }
 
-// What wraps does not make its window grow by itself, and would squeeze the rest.
 void DriveForm::ShowState(QLabel& label, const QString& text) {
     if (label.text() == text)
         return;
     label.setText(text);
-    const int needed = layout()->totalHeightForWidth(width());
-    if (needed > height())
-        resize(width(), needed);
+    MakeRoom(*this);
 }
 
 QLabel* DriveForm::ValueLabel(const QString& name) {

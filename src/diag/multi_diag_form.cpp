@@ -53,7 +53,8 @@ Answer MultiDiagForm::ReadReading() {
     AnalogReading reading{"*error*", std::nullopt};
     reading_->BeginReading(0);
     const Answer answer = ReadInputValue(Session(), Index(), 0, reading);
-    reading_->ShowReading(0, SignedReading(reading, Session().DecimalSeparator), RangeUnit(record.InputRange, record.DataFormat));
+    reading_->ShowReading(0, SignedReading(reading, Session().DecimalSeparator),
+                          RangeUnit(record.InputRange, record.DataFormat));
     return answer;
 }
 

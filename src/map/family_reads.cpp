@@ -2,6 +2,7 @@
 
 #include "link/codes.h"
 #include "link/text.h"
+#include "map/command_forms.h"
 
 #include <cmath>
 #include <limits>

@@ -88,6 +88,10 @@ std::string AddressText(const Session& session, int index) {
     return ToHex(ModuleAddress(session, index), 2);
 }
 
+std::string CommandFor(const Session& session, int index, char lead, const std::string& tail) {
+    return lead + AddressText(session, index) + tail;
+}
+
 std::string ShownAddress(std::int16_t address) {
     return std::to_string(address) + " (" + ToHex(address, 2) + "H)";
 }

@@ -19,6 +19,9 @@ std::int16_t ModuleChecksum(const Session& session, int index);
 /// `ModuleAddress` as two hexadecimal digits, as it stands in commands.
 std::string AddressText(const Session& session, int index);
 
+/// A command to entry `index`: `lead`, its address and `tail`, for example "$", "01", "6".
+std::string CommandFor(const Session& session, int index, char lead, const std::string& tail);
+
 /// An address as it is shown: "255 (FFH)".
 std::string ShownAddress(std::int16_t address);
 

@@ -1,6 +1,7 @@
 #include "map/module_command.h"
 
 #include "link/text.h"
+#include "map/command_forms.h"
 #include "map/identify.h"
 #include "map/module_access.h"
 
@@ -15,16 +16,15 @@ std::int64_t& BelievedSince(Session& session, int index) {
     return session.BelievedSince[static_cast<std::size_t>(ModuleAddress(session, index)) % ModuleTable::Size];
 }
 
-Answer AnswerIn(Line& line, std::string_view form, const ReplyMeasure& measure) {
+// What the last reply is, when a good one is of this form.
+Answer AnswerOf(const Session& session, int index, std::string_view form) {
+    const Line& line = session.Line;
+    const ReplyMeasure measure = MeasureOf(session, index);
     if (line.ReplyStatus == 0)
         return line.ReplyText.empty() ? Answer::NoReply : Answer::Garbled;
     if (IsRefusal(line.ReplyText, measure))
         return Answer::Refused;
-    if (FitsForm(line.ReplyText, form, measure))
-        return Answer::Ok;
-    if (!line.ReplyIs('?'))
-        line.NoteUnfit();
-    return Answer::Garbled;
+    return FitsForm(line.ReplyText, form, measure) ? Answer::Ok : Answer::Garbled;
 }
 
 // One transaction on a line that has fallen silent.
@@ -33,7 +33,9 @@ ModuleReply Exchange(Session& session, int index, const std::string& command, st
     if (!line.AwaitSilence())
         return {Answer::Garbled, {}};
     ExchangeWithModule(session, index, command, line.ReplyTimeout);
-    const Answer answer = AnswerIn(line, form, MeasureOf(session, index));
+    const Answer answer = AnswerOf(session, index, form);
+    if (answer == Answer::Garbled && line.ReplyStatus != 0 && !line.ReplyIs('?'))
+        line.NoteUnfit();
     if (answer != Answer::Ok)
         return {answer, {}};
     if (NamesAddress(form))
@@ -46,17 +48,13 @@ ModuleReply AskRepeating(Session& session, int index, const std::string& command
     return reply.Answer == Answer::Garbled ? Exchange(session, index, command, form) : reply;
 }
 
-std::string Command(const Session& session, int index, char lead, const std::string& tail) {
-    return lead + AddressText(session, index) + tail;
-}
-
 // Makes sure that it is this module that answers; a refusal of the question is an answer of it, too.
 Answer Greet(Session& session, int index) {
     if (BelievedSince(session, index) == session.Line.IncompleteCount)
         return Answer::Ok;
     const std::string model = session.ModuleTable[index].Model;
     const ModuleReply name =
-        AskRepeating(session, index, Command(session, index, '$', "M"), ReplyFormOf(model, '$', "M"));
+        AskRepeating(session, index, CommandFor(session, index, '$', "M"), ReplyFormOf(model, '$', "M"));
     if (name.Answer == Answer::Refused)
         BelievedSince(session, index) = session.Line.IncompleteCount;
     else if (name.Answer == Answer::Ok && FixedText(name.Data, 6) != FixedText(model, 6)) {
@@ -84,9 +82,8 @@ ReplyMeasure MeasureOf(const Session& session, int index) {
             record.DataFormat, record.Model};
 }
 
-bool LastReplyFits(const Session& session, int index, char lead, std::string_view tail) {
-    const std::string_view form = ReplyFormOf(session.ModuleTable[index].Model, lead, tail);
-    return session.Line.ReplyStatus != 0 && FitsForm(session.Line.ReplyText, form, MeasureOf(session, index));
+Answer LastAnswer(const Session& session, int index, char lead, std::string_view tail) {
+    return AnswerOf(session, index, ReplyFormOf(session.ModuleTable[index].Model, lead, tail));
 }
 
 bool ReadEntryWell(Session& session, int index) {
@@ -115,7 +112,7 @@ bool ReadEntryWell(Session& session, int index) {
 ModuleReply AskModule(Session& session, int index, char lead, const std::string& tail) {
     const CarefulTransactions careful(session.Line);
     const std::string_view form = ReplyFormOf(session.ModuleTable[index].Model, lead, tail);
-    const std::string command = Command(session, index, lead, tail);
+    const std::string command = CommandFor(session, index, lead, tail);
     ModuleReply reply;
     for (int tries = 0; tries < 2; ++tries) {
         if (!NamesAddress(form))
@@ -141,7 +138,7 @@ ModuleReply AskModuleTwice(Session& session, int index, char lead, const std::st
 
 Answer TellModule(Session& session, int index, char lead, const std::string& tail) {
     const CarefulTransactions careful(session.Line);
-    return Exchange(session, index, Command(session, index, lead, tail),
+    return Exchange(session, index, CommandFor(session, index, lead, tail),
                     ReplyFormOf(session.ModuleTable[index].Model, lead, tail))
         .Answer;
 }

@@ -33,9 +33,8 @@ struct ModuleReply {
 /// What replies of entry `index` are measured by.
 ReplyMeasure MeasureOf(const Session& session, int index);
 
-/// Whether the last reply is a good one to the command of entry `index` that has `lead` before the address
-/// and `tail` behind it.
-bool LastReplyFits(const Session& session, int index, char lead, std::string_view tail);
+/// What came of the last transaction, in which entry `index` was sent `lead`, its address and `tail`.
+Answer LastAnswer(const Session& session, int index, char lead, std::string_view tail);
 
 /// Reads the set-up of entry `index` again as a search does, believing no more than `AskModule` does, until
 /// two readings in a row are alike. False, with the entry as it was, when the module does not tell all of it

@@ -3,129 +3,14 @@
 #include "link/codes.h"
 #include "link/digital_channels.h"
 #include "link/model_choices.h"
-#include "link/runtime_failure.h"
 #include "link/text.h"
 
 #include <algorithm>
 #include <cmath>
-#include <span>
 
 namespace kavro {
 
 namespace {
-
-// In `Tail`, n is a digit, p a port, and * whatever a command writes.
-struct CommandForm {
-    char Lead;
-    std::string_view Tail;
-    std::string_view Reply;
-};
-
-constexpr CommandForm EveryModel[] = {
-    {'$', "2", "!AAhhhhhh"},
-    {'$', "M", "!AAM"},
-    {'$', "F", "!AAT"},
-};
-
-constexpr CommandForm AlarmInputs[] = {
-    {'#', "", ">V"},     {'@', "RL", "!AAE"}, {'@', "RH", "!AAE"}, {'@', "DI", "!AAtzqzb"},
-    {'@', "DO*", "!AA"}, {'@', "CA", "!AA"},  {'$', "3", "!AAS"},  {'$', "5", "!AAhh"},
-};
-
-constexpr CommandForm MultiInputs[] = {
-    {'#', "n", ">V"},
-    {'$', "6", "!AAC"},
-    {'$', "BA", "!AAC"},
-};
-
-constexpr CommandForm SingleOutput[] = {
-    {'$', "6", "!AAO"},
-    {'#', "*", ">"},
-};
-
-constexpr CommandForm VoltageOutputs[] = {
-    {'$', "6p", "!AAP"},
-    {'$', "8", "!ohzzzz"},
-    {'~', "CR", "!AAzb"},
-    {'#', "*", ">"},
-};
-
-constexpr CommandForm DigitalModules[] = {
-    {'~', "CR", "!AAbb"},
-    {'$', "6", "!W"},
-    {'@', "*", "!AA"},
-};
-
-constexpr CommandForm PortModule[] = {
-    {'~', "CR", "!AAbb"},
-    {'$', "6", "!zhzz"},
-    {'$', "8", "!hhhhhh"},
-    {'@', "*", "!AA"},
-};
-
-constexpr CommandForm Counters[] = {
-    {'#', "n", ">hhhhhhhh"},
-    {'$', "B", "!AAb"},
-    {'$', "A", "!AAt"},
-    {'$', "5", "!AAbb"},
-    {'$', "7", "!AAbb"},
-    {'$', "3", "!AAhhhhhhhh"},
-    {'@', "G", "!AAhhhhhhhh"},
-    {'$', "4", "!AAb"},
-    {'$', "0H", "!AAdddd"},
-    {'$', "0L", "!AAdddd"},
-    {'$', "1H", "!AAdd"},
-    {'$', "1L", "!AAdd"},
-    {'@', "DI", "!AAbbzq"},
-    {'@', "RP", "!AAhhhhhhhhhhhhhhhh"},
-    {'@', "RA", "!AAhhhhhhhhhhhhhhhh"},
-    {'$', "5nn", "!AA"},
-    {'$', "6n", "!AA"},
-};
-
-constexpr CommandForm Converters[] = {
-    {'$', "2", "!AAhhhhhhhh"},
-};
-
-std::span<const CommandForm> FormsOf(std::string_view model) {
-    const std::string suffix = ModelSuffix(model);
-    switch (ModuleFamily(model)) {
-    case DigitalIo:
-        return suffix == "460" ? std::span<const CommandForm>(PortModule) : DigitalModules;
-    case AnalogInput:
-        return AlarmInputs;
-    case AnalogOutput:
-        return suffix == "310" ? std::span<const CommandForm>(SingleOutput) : VoltageOutputs;
-    case MultiAnalogInput:
-        return MultiInputs;
-    case CounterFrequency:
-        return Counters;
-    case Converter:
-        return Converters;
-    default:
-        return {};
-    }
-}
-
-bool MatchesTail(std::string_view pattern, std::string_view tail) {
-    for (std::size_t i = 0; i < pattern.size(); ++i) {
-        if (pattern[i] == '*')
-            return tail.size() > i;
-        if (i == tail.size())
-            return false;
-        const bool digit = tail[i] >= '0' && tail[i] <= '9';
-        const bool port = tail[i] >= 'A' && tail[i] <= 'D';
-        if (pattern[i] == 'n' ? !digit : pattern[i] == 'p' ? !port : pattern[i] != tail[i])
-            return false;
-    }
-    return pattern.size() == tail.size();
-}
-
-const CommandForm* FindForm(std::span<const CommandForm> forms, char lead, std::string_view tail) {
-    const auto found = std::ranges::find_if(
-        forms, [&](const CommandForm& form) { return form.Lead == lead && MatchesTail(form.Tail, tail); });
-    return found == forms.end() ? nullptr : &*found;
-}
 
 // A number in the pattern of the range's engineering units: "sdd.ddd".
 std::string EngineeringForm(std::int16_t range) {
@@ -238,6 +123,13 @@ bool IsSignedNumber(std::string_view text) {
            text.find_first_not_of("0123456789.") == std::string_view::npos && text.front() != '.';
 }
 
+constexpr std::size_t LongestTemperature = 16; // far more than any needs
+
+bool IsTemperature(std::string_view text) {
+    return text.size() <= LongestTemperature && IsSignedNumber(text) && text.back() != '.' &&
+           text.find('.') != std::string_view::npos;
+}
+
 // "8", three digits, and at most two letters.
 bool IsModel(std::string_view text) {
     const auto isLetter = [](char character) { return character >= 'A' && character <= 'Z'; };
@@ -266,6 +158,8 @@ bool FitsData(std::string_view data, std::string_view places, const ReplyMeasure
         return IsChannelMask(data, measure);
     case 'S':
         return IsSignedNumber(data);
+    case 'K':
+        return IsTemperature(data);
     case 'M':
         return IsModel(data);
     case 'T':
@@ -313,16 +207,6 @@ bool IsTypeOf(std::string_view model, std::int16_t type) {
 }
 
 } // namespace
-
-std::string_view ReplyFormOf(std::string_view model, char lead, std::string_view tail) {
-    const CommandForm* form = FindForm(FormsOf(model), lead, tail);
-    if (!form)
-        form = FindForm(EveryModel, lead, tail);
-    if (!form)
-        throw RuntimeFailure("A module " + Trim(model) + " has no command " + lead + "AA" +
-                             std::string(tail) + ".");
-    return form->Reply;
-}
 
 bool NamesAddress(std::string_view form) {
     return form.substr(ClassLength).starts_with("AA");

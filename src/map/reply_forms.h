@@ -6,8 +6,8 @@
 
 namespace kavro {
 
-// What a good reply to each command is, for everything that believes only what it has read well. The system's
-// own dialogs and its exact search test less, which is theirs to decide.
+// Whether replies are of the forms of `ReplyFormOf`, for everything that believes only what it has read well.
+// The system's own dialogs and its exact search test less, which is theirs to decide.
 
 /// What a reply of one module is measured by.
 struct ReplyMeasure {
@@ -19,21 +19,17 @@ struct ReplyMeasure {
     std::string Model = {};      ///< for words and masks, which have no bits beyond the model's channels
 };
 
-/// The form of the good reply to a command of a model: class, then what stands behind it, for example
-/// "!AAhh". `lead` and `tail` are what stands before and behind the address: "$" and "6". Throws
-/// `RuntimeFailure` for a command that the model has not.
-///
-/// AA stands for the address, d for a decimal digit, h for a hexadecimal one in upper case, b, t, q and o for
-/// a digit up to 1, 2, 3 and 7, z for "0", s for a sign; V for a reading in the module's range and data
-/// format, E for a limit in the range's engineering units, O for an output value in the data format, P for
-/// one of the 8320's, W for the words of digital outputs and inputs, C for a mask of analog channels, S for
-/// any number with sign, M for a model, T for any text. Anything else stands for itself.
-std::string_view ReplyFormOf(std::string_view model, char lead, std::string_view tail);
-
 /// Whether the form has the address in it.
 bool NamesAddress(std::string_view form);
 
 /// Whether the reply is of the form: exact length, address, digits, and numbers within the range.
+///
+/// In a form AA stands for the address, d for a decimal digit, h for a hexadecimal one in upper case, b, t, q
+/// and o for a digit up to 1, 2, 3 and 7, z for "0", s for a sign; V for a reading in the module's range and
+/// data format, E for a limit in the range's engineering units, O for an output value in the data format, P
+/// for one of the 8320's, W for the words of digital outputs and inputs, C for a mask of analog channels, K
+/// for a temperature, with sign and decimals, S for any number with sign, M for a model, T for any text.
+/// Anything else stands for itself.
 bool FitsForm(std::string_view reply, std::string_view form, const ReplyMeasure& measure);
 
 /// The text of a good reply behind its class and address.

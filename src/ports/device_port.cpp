@@ -128,7 +128,8 @@ int DevicePort::InBufferCount() {
 void DevicePort::EmptyInBuffer() {
     RequireOpen();
     DropReceived();
-    // Discarding in the system takes about as long as the rest of an exchange, so only when there is something.
+    // Discarding in the system takes about as long as the rest of an exchange, so only when there is
+    // something.
     if (port_.bytesAvailable() > 0 || InputPending(port_))
         port_.clear(QSerialPort::Input);
     ThrowIfLost();

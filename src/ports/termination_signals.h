@@ -16,8 +16,8 @@ public:
     /// Readable once the program was asked to end; for poll() only. -1 where the system has no such signals.
     int Descriptor() const { return descriptor_; }
 
-    /// Lets the system end the program after that time, in the middle of whatever blocks it then. 0 takes that
-    /// back.
+    /// Lets the system end the program after that time, in the middle of whatever blocks it then. 0 takes
+    /// that back.
     static void EndWithin(int seconds);
 
 private:

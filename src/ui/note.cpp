@@ -1,10 +1,10 @@
 #include "ui/note.h"
 
+#include "ui/make_room.h"
 #include "ui/named.h"
 #include "ui/warning_sign.h"
 
 #include <QAccessible>
-#include <QLayout>
 #include <QTimer>
 
 namespace kavro {
@@ -26,15 +26,7 @@ void Note::Tell(const QString& text) {
         return;
     QAccessibleEvent spoken(this, QAccessible::Alert);
     QAccessible::updateAccessibility(&spoken);
-    QTimer::singleShot(0, this, [this] { MakeRoom(); }); // when the layouts around it know of it
-}
-
-// What wraps does not make its window grow by itself, and would squeeze the rest.
-void Note::MakeRoom() {
-    QWidget& form = *window();
-    const int needed = form.layout() ? form.layout()->totalHeightForWidth(form.width()) : 0;
-    if (needed > form.height())
-        form.resize(form.width(), needed);
+    QTimer::singleShot(0, this, [this] { MakeRoom(*window()); }); // when the layouts around it know of it
 }
 
 } // namespace kavro

@@ -179,7 +179,9 @@ TEST(ConfigCommand, WhatIsHardlyMeantNeedsForce) {
             const bool refused = told != nullptr && !force;
             // Where two modules answer, what was written cannot be read back.
             const bool collides = force && told && given.front() == "address=10";
-            EXPECT_EQ(set.Exit, refused ? ExitWrongUse : collides ? ExitNotAccepted : ExitSuccess)
+            EXPECT_EQ(set.Exit, refused    ? ExitWrongUse
+                                : collides ? ExitNotAccepted
+                                           : ExitSuccess)
                 << given.front() << set.Err;
             EXPECT_TRUE(Contains(set.Err, refused ? told : "Change configuration complete."));
             const Lines after(demo.Heard.begin() + reads, demo.Heard.end());
@@ -205,10 +207,9 @@ TEST(ConfigCommand, WhatTheModuleDoesNotAcceptOrTellHasAnExitCode) {
         {15, "$0F6", silent, untold},
         {18, "@12RP", silent, untold},
         {1, "@01RL", refuse, untold},
-        {5,
-         "%05",
-         refuse,
-         "Configuration command failed.\nkavroctl: The address did not take: 99 is wanted, the module has 5."},
+        {5, "%05", refuse,
+         "Configuration command failed.\nkavroctl: The address did not take: 99 is wanted, the module has "
+         "5."},
         {20, "%14", silent, "kavroctl: Configuration command failed.\n"},
         {24, "?", silent, "The module 8999 at address 24 (18H) has no settings that kavroctl knows."},
     };

@@ -63,7 +63,7 @@ TEST(ReadCommand, ReadsAllValuesOrOneAndNothingElse) {
     const Case cases[] = {
         {1, "", {"@01DI", "#01"}, {"0 V ok"}, 0},
         {5, "3", {"$056", "#053"}, {"3 V ok"}, 0},
-        {7, "2", {"$072", "$07M", "$076"}, {"2 V disabled"}, 4},
+        {7, "2", {"$07M", "$076", "$076"}, {"2 V disabled"}, 4},
         {9, "in", {"$096D", "$098"}, {"IN hex ok"}, 0},
         {18, "1", {"#120", "#121"}, {"1  ok"}, 0},
     };

@@ -17,7 +17,8 @@ TEST(PanelForm, CountsTransactionsAndTellsAnOutageOnce) {
     test.Port().Queue = {{"!0103\r", 10}, {"!01A1\r", 20}, {">+1\r", 0, 10}};
     AdDiagForm form(test.Session, test.Messages);
     Tick(form);
-    EXPECT_EQ(Shown(form, "Statistics"), "Transactions: 4   Failures: 1 (1 no reply)   Reply time: 30.0 ms, mean 20.0 ms");
+    EXPECT_EQ(Shown(form, "Statistics"),
+              "Transactions: 4   Failures: 1 (1 no reply)   Reply time: 30.0 ms, mean 20.0 ms");
     test.Port().OutputsUntilFailure = 0; // it opens, and fails again
     for (int tick = 0; tick < 50; ++tick, test.Time.Sleep(100)) {
         Tick(form);
