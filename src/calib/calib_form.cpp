@@ -26,8 +26,8 @@ constexpr int FootLines = 3;
 constexpr int RepaintMs = 20;
 
 // A text that wraps, with room for that many lines.
-QLabel* WrappedLabel(const char* name, int columns, int lines) {
-    auto* label = Named(new QLabel, name, {});
+QLabel* WrappedLabel(const char* name, int columns, int lines, QWidget& form) {
+    auto* label = Named(new QLabel(&form), name, {}); // owned at once, as a guide may fail to load
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
@@ -60,8 +60,8 @@ CalibForm::CalibForm(const char* name, const char* title, int steps, kavro::Sess
     step->addWidget(new QLabel(QString("of %1").arg(steps)));
     step->addStretch(1);
 
-    guideText_ = WrappedLabel("GuideText", GuideColumns, GuideLines);
-    foot_ = WrappedLabel("Foot", GuideColumns, FootLines);
+    guideText_ = WrappedLabel("GuideText", GuideColumns, GuideLines, *this);
+    foot_ = WrappedLabel("Foot", GuideColumns, FootLines, *this);
     stage_ = new QGridLayout;
     AddToStage(*guideText_, 0);
 
