@@ -5,6 +5,8 @@
 
 #include <QAccessible>
 #include <QLayout>
+#include <QScreen>
+#include <QScrollArea>
 #include <QTimer>
 
 namespace kavro {
@@ -33,8 +35,15 @@ void Note::Tell(const QString& text) {
 void Note::MakeRoom() {
     QWidget& form = *window();
     const int needed = form.layout() ? form.layout()->totalHeightForWidth(form.width()) : 0;
-    if (needed > form.height())
+    if (needed > form.height()) {
         form.resize(form.width(), needed);
+        const int beyond = form.frameGeometry().bottom() - form.screen()->availableGeometry().bottom();
+        if (beyond > 0) // else its buttons would be out of sight
+            form.move(form.x(), form.y() - beyond);
+    }
+    for (QWidget* around = parentWidget(); around; around = around->parentWidget())
+        if (auto* area = qobject_cast<QScrollArea*>(around))
+            area->ensureWidgetVisible(this);
 }
 
 } // namespace kavro
