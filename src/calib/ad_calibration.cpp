@@ -17,7 +17,7 @@ constexpr double DegreesPerCount = 0.0153;
 constexpr const char* ClearsText = "While the target is not a number, Execute clears the present correction.";
 constexpr const char* GoneText = "The old correction is gone.";
 constexpr const char* NoneMadeText = " No new correction is made.";
-constexpr const char* ZeroText = " The target is now 0: Execute would correct to 0 \u00b0C.";
+constexpr const char* ZeroText = "The target is now 0: Execute would correct to 0 \u00b0C.";
 
 constexpr const char* GuideTexts[] = {
     "Apply power to the analog input module and let it warm up for about 30 minutes.",
@@ -110,8 +110,11 @@ AdCalibration::AdCalibration(Session& session, int index, std::function<void(int
 }
 
 std::string AdCalibration::Foot() const {
-    const bool clears = view_.CJCShown && !TypedNumber(CJCInput, session_.DecimalSeparator);
-    return told_ + (clears && !told_.empty() ? " " : "") + (clears ? ClearsText : "");
+    if (!view_.CJCShown)
+        return told_;
+    const auto target = TypedNumber(CJCInput, session_.DecimalSeparator);
+    const char* next = !target ? ClearsText : zeroed_ && *target == 0 ? ZeroText : "";
+    return told_ + (*next && !told_.empty() ? " " : "") + next;
 }
 
 void AdCalibration::ShowStep() {
@@ -202,6 +205,7 @@ void AdCalibration::ExecuteColdJunction() {
         difference = *target - static_cast<float>(*measured);
     else
         CJCInput = "0";
+    zeroed_ = !target;
     Correct(CJCCorrection(difference), !target);
     wait_(SettleMs);
     ShowColdJunction();
@@ -212,8 +216,6 @@ void AdCalibration::Correct(const std::string& counts, bool clears) {
     const std::string what = "CJC correction" + (clears ? std::string() : " " + counts);
     if (Ask("9" + counts, what, clears ? "cleared" : "stored") == Answer::Ok)
         told_.erase(0, gone); // it is not missed now
-    if (clears)
-        told_ += ZeroText;
 }
 
 Answer AdCalibration::Ask(const std::string& tail, const std::string& what, const std::string& done) {

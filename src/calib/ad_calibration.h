@@ -64,7 +64,8 @@ private:
     std::function<void(int ms)> wait_;
     AdCalibrationView view_;
     CalibType calibType_ = CalibType::Offset;
-    std::string told_; // of the last button
+    std::string told_;    // of the last button
+    bool zeroed_ = false; // the last target was no number and has become 0
 };
 
 /// The correction that raises the cold-junction temperature by `difference` degrees: sign and counts of

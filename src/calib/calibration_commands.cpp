@@ -18,14 +18,6 @@ void WithAdvice(Operation operation) {
     }
 }
 
-// A refusal counts as one when it names the module, like every other reply here.
-Answer WhatCame(const Session& session, int index, const Question& question) {
-    const Answer answer = LastAnswer(session, index, question.Lead, question.Tail);
-    const bool foreign =
-        answer == Answer::Refused && !FitsForm(session.Line.ReplyText, "?AA", MeasureOf(session, index));
-    return foreign ? Answer::Garbled : answer;
-}
-
 void Tell(std::string& told, const Question& question, const std::string& outcome, bool good) {
     if (outcome.empty())
         return;
@@ -47,7 +39,7 @@ Answer AskCalibration(Session& session, int index, const Question& question, int
         Tell(told, question, "the port has failed", false);
         throw;
     }
-    const Answer answer = WhatCame(session, index, question);
+    const Answer answer = LastAnswer(session, index, question.Lead, question.Tail);
     const bool good = answer == Answer::Ok;
     Tell(told, question, good ? question.Done : AnswerText(answer), good);
     return answer;

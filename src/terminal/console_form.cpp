@@ -53,6 +53,7 @@ ConsoleView::ConsoleView(std::function<void()> entered) : entered_(std::move(ent
     cmdText_->setTextMargins(Pixels(EntryTextLeft) - LineEditMargin, 0, 0, 0);
     cmdText_->installEventFilter(this);
     setFocusProxy(cmdText_);
+    setFocusPolicy(Qt::ClickFocus); // a click anywhere in the console leads to the entry box
 
     auto* copy = new QAction("&Copy", this);
     copy->setObjectName("CopyAction");

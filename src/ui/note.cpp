@@ -5,6 +5,7 @@
 #include "ui/warning_sign.h"
 
 #include <QAccessible>
+#include <QScrollArea>
 #include <QTimer>
 
 namespace kavro {
@@ -26,7 +27,14 @@ void Note::Tell(const QString& text) {
         return;
     QAccessibleEvent spoken(this, QAccessible::Alert);
     QAccessible::updateAccessibility(&spoken);
-    QTimer::singleShot(0, this, [this] { MakeRoom(*window()); }); // when the layouts around it know of it
+    QTimer::singleShot(0, this, [this] { ComeIntoView(); }); // when the layouts around it know of it
+}
+
+void Note::ComeIntoView() {
+    MakeRoom(*window());
+    for (QWidget* around = parentWidget(); around; around = around->parentWidget())
+        if (auto* area = qobject_cast<QScrollArea*>(around))
+            area->ensureWidgetVisible(this);
 }
 
 } // namespace kavro

@@ -12,6 +12,9 @@ public:
 
     /// Says a text, or nothing when it is empty. The form grows where it needs to.
     void Tell(const QString& text);
+
+private:
+    void ComeIntoView();
 };
 
 } // namespace kavro

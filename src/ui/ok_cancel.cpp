@@ -31,7 +31,11 @@ QDialogButtonBox* OkAndCancel(QDialog& dialog, std::function<void()> ok) {
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     Named(buttons->button(QDialogButtonBox::Ok), "OKBtn", "OK");
     Named(buttons->button(QDialogButtonBox::Cancel), "CancelBtn", "Cancel")->setText("Cancel");
-    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, std::move(ok));
+    // The second half of a double click may reach a dialog that has just been left.
+    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, [&dialog, ok = std::move(ok)] {
+        if (dialog.isVisible())
+            ok();
+    });
     QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
     auto* heldEnter = new HeldEnterFilter(&dialog);
     const QObjectList receivers = {&dialog, buttons->button(QDialogButtonBox::Ok),

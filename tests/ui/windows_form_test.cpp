@@ -10,10 +10,13 @@
 #include "support/form_driver.h"
 #include "support/test_session.h"
 #include "terminal/terminal_form.h"
+#include "ui/ok_cancel.h"
 #include "ui/print_lines.h"
 #include "ui/readable_color.h"
 
+#include <QDialogButtonBox>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QScreen>
 #include <QScrollArea>
@@ -121,6 +124,20 @@ TEST(Windows, TheWindowBelowGetsTheFocusBack) {
     QApplication::processEvents();
     QApplication::processEvents();
     EXPECT_EQ(QApplication::activeWindow(), &below);
+}
+
+// A click that is still under way when OK has closed its dialog.
+TEST(Windows, OKRunsOnceInADialogThatItCloses) {
+    QDialog dialog;
+    int runs = 0;
+    auto* buttons = OkAndCancel(dialog, [&] {
+        ++runs;
+        dialog.accept();
+    });
+    dialog.show();
+    for (int click = 0; click < 2; ++click)
+        buttons->button(QDialogButtonBox::Ok)->click();
+    EXPECT_EQ(runs, 1);
 }
 
 // The strongest contrast to the window's colour within a picture of the control.
