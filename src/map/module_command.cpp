@@ -26,11 +26,9 @@ Answer AnswerIn(Line& line, std::string_view form, const ReplyMeasure& measure) 
     return Answer::Garbled;
 }
 
-// One transaction on a line that has fallen silent.
+// One transaction; the line awaits silence before it.
 ModuleReply Exchange(Session& session, int index, const std::string& command, std::string_view form) {
     Line& line = session.Line;
-    if (!line.AwaitSilence())
-        return {Answer::Garbled, {}};
     ExchangeWithModule(session, index, command, line.ReplyTimeout);
     const Answer answer = AnswerIn(line, form, MeasureOf(session, index));
     if (answer != Answer::Ok)
@@ -42,7 +40,9 @@ ModuleReply Exchange(Session& session, int index, const std::string& command, st
 
 ModuleReply AskRepeating(Session& session, int index, const std::string& command, std::string_view form) {
     ModuleReply reply = Exchange(session, index, command, form);
-    return reply.Answer == Answer::Garbled ? Exchange(session, index, command, form) : reply;
+    return reply.Answer == Answer::Garbled && session.Line.AwaitSilence()
+               ? Exchange(session, index, command, form)
+               : reply;
 }
 
 std::string Command(const Session& session, int index, char lead, const std::string& tail) {
@@ -93,14 +93,16 @@ bool ReadEntryWell(Session& session, int index) {
     ModuleRecord& entry = session.ModuleTable[index];
     std::optional<ModuleRecord> before;
     for (int tries = 0; tries < 3; ++tries) {
-        ConfigAnswer answer{ModuleAddress(session, index), ModuleChecksum(session, index),
-                            ModuleBaudCode(session, index), {}};
+        ConfigAnswer answer{ModuleAddress(session, index),
+                            ModuleChecksum(session, index),
+                            ModuleBaudCode(session, index),
+                            {}};
         ModuleRecord record;
         OpenPort(session.Line);
-        if (AskModuleAgain(session.Line, answer, record) != Identified::Fully || record.Model != entry.Model ||
-            record.Address != entry.Address)
+        if (AskModuleAgain(session.Line, answer, record) != Identified::Fully ||
+            record.Model != entry.Model || record.Address != entry.Address)
             return false;
-        if (before == record) {
+        if (before && SameSetup(*before, record)) {
             entry = record;
             return true;
         }
@@ -114,7 +116,7 @@ ModuleReply AskModule(Session& session, int index, char lead, const std::string&
     const std::string_view form = ReplyFormOf(session.ModuleTable[index].Model, lead, tail);
     const std::string command = Command(session, index, lead, tail);
     ModuleReply reply;
-    for (int tries = 0; tries < 2; ++tries) {
+    for (int tries = 0; tries == 0 || (tries < 2 && session.Line.AwaitSilence()); ++tries) {
         if (!NamesAddress(form))
             if (const Answer known = Greet(session, index); known != Answer::Ok)
                 return {known, {}};
