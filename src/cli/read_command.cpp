@@ -56,10 +56,10 @@ private:
         const char digit = options_.Channel.front();
         if (!several || options_.Channel.size() != 1 || digit < '0' || digit > '7')
             return std::nullopt;
-        const auto enables = ReadChannelEnables(session_, 0, session_.Line.ReplyTimeout);
-        if (!enables || !session_.Line.ReplyIs('!'))
+        const ModuleReply enables = AskModuleTwice(session_, 0, '$', "6");
+        if (enables.Answer != Answer::Ok)
             return std::nullopt;
-        return *enables & 1U << (digit - '0');
+        return enables.Digits(0, 2) & 1U << (digit - '0');
     }
 
     bool Print() {
@@ -70,7 +70,7 @@ private:
         if (chosen.empty())
             return TellWrongChannel();
         for (const ChannelValue& value : chosen)
-            if (value.State != ValueState::Ok && (value.State != ValueState::Disabled || chosen.size() == 1))
+            if (IsMissing(value) || (value.State == ValueState::Disabled && chosen.size() == 1))
                 exit_ = ExitReplyMissing;
         return printer_.Print(0, chosen);
     }
