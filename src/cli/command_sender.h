@@ -2,6 +2,7 @@
 
 #include "cli/exchange_printer.h"
 #include "cli/interrupt.h"
+#include "map/module_command.h"
 #include "map/session.h"
 #include "terminal/command_log.h"
 #include "terminal/command_runner.h"
@@ -49,6 +50,7 @@ private:
     int Run(const std::function<void()>& send, const std::function<bool()>& allSent);
 
     Session& session_;
+    const CarefulTransactions careful_{session_.Line};
     InterruptWatch watch_{session_.Line};
     ExchangePrinter printer_;
     CommandLog log_;

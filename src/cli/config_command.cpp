@@ -54,7 +54,7 @@ std::optional<NamedConfig> ReadConfigTwice(Session& session, const Contact& cont
     for (int tries = 0; tries < 2 && before; ++tries) {
         const ModuleRecord record = session.ModuleTable[0];
         auto config = ReadConfig(session, contact);
-        if (!config || (session.ModuleTable[0] == record && SameSettings(*before, *config)))
+        if (!config || (SameSetup(session.ModuleTable[0], record) && SameSettings(*before, *config)))
             return config;
         before = std::move(config);
     }
@@ -208,8 +208,11 @@ int SetConfig(Session& session, const Contact& contact, const std::vector<Assign
     const ConfigOutcome outcome = Write(session, *config);
     if (outcome == ConfigOutcome::Refused)
         return ExitWrongUse;
-    const bool taken = changed.empty() || HasTaken(session, *config);
-    return outcome == ConfigOutcome::Complete && taken ? ExitSuccess : ExitNotAccepted;
+    if (!changed.empty() && !HasTaken(session, *config))
+        return ExitNotAccepted;
+    if (outcome != ConfigOutcome::Complete) // an acknowledgement was lost
+        PrintNote("The module has everything that was asked for all the same.");
+    return ExitSuccess;
 }
 
 void AddConfigOptions(QCommandLineParser& parser) {
@@ -219,8 +222,8 @@ void AddConfigOptions(QCommandLineParser& parser) {
         "checksum can be changed. What is shown can be given back as it stands. An address that another\n"
         "module has, by the map or because it answers there, and a low alarm limit above the high one are\n"
         "refused without --force.\n\n"
-        "Exit codes: 0 every command was accepted, 2 wrong use (nothing was written), 3 port trouble,\n"
-        "4 the module did not answer, or not every command was accepted.\n\n"
+        "Exit codes: 0 the module has what was asked for, 2 wrong use (nothing was written), 3 port\n"
+        "trouble, 4 the module did not answer, or has not taken every setting.\n\n"
         "Settings by model, and what can be given:\n" +
         SettingsHelp()));
     parser.addPositionalArgument("ACTION", "\"show\" or \"set\".", "show|set");

@@ -94,8 +94,10 @@ ModuleOnLine ReadModuleOnLine(const QCommandLineParser& parser, int place) {
 }
 
 Identified FindModule(Session& session, const Contact& contact) {
+    bool heard = false;
     for (const SendSettings& way : contact.Ways) {
         const auto identified = TryWay(session, contact.Address, way);
+        heard = heard || !session.Line.ReplyText.empty();
         if (identified == Identified::Vaguely) {
             PrintNote(
                 "The module at address " + ShownAddress(contact.Address) +
@@ -106,8 +108,13 @@ Identified FindModule(Session& session, const Contact& contact) {
         if (identified != Identified::No)
             return identified;
     }
-    PrintNote("No module answers at address " + ShownAddress(contact.Address) + " at " + WaysText(contact) +
-              ". Check its address, baud rate and checksum; kavroctl search finds them.");
+    if (heard)
+        PrintNote("Something answers at address " + ShownAddress(contact.Address) +
+                  ", but not with a configuration. Try again; kavroctl send shows what comes.");
+    else
+        PrintNote("No module answers at address " + ShownAddress(contact.Address) + " at " +
+                  WaysText(contact) +
+                  ". Check its address, baud rate and checksum; kavroctl search finds them.");
     return Identified::No;
 }
 

@@ -21,9 +21,7 @@ namespace {
 constexpr int MostRounds = INT32_MAX / ModuleTable::Size;
 
 bool AnyFailed(const std::vector<ChannelValue>& values) {
-    return std::ranges::any_of(values, [](const ChannelValue& value) {
-        return value.State == ValueState::Error || value.State == ValueState::NoReply;
-    });
+    return std::ranges::any_of(values, IsMissing);
 }
 
 // Fills the map by a search; an exit code unless all of the line was searched.
@@ -52,6 +50,10 @@ int MonitorModules(Session& session, const Pace& rounds, ValueForm form) {
     if (rounds.Turns)
         pace.Turns = *rounds.Turns * session.ModuleCount;
     PollEnd end = PollEnd::Done;
+    const auto printLost = [&] {
+        const auto lost = monitor.LostTurn();
+        return printer.Print(lost->Index, lost->Values);
+    };
     const auto print = [&] {
         failed.erase(turn.Index);
         if (AnyFailed(turn.Values))
@@ -59,7 +61,7 @@ int MonitorModules(Session& session, const Pace& rounds, ValueForm form) {
         return printer.Print(turn.Index, turn.Values);
     };
     try {
-        end = Poll(session.Line, pace, {[&] { turn = monitor.Tick().value(); }, print});
+        end = Poll(session.Line, pace, {[&] { turn = monitor.Tick().value(); }, print, printLost});
     } catch (const RuntimeFailure&) {
         printer.Close();
         throw;
@@ -75,7 +77,7 @@ void AddMonitorOptions(QCommandLineParser& parser) {
     parser.setApplicationDescription(
         "Reads the modules of a map in rounds, one module in each interval, and prints their values, those\n"
         "of a silent one as \"no reply\". Without --map the line is searched first. Ctrl+C ends it. A port\n"
-        "that fails is opened again as soon as it is there.\n\n"
+        "that fails is opened again as soon as it is there; until then the values are \"line lost\".\n\n"
         "Exit codes: 0 all rounds were made, 2 wrong use, 3 port trouble, 4 no module found, a value of the\n"
         "last of the rounds that were asked for could not be read, or Ctrl+C came in the search or before "
         "it.");

@@ -64,7 +64,7 @@ private:
     // False when nothing more is to be done.
     bool Turn() {
         if (!recovery_.Ready() || !Read())
-            return true;
+            return !recovery_.Lost() || !work_.PrintLost || work_.PrintLost();
         recovery_.Succeeded();
         ++turns_;
         return work_.Print();

@@ -28,6 +28,7 @@ Pace ReadPace(const QCommandLineParser& parser, int fallbackMs);
 struct PollWork {
     std::function<void()> Read;  ///< speaks to modules; a `RuntimeFailure` means that the port has failed
     std::function<bool()> Print; ///< prints what was read; false ends the work
+    std::function<bool()> PrintLost = {}; ///< the same of a turn that the lost port left out; may be empty
 };
 
 /// How a polling came to its end.

@@ -71,7 +71,7 @@ private:
         if (chosen.empty())
             return TellWrongChannel();
         for (const ChannelValue& value : chosen)
-            if (value.State != ValueState::Ok && (value.State != ValueState::Disabled || chosen.size() == 1))
+            if (IsMissing(value) || (value.State == ValueState::Disabled && chosen.size() == 1))
                 exit_ = ExitReplyMissing;
         return printer_.Print(0, chosen);
     }

@@ -123,7 +123,7 @@ CommandAction PrepareSend(const QCommandLineParser& parser) {
 void AddBatchOptions(QCommandLineParser& parser) {
     parser.setApplicationDescription(Description(
         "Sends the lines of a file of commands, with a pause of 100 ms after each and after each\n"
-        "pass, and prints each with its reply."));
+        "pass, of 400 ms after one without a reply, and prints each with its reply."));
     parser.addPositionalArgument("FILE", "Text file with a command on each line.");
     parser.addOptions({
         {"passes", "Send the whole file N times; once unless given.", "N"},

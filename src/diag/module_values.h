@@ -35,6 +35,11 @@ struct ChannelValue {
     ValueState State = ValueState::Ok;
 };
 
+/// Whether the value was asked for and did not come; an open sensor has none that could.
+inline bool IsMissing(const ChannelValue& value) {
+    return value.State == ValueState::Error || value.State == ValueState::NoReply;
+}
+
 /// No module has more values.
 inline constexpr std::size_t MostValues = 8;
 

@@ -9,6 +9,7 @@ std::optional<MonitorTurn> Monitor::Step() {
     if (session_.ModuleCount <= 0)
         return std::nullopt;
     next_ %= session_.ModuleCount;
+    lost_ = next_;
     Module& module = modules_[static_cast<std::size_t>(next_)];
     auto reader = std::exchange(reader_, nullptr); // a failing port ends the turn
     if (!reader)
@@ -37,15 +38,15 @@ std::optional<MonitorTurn> Monitor::Tick() {
 std::optional<MonitorTurn> Monitor::LostTurn() {
     if (session_.ModuleCount <= 0)
         return std::nullopt;
-    next_ %= session_.ModuleCount;
-    const Module& module = modules_[static_cast<std::size_t>(next_)];
+    lost_ %= session_.ModuleCount;
+    const Module& module = modules_[static_cast<std::size_t>(lost_)];
     std::optional<unsigned> enables = module.Enables;
-    MonitorTurn turn{next_, ModuleReader(session_, next_, enables).Values};
+    MonitorTurn turn{lost_, ModuleReader(session_, lost_, enables).Values};
     for (std::size_t place = 0; place < turn.Values.size(); ++place) {
         const bool disabled = enables && (*enables >> place & 1U) == 0;
         turn.Values[place].State = disabled ? ValueState::Disabled : ValueState::Lost;
     }
-    ++next_;
+    ++lost_;
     return turn;
 }
 

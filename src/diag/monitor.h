@@ -47,7 +47,8 @@ public:
     /// Marks every value as lost, because the line itself is.
     void LineLost();
 
-    /// The turn of the next module while the line is lost: nothing is sent, every value is `Lost`.
+    /// The turn of the next module while the line is lost: nothing is sent, every value is `Lost`. `Step`
+    /// goes on where the line was lost.
     std::optional<MonitorTurn> LostTurn();
 
     /// The values of entry `index`; empty before its first turn.
@@ -82,6 +83,7 @@ private:
     std::unique_ptr<ModuleReader> reader_; // of the turn that goes on
     Trend trend_;
     int next_ = 0;
+    int lost_ = 0; // the next turn of a line that is lost
 };
 
 } // namespace kavro

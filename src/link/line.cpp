@@ -177,24 +177,22 @@ void Line::Pause(int milliseconds) {
 bool Line::Exchange(const std::string& command, std::int16_t checksumOn, std::int16_t baudCode,
                     int timeoutMs) {
     CommandText = command;
-    if (Awaiting && !AwaitSilence()) {
-        ReplyText.clear();
-        ReplyStatus = 0;
-        return false;
-    }
+    if (Awaiting)
+        AwaitSilence();
     const std::int64_t incomplete = IncompleteCount++; // until the reply is there, also when something throws
     SendCommand(CommandText, checksumOn, baudCode);
     ++Statistics.Transactions;
-    incompleteAt_ = clock_.GetTickCount();
+    incompleteAt_ = heardAt_ = clock_.GetTickCount();
     const std::int64_t sent = clock_.Microseconds();
     ReplyStatus = 0; // also when something throws
     ReplyStatus = ReceiveReply(ReplyText, checksumOn, 0, timeoutMs) ? -1 : 0;
     if (ReplyStatus == 0) {
-        incompleteAt_ = clock_.GetTickCount();
+        incompleteAt_ = heardAt_ = clock_.GetTickCount();
         ++(ReplyText.empty() ? Statistics.Silent : Statistics.Damaged);
         return false;
     }
     IncompleteCount = incomplete;
+    silent_ = true;
     ++Statistics.Replies;
     ++(ReplyIs('?') ? Statistics.Refused : Statistics.Good);
     Statistics.LastMicroseconds = clock_.Microseconds() - sent;
@@ -216,29 +214,26 @@ int Line::SilenceMs() const {
 }
 
 bool Line::FallenSilent() {
-    if (silentFor_ == IncompleteCount)
+    if (awaitedFor_ == IncompleteCount)
         return true;
     SerialPort& port = CommPort(CurrentPort);
     const std::int64_t now = clock_.GetTickCount();
     if (port.InBufferCount() > 0) {
         port.EmptyInBuffer();
-        incompleteAt_ = now;
+        heardAt_ = now;
     }
-    if (now - incompleteAt_ < SilenceMs())
+    const bool silent = now - heardAt_ >= SilenceMs();
+    if (!silent && now - incompleteAt_ < LongestBoundedMs)
         return false;
-    silentFor_ = IncompleteCount;
+    awaitedFor_ = IncompleteCount;
+    silent_ = silent;
     return true;
 }
 
 bool Line::AwaitSilence() {
-    const std::int64_t begin = clock_.GetTickCount();
-    while (!FallenSilent()) {
-        const std::int64_t now = clock_.GetTickCount();
-        if (now - begin >= LongestBoundedMs)
-            return false;
-        CommPort(CurrentPort).WaitForInput(Nap(incompleteAt_ + SilenceMs() - now));
-    }
-    return true;
+    while (!FallenSilent())
+        CommPort(CurrentPort).WaitForInput(Nap(heardAt_ + SilenceMs() - clock_.GetTickCount()));
+    return silent_;
 }
 
 std::string ChecksumOf(const std::string& text) {

@@ -74,7 +74,7 @@ public:
     bool Bounded = false;  ///< a transaction ends 3 s after its command at the latest (or after its time-out,
                            ///< where that is longer), and a reply without end, or with a checksum that
                            ///< overflows, is an incomplete one in place of a failure
-    bool Awaiting = false; ///< `Exchange` begins with `AwaitSilence`, and sends nothing when that fails
+    bool Awaiting = false; ///< `Exchange` begins with `AwaitSilence`
     std::function<bool()>
         Interrupted;   ///< asked every tenth of a second in all waiting; when it has been true for
                        ///< 0.3 s, the wait ends by throwing `Interruption`. May be empty
@@ -115,10 +115,11 @@ public:
     void NoteUnfit();
 
     /// Whether, after a transaction without a complete reply, the line has been silent for so long that no
-    /// late reply is to be expected. Discards what has arrived; does not wait.
+    /// late reply is to be expected, or has not fallen silent for 3 s: it is spoken to all the same then, as
+    /// what babbles may well wait for the next command. Discards what has arrived; does not wait.
     bool FallenSilent();
 
-    /// Waits for that; false when the line does not fall silent within 3 s.
+    /// Waits for that; false when the line did not fall silent.
     bool AwaitSilence();
 
     /// The clock that pauses and time-outs are measured with.
@@ -139,9 +140,10 @@ private:
     std::string sentLine_;           // until its echo, or another line, has come
     std::int64_t sentAt_ = 0;        // ms
     std::int64_t interruptedAt_ = 0; // ms, when `Interrupted` was last asked and said no
-    std::int64_t incompleteAt_ =
-        0; // ms, end of the last transaction without a complete reply, or what came after
-    std::int64_t silentFor_ = 0; // `IncompleteCount` up to which silence was awaited
+    std::int64_t incompleteAt_ = 0;  // ms, end of the last transaction without a complete reply
+    std::int64_t heardAt_ = 0;       // ms, the same, or what came after
+    std::int64_t awaitedFor_ = 0;    // `IncompleteCount` up to which silence was awaited
+    bool silent_ = true;             // and whether it came, or a complete reply since
 };
 
 /// The two checksum characters of a text. Throws `RuntimeFailure` when the sum of its codes exceeds 16 bits.

@@ -138,8 +138,8 @@ std::int16_t BaudCodeAt(const std::string& reply, std::size_t position) {
 std::optional<std::string> AskContact(Line& line, const ModuleContact& contact, std::string_view model,
                                       char lead, const std::string& tail) {
     const bool repeated = contact.Belief == Belief::Repeated;
-    for (int tries = repeated ? 2 : 1; tries > 0; --tries) {
-        if (repeated && !line.AwaitSilence())
+    for (int tries = 0; tries < (repeated ? 2 : 1); ++tries) {
+        if (repeated && !line.AwaitSilence() && tries > 0)
             break;
         line.Exchange(lead + contact.AddressHex + tail, contact.Checksum, contact.BaudCode,
                       line.ReplyTimeout);

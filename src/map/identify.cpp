@@ -40,7 +40,9 @@ bool IsSpokenToLikeThat(const ConfigAnswer& answer, const ModuleRecord& record) 
 
 // Silence and refusals are answers, anything else that is no configuration is asked for once more.
 bool AskForCredibleConfig(Line& line, ConfigAnswer& answer) {
-    for (int tries = 0; tries < 2 && line.AwaitSilence(); ++tries) {
+    for (int tries = 0; tries < 2; ++tries) {
+        if (!line.AwaitSilence() && tries > 0)
+            break;
         const auto told = AskForConfig(line, answer.Address, answer.Checksum, answer.BaudCode);
         if (told && IsCredible(*told)) {
             answer = *told;

@@ -27,11 +27,9 @@ Answer AnswerOf(const Session& session, int index, std::string_view form) {
     return FitsForm(line.ReplyText, form, measure) ? Answer::Ok : Answer::Garbled;
 }
 
-// One transaction on a line that has fallen silent.
+// One transaction; the line awaits silence before it.
 ModuleReply Exchange(Session& session, int index, const std::string& command, std::string_view form) {
     Line& line = session.Line;
-    if (!line.AwaitSilence())
-        return {Answer::Garbled, {}};
     ExchangeWithModule(session, index, command, line.ReplyTimeout);
     const Answer answer = AnswerOf(session, index, form);
     if (answer == Answer::Garbled && line.ReplyStatus != 0 && !line.ReplyIs('?'))
@@ -45,7 +43,9 @@ ModuleReply Exchange(Session& session, int index, const std::string& command, st
 
 ModuleReply AskRepeating(Session& session, int index, const std::string& command, std::string_view form) {
     ModuleReply reply = Exchange(session, index, command, form);
-    return reply.Answer == Answer::Garbled ? Exchange(session, index, command, form) : reply;
+    return reply.Answer == Answer::Garbled && session.Line.AwaitSilence()
+               ? Exchange(session, index, command, form)
+               : reply;
 }
 
 // Makes sure that it is this module that answers; a refusal of the question is an answer of it, too.
@@ -100,7 +100,7 @@ bool ReadEntryWell(Session& session, int index) {
         if (AskModuleAgain(session.Line, answer, record) != Identified::Fully ||
             record.Model != entry.Model || record.Address != entry.Address)
             return false;
-        if (before == record) {
+        if (before && SameSetup(*before, record)) {
             entry = record;
             return true;
         }
@@ -114,7 +114,7 @@ ModuleReply AskModule(Session& session, int index, char lead, const std::string&
     const std::string_view form = ReplyFormOf(session.ModuleTable[index].Model, lead, tail);
     const std::string command = CommandFor(session, index, lead, tail);
     ModuleReply reply;
-    for (int tries = 0; tries < 2; ++tries) {
+    for (int tries = 0; tries == 0 || (tries < 2 && session.Line.AwaitSilence()); ++tries) {
         if (!NamesAddress(form))
             if (const Answer known = Greet(session, index); known != Answer::Ok)
                 return {known, {}};

@@ -78,6 +78,12 @@ struct ModuleRecord {
     bool operator==(const ModuleRecord&) const = default;
 };
 
+/// Whether two readings of a module tell the same set-up; alarms and inputs may have changed between them.
+inline bool SameSetup(ModuleRecord left, const ModuleRecord& right) {
+    left.AlarmInput.AlarmState = right.AlarmInput.AlarmState;
+    return left == right;
+}
+
 /// The known modules: 256 entries; an entry's index is also its line in the main window's list.
 class ModuleTable {
 public:

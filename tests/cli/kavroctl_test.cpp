@@ -1,7 +1,10 @@
 #include "cli/cli_text.h"
 #include "cli/map_output.h"
 #include "map/list_line.h"
+#include "map/search.h"
+#include "sim/module_factory.h"
 #include "support/failure_text.h"
+#include "support/test_session.h"
 
 #include <QDir>
 #include <QJsonArray>
@@ -147,6 +150,29 @@ TEST(KavroCtl, ModelTextsCannotGarbleTheOutput) {
     const QJsonObject module = ParsedJson(MapJson(session, {}))["modules"].toArray()[0].toObject();
     EXPECT_EQ(module["model"].toString(), "8?[2J?");
     EXPECT_TRUE(module["initialisation"].toBool());
+}
+
+TEST(KavroCtl, AsksIncompleteModulesAgainAndMarksThoseThatStaySo) {
+    // Whose replies are cut, and how many of them; what becomes of the module.
+    const std::tuple<std::string, int, const char*, bool> cases[] = {
+        {"$01M", 1, "8410", true},   {"~01CR", 1, "8410", true}, {"$012", 0, "8410", true},
+        {"~01CR", 9, "8410", false}, {"$01M", 9, "", false},
+    };
+    for (const auto& [command, times, model, complete] : cases) {
+        SimulatedSession test;
+        int left = times;
+        test.Line.Add(MakeModule("8410", 1, 9600, false)).CommandFaults =
+            [&left, &cut = command](std::string_view heard) {
+                return Faults{.NoCarriageReturn = heard == cut && left-- > 0};
+            };
+        EnableBaudCodes(test.Session, {3});
+        test.Session.SearchHighAddress = 2;
+        NetworkSearch(test.Session, {}, Belief::Strict).Run();
+        const QJsonObject module = ParsedJson(MapJson(test.Session, {}))["modules"].toArray()[0].toObject();
+        EXPECT_EQ(module["model"].toString(), model) << command;
+        EXPECT_EQ(module["complete"].toBool(true), complete) << command;
+        EXPECT_EQ(MapText(test.Session).ends_with("   incomplete\n"), !complete) << command;
+    }
 }
 
 TEST(KavroCtl, NothingFoundAndPortTroubleHaveExitCodes) {

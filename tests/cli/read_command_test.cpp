@@ -62,7 +62,7 @@ TEST(ReadCommand, ReadsAllValuesOrOneAndNothingElse) {
     };
     const Case cases[] = {
         {1, "", {"@01DI", "#01"}, {"0 V ok"}, 0},
-        {5, "3", {"$056", "#053"}, {"3 V ok"}, 0},
+        {5, "3", {"$05M", "$056", "$056", "#053"}, {"3 V ok"}, 0},
         {7, "2", {"$07M", "$076", "$076"}, {"2 V disabled"}, 4},
         {9, "in", {"$096D", "$098"}, {"IN hex ok"}, 0},
         {18, "1", {"#120", "#121"}, {"1  ok"}, 0},
@@ -206,6 +206,14 @@ TEST(MonitorCommand, GoesRoundOneModuleInEachInterval) {
                   return MonitorModules(demo.Session, {500, 2}, ValueForm::Csv);
               }).Exit,
               ExitSuccess);
+    demo.ActAt = "$0A6";
+    demo.Act = [&] { demo.Line.Unplug(); };
+    const Captured lost = Capture([&] {
+        return MonitorModules(demo.Session, {500, 3, 2000}, ValueForm::Csv);
+    });
+    EXPECT_EQ(lost.Exit, ExitPortTrouble);
+    for (const char* row : {",10,8410,IN,,hex,line lost\n", ",5,8250,7,,V,line lost\n"})
+        EXPECT_TRUE(Contains(lost.Out, row));
     demo.Session.ModuleCount = 0;
     EXPECT_EQ(Capture([&] { return MonitorModules(demo.Session, {}, ValueForm::Csv); }).Exit,
               ExitNothingFound);

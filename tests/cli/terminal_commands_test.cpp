@@ -99,7 +99,7 @@ TEST(CommandSender, RunsAFileWithItsOptionsPausesAndLog) {
     EXPECT_EQ(outcome.Err, "kavroctl: No complete reply to 4 of 4 commands.\n");
     EXPECT_EQ(demo.Heard.at(0), "$002B6 @19200");
     EXPECT_EQ(logged, "$002\nyy\n"); // before the command goes out
-    EXPECT_EQ(demo.Time.GetTickCount(), 1000 + 4 * (400 + 100) + 2 * 100);
+    EXPECT_EQ(demo.Time.GetTickCount(), 1000 + 4 * 400 + 3 * 400 + 200) << "silence is awaited";
 }
 
 TEST(CommandSender, SendsTypedCommandsAndTellsOnceThatTheLogFails) {

@@ -220,7 +220,11 @@ TEST_F(LineTest, SilenceIsAwaitedAfterAFailureOnly) {
     EXPECT_EQ(waited(), 250 + 5 * 10 + 400) << "a late reply is discarded";
     TestLine.Exchange("$012", 0, 3, 100);
     Test.Port().Receive({std::string(100, '!'), 0, 90});
+    const std::int64_t babbles = Test.Time.GetTickCount();
     EXPECT_FALSE(TestLine.AwaitSilence()) << "it never falls silent";
+    EXPECT_NEAR(static_cast<double>(Test.Time.GetTickCount() - babbles), 3000, 90)
+        << "and is spoken to all the same";
+    EXPECT_TRUE(TestLine.FallenSilent());
 }
 
 } // namespace

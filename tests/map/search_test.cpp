@@ -326,6 +326,24 @@ TEST(DemoSearch, FindsTheDemoLineCompletelyAndExactly) {
     EXPECT_EQ(Fields(table[25]), "set 2 6 0 1 converter 0 3 1 4 16414 0 0");
 }
 
+TEST(DemoSearch, StrictOnesSendTheSameAtTheSameMoments) {
+    for (const bool silent : {true, false}) {
+        const auto recording = [silent](Belief belief) {
+            std::string log;
+            SimulatedSession test(silent ? SimulatedLine() : DemoLine());
+            test.Line.Log = [&log](const LineEvent& event) {
+                log += std::to_string(event.Moment) + ' ' + std::to_string(event.Baud) + ' ' + event.Command +
+                       '\n';
+            };
+            EnableBaudCodes(test.Session, {3, 5});
+            test.Session.SearchHighAddress = 23; // the next one is of an unknown model, and asked again
+            NetworkSearch(test.Session, {}, belief).Run();
+            return log + std::to_string(test.Time.Microseconds());
+        };
+        EXPECT_EQ(recording(Belief::Strict), recording(Belief::Exact));
+    }
+}
+
 TEST(DemoSearch, EndsNormallyOnANoisyLine) {
     for (std::uint32_t seed = 1; seed <= 40; ++seed) {
         SCOPED_TRACE(seed);
