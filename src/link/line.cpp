@@ -19,7 +19,7 @@ constexpr char CarriageReturn = '\r';
 constexpr std::size_t LongestReply = 1024; // far beyond any module's: only a line that babbles gets there
 constexpr int LongestBoundedMs = 3000;
 constexpr int NapMs = 100;                 // between two looks at `Interrupted`
-constexpr int InterruptionGraceMs = 300; // in which the work at hand may still come to its own end
+constexpr int InterruptionGraceMs = 300;   // in which the work at hand may still come to its own end
 constexpr std::size_t LongestSummed = 128; // the codes of more characters can exceed the checksum
 constexpr int ShortestSilenceMs = 400;     // by then replies that were late have come
 constexpr int LongestSilenceMs = 1000;
@@ -219,6 +219,8 @@ bool Line::FallenSilent() {
     if (silentFor_ == IncompleteCount)
         return true;
     SerialPort& port = CommPort(CurrentPort);
+    if (!port.PortOpen())
+        return true; // nothing comes, and what follows opens it first
     const std::int64_t now = clock_.GetTickCount();
     if (port.InBufferCount() > 0) {
         port.EmptyInBuffer();
