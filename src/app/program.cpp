@@ -15,8 +15,7 @@ namespace kavro {
 namespace {
 
 constexpr std::int16_t DemoPort = 1;
-constexpr const char* ClosedPortAdvice =
-    "The next operation tries to open it again; Network > ComPort chooses another port.";
+constexpr const char* ClosedPortAdvice = "Another port can be chosen under Network > ComPort.";
 
 // Second character of 1.2 as the user's locale writes it.
 std::string LocaleDecimalSeparator() {

@@ -217,6 +217,8 @@ bool Line::FallenSilent() {
     if (awaitedFor_ == IncompleteCount)
         return true;
     SerialPort& port = CommPort(CurrentPort);
+    if (!port.PortOpen())
+        return true; // nothing comes, and what follows opens it first
     const std::int64_t now = clock_.GetTickCount();
     if (port.InBufferCount() > 0) {
         port.EmptyInBuffer();

@@ -85,8 +85,9 @@ std::string SaveSettings(Session& session) {
     if (!config.empty())
         failures += Attempt([&] { session.ReplaceFile(session.ConfigFilePath, config); });
     failures += Attempt([&] { WriteLastMap(session); });
-    return failures.empty() ? std::string()
-                            : "Not everything could be saved. The old files are as they were." + failures;
+    return failures.empty()
+               ? std::string()
+               : "Not everything could be saved. These files are as they were before:" + failures;
 }
 
 } // namespace kavro

@@ -206,7 +206,7 @@ TEST_F(LineTest, SilenceIsAwaitedAfterAFailureOnly) {
         return Test.Time.GetTickCount() - start;
     };
     EXPECT_EQ(waited(), 0);
-    Test.Port().Queue = {{""}, {"!01\r"}, {"!0", 10}, {""}, {""}};
+    Test.Port().Queue = {{""}, {"!01\r"}, {"!0", 10}, {""}, {""}, {""}};
     TestLine.Exchange("$012", 0, 3, 100);
     EXPECT_EQ(waited(), 400);
     EXPECT_EQ(waited(), 0);
@@ -218,6 +218,11 @@ TEST_F(LineTest, SilenceIsAwaitedAfterAFailureOnly) {
     TestLine.Exchange("$012", 0, 3, 100);
     Test.Port().Receive({"!0182\r", 250, 10});
     EXPECT_EQ(waited(), 250 + 5 * 10 + 400) << "a late reply is discarded";
+    TestLine.Exchange("$012", 0, 3, 100);
+    Test.Port().PortOpen(false);
+    EXPECT_EQ(waited(), 0) << "a closed port is opened by what follows";
+    Test.Port().PortOpen(true);
+    EXPECT_EQ(waited(), 400);
     TestLine.Exchange("$012", 0, 3, 100);
     Test.Port().Receive({std::string(100, '!'), 0, 90});
     const std::int64_t babbles = Test.Time.GetTickCount();

@@ -74,9 +74,9 @@ TEST(MapFile, SaveSettingsInOrderWhateverFails) {
         std::string told;
         for (const std::string& path : failing)
             told += "\n\n" + path + " full.";
-        EXPECT_EQ(SaveSettings(test.Session),
-                  told.empty() ? ""
-                               : "Not everything could be saved. The old files are as they were." + told);
+        EXPECT_EQ(
+            SaveSettings(test.Session),
+            told.empty() ? "" : "Not everything could be saved. These files are as they were before:" + told);
         EXPECT_EQ(test.Log, steps);
     }
 }
