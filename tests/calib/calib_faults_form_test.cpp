@@ -138,8 +138,7 @@ TEST(CalibForms, SayWhatTheModuleSaid) {
         {8, "nnnx", ""},
         {8, "nnnx", own + "no reply." + how, 3, silent},
         {9, "", notSetUp + "Set-up for calibration: refused by the module."},
-        {9, "nnn", notSetUp + "Output of 4 mA: refused by the module."},
-    };
+        {9, "nnn", notSetUp + "Output of 4 mA: refused by the module."}};
     for (const auto& [address, buttons, text, at, fault, target] : cases) {
         FaultedModule test(address == 6 ? "8260" : "8310", address, 0x0F);
         test.FaultAt = at;

@@ -91,11 +91,9 @@ TEST_F(ComPortFormTest, CancelChangesNothing) {
 
 // A failure is told once, closes the dialog and leaves port, devices and time-outs as they were.
 TEST_F(ComPortFormTest, FailureLeavesEverythingAsItWas) {
-    const std::function<void()> failures[] = {
-        [this] { Port(2).FailOpen = true; },
-        [this] { Port(2).FailSettings = true; },
-        [this] { Devices.Refused = "/dev/gone"; },
-    };
+    const std::function<void()> failures[] = {[this] { Port(2).FailOpen = true; },
+                                              [this] { Port(2).FailSettings = true; },
+                                              [this] { Devices.Refused = "/dev/gone"; }};
     for (const auto& fail : failures) {
         Messages.Shown.clear();
         Port(2).FailOpen = Port(2).FailSettings = false;

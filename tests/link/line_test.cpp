@@ -131,15 +131,13 @@ TEST_F(LineTest, Echo) {
         bool Complete;
         const char* Reply;
         bool Echo;
-    } cases[] = {
-        {"$012", 0, "$012\r!01400600\r", true, "!01400600", true},
-        {"$012", 1, "$012B7\r!0182\r", true, "!01", true},
-        {"#01+05.000", 0, "#01+05.000\r", false, "", true},
-        {"$012", 0, "$012\r$012\r", true, "$012", true},
-        {"$012", 0, "$013\r!01\r", true, "$013", false},
-        {"$012", 0, "!01\r", true, "!01", false},
-        {"$012", 0, "", false, "", false},
-    };
+    } cases[] = {{"$012", 0, "$012\r!01400600\r", true, "!01400600", true},
+                 {"$012", 1, "$012B7\r!0182\r", true, "!01", true},
+                 {"#01+05.000", 0, "#01+05.000\r", false, "", true},
+                 {"$012", 0, "$012\r$012\r", true, "$012", true},
+                 {"$012", 0, "$013\r!01\r", true, "$013", false},
+                 {"$012", 0, "!01\r", true, "!01", false},
+                 {"$012", 0, "", false, "", false}};
     int told = 0;
     TestLine.EchoFound = [&told] { ++told; };
     for (const auto& [command, checksum, incoming, complete, reply, echo] : cases) {
@@ -188,8 +186,7 @@ TEST_F(LineTest, AnInterruptionEndsEveryWait) {
         [&] {
             Test.Port().Queue = {{std::string(1000, '!'), 0, 90}};
             TestLine.Exchange("$012", 0, TestLine.PortBaudCode[0], 100);
-        },
-    };
+        }};
     for (const auto& wait : waits) {
         askedAt = Test.Time.GetTickCount() + 130;
         EXPECT_THROW(wait(), Interruption);

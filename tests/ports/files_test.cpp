@@ -165,8 +165,7 @@ TEST_F(FilesTest, LineFileSaysWhatIsWrongAndWhere) {
         {R"({"modules": [], "faults": {"damage": 1.1}})", "faults.damage must be a number from 0 to 1."},
         {R"({"modules": [], "faults": {"late": {"min": 2, "max": 1}}})", "faults.late must be from a"},
         {R"({"modules": [7]})", "modules[0] must be an object"},
-        {R"({"modules": [{"address": 1}]})", "modules[0] lacks the key \"model\"."},
-    };
+        {R"({"modules": [{"address": 1}]})", "modules[0] lacks the key \"model\"."}};
     const std::pair<const char*, const char*> moduleCases[] = {
         {R"("8250", "address": 256)", "address must be a whole number from 0 to 255."},
         {R"("82\r", "address": 1)", "model must be a text"},

@@ -30,13 +30,11 @@ protected:
 TEST(PortOption, Parsed) {
     EXPECT_EQ(ParsePortOption("8=/dev/serial/by-id/usb=1"),
               std::pair(8, std::string("/dev/serial/by-id/usb=1")));
-    const std::pair<const char*, const char*> wrong[] = {
-        {"/dev/ttyS0", "names no device"},
-        {"0=a", "from 1 to 8"},
-        {"9=a", "from 1 to 8"},
-        {"x=a", "from 1 to 8"},
-        {"1=", "after \"=\""},
-    };
+    const std::pair<const char*, const char*> wrong[] = {{"/dev/ttyS0", "names no device"},
+                                                         {"0=a", "from 1 to 8"},
+                                                         {"9=a", "from 1 to 8"},
+                                                         {"x=a", "from 1 to 8"},
+                                                         {"1=", "after \"=\""}};
     for (const auto& [text, told] : wrong)
         EXPECT_TRUE(Contains(FailureText([&] { ParsePortOption(text); }), told));
 }

@@ -19,12 +19,11 @@ TEST(AddressRule, DecidesBaudRateAndChecksum) {
         const char* Command;
         std::int16_t BaudCode;
         bool ToAddressZero;
-    } cases[] = {
-        {"$1F2", 6, false}, // the first of two
-        {"$1f2", 6, false}, {"#05", 2, false},  {"$5", 2, false},   {"$002", 3, true},   {"$0", 3, true},
-        {"%0001", 3, true}, {"$0A2", 3, false}, {"$112", 3, false}, {"~**", 3, false},   {"~", 3, false},
-        {"", 3, false},     {"$5 2", 3, false}, {"$-1", 3, false},  {" $1F2", 3, false}, {"$0x1F", 3, false},
-    };
+    } cases[] = {{"$1F2", 6, false}, // the first of two
+                 {"$1f2", 6, false}, {"#05", 2, false},   {"$5", 2, false},   {"$002", 3, true},
+                 {"$0", 3, true},    {"%0001", 3, true},  {"$0A2", 3, false}, {"$112", 3, false},
+                 {"~**", 3, false},  {"~", 3, false},     {"", 3, false},     {"$5 2", 3, false},
+                 {"$-1", 3, false},  {" $1F2", 3, false}, {"$0x1F", 3, false}};
     for (const auto& c : cases) {
         EXPECT_EQ(TerminalAddressBaud(test.Session, c.Command), c.BaudCode) << c.Command;
         for (const std::int16_t enable : {std::int16_t{0}, std::int16_t{1}}) {

@@ -35,8 +35,7 @@ TEST(BatchFile, ReadsLinesWhateverTheirEnds) {
         {"\xEF\xBB\xBF$012\r\n", {"$012"}},
         {"\xEF\xBB\xBF", {}},
         {"\xEF\xBB", {"\xEF\xBB"}},
-        {std::string("a\0b \xFF\n", 6), {std::string("a\0b \xFF", 5)}},
-    };
+        {std::string("a\0b \xFF\n", 6), {std::string("a\0b \xFF", 5)}}};
     for (const auto& [content, lines] : cases) {
         BatchFile file;
         file.Open(folder.Write("batch", content));

@@ -60,14 +60,12 @@ TEST(CommandRunner, SendsTypedCommands) {
         std::int16_t Checksum;
         const char *Command, *Bytes, *Reply, *Shown;
         int ReplyStatus;
-    } cases[] = {
-        {0, "$012", "$012\r", "!01\r", "!01", -1},
-        {1, "$012", "$012B7\r", "!0182\r", "!01", -1},
-        {1, "$012", "$012B7\r", "!0183\r", "!0183", 0}, // shown with its checksum characters
-        {1, "$002", "$002\r", "!00\r", "!00", -1},
-        {0, "", "\r", "", "", 0},
-        {1, "", "00\r", "", "", 0},
-    };
+    } cases[] = {{0, "$012", "$012\r", "!01\r", "!01", -1},
+                 {1, "$012", "$012B7\r", "!0182\r", "!01", -1},
+                 {1, "$012", "$012B7\r", "!0183\r", "!0183", 0}, // shown with its checksum characters
+                 {1, "$002", "$002\r", "!00\r", "!00", -1},
+                 {0, "", "\r", "", "", 0},
+                 {1, "", "00\r", "", "", 0}};
     for (const auto& c : cases) {
         Console console;
         console.Checksum = c.Checksum;
