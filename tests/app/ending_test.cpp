@@ -4,16 +4,12 @@
 #include "app/module_dialogs.h"
 #include "map/kavro_form.h"
 #include "ports/termination_signals.h"
-#include "sim/demo_line.h"
 #include "support/form_driver.h"
-#include "support/test_session.h"
 
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QThread>
-
-#include <gtest/gtest.h>
 
 #include <csignal>
 
@@ -81,19 +77,17 @@ TEST(Ending, LeavesWhateverIsUpInOrder) {
         });
         Click(form, "ExitBtn");
     };
-    const Case cases[] = {
-        {"mnuAbout", "AboutForm"},
-        {"mnuExit", "ExitForm"},
-        {"mnuComPort", "ComPortForm"},
-        {"mnuSave", "SaveDialog"},
-        {"mnuConfiguration", "DaConfigForm"},
-        {"mnuDiagnostic", "DaDiagForm"},
-        {"mnuCalibration", "DaCalibForm"},
-        {"mnuCalibration", "DaCalibForm", next(4)},
-        {"mnuCalibration", "DaCalibForm", leaveAsked},
-        {"mnuCalibration", "DaCalibForm", lose, 1, Calibrated},
-        {"mnuCalibration", "DaCalibForm", silence, 1, Calibrated},
-    };
+    const Case cases[] = {{"mnuAbout", "AboutForm"},
+                          {"mnuExit", "ExitForm"},
+                          {"mnuComPort", "ComPortForm"},
+                          {"mnuSave", "SaveDialog"},
+                          {"mnuConfiguration", "DaConfigForm"},
+                          {"mnuDiagnostic", "DaDiagForm"},
+                          {"mnuCalibration", "DaCalibForm"},
+                          {"mnuCalibration", "DaCalibForm", next(4)},
+                          {"mnuCalibration", "DaCalibForm", leaveAsked},
+                          {"mnuCalibration", "DaCalibForm", lose, 1, Calibrated},
+                          {"mnuCalibration", "DaCalibForm", silence, 1, Calibrated}};
     for (const auto& [item, dialog, act, exit, typeCode] : cases) {
         EndingProgram program;
         DialogDriver driver({{dialog, [&](QDialog& form) {

@@ -1,17 +1,13 @@
 #include "app/program.h"
 
-#include "support/failure_text.h"
 #include "support/form_driver.h"
 #include "support/full_disk.h"
 
-#include <QApplication>
 #include <QFile>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QProcess>
 #include <QTemporaryDir>
-
-#include <gtest/gtest.h>
 
 namespace kavro {
 namespace {

@@ -1,13 +1,9 @@
 #include "calib/ad_calib_form.h"
 #include "calib/calib_session.h"
 #include "calib/da_calib_form.h"
-#include "support/failure_text.h"
 #include "support/form_driver.h"
 
-#include <QLabel>
 #include <QMessageBox>
-
-#include <gtest/gtest.h>
 
 namespace kavro {
 namespace {

@@ -1,9 +1,6 @@
 #include "calib/ad_calibration.h"
 #include "calib/calib_session.h"
 #include "calib/da_calibration.h"
-#include "support/failure_text.h"
-
-#include <gtest/gtest.h>
 
 namespace kavro {
 namespace {
@@ -131,6 +128,7 @@ TEST(DaCalibration, WalksItsStepsAndRestoresWhatItHasRead) {
         {99, "x", "1 Next >", "$002 %0001300800 %0001310842", "!01310842\r", 0, 4},
         {99, "x", "1 Next >", "$012B7 %010130060010 %010130060010", "!01300600AB\r", 1},
         {99, "x", "1 Next >", "$012", "!01300600"}, // without its end
+        {99, "x", "1 Next >", "$012", "?01300600\r"},
         {99, "x", "1 Next >", "$012", "!013006000\r"}};
     for (const auto& [outputs, keys, shown, sent, config, checksum, scanIndex] : cases) {
         OutputWalk walk("8310", 1, 49);

@@ -1,5 +1,4 @@
 #include "config/ad_config_form.h"
-#include "config/config_entries.h"
 #include "config/ctr_config_form.h"
 #include "config/da_config_form.h"
 #include "config/dio_config_form.h"
@@ -7,8 +6,6 @@
 #include "config/multi_config_form.h"
 #include "config/n46_config_form.h"
 #include "config/n8610_config_form.h"
-
-#include <functional>
 
 namespace kavro {
 namespace {
@@ -98,8 +95,7 @@ const FormCase Cases[] = {
     {ConverterWith(0x6003),
      Open<N8610ConfigForm>,
      {{"Addr=2;DataBits=7;Parity=Even;StopBits=2;Interface=RS-485",
-       "%AA02" + ToHex(FactorySettings("8620").TypeCode, 2) + "66E01E", ConfigFailedText}}},
-};
+       "%AA02" + ToHex(FactorySettings("8620").TypeCode, 2) + "66E01E", ConfigFailedText}}}};
 
 std::string At(const std::string& address, std::string command) {
     return command.replace(1, 2, address);

@@ -112,14 +112,11 @@ TEST(OutputBar, TheWheelMovesItOnlyAfterAClick) {
         QWheelEvent wheel({50, 5}, {}, {}, {0, 120}, {}, {}, Qt::NoScrollPhase, false);
         QApplication::sendEvent(&control, &wheel);
     };
-    const struct {
-        const char* Before;
-        std::function<void()> Act;
-        bool Moves;
-    } cases[] = {{"hovered", [] {}, false},
-                 {"reached by Tab", [&] { bar.setFocus(Qt::TabFocusReason); }, false},
-                 {"clicked", [&] { click(bar); }, true},
-                 {"another one clicked", [&] { click(Find<QWidget>(form, "DaScroll_1")); }, false}};
+    const std::tuple<const char*, std::function<void()>, bool> cases[] = {
+        {"hovered", [] {}, false},
+        {"reached by Tab", [&] { bar.setFocus(Qt::TabFocusReason); }, false},
+        {"clicked", [&] { click(bar); }, true},
+        {"another one clicked", [&] { click(Find<QWidget>(form, "DaScroll_1")); }, false}};
     for (const auto& [before, act, moves] : cases) {
         act();
         const int value = bar.value();

@@ -4,8 +4,6 @@
 #include "link/text.h"
 #include "support/test_session.h"
 
-#include <gtest/gtest.h>
-
 #include <sstream>
 
 namespace kavro {

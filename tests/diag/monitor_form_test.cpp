@@ -2,7 +2,6 @@
 
 #include "diag/panel_on_line.h"
 #include "map/search.h"
-#include "sim/demo_line.h"
 #include "terminal/test_folder.h"
 
 #include <QFileDialog>

@@ -3,7 +3,6 @@
 #include "diag/monitor.h"
 #include "diag/time_marks.h"
 #include "sim/module_factory.h"
-#include "support/failure_text.h"
 #include "support/test_session.h"
 #include "terminal/test_folder.h"
 
@@ -121,15 +120,12 @@ TEST(TimeMarks, RoundMinutesWithTheDateWhereADayBegins) {
         return text;
     };
     EXPECT_EQ(written(MarksBeforeNow(600'000, 5)), "600=-10 min; 300=-5 min; 0=now; ");
-    const struct {
-        int Step;
-        WallTime Now;
-        const char* Marks;
-    } cases[] = {{5, {300'000, 0}, "600=23:55 1969-12-31; 300=00:00 1970-01-01; 0=00:05; "},
-                 {5, {299'000, 60}, "599=00:55 1970-01-01; 299=01:00; "},
-                 {2,
-                  {951'782'405'000, -571}, // 14:29:05
-                  "545=14:20 2000-02-28; 425=14:22; 305=14:24; 185=14:26; 65=14:28; "}};
+    const std::tuple<int, WallTime, const char*> cases[] = {
+        {5, {300'000, 0}, "600=23:55 1969-12-31; 300=00:00 1970-01-01; 0=00:05; "},
+        {5, {299'000, 60}, "599=00:55 1970-01-01; 299=01:00; "},
+        {2,
+         {951'782'405'000, -571}, // 14:29:05
+         "545=14:20 2000-02-28; 425=14:22; 305=14:24; 185=14:26; 65=14:28; "}};
     for (const auto& [step, now, marks] : cases)
         EXPECT_EQ(written(ClockMarks(600'000, step, now)), marks);
 }

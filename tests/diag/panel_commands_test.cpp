@@ -4,10 +4,6 @@
 #include "diag/port_panel.h"
 #include "support/test_session.h"
 
-#include <gtest/gtest.h>
-
-#include <functional>
-
 namespace kavro {
 namespace {
 

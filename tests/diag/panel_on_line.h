@@ -3,11 +3,6 @@
 #include "diag/panel_form.h"
 #include "sim/module_factory.h"
 #include "support/form_driver.h"
-#include "support/test_session.h"
-
-#include <QLabel>
-
-#include <gtest/gtest.h>
 
 namespace kavro {
 

@@ -30,9 +30,6 @@ TEST(Codes, Names) {
         EXPECT_EQ(RangeUnit(code, EngineeringUnits), unit) << name;
     }
     EXPECT_EQ(RangeUnit(32, Ohms) + RangeUnit(41, Ohms) + RangeUnit(22, Ohms), "ohmsohmsC   ");
-    EXPECT_EQ(FormatName(0) + FormatName(1), "Engineering Units% of FSR         ");
-    EXPECT_EQ(FormatName(2) + FormatName(3), "Two's complement Ohms             ");
-    EXPECT_EQ(AlarmModeName(0) + AlarmModeName(1) + AlarmModeName(2), "Disabled  Momentary Latch     ");
     EXPECT_THROW(FormatName(4), RuntimeFailure);
 }
 

@@ -1,25 +1,18 @@
 #include "map/kavro_form.h"
 
 #include "map/search_form.h"
-#include "sim/demo_line.h"
 #include "support/form_driver.h"
-#include "support/test_session.h"
 #include "terminal/test_folder.h"
 #include "ui/print_lines.h"
 
-#include <QComboBox>
 #include <QContextMenuEvent>
 #include <QEnterEvent>
 #include <QFileSystemModel>
-#include <QLabel>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
 #include <QPrinter>
 #include <QRegularExpression>
 #include <QScrollArea>
-
-#include <gtest/gtest.h>
 
 namespace kavro {
 namespace {

@@ -1,10 +1,7 @@
 #include "map/list_line.h"
 #include "map/map_file.h"
-#include "support/failure_text.h"
 #include "support/test_session.h"
 #include "terminal/test_folder.h"
-
-#include <gtest/gtest.h>
 
 namespace kavro {
 namespace {

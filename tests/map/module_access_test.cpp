@@ -1,6 +1,5 @@
 #include "map/module_access.h"
 #include "map/module_dispatch.h"
-#include "support/failure_text.h"
 #include "support/test_session.h"
 
 namespace kavro {

@@ -1,7 +1,6 @@
 #include "ports/device_port.h"
 
 #include "ports/device_node.h"
-#include "support/failure_text.h"
 #include "support/pty_pair.h"
 #include "terminal/test_folder.h"
 
@@ -10,7 +9,6 @@
 #include <QTimer>
 
 #include <ctime>
-#include <filesystem>
 #include <functional>
 #include <thread>
 

@@ -2,14 +2,11 @@
 #include "ports/port_registry.h"
 #include "ports/replace_file.h"
 #include "ports/settings_folder.h"
-#include "support/failure_text.h"
 #include "support/full_disk.h"
-#include "terminal/test_folder.h"
 
 #include <QByteArray>
 
 #include <cstring>
-#include <filesystem>
 
 #include <sys/file.h>
 #include <sys/wait.h>
@@ -21,10 +18,6 @@ namespace fs = std::filesystem;
 
 class FilesTest : public testing::Test {
 protected:
-    std::ptrdiff_t Entries() const {
-        return std::distance(fs::directory_iterator(Folder.Path()), fs::directory_iterator());
-    }
-
     TestFolder Folder;
     std::string File = Folder.Path("file");
 };
@@ -95,7 +88,7 @@ TEST_F(FilesTest, ClearsAwayWhatAKilledSaveLeft) {
     ASSERT_EQ(waitpid(child, &status, 0), child);
     ASSERT_TRUE(WIFSIGNALED(status));
     EXPECT_EQ(Folder.Read("file"), "old");
-    EXPECT_EQ(Entries(), 2);
+    EXPECT_EQ(Folder.Entries(), 2);
 
     // What another program is just writing stays, and what is no temporary file of this one.
     const char* const others[] = {"file.1-2.kavro-tmp", "file.backup", "file.1x.kavro-tmp", "file.kavro-tmp",
@@ -106,12 +99,12 @@ TEST_F(FilesTest, ClearsAwayWhatAKilledSaveLeft) {
     ASSERT_EQ(flock(writing, LOCK_EX), 0);
     ReplaceFile(File, "new");
     EXPECT_EQ(Folder.Read("file"), "new");
-    EXPECT_EQ(Entries(), 6);
+    EXPECT_EQ(Folder.Entries(), 6);
     for (const char* name : others)
         EXPECT_TRUE(fs::exists(Folder.Path(name))) << name;
     close(writing);
     ReplaceFile(File, "new");
-    EXPECT_EQ(Entries(), 5);
+    EXPECT_EQ(Folder.Entries(), 5);
 }
 
 TEST(SettingsFolder, FollowsTheDesktopRules) {

@@ -4,11 +4,8 @@
 #include "sim/demo_line.h"
 #include "sim/simulated_port.h"
 #include "sim/virtual_clock.h"
-#include "support/failure_text.h"
 #include "support/pty_pair.h"
 #include "terminal/test_folder.h"
-
-#include <filesystem>
 
 namespace kavro {
 namespace {

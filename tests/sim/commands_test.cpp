@@ -3,7 +3,6 @@
 #include "sim/digital_module.h"
 #include "sim/module_factory.h"
 #include "sim/port_module.h"
-#include "sim/simulated_line.h"
 
 #include <gtest/gtest.h>
 
@@ -94,24 +93,6 @@ TEST(Commands, SetAndReadCounters) {
         "%0505510600 !05,#050 >00000C8A,#052 ?05,wait 1000,#050 >00000AE6,%0505510604 !05,#050 >00000AED"};
     for (const char* script : scripts)
         EXPECT_EQ(Played(*MakeModule("8510", 5), script), script);
-}
-
-TEST(Faults, OfOneCommandOrOfTheAddress) {
-    SimulatedLine line;
-    SimulatedModule& module = line.Add(MakeModule("8410", 255));
-    const auto reply = [&line](const char* command) {
-        std::string text;
-        for (const TimedByte& byte : line.Deliver(command, 9600, 0))
-            text += byte.Byte;
-        return text;
-    };
-    module.CommandFaults = [](std::string_view command) {
-        return Faults{.Refuse = command.starts_with('%'), .WrongAddress = command == "$FFM"};
-    };
-    EXPECT_EQ(reply("$FFM"), "!008410\r");
-    EXPECT_EQ(reply("$FF2"), "!FF400600\r");
-    module.OwnFaults.NoCarriageReturn = line.LineFaults.WrongAddress = true;
-    EXPECT_EQ(reply("%FF01400600"), "?00");
 }
 
 } // namespace

@@ -1,10 +1,5 @@
 #include "sim/played.h"
 
-#include "sim/alarm_input_module.h"
-#include "sim/analog_input_module.h"
-#include "sim/converter_module.h"
-#include "sim/counter_module.h"
-#include "sim/digital_module.h"
 #include "sim/module_factory.h"
 #include "sim/readings.h"
 #include "sim/simulated_port.h"
@@ -33,41 +28,6 @@ TEST(SimulatedModule, AnswersEachCommandOfItsFamily) {
         {"8999", "$052 !05000600,$05M !058999,#05 ?05"}};
     for (const auto& [model, script] : cases)
         EXPECT_EQ(Played(*MakeModule(model, 5), script), script) << model;
-}
-
-TEST(SimulatedModule, ReportsWhatItIsSetTo) {
-    const auto expect = [](SimulatedModule& module, const std::string& script) {
-        EXPECT_EQ(Played(module, script), script);
-    };
-    AlarmInputModule alarm(FactorySettings("8240"));
-    alarm.AlarmMode = 2;
-    alarm.DigitalOutputs = 0x0A;
-    alarm.HeldInputs = 0x3;
-    alarm.SignedSetting = -42;
-    expect(alarm, "@01DI !0120A03,$013 !01-0042");
-
-    DigitalModule digital(FactorySettings("8410"));
-    digital.OutputInverted = true;
-    expect(digital, "~01CR !0110"); // output polarity first
-
-    AnalogInputModule analog(FactorySettings("8250"));
-    analog.EnabledMask = 0xFB;
-    expect(analog, "$016 !01FB,#012 ?01");
-
-    CounterModule counter(FactorySettings("8510"));
-    counter.Counters[0] = {.Started = true, .MaximumCount = 100000, .InitialCount = 1};
-    counter.Counters[1] = {.MaximumCount = 255, .InitialCount = 2, .AlarmEnabled = true, .AlarmLimit = 16};
-    counter.LongGateTime = true;
-    expect(counter, "$012 !01500604,$015 !0110,$013 !01000186A0,@01G !01000000FF,@01DI !010100,"
-                    "@01RP !010000000100000002,@01RA !01FFFFFFFF00000010");
-
-    ConverterModule converter(FactorySettings("8620"));
-    converter.SecondBaud = 57600;
-    converter.Rs485 = false;
-    converter.Setting13 = converter.Setting8 = true;
-    converter.Parity = 3;
-    converter.StopBits = 1;
-    expect(converter, "$012 !0100A6211F");
 }
 
 TEST(SimulatedModule, HearsItsOwnBaudRateOnly) {

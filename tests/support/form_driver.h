@@ -1,22 +1,18 @@
 #pragma once
 
 #include "link/port_devices.h"
-#include "link/runtime_failure.h"
+#include "support/test_session.h"
 
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
+#include <QComboBox>
 #include <QDialog>
 #include <QElapsedTimer>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QTimer>
-
-#include <functional>
-#include <map>
-#include <memory>
-#include <string>
-#include <vector>
 
 namespace kavro {
 

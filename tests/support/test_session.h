@@ -1,16 +1,16 @@
 #pragma once
 
 #include "map/session.h"
+#include "sim/demo_line.h"
 #include "sim/simulated_line.h"
 #include "sim/simulated_port.h"
-#include "sim/virtual_clock.h"
+#include "support/failure_text.h"
 #include "support/recorded_messages.h"
 #include "support/scripted_port.h"
 
-#include <map>
+#include <functional>
 #include <memory>
-#include <string>
-#include <vector>
+#include <optional>
 
 namespace kavro {
 

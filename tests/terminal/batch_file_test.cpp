@@ -1,10 +1,7 @@
 #include "terminal/batch_file.h"
 
-#include "support/failure_text.h"
 #include "terminal/command_log.h"
 #include "terminal/test_folder.h"
-
-#include <gtest/gtest.h>
 
 #include <sys/stat.h>
 
