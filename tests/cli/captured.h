@@ -25,8 +25,7 @@ Captured Capture(Work work) {
 
 /// Each of these uses of kavroctl, with --demo, is told to be wrong in one line with its piece.
 inline void ExpectWrongUse(const std::vector<std::pair<QStringList, const char*>>& cases) {
-    const TestFolder folder;
-    qputenv("XDG_CONFIG_HOME", folder.Path().c_str());
+    qputenv("XDG_CONFIG_HOME", "/nowhere");
     for (const auto& [arguments, piece] : cases) {
         const QStringList all = arguments + QStringList("--demo");
         const Captured outcome = Capture([&] { return RunKavroctl(all); });

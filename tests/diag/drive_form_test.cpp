@@ -31,15 +31,6 @@ QString States(PanelForm& form, const QStringList& groups) {
     return states.join(' ');
 }
 
-// Each is usable, or else says why not.
-void ExpectUsable(PanelForm& form, const QStringList& names, bool usable) {
-    for (const QString& name : names) {
-        const QWidget& control = Find<QWidget>(form, name);
-        EXPECT_EQ(control.isEnabled(), usable) << name.toStdString();
-        EXPECT_EQ(control.toolTip().isEmpty(), usable) << name.toStdString();
-    }
-}
-
 // Each click with a tick after it.
 void ClickEach(PanelForm& form, const QStringList& buttons) {
     for (const QString& button : buttons) {

@@ -95,8 +95,7 @@ TEST_F(KavroFormTest, SearchFillsTheListAndTheSelectionFollowsIt) {
 TEST_F(KavroFormTest, TheListOpensModulesByKeyAndMouse) {
     Search("5");
     const auto press = [&](int key, bool held = false) {
-        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, {}, held);
-        QApplication::sendEvent(&List(), &event);
+        PressKey(List(), key, {}, held);
         return std::pair(List().currentRow(), Opened.size());
     };
     Session.SelectedModule = -1;

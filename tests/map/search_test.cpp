@@ -186,7 +186,12 @@ TEST_F(SearchTest, WhatIsNotAModule) {
 // What is told beside the list: replies by command, address before which the search is stopped, findings.
 TEST_F(SearchTest, TellsWhatIsNotInTheList) {
     const std::string babble(2000, 'U');
-    const std::tuple<std::map<std::string, std::string>, int, Lines> cases[] = {
+    struct Case {
+        std::map<std::string, std::string> Replies;
+        int StopBefore;
+        Lines Want;
+    };
+    const Case cases[] = {
         {{}, 9, {}},
         {{{"$012", "!01400600\r"}, {"$01M", "!018410\r"}}, 9, {}},
         {{{"$012", "?01\r"}, {"$012B7", "!01400600AC\r"}}, 9, {}}, // understood in the end

@@ -47,6 +47,19 @@ inline void Type(QWidget& control, const QString& text) {
     }
 }
 
+inline void PressKey(QWidget& control, int key, Qt::KeyboardModifiers modifiers = {}, bool held = false) {
+    QKeyEvent press(QEvent::KeyPress, key, modifiers, {}, held);
+    QApplication::sendEvent(&control, &press);
+}
+
+/// Each control can be used, or else says why not.
+inline void ExpectUsable(QObject& form, const QStringList& names, bool usable) {
+    for (const QString& name : names) {
+        EXPECT_EQ(Find<QWidget>(form, name).isEnabled(), usable) << name.toStdString();
+        EXPECT_EQ(Find<QWidget>(form, name).toolTip().isEmpty(), usable) << name.toStdString();
+    }
+}
+
 /// Acts on modal dialogs as they come up: each step waits for the dialog of its name and acts on it once.
 /// Lives as long as the operation that shows them.
 class DialogDriver {

@@ -30,7 +30,6 @@ public:
 
     void Fill() {
         if (!mounted_) {
-            std::signal(SIGXFSZ, SIG_IGN);
             Limit(0);
             return;
         }
@@ -52,12 +51,14 @@ public:
     /// What the system says of it.
     const char* Reason() const { return mounted_ ? "No space left on device" : "File too large"; }
 
-private:
+    /// No file of the test gets longer than that.
     static void Limit(rlim_t bytes) {
+        std::signal(SIGXFSZ, SIG_IGN);
         const rlimit limits = {bytes, RLIM_INFINITY};
         setrlimit(RLIMIT_FSIZE, &limits);
     }
 
+private:
     bool mounted_ = false;
     bool filler_ = false;
 };

@@ -39,10 +39,7 @@ protected:
     QString Shown() { return static_cast<ConsoleView&>(Find<QWidget>(*Form, "Terminal")).ShownText(); }
     std::size_t Told() const { return Messages.Shown.size(); }
     void Press(const QString& button) { Click(*Form, button); }
-    void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
-        QKeyEvent press(QEvent::KeyPress, key, modifiers);
-        QApplication::sendEvent(&CmdText(), &press);
-    }
+    void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) { PressKey(CmdText(), key, modifiers); }
 
     void Enter(const QString& command) {
         CmdText().setText(command);

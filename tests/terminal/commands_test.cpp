@@ -1,8 +1,14 @@
 #include "terminal/command_runner.h"
 
 #include "support/test_session.h"
+#include "terminal/address_rule.h"
 #include "terminal/batch_control.h"
+#include "terminal/batch_file.h"
+#include "terminal/command_log.h"
+#include "terminal/console_rows.h"
 #include "terminal/test_folder.h"
+
+#include <sys/stat.h>
 
 namespace kavro {
 namespace {
@@ -154,6 +160,121 @@ TEST_F(ConsoleTest, GoesOnAfterALostPort) {
     EXPECT_EQ(Shown.back().first, "$022");
     EXPECT_NE(FailureText([&] { Control.Run(); }), "");
     EXPECT_EQ(Control.Buttons(), Stepped); // from the top again
+}
+
+TEST(AddressRule, DecidesBaudRateAndChecksum) {
+    ScriptedSession test;
+    const struct { std::int16_t Address, BaudCode; } known[] = {{31, 6}, {0, 4}, {31, 1}, {5, 2}, {10, 7}};
+    for (int i = 0; i < 5; ++i) {
+        test.Session.ModuleTable[i].Address = known[i].Address;
+        test.Session.ModuleTable[i].BaudCode = known[i].BaudCode;
+    }
+    test.Session.ModuleCount = 4; // the last one is no longer known
+    // Command, baud code, whether it goes to address 00.
+    const std::tuple<const char*, std::int16_t, bool> cases[] = {
+        {"$1F2", 6, false}, // the first of two
+        {"$1f2", 6, false}, {"#05", 2, false},  {"$5", 2, false},   {"$002", 3, true},   {"$0", 3, true},
+        {"%0001", 3, true}, {"$0A2", 3, false}, {"$112", 3, false}, {"~**", 3, false},   {"~", 3, false},
+        {"", 3, false},     {"$5 2", 3, false}, {"$-1", 3, false},  {" $1F2", 3, false}, {"$0x1F", 3, false}};
+    for (const auto& [command, code, zero] : cases) {
+        SCOPED_TRACE(command);
+        EXPECT_EQ(TerminalAddressBaud(test.Session, command), code);
+        for (const std::int16_t enable : {std::int16_t{0}, std::int16_t{1}}) {
+            const SendSettings repeated = {enable, code};
+            EXPECT_EQ(TypedCommandSettings(test.Session, command, enable),
+                      (zero ? SendSettings{0, code} : repeated));
+            EXPECT_EQ(RepeatedCommandSettings(test.Session, command, enable), repeated);
+        }
+    }
+}
+
+// What is drawn after commands "c1" to "cN" with the replies "r1" to "rN": six pairs are appended, and from
+// then on the latest six redrawn.
+std::vector<ConsoleText> Expected(int commands) {
+    const bool redrawn = commands > 6;
+    std::vector<ConsoleText> texts;
+    if (!redrawn)
+        texts.push_back({90, 30, ">"});
+    const int first = redrawn ? commands - 5 : 1;
+    for (int n = first; n <= commands; ++n) {
+        const std::string number = std::to_string(n);
+        const int top = (n - first) * 480;
+        texts.push_back({redrawn ? 90 : 225, top + (redrawn ? 30 : 40), (redrawn ? ">c" : "c") + number});
+        texts.push_back({redrawn ? 90 : 110, top + (redrawn ? 270 : 280), "r" + number});
+        if (!redrawn || n == commands)
+            texts.push_back({90, top + 510, ">"});
+    }
+    return texts;
+}
+
+TEST(ConsoleRows, ShowTheLatestSixPairs) {
+    ConsoleRows rows;
+    for (int n = 0; n <= 33000; ++n) { // the count would leave 16 bits after 16383 commands
+        if (n > 0)
+            rows.ShowTerminalLine("c" + std::to_string(n), "r" + std::to_string(n));
+        const int pairs = std::min(n, 6);
+        ASSERT_EQ(rows.Drawn(), Expected(n)) << n;
+        ASSERT_EQ(rows.EntryTop(), pairs * 480) << n;
+        ASSERT_EQ(rows.Rows().size(), static_cast<std::size_t>(2 * pairs)) << n;
+        ASSERT_TRUE(n > 6 ? rows.LineCount() > 13 : rows.LineCount() == 2 * n) << n;
+    }
+}
+
+Lines ReadAll(BatchFile& file) {
+    Lines lines;
+    while (!file.AtEnd())
+        lines.push_back(file.ReadLine());
+    return lines;
+}
+
+TEST(BatchFile, ReadsLinesWhateverTheirEnds) {
+    const TestFolder folder;
+    const std::pair<std::string, Lines> cases[] = {
+        {"", {}},
+        {"\r\n", {""}},
+        {"$012", {"$012"}},
+        {"$012\r\n$022\r\n", {"$012", "$022"}},
+        {"$012\n\n$022", {"$012", "", "$022"}},
+        {"$012\r$022\r", {"$012", "$022"}},
+        {"a\n\r\nb", {"a", "", "b"}},
+        {"\xEF\xBB\xBF$012\r\n", {"$012"}},
+        {"\xEF\xBB\xBF", {}},
+        {"\xEF\xBB", {"\xEF\xBB"}},
+        {std::string("a\0b \xFF\n", 6), {std::string("a\0b \xFF", 5)}}};
+    for (const auto& [content, lines] : cases) {
+        BatchFile file;
+        file.Open(folder.Write("batch", content));
+        EXPECT_EQ(ReadAll(file), lines) << content;
+        file.Rewind();
+        file.Skip(1);
+        EXPECT_EQ(ReadAll(file).size(), lines.empty() ? 0 : lines.size() - 1) << content;
+        EXPECT_TRUE(file.AtEnd());
+        file.Skip(5); // beyond the end
+    }
+}
+
+TEST(BatchFile, RefusesWhatCannotBeRead) {
+    const TestFolder folder;
+    BatchFile file;
+    ASSERT_EQ(mkfifo(folder.Path("pipe").c_str(), 0600), 0);
+    for (const std::string& path : {folder.Path(), folder.Path("missing"), folder.Path("pipe")})
+        EXPECT_NE(FailureText([&] { file.Open(path); }), "") << path;
+    file.Open(folder.Write("huge", std::string(32768, 'a')));
+    EXPECT_NE(FailureText([&] { file.ReadLine(); }), "");
+}
+
+TEST(CommandLog, HoldsEachCommandAtOnceAndOpensAgainAfterAFailure) {
+    const TestFolder folder;
+    CommandLog log;
+    log.Write("$002"); // no file yet
+    EXPECT_NE(FailureText([&] { log.Open(folder.Path()); }), "");
+    log.Open("/dev/full");
+    EXPECT_NE(FailureText([&] { log.Write("$012"); }).find("No space left"), std::string::npos);
+    log.Open(folder.Write("log", "old content\n"));
+    EXPECT_EQ(folder.Read("log"), "");
+    log.Write("  $012 ");
+    log.Write("");
+    EXPECT_EQ(folder.Read("log"), "$012\n\n"); // although it is still open
 }
 
 } // namespace
