@@ -27,8 +27,7 @@ Captured Capture(Work work) {
 inline void ExpectWrongUse(const std::vector<std::pair<QStringList, const char*>>& cases) {
     qputenv("XDG_CONFIG_HOME", "/nowhere");
     for (const auto& [arguments, piece] : cases) {
-        const QStringList all = arguments + QStringList("--demo");
-        const Captured outcome = Capture([&] { return RunKavroctl(all); });
+        const Captured outcome = Capture([&] { return RunKavroctl(arguments + QStringList("--demo")); });
         EXPECT_EQ(outcome.Exit, ExitWrongUse) << piece;
         EXPECT_TRUE(Contains(outcome.Err, piece));
         EXPECT_EQ(std::ranges::count(outcome.Err, '\n'), 1) << outcome.Err;

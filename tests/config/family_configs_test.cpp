@@ -27,7 +27,6 @@ constexpr auto Ports = Applying<PortDirectionConfig, ApplyPortDirectionConfig>;
 const std::string Done = ConfigCompleteText, Failed = ConfigFailedText;
 const std::string TooHigh = "Address can not exceed 255.";
 const std::string ChannelsFailed = "Channel enable/disable configuration failed.";
-const std::string InputPolarityFailed = "Digital input polarity configuration failed.";
 const std::string PolarityFailed = "Digital I/O polarity configuration failed.";
 const std::string PortsFailed = "Port input/output configuration failed.";
 
@@ -130,7 +129,6 @@ TEST(FamilyConfigs, AnalogInputAsBytes) {
 }
 
 TEST(FamilyConfigs, AnalogOutputAsBytes) {
-    Check("8310  ", {}, Output({{300, 3, 0}}), "", {{}, {TooHigh}, 2, 1});
     Check("8320  ", {1, 3, 0, 0, 0, 3}, Output({{1, 3, 0}, 0, 0, 1}), "", {{1, 3, 0, 0, 0, 3}, {}, 7, 7});
     Check("8320  ", {}, Output({{1, 3, 0}, 0, 0, 1}), "9600 ~01CP01 !01", {{1, 3, 0, 0, 0, 1}, {}});
     // The 8310 has no polarity.

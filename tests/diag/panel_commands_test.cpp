@@ -62,11 +62,10 @@ const PanelCommand Commands[] = {
     {"8240", Tells<SwitchAlarmOutput, 0, false>, {{"@0ADI", "!0A00301", 2}, {"@0ADO02", "!0A"}}},
     {"8240", Tells<ClearAlarms>, {{"@0ACA", "!0A"}}},
     {"8220", Reads<ReadAlarmLimit, false>(std::string("-01.500 V")), {{"@0ARL", "!0A-01.500"}}, {"!0A"}},
-    {"8220", Reads<ReadAlarmLimit, true>(std::string("+09.750 V")), {{"@0ARH", "!0A+09.750"}}, {"!0AG"}},
-};
+    {"8220", Reads<ReadAlarmLimit, true>(std::string("+09.750 V")), {{"@0ARH", "!0A+09.750"}}, {"!0AG"}}};
 
-// The commands sent, and what is answered, when the first `good` steps go well and then this reply comes; what
-// does not fit is asked for once more, and what changes something is not.
+// The commands sent, and what is answered, when the first `good` steps go well and then this reply comes;
+// what does not fit is asked for once more, and what changes something is not.
 void ExpectRun(const PanelCommand& command, std::size_t good, const std::string& reply, Answer answer) {
     SCOPED_TRACE(reply);
     ScriptedSession test;
@@ -86,7 +85,8 @@ void ExpectRun(const PanelCommand& command, std::size_t good, const std::string&
         const Step& step = command.Steps[good];
         expect(step, reply, 1);
         const bool repeated = answer == Answer::Garbled && step.Good != "!0A";
-        if (repeated && !reply.ends_with('\r') && step.Good.substr(1, 2) != "0A") // what follows has no address
+        if (repeated && !reply.ends_with('\r') &&
+            step.Good.substr(1, 2) != "0A") // what follows has no address
             expect({"$0AM", ""}, "!0A" + std::string(command.Model) + "\r", 1);
         if (repeated)
             expect(step, reply, 1);

@@ -132,15 +132,15 @@ TEST_F(FilesTest, LineFileReadsEveryKey) {
     EXPECT_TRUE(line.LineFaults.Noise && line.LineFaults.Echo);
     EXPECT_EQ(line.LineFaults.SlowCharacterMs, 3);
     const ModuleSettings& first = line.ModuleAt(3).Settings;
-    EXPECT_EQ(std::tuple(first.Baud, first.TypeCode, first.DataFormat), std::tuple(19200, 0x0A, 2));
+    EXPECT_EQ(std::tuple(first.Baud, first.TypeCode, first.DataFormat, first.Revision),
+              std::tuple(19200, 0x0A, 2, "B7"));
     EXPECT_TRUE(first.Checksum && first.Initialisation);
-    EXPECT_EQ(first.Revision, "B7");
     const Faults& faults = line.ModuleAt(3).OwnFaults;
-    EXPECT_EQ(faults.DelayMs, 50);
     EXPECT_TRUE(faults.Refuse && faults.Silent && faults.WrongChecksum && faults.NoCarriageReturn);
     EXPECT_TRUE(faults.Unplugged && faults.Babble);
-    EXPECT_EQ(std::tuple(faults.DamageShare, faults.Late.Share, faults.Late.MinMs, faults.Late.MaxMs),
-              std::tuple(0.25, 0.5, 100, 400));
+    EXPECT_EQ(std::tuple(faults.DelayMs, faults.DamageShare, faults.Late.Share, faults.Late.MinMs,
+                         faults.Late.MaxMs),
+              std::tuple(50, 0.25, 0.5, 100, 400));
     EXPECT_EQ(line.ModuleAt(255).Hear("$FF2", 9600, 0), "!FF00668003") << "factory settings, own class";
 }
 

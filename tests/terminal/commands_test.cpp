@@ -170,7 +170,6 @@ TEST(AddressRule, DecidesBaudRateAndChecksum) {
         test.Session.ModuleTable[i].BaudCode = known[i].BaudCode;
     }
     test.Session.ModuleCount = 4; // the last one is no longer known
-    // Command, baud code, whether it goes to address 00.
     const std::tuple<const char*, std::int16_t, bool> cases[] = {
         {"$1F2", 6, false}, // the first of two
         {"$1f2", 6, false}, {"#05", 2, false},  {"$5", 2, false},   {"$002", 3, true},   {"$0", 3, true},
