@@ -4,16 +4,11 @@
 #include "app/module_dialogs.h"
 #include "map/kavro_form.h"
 #include "ports/termination_signals.h"
-#include "sim/demo_line.h"
 #include "support/form_driver.h"
-#include "support/test_session.h"
+#include "support/program_run.h"
 
 #include <QFile>
-#include <QProcess>
-#include <QTemporaryDir>
 #include <QThread>
-
-#include <gtest/gtest.h>
 
 #include <csignal>
 
@@ -28,10 +23,7 @@ struct EndingProgram : SimulatedSession {
     EndingProgram() : SimulatedSession(DemoLine()) {
         EXPECT_EQ(pipe(Requests), 0);
         EnableBaudCodes(Session, {3});
-        Session.ScanIndex = -1;
-        Session.SelectedModule = 0;
-        Session.ModuleTable[0] = {
-            .Address = 8, .Model = FixedText("8310", 6), .BaudCode = 3, .InputRange = 0x31};
+        Select(Session, {.Address = 8, .Model = FixedText("8310", 6), .InputRange = 0x31});
         DialogOpeners openers;
         openers.Module = [this](ModuleDialog dialog, QWidget* parent) {
             OpenModuleDialog(dialog, Session, Boxes, parent);
@@ -81,19 +73,17 @@ TEST(Ending, LeavesWhateverIsUpInOrder) {
         });
         Click(form, "ExitBtn");
     };
-    const Case cases[] = {
-        {"mnuAbout", "AboutForm"},
-        {"mnuExit", "ExitForm"},
-        {"mnuComPort", "ComPortForm"},
-        {"mnuSave", "SaveDialog"},
-        {"mnuConfiguration", "DaConfigForm"},
-        {"mnuDiagnostic", "DaDiagForm"},
-        {"mnuCalibration", "DaCalibForm"},
-        {"mnuCalibration", "DaCalibForm", next(4)},
-        {"mnuCalibration", "DaCalibForm", leaveAsked},
-        {"mnuCalibration", "DaCalibForm", lose, 1, Calibrated},
-        {"mnuCalibration", "DaCalibForm", silence, 1, Calibrated},
-    };
+    const Case cases[] = {{"mnuAbout", "AboutForm"},
+                          {"mnuExit", "ExitForm"},
+                          {"mnuComPort", "ComPortForm"},
+                          {"mnuSave", "SaveDialog"},
+                          {"mnuConfiguration", "DaConfigForm"},
+                          {"mnuDiagnostic", "DaDiagForm"},
+                          {"mnuCalibration", "DaCalibForm"},
+                          {"mnuCalibration", "DaCalibForm", next(4)},
+                          {"mnuCalibration", "DaCalibForm", leaveAsked},
+                          {"mnuCalibration", "DaCalibForm", lose, 1, Calibrated},
+                          {"mnuCalibration", "DaCalibForm", silence, 1, Calibrated}};
     for (const auto& [item, dialog, act, exit, typeCode] : cases) {
         EndingProgram program;
         DialogDriver driver({{dialog, [&](QDialog& form) {
@@ -135,10 +125,8 @@ bool HasOpenedItsPort(qint64 process) {
 
 TEST(Ending, EndsTheProgramInOrderBySignals) {
     QTemporaryDir folder;
-    const QString link = folder.filePath("line");
-    QProcess simulator;
-    simulator.start(KAVROSIM_PROGRAM, {"--link", link});
-    ASSERT_TRUE(simulator.waitForReadyRead());
+    ServedLine line;
+    const QString device = line.Line("/dev/");
     const std::vector<int> requests[] = {{SIGTERM}, {SIGHUP}, {SIGINT, SIGTERM, SIGTERM}};
     for (const std::vector<int>& numbers : requests) {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -147,7 +135,7 @@ TEST(Ending, EndsTheProgramInOrderBySignals) {
         kavro.setProcessEnvironment(environment);
         kavro.setWorkingDirectory(folder.path());
         kavro.setStandardInputFile(QProcess::nullDevice());
-        kavro.start(KAVRO_PROGRAM, {"--port", "1=" + link});
+        kavro.start(KAVRO_PROGRAM, {"--port", "1=" + device});
         ASSERT_TRUE(kavro.waitForStarted());
         for (int wait = 0; wait < 500 && !HasOpenedItsPort(kavro.processId()); ++wait)
             QThread::msleep(20);
@@ -160,8 +148,6 @@ TEST(Ending, EndsTheProgramInOrderBySignals) {
         for (const char* file : {"kavro/COM.CFG", "admin.map"})
             EXPECT_TRUE(QFile::remove(folder.filePath(file))) << numbers[0] << file;
     }
-    simulator.terminate();
-    simulator.waitForFinished();
 }
 
 } // namespace

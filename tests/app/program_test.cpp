@@ -1,49 +1,28 @@
 #include "app/program.h"
 
-#include "support/failure_text.h"
 #include "support/form_driver.h"
 #include "support/full_disk.h"
+#include "support/program_run.h"
 
-#include <QApplication>
 #include <QFile>
 #include <QListWidget>
 #include <QMessageBox>
-#include <QProcess>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
 
 namespace kavro {
 namespace {
 
-struct Outcome {
-    int Exit = -1;
-    QString Out, Err;
-};
-
-Outcome RunWithoutDisplay(const QStringList& arguments) {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
-        environment.remove(name);
-    QProcess process;
-    process.setProcessEnvironment(environment);
-    process.start(KAVRO_PROGRAM, arguments);
-    process.waitForFinished();
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
-}
-
 TEST(Program, AnswersTheCommandLineWithoutADisplay) {
-    EXPECT_EQ(RunWithoutDisplay({"--version"}).Out, "kavro 4.01\n");
-    const Outcome help = RunWithoutDisplay({"--help"});
-    EXPECT_EQ(help.Exit, 0);
-    EXPECT_TRUE(help.Out.contains("--port") && help.Err.isEmpty());
+    EXPECT_EQ(ProgramRun(KAVRO_PROGRAM).Run({"--version"}).Out, "kavro 4.01\n");
+    const Outcome help = ProgramRun(KAVRO_PROGRAM).Run({"--help"});
+    EXPECT_EQ(std::tuple(help.Exit, help.Err), std::tuple(0, ""));
+    EXPECT_TRUE(Contains(help.Out, "--port"));
     for (const QStringList& wrong : {QStringList{"--bogus"}, {"file"}, {"--port", "9=x"}, {"--port", "1="}}) {
-        const Outcome outcome = RunWithoutDisplay(wrong);
+        const Outcome outcome = ProgramRun(KAVRO_PROGRAM).Run(wrong);
         EXPECT_EQ(outcome.Exit, 2) << wrong.join(' ').toStdString();
-        EXPECT_EQ(outcome.Err.count('\n'), 1) << outcome.Err.toStdString();
-        EXPECT_TRUE(outcome.Err.startsWith("kavro: "));
+        EXPECT_EQ(std::ranges::count(outcome.Err, '\n'), 1) << outcome.Err;
+        EXPECT_TRUE(outcome.Err.starts_with("kavro: "));
     }
-    EXPECT_EQ(RunWithoutDisplay({}).Exit, 1);
+    EXPECT_EQ(ProgramRun(KAVRO_PROGRAM).Run({}).Exit, 1);
 }
 
 QWidget* MainWindow() {
@@ -88,12 +67,8 @@ TEST(Program, SearchesAPortAndKeepsItsSettings) {
     QTemporaryDir folder;
     qputenv("XDG_CONFIG_HOME", folder.path().toLocal8Bit());
     QDir::setCurrent(folder.path()); // admin.map goes there
-    const QString link = folder.filePath("line");
-    QProcess simulator;
-    simulator.start(KAVROSIM_PROGRAM, {"--link", link});
-    ASSERT_TRUE(simulator.waitForReadyRead()); // the device path
-
-    const Options options{.Devices = {{1, link.toStdString()}}};
+    ServedLine line;
+    const Options options{.Devices = {{1, line.Line("/dev/").toStdString()}}};
     for (const char* timeout : {"100", "150"}) {
         Program program(options);
         program.Start();
@@ -127,9 +102,6 @@ TEST(Program, SearchesAPortAndKeepsItsSettings) {
     ASSERT_TRUE(config.open(QIODevice::ReadOnly));
     EXPECT_EQ(config.readAll(), "150\n1\nn,8,1\n9600\n");
     EXPECT_TRUE(QFile::exists(folder.filePath("admin.map")));
-    simulator.terminate();
-    simulator.waitForFinished();
-    EXPECT_FALSE(QFile::exists(link));
 }
 
 } // namespace

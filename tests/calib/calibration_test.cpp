@@ -1,9 +1,6 @@
 #include "calib/ad_calibration.h"
 #include "calib/calib_session.h"
 #include "calib/da_calibration.h"
-#include "support/failure_text.h"
-
-#include <gtest/gtest.h>
 
 namespace kavro {
 namespace {
@@ -77,8 +74,7 @@ TEST(AdCalibration, WalksItsStepsWithoutTestingReplies) {
         {"8210", "ncn", "3BN Execute T 25.3 30The", "open " + full, warm, "30", 2100, 8, 0},
         {"8210", "ncnn", "3BN Execute T 25.3 30The", "$123 open " + full, warm, "30", 2100, 8, 1},
         {"8210", "ncnn", "3BN Execute T 25.3 30The", "$123 $129+0000 open " + full, warm, "30", 3100, 8, 2},
-        {"8210", "ncn", "3BN Execute T  30The", read + " $129+0133", warm, "30", 2100, 8, 4},
-    };
+        {"8210", "ncn", "3BN Execute T  30The", read + " $129+0133", warm, "30", 2100, 8, 4}};
     for (const auto& [model, keys, shown, sent, reading, typed, ms, range, outputs] : cases) {
         InputWalk walk(model, 18, range, reading);
         walk.Calibration.CJCInput = typed;
@@ -132,8 +128,8 @@ TEST(DaCalibration, WalksItsStepsAndRestoresWhatItHasRead) {
         {99, "x", "1 Next >", "$002 %0001300800 %0001310842", "!01310842\r", 0, 4},
         {99, "x", "1 Next >", "$012B7 %010130060010 %010130060010", "!01300600AB\r", 1},
         {99, "x", "1 Next >", "$012", "!01300600"}, // without its end
-        {99, "x", "1 Next >", "$012", "!013006000\r"},
-    };
+        {99, "x", "1 Next >", "$012", "?01300600\r"},
+        {99, "x", "1 Next >", "$012", "!013006000\r"}};
     for (const auto& [outputs, keys, shown, sent, config, checksum, scanIndex] : cases) {
         OutputWalk walk("8310", 1, 49);
         walk.Session.ModuleTable[4].Checksum = checksum;

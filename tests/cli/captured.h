@@ -1,10 +1,9 @@
 #pragma once
 
-#include "support/failure_text.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
+#include "cli/kavroctl.h"
+#include "cli/subcommand.h"
+#include "support/test_session.h"
+#include "terminal/test_folder.h"
 
 namespace kavro {
 
@@ -22,6 +21,17 @@ Captured Capture(Work work) {
     const std::string failure = FailureText([&] { exit = work(); });
     const std::string out = testing::internal::GetCapturedStdout();
     return {exit, out, testing::internal::GetCapturedStderr(), failure};
+}
+
+/// Each of these uses of kavroctl, with --demo, is told to be wrong in one line with its piece.
+inline void ExpectWrongUse(const std::vector<std::pair<QStringList, const char*>>& cases) {
+    qputenv("XDG_CONFIG_HOME", "/nowhere");
+    for (const auto& [arguments, piece] : cases) {
+        const Captured outcome = Capture([&] { return RunKavroctl(arguments + QStringList("--demo")); });
+        EXPECT_EQ(outcome.Exit, ExitWrongUse) << piece;
+        EXPECT_TRUE(Contains(outcome.Err, piece));
+        EXPECT_EQ(std::ranges::count(outcome.Err, '\n'), 1) << outcome.Err;
+    }
 }
 
 } // namespace kavro

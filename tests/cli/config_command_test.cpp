@@ -1,15 +1,10 @@
 #include "cli/captured.h"
 #include "cli/config_command.h"
-#include "cli/kavroctl.h"
 #include "link/text.h"
-#include "sim/demo_line.h"
-#include "support/test_session.h"
-#include "terminal/test_folder.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <algorithm>
 #include <sstream>
 
 namespace kavro {
@@ -63,11 +58,7 @@ TEST(ConfigCommand, WhatIsShownCanBeSetAndChangesNothing) {
 }
 
 TEST(ConfigCommand, ShowsWhatWasSet) {
-    struct Case {
-        std::int16_t Address;
-        Lines Given, Shown;
-    };
-    const Case cases[] = {
+    const std::tuple<std::int16_t, Lines, Lines> cases[] = {
         {0, {"Baud=38400", "CHECKSUM=0", "address=0x17"}, {"baud=38400", "checksum=off", "address=23"}},
         {1,
          {"range=+/- 1v", "low-alarm=-0.5", "high-alarm=.75", "alarm-mode=1"},
@@ -90,8 +81,7 @@ TEST(ConfigCommand, ShowsWhatWasSet) {
         {18, {"type=frequency", "gate-time=1s"}, {"type=frequency", "gate-time=1s"}},
         {20,
          {"parity=even", "stop-bits=2", "interface=rs-422"},
-         {"parity=even", "stop-bits=2", "interface=RS-422"}},
-    };
+         {"parity=even", "stop-bits=2", "interface=RS-422"}}};
     for (const auto& [address, given, expected] : cases) {
         ConfigSession demo;
         const Captured set = demo.Set(address, given);
@@ -113,12 +103,7 @@ TEST(ConfigCommand, PrintsJsonWithTypedValues) {
 }
 
 TEST(ConfigCommand, WrongValuesAreToldBeforeAnythingIsWritten) {
-    struct Case {
-        std::int16_t Address;
-        Lines Given;
-        const char* Told;
-    };
-    const Case cases[] = {
+    const std::tuple<std::int16_t, Lines, const char*> cases[] = {
         {5, {"alarm-mode=latch"}, "it has model, address, baud, checksum, range, format, channels."},
         {5, {"range=20"}, "give 08 (+/- 10V), 09 (+/- 5V)"},
         {5, {"format=3"}, "give Engineering Units, % of FSR, Two's complement."},
@@ -133,8 +118,7 @@ TEST(ConfigCommand, WrongValuesAreToldBeforeAnythingIsWritten) {
         {18, {"ttl-low=0.85"}, "at most one decimal"},
         {18, {"max-0=4294967296"}, "0 to 4294967295"},
         {20, {"second-baud=1200"}, "initialisation state"},
-        {20, {"data-bits=9"}, "5 to 8"},
-    };
+        {20, {"data-bits=9"}, "5 to 8"}};
     for (const auto& [address, given, told] : cases) {
         ConfigSession demo;
         demo.Show(address);
@@ -149,13 +133,8 @@ TEST(ConfigCommand, WrongValuesAreToldBeforeAnythingIsWritten) {
 }
 
 TEST(ConfigCommand, WhatIsHardlyMeantNeedsForce) {
-    struct Case {
-        std::int16_t Address;
-        Lines Given;
-        const char* Told; // nothing: it is not refused
-        Lines Asked;      // after reading the settings, before anything is written
-    };
-    const Case cases[] = {
+    // What is told (nothing: it is not refused), what is asked between reading the settings and writing.
+    const std::tuple<std::int16_t, Lines, const char*, Lines> cases[] = {
         {5, {"address=70"}, "The map has a module 8410 at address 70 (46H) already.", {}},
         {5, {"address=10"}, "A module answers at address 10 (0AH) already.", {"$0A2"}},
         {5, {"address=6"}, "A module answers at address 6 (06H) already.", {"$062", "$062BC"}},
@@ -167,8 +146,7 @@ TEST(ConfigCommand, WhatIsHardlyMeantNeedsForce) {
          {"low-alarm=2", "high-alarm=1.5"},
          "The low alarm limit 2 is above the high alarm limit 1.5.",
          {}},
-        {1, {"low-alarm=1.5", "high-alarm=1.5"}, nullptr, {}},
-    };
+        {1, {"low-alarm=1.5", "high-alarm=1.5"}, nullptr, {}}};
     for (const auto& [address, given, told, asked] : cases)
         for (const bool force : {false, true}) {
             ConfigSession demo;
@@ -192,16 +170,11 @@ TEST(ConfigCommand, WhatIsHardlyMeantNeedsForce) {
 }
 
 TEST(ConfigCommand, WhatTheModuleDoesNotAcceptOrTellHasAnExitCode) {
-    struct Case {
-        std::int16_t Address = 0;
-        const char* At = ""; // beginning of the commands that fail
-        Faults Fault;
-        const char* Told = "";
-    };
     const Faults silent = {.Silent = true};
     const Faults refuse = {.Refuse = true};
     const char* untold = "did not tell all of its settings. Try again.\n";
-    const Case cases[] = {
+    // The beginning of the commands that fail, how they fail, what is told.
+    const std::tuple<std::int16_t, const char*, Faults, const char*> cases[] = {
         {5, "$052", silent, "No module answers at address 5 (05H) at 9600 baud, without or with a checksum."},
         {5, "$056", silent, untold},
         {15, "$0F6", silent, untold},
@@ -211,16 +184,15 @@ TEST(ConfigCommand, WhatTheModuleDoesNotAcceptOrTellHasAnExitCode) {
          "Configuration command failed.\nkavroctl: The address did not take: 99 is wanted, the module has "
          "5."},
         {20, "%14", silent, "kavroctl: Configuration command failed.\n"},
-        {24, "?", silent, "The module 8999 at address 24 (18H) has no settings that kavroctl knows."},
-    };
-    for (const Case& each : cases) {
+        {24, "?", silent, "The module 8999 at address 24 (18H) has no settings that kavroctl knows."}};
+    for (const auto& [address, at, fault, told] : cases) {
         ConfigSession demo;
-        demo.Line.ModuleAt(each.Address).CommandFaults = [&each](std::string_view command) {
-            return command.starts_with(each.At) ? each.Fault : Faults();
+        demo.Line.ModuleAt(address).CommandFaults = [at = at, fault = fault](std::string_view command) {
+            return command.starts_with(at) ? fault : Faults();
         };
-        const Captured set = demo.Set(each.Address, {"address=99"});
+        const Captured set = demo.Set(address, {"address=99"});
         EXPECT_EQ(set.Exit, ExitNotAccepted);
-        EXPECT_TRUE(Contains(set.Err, each.Told)) << set.Failure;
+        EXPECT_TRUE(Contains(set.Err, told)) << set.Failure;
     }
     ConfigSession unplugged;
     unplugged.Line.Unplug();
@@ -251,26 +223,15 @@ TEST(ConfigCommand, SpeaksToTheModuleAsMapAndOptionsSay) {
 }
 
 TEST(ConfigCommand, WrongUseIsToldInOneLine) {
-    const TestFolder folder;
-    qputenv("XDG_CONFIG_HOME", folder.Path().c_str());
-    const std::pair<QStringList, const char*> cases[] = {
-        {{}, "config show ADDRESS"},
-        {{"get", "5"}, "config show ADDRESS"},
-        {{"show"}, "Give the address"},
-        {{"show", "5", "range=08"}, "'config show' changes nothing"},
-        {{"set", "5"}, "Give what"},
-        {{"set", "5", "range"}, "name=value"},
-        {{"set", "5", "rnge=08"}, "range"},
-        {{"set", "5", "Baud=1", "baud=2"}, "twice"},
-        {{"show", "0", "--checksum"}, "Leave"},
-    };
-    for (const auto& [arguments, piece] : cases) {
-        const QStringList all = QStringList{"config", "--demo"} + arguments;
-        const Captured outcome = Capture([&] { return RunKavroctl(all); });
-        EXPECT_EQ(outcome.Exit, ExitWrongUse) << piece;
-        EXPECT_TRUE(Contains(outcome.Err, piece));
-        EXPECT_EQ(std::ranges::count(outcome.Err, '\n'), 1) << outcome.Err;
-    }
+    ExpectWrongUse({{{"config"}, "config show ADDRESS"},
+                    {{"config", "get", "5"}, "config show ADDRESS"},
+                    {{"config", "show"}, "Give the address"},
+                    {{"config", "show", "5", "range=08"}, "'config show' changes nothing"},
+                    {{"config", "set", "5"}, "Give what"},
+                    {{"config", "set", "5", "range"}, "name=value"},
+                    {{"config", "set", "5", "rnge=08"}, "range"},
+                    {{"config", "set", "5", "Baud=1", "baud=2"}, "twice"},
+                    {{"config", "show", "0", "--checksum"}, "Leave"}});
 }
 
 } // namespace

@@ -1,82 +1,27 @@
 #include "cli/cli_text.h"
+#include "cli/kavrosim.h"
 #include "cli/map_output.h"
 #include "map/list_line.h"
 #include "map/search.h"
 #include "sim/module_factory.h"
 #include "support/failure_text.h"
+#include "support/program_run.h"
 #include "support/test_session.h"
 
 #include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
-#include <QTemporaryDir>
 
+#include <algorithm>
 #include <csignal>
 #include <fstream>
 
 namespace kavro {
 namespace {
 
-constexpr int PatienceMs = 20000;
-
-struct Outcome {
-    int Exit = -1;
-    std::string Out;
-    std::string Err;
-};
-
-// A run of kavroctl with a settings folder of its own and no display.
-struct KavroCtl {
-    Outcome Run(const QStringList& arguments) {
-        Start(arguments);
-        return Finish();
-    }
-
-    void Start(const QStringList& arguments) {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("XDG_CONFIG_HOME", Folder.path());
-        environment.remove("DISPLAY");
-        environment.remove("WAYLAND_DISPLAY");
-        Process.setProcessEnvironment(environment);
-        Process.start(KAVROCTL_PROGRAM, arguments);
-    }
-
-    Outcome Finish() {
-        if (!Process.waitForFinished(PatienceMs) || Process.exitStatus() != QProcess::NormalExit)
-            return {};
-        return {Process.exitCode(), Process.readAllStandardOutput().toStdString(),
-                Process.readAllStandardError().toStdString()};
-    }
-
-    QTemporaryDir Folder;
-    QProcess Process;
-};
-
-// A simulated line that another program serves.
-struct ServedLine {
-    ServedLine() { Process.start(KAVROSIM_PROGRAM, {"--log"}); }
-    ~ServedLine() { End(); }
-
-    // The next line printed that contains `piece`.
-    QString Line(const QByteArray& piece) {
-        QByteArray line;
-        do {
-            while (!Process.canReadLine())
-                if (!Process.waitForReadyRead(PatienceMs))
-                    return {};
-            line = Process.readLine();
-        } while (!line.contains(piece));
-        return QString::fromUtf8(line).trimmed();
-    }
-
-    void End() {
-        Process.terminate();
-        Process.waitForFinished(PatienceMs);
-    }
-
-    QProcess Process;
+struct KavroCtl : ProgramRun {
+    KavroCtl() : ProgramRun(KAVROCTL_PROGRAM) {}
 };
 
 QJsonObject ParsedJson(const std::string& text) {
@@ -108,8 +53,7 @@ TEST(KavroCtl, WrongUseIsToldInOneLineAndHelpNeedsNothing) {
         {{"search", "--demo", "--timeout", "99"}, "'99'"},
         {{"search", "--demo", "--port", "1=/dev/null"}, "two devices"},
         {{"search", "--port", "2=/dev/a", "--port", "2=/dev/b"}, "COM2"},
-        {{"search", "--to", "3"}, "--port 1="},
-    };
+        {{"search", "--to", "3"}, "--port 1="}};
     for (const auto& [arguments, piece] : cases) {
         const Outcome outcome = KavroCtl().Run(arguments);
         EXPECT_TRUE(Contains(outcome.Err, piece));
@@ -215,6 +159,34 @@ TEST(KavroCtl, EndedSearchPrintsWhatItFound) {
         // A module being probed is finished when the search is stopped, and lost with the port.
         EXPECT_GE(map["modules"].toArray().size(), interrupt ? 2 : 1);
         EXPECT_NE(outcome.Err, "");
+    }
+}
+
+TEST(Kavrosim, LogsCommandAndReplyOnOneLine) {
+    EXPECT_EQ(
+        LogLine({.Moment = 13'345'678, .Baud = 9600, .Command = "$012", .Reply = "!01\xFF\n~\r"}, 1'000'000),
+        "     12.345 s   9600 baud  $012<0D> -> !01<FF><0A>~<0D>");
+    EXPECT_EQ(LogLine({.Moment = 0, .Baud = 115200, .Command = "", .Reply = ""}, 0),
+              "      0.000 s 115200 baud  <0D> -> (silence)");
+}
+
+TEST(Kavrosim, SaysInOneLineWhyItDoesNotStart) {
+    const std::tuple<QStringList, int, const char*> cases[] = {
+        {{"--loud"}, 2, "Unknown option 'loud'"},
+        {{"line.json"}, 2, "\"line.json\" is not understood"},
+        {{"a\nb"}, 2, "\"a?b\" is not understood"},
+        {{"--seed", "4294967296"}, 2, "--seed needs a whole number"},
+        {{"--line"}, 2, "Missing value after '--line'"},
+        {{"--line", ""}, 2, "--line needs the path of a file."},
+        {{"--link", ""}, 2, "--link needs a path."},
+        {{"--line", "/nowhere.json"}, 3, "The line file \"/nowhere.json\" cannot be used"},
+        {{"--link", "/"}, 3, "The link \"/\" cannot be made"}};
+    for (const auto& [arguments, exitCode, description] : cases) {
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(RunKavrosim(QStringList{"kavrosim"} + arguments), exitCode);
+        const std::string error = testing::internal::GetCapturedStderr();
+        EXPECT_TRUE(error.starts_with(std::string("kavrosim: ") + description)) << error;
+        EXPECT_EQ(std::ranges::count(error, '\n'), 1) << error;
     }
 }
 

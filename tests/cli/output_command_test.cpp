@@ -1,9 +1,5 @@
 #include "cli/captured.h"
 #include "cli/output_command.h"
-#include "sim/demo_line.h"
-#include "support/test_session.h"
-
-#include <algorithm>
 
 namespace kavro {
 namespace {
@@ -42,22 +38,10 @@ TEST(OutputCommand, SendsWhatThePanelsSendAndPrintsTheReplies) {
          {{"B7", "on"}, {"cl0", "off"}, {"all", "003c05"}},
          "@0FSO0F1 -> !0F\n@0FSO000 -> !0F\n@0FDO003C05 -> !0F\n"},
         {2, {{"1", "on"}, {"0", "on"}, {"all", "02"}}, "@02DO02 -> !02\n@02DO03 -> !02\n@02DO02 -> !02\n"},
-        {1, {{"all", "off"}}, "@01DO00 -> ?01\n", ExitNotAccepted},
-    };
+        {1, {{"all", "off"}}, "@01DO00 -> ?01\n", ExitNotAccepted}};
     for (const auto& [address, changes, printed, exit] : cases) {
         const Captured driven = OutputSession().Drive(address, changes);
         EXPECT_EQ(std::tuple(driven.Exit, driven.Out), std::tuple(exit, printed)) << driven.Err;
-    }
-}
-
-TEST(OutputCommand, SpeaksTheDataFormatOfTheModule) {
-    const std::tuple<int, int, const char*, const char*> cases[] = {
-        {0x30, 0, "17.123", "#0817.123"}, {0x32, 2, "10", "#08FFF"}, {0x32, 2, "5", "#08800"}};
-    for (const auto& [type, format, value, command] : cases) {
-        OutputSession demo;
-        demo.Line.ModuleAt(8).Settings.TypeCode = type;
-        demo.Line.ModuleAt(8).Settings.DataFormat = format;
-        EXPECT_EQ(demo.Drive(8, {{"", value}}).Out, std::string(command) + " -> >\n");
     }
 }
 
@@ -75,8 +59,7 @@ TEST(OutputCommand, WrongUseDrivesNothing) {
         {10, {"all", "0100"}, "4 hexadecimal digits, at most 00FF"},
         {15, {"A3", "on"}, "B7, CL0, CL1, CL2, CL3, all."},
         {2, {"2", "on"}, "the outputs are 0, 1, all."},
-        {11, {"0", "on"}, "The module 8420 has no outputs"},
-    };
+        {11, {"0", "on"}, "The module 8420 has no outputs"}};
     for (const auto& [address, change, piece] : cases) {
         OutputSession demo;
         const Captured driven = demo.Drive(address, {change});
@@ -91,17 +74,10 @@ TEST(OutputCommand, WrongUseDrivesNothing) {
 }
 
 TEST(OutputCommand, WhatTheModuleDoesNotAnswerHasAnExitCode) {
-    struct Case {
-        std::int16_t Address;
-        const char* At;
-        const char* Out;
-        const char* Told;
-    };
-    const Case cases[] = {
+    const std::tuple<std::int16_t, const char*, const char*, const char*> cases[] = {
         {10, "@0ASO", "@0ASO011 -> (no reply)\n@0ADO00FF -> !0A\n", "did not accept 1 of 2 commands."},
         {2, "@02DI", "@02DI -> (no reply)\n@02DO03 -> !02\n", "did not accept 1 of 2 commands."},
-        {15, "$0F6", "", "does not tell which of its ports"},
-    };
+        {15, "$0F6", "", "does not tell which of its ports"}};
     for (const auto& [address, at, out, told] : cases) {
         OutputSession demo;
         demo.Line.ModuleAt(address).CommandFaults = [at = std::string(at)](std::string_view command) {

@@ -1,18 +1,11 @@
 #include "cli/captured.h"
 #include "cli/command_sender.h"
-#include "cli/kavroctl.h"
 #include "cli/map_input.h"
 #include "cli/map_output.h"
-#include "cli/subcommand.h"
-#include "sim/demo_line.h"
-#include "support/test_session.h"
-#include "terminal/test_folder.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <gtest/gtest.h>
 
-#include <algorithm>
 #include <csignal>
 
 namespace kavro {
@@ -77,8 +70,7 @@ TEST(MapInput, ReadsWhatASearchPrintedAndSaysWhatIsWrong) {
         {R"({"modules": [3]})", "modules[0] must be"},
         {R"({"modules": [{"address": 1, "baudCode": 3}, {}]})", "modules[1].address"},
         {R"({"modules": [{"address": 1, "baudCode": 3, "baud": 1200}]})", "modules[0].baud must be 9600"},
-        {R"({"modules": [{"address": 1, "baudCode": 3, "checksum": 1}]})", "modules[0].checksum"},
-    };
+        {R"({"modules": [{"address": 1, "baudCode": 3, "checksum": 1}]})", "modules[0].checksum"}};
     for (const auto& [content, piece] : cases) {
         const std::string path = demo.Folder.Write("map.json", content);
         EXPECT_TRUE(Contains(FailureText([&] { ReadMap(read.Session, path); }), piece));
@@ -138,27 +130,18 @@ TEST(CommandSender, LostPortLeavesWhatWasExchanged) {
 
 TEST(TerminalCommands, UseTheMapAndTellWrongUseInOneLine) {
     const TestFolder folder;
-    qputenv("XDG_CONFIG_HOME", folder.Path().c_str());
     const auto batch = QString::fromStdString(folder.Write("batch", "$012\n"));
-    const std::pair<QStringList, const char*> cases[] = {
-        {{"send"}, "Give the commands"},
-        {{"send", "a\nb"}, "one line"},
-        {{"send", "$012", " "}, "An empty command"},
-        {{"send", QString(QChar(0x0142))}, "8 bits"},
-        {{"send", "--map", "/nowhere.json", "$012"}, "no such file"},
-        {{"batch"}, "Give the file"},
-        {{"batch", "/nowhere"}, "/nowhere"},
-        {{"batch", QString::fromStdString(folder.Path())}, "is a folder"},
-        {{"batch", batch, "--passes", "0"}, "'0'"},
-        {{"batch", batch, "--log", batch}, "would empty"},
-        {{"batch", batch, "--log", "/nowhere/log"}, "/nowhere/log"},
-    };
-    for (const auto& [arguments, piece] : cases) {
-        const Captured outcome = Capture([&] { return RunKavroctl(arguments + QStringList("--demo")); });
-        EXPECT_EQ(outcome.Exit, ExitWrongUse) << piece;
-        EXPECT_TRUE(Contains(outcome.Err, piece));
-        EXPECT_EQ(std::ranges::count(outcome.Err, '\n'), 1) << outcome.Err;
-    }
+    ExpectWrongUse({{{"send"}, "Give the commands"},
+                    {{"send", "a\nb"}, "one line"},
+                    {{"send", "$012", " "}, "An empty command"},
+                    {{"send", QString(QChar(0x0142))}, "8 bits"},
+                    {{"send", "--map", "/nowhere.json", "$012"}, "no such file"},
+                    {{"batch"}, "Give the file"},
+                    {{"batch", "/nowhere"}, "/nowhere"},
+                    {{"batch", QString::fromStdString(folder.Path())}, "is a folder"},
+                    {{"batch", batch, "--passes", "0"}, "'0'"},
+                    {{"batch", batch, "--log", batch}, "would empty"},
+                    {{"batch", batch, "--log", "/nowhere/log"}, "/nowhere/log"}});
     EXPECT_EQ(folder.Read("batch"), "$012\n");
 
     const std::string map = folder.Write("map.json", R"({"modules": [{"address": 32, "baudCode": 4}]})");

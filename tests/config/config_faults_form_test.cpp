@@ -1,14 +1,4 @@
-#include "config/ad_config_form.h"
-#include "config/config_entries.h"
-#include "config/ctr_config_form.h"
-#include "config/da_config_form.h"
-#include "config/dio_config_form.h"
 #include "config/module_on_line.h"
-#include "config/multi_config_form.h"
-#include "config/n46_config_form.h"
-#include "config/n8610_config_form.h"
-
-#include <functional>
 
 namespace kavro {
 namespace {
@@ -24,7 +14,6 @@ struct Step {
 /// A dialog and entries that change all of its module's settings, first those of the module configuration.
 struct FormCase {
     ModuleRecord Record;
-    Opener Open;
     std::vector<Step> Steps;
     std::string Load = {};   // sent when the dialog opens; what it reads is always written
     bool ToldAtOnce = false; // the success of the configuration; else that of any step, at the end
@@ -45,38 +34,32 @@ const CounterSettings Counting = {
 
 const FormCase Cases[] = {
     {{.Model = "8230  ", .InputRange = 0x20},
-     Open<AdConfigForm>,
      {{"Addr=2;InputRange=Cu, 0~60 ohms;DataFormat=Ohms", "%AA022A0643", ConfigFailedText},
       {"ChannelEnable_0;ChannelDisable_1;ChannelEnable_2", "$AA505",
        "Channel enable/disable configuration failed."}},
      "$AA6"},
     {{.Model = "8320  ", .InputRange = 0x33},
-     Open<DaConfigForm>,
      {{"Addr=2", "%AA02330640", ConfigFailedText},
       {"InputPolarity=Change!", "~AACP01", "Digital input polarity configuration failed."}},
      {},
      true},
     {{.Model = "8450  ", .Digital = {1}},
-     Open<DioConfigForm>,
      {{"Addr=2", "%AA02400640", ConfigFailedText},
       {"InputPolarity=Not change;OutputPolarity=Change!", "~AACP10",
        "Digital I/O polarity configuration failed."}},
      {},
      true},
     {{.Model = "8460  "},
-     Open<N46ConfigForm>,
      {{"Addr=2", "%AA02400640", ConfigFailedText},
       {"PortInput_0;PortOutput_1;PortOutput_2;PortInput_3", "$AAS09",
        "Port input/output configuration failed."}},
      "$AA6"},
     {{.Model = "8220  ", .HighAlarm = 8.5F, .LowAlarm = -1.5F, .InputRange = 8},
-     Open<MultiConfigForm>,
      {{"Addr=2;DataFormat=% of FSR", "%AA02080641", ConfigFailedText},
       {"AlarmMode=Latch", "@AAEA2", "Alarm mode configuration failed."},
       {"LowAlarm=-2", "@AAPL-02.000", "Low alarm limit configuration failed."},
       {"HighAlarm=2", "@AAPH+02.000", "High alarm limit configuration failed."}}},
     {{.Model = "8510  ", .InputRange = 80, .Counter = Counting},
-     Open<CtrConfigForm>,
      CommandSteps({{"Addr=2;FreqGateTime=1 second", "%AA02500644", "Module Configuration"},
                    {"InputMode=Photo Isolated", "$AAB1", "Input Mode Setting"},
                    {"GateMode=High", "$AAA1", "Gate Mode Setting"},
@@ -96,10 +79,8 @@ const FormCase Cases[] = {
                    {"AlarmValue_0=5", "@AAPA00000005", "Alarm Limit Value Setting"},
                    {"AlarmValue_1=6", "@AASA00000006", "Alarm Limit Value Setting"}})},
     {ConverterWith(0x6003),
-     Open<N8610ConfigForm>,
      {{"Addr=2;DataBits=7;Parity=Even;StopBits=2;Interface=RS-485",
-       "%AA02" + ToHex(FactorySettings("8620").TypeCode, 2) + "66E01E", ConfigFailedText}}},
-};
+       "%AA02" + ToHex(FactorySettings("8620").TypeCode, 2) + "66E01E", ConfigFailedText}}}};
 
 std::string At(const std::string& address, std::string command) {
     return command.replace(1, 2, address);
@@ -119,7 +100,7 @@ struct FormSession : ModuleOnLine {
         // A module that was moved without the program's knowing is put back to where its entry has it.
         MatchModule();
         UnplugAt = 0;
-        const auto form = Case.Open(Session, Messages);
+        const auto form = OpenFor(*this);
         Sent.clear();
         UnplugAt = unplugAt;
         QStringList entries;
@@ -217,7 +198,7 @@ TEST(ConfigFaults, ALostPortIsOneMessage) {
 TEST(ConfigFaults, FormsShowTheEntryAsItIs) {
     for (const FormCase& test : Cases) {
         FormSession session(test);
-        StaysOpen(*test.Open(session.Session, session.Messages), "");
+        StaysOpen(*OpenFor(session), "");
         EXPECT_EQ(session.Sent.size(), test.Load.empty() ? 0U : 2U) << test.Record.Model;
     }
 }

@@ -1,15 +1,20 @@
 #pragma once
 
+#include "config/ad_config_form.h"
 #include "config/config_commands.h"
+#include "config/ctr_config_form.h"
+#include "config/da_config_form.h"
+#include "config/dio_config_form.h"
+#include "config/multi_config_form.h"
+#include "config/n46_config_form.h"
+#include "config/n8610_config_form.h"
 #include "link/codes.h"
 #include "link/text.h"
 #include "map/family_reads.h"
 #include "sim/alarm_input_module.h"
 #include "sim/converter_module.h"
 #include "sim/module_factory.h"
-#include "support/test_session.h"
-
-#include <gtest/gtest.h>
+#include "support/form_driver.h"
 
 namespace kavro {
 
@@ -21,12 +26,8 @@ struct ModuleOnLine : SimulatedSession {
     explicit ModuleOnLine(const ModuleRecord& record)
         : Module(Line.Add(MakeModule(Trim(record.Model), 1, 9600, record.Checksum == 1))),
           Record(Session.ModuleTable[0]) {
-        Session.SelectedModule = 0;
-        Session.ScanIndex = -1;
         Session.ConfigResult = 1; // of the dialog before
-        Record = record;
-        Record.Address = 1;
-        Record.BaudCode = 3;
+        Select(Session, record);
         MatchModule();
         Session.Line.SetPortBaud(1, 3, 0, 8, 0); // the pause after a change of speed is over
         Line.Log = [this](const LineEvent& event) {
@@ -80,6 +81,37 @@ inline ModuleRecord ConverterWith(std::int32_t word) {
     record.InputRange = static_cast<std::int16_t>(FactorySettings("8620").TypeCode);
     DecodeConverterFormat(word, record);
     return record;
+}
+
+/// Makes entries in a dialog and clicks OK; whether it stays open. Each entry is a control and its text,
+/// "Addr=2;BaudRate=9600", or a control alone to be clicked.
+inline bool StaysOpen(QDialog& form, const QString& entries) {
+    form.show();
+    for (const QString& entry : entries.split(';', Qt::SkipEmptyParts)) {
+        const QString name = entry.section('=', 0, 0);
+        auto& control = Find<QWidget>(form, name);
+        if (entry.contains('='))
+            control.setProperty(qobject_cast<QComboBox*>(&control) ? "currentText" : "text",
+                                entry.section('=', 1));
+        else
+            Click(form, name);
+    }
+    Click(form, "OKBtn");
+    return form.isVisible();
+}
+
+template <class Form>
+std::unique_ptr<QDialog> Open(Session& session, Messages& messages) {
+    return std::make_unique<Form>(session, messages);
+}
+
+/// The configuration dialog of the module.
+inline std::unique_ptr<QDialog> OpenFor(ModuleOnLine& module) {
+    const std::map<std::string, std::unique_ptr<QDialog> (*)(Session&, Messages&)> dialogs = {
+        {"8220", Open<MultiConfigForm>}, {"8230", Open<AdConfigForm>},   {"8250", Open<AdConfigForm>},
+        {"8320", Open<DaConfigForm>},    {"8450", Open<DioConfigForm>},  {"8460", Open<N46ConfigForm>},
+        {"8510", Open<CtrConfigForm>},   {"8620", Open<N8610ConfigForm>}};
+    return dialogs.at(Trim(module.Record.Model))(module.Session, module.Messages);
 }
 
 } // namespace kavro

@@ -4,8 +4,6 @@
 #include "link/text.h"
 #include "support/test_session.h"
 
-#include <gtest/gtest.h>
-
 #include <sstream>
 
 namespace kavro {
@@ -62,8 +60,7 @@ TEST_F(ModuleValuesTest, EveryFamilyByItsOwnCommands) {
         {"8460", 64, 0, "!123C05", "$0A8 |A=12 hex ok|B=3C hex ok|CH=0 hex ok|CL=5 hex ok"},
         {"8510", 80, 0, ">FFFFFFFF >0000000A", "#0A0 #0A1 |0=4294967295 ok|1=10 ok"},
         {"8510", 81, 0, ">000003E8 >3E8 >3E8", "#0A0 #0A1 #0A1 |0=1000 Hz ok|1=Hz error"},
-        {"8610", 64, 0, "", ""},
-    };
+        {"8610", 64, 0, "", ""}};
     for (const auto& [model, range, format, replies, read] : cases) {
         ModuleRecord record{.Address = 10, .Model = model, .BaudCode = 3};
         record.InputRange = static_cast<std::int16_t>(range);
@@ -106,8 +103,7 @@ TEST_F(ModuleValuesTest, OneTimeOutAtMostAndTheMaskIsReadTwiceAlike) {
         {"- >+001.00", "$0AM |0=C disabled|1=C no reply|2=C no reply", 200},
         {"!0A8230 >+001.00", "$0AM #0A1 #0A2 |0=C disabled|1=1.0000 C ok|2=C no reply", 200},
         {"!0A8230 >+001.00 >-002.50", "$0AM #0A1 #0A2 |0=C disabled|1=1.0000 C ok|2=-2.5000 C ok", 0},
-        {">+001.00 >-002.50", "#0A1 #0A2 |0=C disabled|1=1.0000 C ok|2=-2.5000 C ok", 0},
-    };
+        {">+001.00 >-002.50", "#0A1 #0A2 |0=C disabled|1=1.0000 C ok|2=-2.5000 C ok", 0}};
     for (const auto& [replies, read, takesMs] : turns) {
         Time.Sleep(500);
         const auto start = Time.GetTickCount();

@@ -2,17 +2,12 @@
 
 #include "diag/panel_on_line.h"
 #include "map/search.h"
-#include "sim/demo_line.h"
-#include "terminal/test_folder.h"
+#include "support/full_disk.h"
 
 #include <QFileDialog>
 #include <QImage>
 #include <QSplitter>
 #include <QTableWidget>
-
-#include <csignal>
-
-#include <sys/resource.h>
 
 namespace kavro {
 namespace {
@@ -132,13 +127,6 @@ TEST_F(MonitorFormTest, WithoutATickTheValuesHaveTheRoom) {
     EXPECT_EQ(Form->size(), size);
 }
 
-// As on a disk that is full, no file gets longer than that.
-void LimitFiles(rlim_t bytes) {
-    std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit limits = {bytes, RLIM_INFINITY};
-    setrlimit(RLIMIT_FSIZE, &limits);
-}
-
 TEST_F(MonitorFormTest, LogsUntilTheDiskIsFull) {
     const TestFolder folder;
     auto& state = Find<QLabel>(*Form, "LogState");
@@ -148,9 +136,9 @@ TEST_F(MonitorFormTest, LogsUntilTheDiskIsFull) {
     const std::string text = folder.Read("log.csv");
     EXPECT_TRUE(text.starts_with(CsvHeader + std::string("1970-01-01T02:00:00.000+02:00,1,8210,0,")));
     EXPECT_EQ(std::ranges::count(text, '\n'), 3);
-    LimitFiles(text.size() + 10);
+    FullDisk::Limit(text.size() + 10);
     Turns(5);
-    LimitFiles(RLIM_INFINITY);
+    FullDisk::Limit(RLIM_INFINITY);
     EXPECT_EQ(Messages.Shown.size(), 1U);
     EXPECT_EQ(state.text(), "Not logging");
     EXPECT_EQ(Cell(6, StateColumn), "ok") << "polling goes on";

@@ -4,10 +4,6 @@
 #include "diag/port_panel.h"
 #include "support/test_session.h"
 
-#include <gtest/gtest.h>
-
-#include <functional>
-
 namespace kavro {
 namespace {
 
@@ -66,8 +62,7 @@ const PanelCommand Commands[] = {
     {"8240", Tells<SwitchAlarmOutput, 0, false>, {{"@0ADI", "!0A00301", 2}, {"@0ADO02", "!0A"}}},
     {"8240", Tells<ClearAlarms>, {{"@0ACA", "!0A"}}},
     {"8220", Reads<ReadAlarmLimit, false>(std::string("-01.500 V")), {{"@0ARL", "!0A-01.500"}}, {"!0A"}},
-    {"8220", Reads<ReadAlarmLimit, true>(std::string("+09.750 V")), {{"@0ARH", "!0A+09.750"}}, {"!0AG"}},
-};
+    {"8220", Reads<ReadAlarmLimit, true>(std::string("+09.750 V")), {{"@0ARH", "!0A+09.750"}}, {"!0AG"}}};
 
 // The commands sent, and what is answered, when the first `good` steps go well and then this reply comes;
 // what does not fit is asked for once more, and what changes something is not.

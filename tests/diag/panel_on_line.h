@@ -3,24 +3,8 @@
 #include "diag/panel_form.h"
 #include "sim/module_factory.h"
 #include "support/form_driver.h"
-#include "support/test_session.h"
-
-#include <QLabel>
-
-#include <gtest/gtest.h>
 
 namespace kavro {
-
-/// Makes `record` entry 0, selected and not in its initialisation state, at address 1 and 9600 baud unless
-/// the record says otherwise.
-inline void Select(Session& session, ModuleRecord record) {
-    record.Address = record.Address == 0 ? std::int16_t{1} : record.Address;
-    record.BaudCode = record.BaudCode == 0 ? std::int16_t{3} : record.BaudCode;
-    session.ModuleTable[0] = record;
-    session.SelectedModule = 0;
-    session.ModuleCount = 1;
-    session.ScanIndex = -1;
-}
 
 /// A scripted session with a panel's module; what was sent, without rate and port.
 struct ScriptedPanel : ScriptedSession {

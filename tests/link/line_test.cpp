@@ -1,7 +1,4 @@
-#include "link/runtime_failure.h"
 #include "support/test_session.h"
-
-#include <gtest/gtest.h>
 
 namespace kavro {
 namespace {
@@ -63,21 +60,17 @@ TEST_F(LineTest, OverlongLinesAreErrors) {
 }
 
 TEST_F(LineTest, TimeOutsRunFromTheLastCharacter) {
-    const struct {
-        ScriptedReply Incoming;
-        int DelayMs = 0;
-        bool Complete = false;
-        const char* Reply = "";
-        std::int64_t Milliseconds = 0;
-    } cases[] = {{{""}, 0, false, "", 100},             // silence
-                 {{""}, 50, false, "", 150},            // the time-out begins after the pause
-                 {{"!01\r", 99}, 0, true, "!01", 99},   // acted on when its carriage return arrives
-                 {{"!01\r", 100}, 0, true, "!01", 100}, // just as the time is up: it is there
-                 {{"!01\r", 101}, 0, false, "", 100},
-                 {{"!01\r", 20}, 200, true, "!01", 200},           // the pause is kept in any case
-                 {{"!01\r", 90, 99}, 0, true, "!01", 90 + 3 * 99}, // slow characters are never cut off
-                 {{"!01", 90, 99}, 0, false, "!01", 90 + 2 * 99 + 100},
-                 {{"!01\n \xE9\r"}, 0, true, "!01\n \xE9", 0}};
+    // What comes and when, the pause before, whether it is complete, the reply, milliseconds.
+    const std::tuple<ScriptedReply, int, bool, const char*, std::int64_t> cases[] = {
+        {{""}, 0, false, "", 100},             // silence
+        {{""}, 50, false, "", 150},            // the time-out begins after the pause
+        {{"!01\r", 99}, 0, true, "!01", 99},   // acted on when its carriage return arrives
+        {{"!01\r", 100}, 0, true, "!01", 100}, // just as the time is up: it is there
+        {{"!01\r", 101}, 0, false, "", 100},
+        {{"!01\r", 20}, 200, true, "!01", 200},           // the pause is kept in any case
+        {{"!01\r", 90, 99}, 0, true, "!01", 90 + 3 * 99}, // slow characters are never cut off
+        {{"!01", 90, 99}, 0, false, "!01", 90 + 2 * 99 + 100},
+        {{"!01\n \xE9\r"}, 0, true, "!01\n \xE9", 0}};
     for (const auto& [incoming, delay, complete, expected, milliseconds] : cases) {
         ScriptedSession test;
         test.Port().Receive(incoming);
@@ -124,22 +117,15 @@ TEST_F(LineTest, Exchange) {
 
 // What arrives first being what was sent is the adapter's echo, whatever was sent; nothing else is.
 TEST_F(LineTest, Echo) {
-    const struct {
-        const char* Command;
-        std::int16_t Checksum;
-        const char* Incoming;
-        bool Complete;
-        const char* Reply;
-        bool Echo;
-    } cases[] = {
+    using Text = const char*;
+    const std::tuple<Text, std::int16_t, Text, bool, Text, bool> cases[] = {
         {"$012", 0, "$012\r!01400600\r", true, "!01400600", true},
         {"$012", 1, "$012B7\r!0182\r", true, "!01", true},
         {"#01+05.000", 0, "#01+05.000\r", false, "", true},
         {"$012", 0, "$012\r$012\r", true, "$012", true},
         {"$012", 0, "$013\r!01\r", true, "$013", false},
         {"$012", 0, "!01\r", true, "!01", false},
-        {"$012", 0, "", false, "", false},
-    };
+        {"$012", 0, "", false, "", false}};
     int told = 0;
     TestLine.EchoFound = [&told] { ++told; };
     for (const auto& [command, checksum, incoming, complete, reply, echo] : cases) {
@@ -156,12 +142,7 @@ TEST_F(LineTest, Echo) {
 }
 
 TEST_F(LineTest, BoundedTransactions) {
-    const struct {
-        ScriptedReply Incoming;
-        std::int16_t Checksum;
-        int TimeoutMs;
-        int Milliseconds;
-    } cases[] = {
+    const std::tuple<ScriptedReply, std::int16_t, int, int> cases[] = {
         {{std::string(400, '!'), 50, 90}, 0, 100, 3000},  // a slow drip
         {{std::string(2000, '!')}, 0, 100, 0},            // no end of it
         {{std::string(300, '\xFF') + "00\r"}, 1, 100, 0}, // beyond any checksum
@@ -188,8 +169,7 @@ TEST_F(LineTest, AnInterruptionEndsEveryWait) {
         [&] {
             Test.Port().Queue = {{std::string(1000, '!'), 0, 90}};
             TestLine.Exchange("$012", 0, TestLine.PortBaudCode[0], 100);
-        },
-    };
+        }};
     for (const auto& wait : waits) {
         askedAt = Test.Time.GetTickCount() + 130;
         EXPECT_THROW(wait(), Interruption);

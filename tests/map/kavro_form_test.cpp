@@ -1,24 +1,17 @@
 #include "map/kavro_form.h"
 
 #include "map/search_form.h"
-#include "sim/demo_line.h"
 #include "support/form_driver.h"
-#include "support/test_session.h"
 #include "terminal/test_folder.h"
 #include "ui/print_lines.h"
 
-#include <QComboBox>
 #include <QContextMenuEvent>
 #include <QEnterEvent>
 #include <QFileSystemModel>
-#include <QLabel>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
 #include <QPrinter>
 #include <QRegularExpression>
-
-#include <gtest/gtest.h>
 
 namespace kavro {
 namespace {
@@ -101,8 +94,7 @@ TEST_F(KavroFormTest, SearchFillsTheListAndTheSelectionFollowsIt) {
 TEST_F(KavroFormTest, TheListOpensModulesByKeyAndMouse) {
     Search("5");
     const auto press = [&](int key, bool held = false) {
-        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, {}, held);
-        QApplication::sendEvent(&List(), &event);
+        PressKey(List(), key, {}, held);
         return std::pair(List().currentRow(), Opened.size());
     };
     Session.SelectedModule = -1;

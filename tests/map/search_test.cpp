@@ -1,9 +1,6 @@
 #include "map/search.h"
-#include "sim/demo_line.h"
 #include "sim/wire_text.h"
 #include "support/test_session.h"
-
-#include <gtest/gtest.h>
 
 #include <iomanip>
 #include <sstream>
@@ -288,35 +285,33 @@ struct DemoSearch : SimulatedSession {
 TEST(DemoSearch, FindsTheDemoLineCompletelyAndExactly) {
     DemoSearch test;
     test.Run();
-    EXPECT_EQ(test.Session.Device, (Lines{
-                                       "   1(01H)   8210      9600        V        +/- 2.5V        ",
-                                       "   2(02H)   8220      9600        mA       +/- 20mA        ",
-                                       "   3(03H)   8230      9600        C        Pt, +/- 100C    ",
-                                       "   4(04H)   8240      9600        V        +/- 10V         ",
-                                       "   5(05H)   8250      9600        V        +/- 10V         ",
-                                       "   6(06H)   8260      9600        C        T/C Type K      ",
-                                       "   7(07H)   8250      9600        2's      +/- 5V          ",
-                                       "   8(08H)   8310      9600        %        4 to 20mA       ",
-                                       "   9(09H)   8320      9600        V        +/- 10V         ",
-                                       "  10(0AH)   8410      9600                 Digital I/O",
-                                       "  11(0BH)   8420      9600                 Digital I/O",
-                                       "  12(0CH)   8430      9600                 Digital I/O",
-                                       "  13(0DH)   8440      9600                 Digital I/O",
-                                       "  14(0EH)   8450      9600                 Digital I/O",
-                                       "  15(0FH)   8460      9600                 Digital I/O",
-                                       "  16(10H)   8470      9600                 Digital I/O",
-                                       "  18(12H)   8510      9600                 Counter         ",
-                                       "  20(14H)   8610      9600       n,8,1     RS-485",
-                                       "* 22(16H)   8250      19200       V        +/- 10V         ",
-                                       "  24(18H)   8999      9600                 Unknown Module",
-                                       "  32(20H)   8480      19200                Digital I/O",
-                                       "  33(21H)   8510      19200                Frequency       ",
-                                       "  34(22H)   8230      19200       Ohms     Pt, +/- 100C    ",
-                                       "  48(30H)   8490      38400                Digital I/O",
-                                       "  49(31H)   8260      38400       %        T/C Type J      ",
-                                       "  64(40H)   8620      115200     e,7,2     RS-422",
-                                       " 255(FFH)   8250      115200      V        +/- 10V         ",
-                                   }));
+    EXPECT_EQ(test.Session.Device, (Lines{"   1(01H)   8210      9600        V        +/- 2.5V        ",
+                                          "   2(02H)   8220      9600        mA       +/- 20mA        ",
+                                          "   3(03H)   8230      9600        C        Pt, +/- 100C    ",
+                                          "   4(04H)   8240      9600        V        +/- 10V         ",
+                                          "   5(05H)   8250      9600        V        +/- 10V         ",
+                                          "   6(06H)   8260      9600        C        T/C Type K      ",
+                                          "   7(07H)   8250      9600        2's      +/- 5V          ",
+                                          "   8(08H)   8310      9600        %        4 to 20mA       ",
+                                          "   9(09H)   8320      9600        V        +/- 10V         ",
+                                          "  10(0AH)   8410      9600                 Digital I/O",
+                                          "  11(0BH)   8420      9600                 Digital I/O",
+                                          "  12(0CH)   8430      9600                 Digital I/O",
+                                          "  13(0DH)   8440      9600                 Digital I/O",
+                                          "  14(0EH)   8450      9600                 Digital I/O",
+                                          "  15(0FH)   8460      9600                 Digital I/O",
+                                          "  16(10H)   8470      9600                 Digital I/O",
+                                          "  18(12H)   8510      9600                 Counter         ",
+                                          "  20(14H)   8610      9600       n,8,1     RS-485",
+                                          "* 22(16H)   8250      19200       V        +/- 10V         ",
+                                          "  24(18H)   8999      9600                 Unknown Module",
+                                          "  32(20H)   8480      19200                Digital I/O",
+                                          "  33(21H)   8510      19200                Frequency       ",
+                                          "  34(22H)   8230      19200       Ohms     Pt, +/- 100C    ",
+                                          "  48(30H)   8490      38400                Digital I/O",
+                                          "  49(31H)   8260      38400       %        T/C Type J      ",
+                                          "  64(40H)   8620      115200     e,7,2     RS-422",
+                                          " 255(FFH)   8250      115200      V        +/- 10V         "}));
     EXPECT_EQ(std::tuple(test.Session.ModuleCount, test.Session.ScanIndex), std::tuple(27, 18));
     const ModuleTable& table = test.Session.ModuleTable;
     EXPECT_EQ(Fields(table[0]), "set 0 3 5 0 alarm -1.5 1.5 2 20200");

@@ -1,7 +1,6 @@
 #include "ports/device_port.h"
 
 #include "ports/device_node.h"
-#include "support/failure_text.h"
 #include "support/pty_pair.h"
 #include "terminal/test_folder.h"
 
@@ -10,7 +9,6 @@
 #include <QTimer>
 
 #include <ctime>
-#include <filesystem>
 #include <functional>
 #include <thread>
 
@@ -73,11 +71,9 @@ TEST_F(DevicePortTest, SettingsHoldAcrossClosing) {
 // Whatever is done first with a device that is gone tells so, once.
 TEST(DevicePort, VanishedDeviceIsToldOnce) {
     const std::function<void(DevicePort&)> operations[] = {
-        [](DevicePort& port) { port.WaitForInput(LongMs); },
-        [](DevicePort& port) { port.EmptyInBuffer(); },
+        [](DevicePort& port) { port.WaitForInput(LongMs); }, [](DevicePort& port) { port.EmptyInBuffer(); },
         [](DevicePort& port) { port.Output("$012\r"); },
-        [](DevicePort& port) { port.Settings("19200,n,8,1"); },
-    };
+        [](DevicePort& port) { port.Settings("19200,n,8,1"); }};
     for (const auto& operation : operations) {
         PtyPair pty;
         DevicePort port(pty.Device);
@@ -119,17 +115,15 @@ TEST_F(DevicePortTest, BabbleIsBounded) {
 TEST_F(DevicePortTest, WhatCannotBeOpened) {
     const std::string link = Folder.Path("adapter");
     std::filesystem::create_symlink(Pty.Device, link);
-    const std::pair<std::string, const char*> cases[] = {
-        {"/dev/no_such_device", "There is no such device"},
-        {Folder.Path(), "This is a folder"},
-        {Folder.Write("file", "text"), "This is a file"},
-        {"/dev/null", "This is the null device, not"},
-        {"/dev/ptmx", "makes pseudo-terminals, not"},
-        {"tty", "the terminal in which this program runs"},
-        {"/dev/zero", "This is not a serial device"},
-        {Pty.Device, "already open in this program"},
-        {link, "already open in this program"},
-    };
+    const std::pair<std::string, const char*> cases[] = {{"/dev/no_such_device", "There is no such device"},
+                                                         {Folder.Path(), "This is a folder"},
+                                                         {Folder.Write("file", "text"), "This is a file"},
+                                                         {"/dev/null", "This is the null device, not"},
+                                                         {"/dev/ptmx", "makes pseudo-terminals, not"},
+                                                         {"tty", "the terminal in which this program runs"},
+                                                         {"/dev/zero", "This is not a serial device"},
+                                                         {Pty.Device, "already open in this program"},
+                                                         {link, "already open in this program"}};
     for (const auto& [device, told] : cases)
         EXPECT_TRUE(Contains(OpenFailure(device), told)) << device;
     EXPECT_TRUE(Port.PortOpen());

@@ -2,14 +2,11 @@
 #include "ports/port_registry.h"
 #include "ports/replace_file.h"
 #include "ports/settings_folder.h"
-#include "support/failure_text.h"
 #include "support/full_disk.h"
-#include "terminal/test_folder.h"
 
 #include <QByteArray>
 
 #include <cstring>
-#include <filesystem>
 
 #include <sys/file.h>
 #include <sys/wait.h>
@@ -21,10 +18,6 @@ namespace fs = std::filesystem;
 
 class FilesTest : public testing::Test {
 protected:
-    std::ptrdiff_t Entries() const {
-        return std::distance(fs::directory_iterator(Folder.Path()), fs::directory_iterator());
-    }
-
     TestFolder Folder;
     std::string File = Folder.Path("file");
 };
@@ -95,7 +88,7 @@ TEST_F(FilesTest, ClearsAwayWhatAKilledSaveLeft) {
     ASSERT_EQ(waitpid(child, &status, 0), child);
     ASSERT_TRUE(WIFSIGNALED(status));
     EXPECT_EQ(Folder.Read("file"), "old");
-    EXPECT_EQ(Entries(), 2);
+    EXPECT_EQ(Folder.Entries(), 2);
 
     // What another program is just writing stays, and what is no temporary file of this one.
     const char* const others[] = {"file.1-2.kavro-tmp", "file.backup", "file.1x.kavro-tmp", "file.kavro-tmp",
@@ -106,12 +99,12 @@ TEST_F(FilesTest, ClearsAwayWhatAKilledSaveLeft) {
     ASSERT_EQ(flock(writing, LOCK_EX), 0);
     ReplaceFile(File, "new");
     EXPECT_EQ(Folder.Read("file"), "new");
-    EXPECT_EQ(Entries(), 6);
+    EXPECT_EQ(Folder.Entries(), 6);
     for (const char* name : others)
         EXPECT_TRUE(fs::exists(Folder.Path(name))) << name;
     close(writing);
     ReplaceFile(File, "new");
-    EXPECT_EQ(Entries(), 5);
+    EXPECT_EQ(Folder.Entries(), 5);
 }
 
 TEST(SettingsFolder, FollowsTheDesktopRules) {
@@ -139,15 +132,15 @@ TEST_F(FilesTest, LineFileReadsEveryKey) {
     EXPECT_TRUE(line.LineFaults.Noise && line.LineFaults.Echo);
     EXPECT_EQ(line.LineFaults.SlowCharacterMs, 3);
     const ModuleSettings& first = line.ModuleAt(3).Settings;
-    EXPECT_EQ(std::tuple(first.Baud, first.TypeCode, first.DataFormat), std::tuple(19200, 0x0A, 2));
+    EXPECT_EQ(std::tuple(first.Baud, first.TypeCode, first.DataFormat, first.Revision),
+              std::tuple(19200, 0x0A, 2, "B7"));
     EXPECT_TRUE(first.Checksum && first.Initialisation);
-    EXPECT_EQ(first.Revision, "B7");
     const Faults& faults = line.ModuleAt(3).OwnFaults;
-    EXPECT_EQ(faults.DelayMs, 50);
     EXPECT_TRUE(faults.Refuse && faults.Silent && faults.WrongChecksum && faults.NoCarriageReturn);
     EXPECT_TRUE(faults.Unplugged && faults.Babble);
-    EXPECT_EQ(std::tuple(faults.DamageShare, faults.Late.Share, faults.Late.MinMs, faults.Late.MaxMs),
-              std::tuple(0.25, 0.5, 100, 400));
+    EXPECT_EQ(std::tuple(faults.DelayMs, faults.DamageShare, faults.Late.Share, faults.Late.MinMs,
+                         faults.Late.MaxMs),
+              std::tuple(50, 0.25, 0.5, 100, 400));
     EXPECT_EQ(line.ModuleAt(255).Hear("$FF2", 9600, 0), "!FF00668003") << "factory settings, own class";
 }
 
@@ -165,8 +158,7 @@ TEST_F(FilesTest, LineFileSaysWhatIsWrongAndWhere) {
         {R"({"modules": [], "faults": {"damage": 1.1}})", "faults.damage must be a number from 0 to 1."},
         {R"({"modules": [], "faults": {"late": {"min": 2, "max": 1}}})", "faults.late must be from a"},
         {R"({"modules": [7]})", "modules[0] must be an object"},
-        {R"({"modules": [{"address": 1}]})", "modules[0] lacks the key \"model\"."},
-    };
+        {R"({"modules": [{"address": 1}]})", "modules[0] lacks the key \"model\"."}};
     const std::pair<const char*, const char*> moduleCases[] = {
         {R"("8250", "address": 256)", "address must be a whole number from 0 to 255."},
         {R"("82\r", "address": 1)", "model must be a text"},

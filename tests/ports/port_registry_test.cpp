@@ -4,11 +4,8 @@
 #include "sim/demo_line.h"
 #include "sim/simulated_port.h"
 #include "sim/virtual_clock.h"
-#include "support/failure_text.h"
 #include "support/pty_pair.h"
 #include "terminal/test_folder.h"
-
-#include <filesystem>
 
 namespace kavro {
 namespace {
@@ -30,13 +27,11 @@ protected:
 TEST(PortOption, Parsed) {
     EXPECT_EQ(ParsePortOption("8=/dev/serial/by-id/usb=1"),
               std::pair(8, std::string("/dev/serial/by-id/usb=1")));
-    const std::pair<const char*, const char*> wrong[] = {
-        {"/dev/ttyS0", "names no device"},
-        {"0=a", "from 1 to 8"},
-        {"9=a", "from 1 to 8"},
-        {"x=a", "from 1 to 8"},
-        {"1=", "after \"=\""},
-    };
+    const std::pair<const char*, const char*> wrong[] = {{"/dev/ttyS0", "names no device"},
+                                                         {"0=a", "from 1 to 8"},
+                                                         {"9=a", "from 1 to 8"},
+                                                         {"x=a", "from 1 to 8"},
+                                                         {"1=", "after \"=\""}};
     for (const auto& [text, told] : wrong)
         EXPECT_TRUE(Contains(FailureText([&] { ParsePortOption(text); }), told));
 }

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "sim/simulated_module.h"
+#include "sim/module_factory.h"
 
-#include <cstdint>
+#include <gtest/gtest.h>
+
 #include <sstream>
-#include <string>
 
 namespace kavro {
 
@@ -30,6 +30,12 @@ inline std::string Played(SimulatedModule& module, const std::string& script) {
         played.append(played.empty() ? "" : ",").append(command).append(" ").append(reply);
     }
     return played;
+}
+
+/// Each script is what a module of that model, at address 5 with its factory settings, answers.
+inline void ExpectPlayed(const std::vector<std::pair<const char*, std::string>>& scripts) {
+    for (const auto& [model, script] : scripts)
+        EXPECT_EQ(Played(*MakeModule(model, 5), script), script) << model;
 }
 
 } // namespace kavro

@@ -1,22 +1,18 @@
 #pragma once
 
 #include "link/port_devices.h"
-#include "link/runtime_failure.h"
+#include "support/test_session.h"
 
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
+#include <QComboBox>
 #include <QDialog>
 #include <QElapsedTimer>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QTimer>
-
-#include <functional>
-#include <map>
-#include <memory>
-#include <string>
-#include <vector>
 
 namespace kavro {
 
@@ -48,6 +44,19 @@ inline void Type(QWidget& control, const QString& text) {
     for (const QChar character : text) {
         QKeyEvent press(QEvent::KeyPress, character.unicode(), Qt::NoModifier, QString(character));
         QApplication::sendEvent(&control, &press);
+    }
+}
+
+inline void PressKey(QWidget& control, int key, Qt::KeyboardModifiers modifiers = {}, bool held = false) {
+    QKeyEvent press(QEvent::KeyPress, key, modifiers, {}, held);
+    QApplication::sendEvent(&control, &press);
+}
+
+/// Each control can be used, or else says why not.
+inline void ExpectUsable(QObject& form, const QStringList& names, bool usable) {
+    for (const QString& name : names) {
+        EXPECT_EQ(Find<QWidget>(form, name).isEnabled(), usable) << name.toStdString();
+        EXPECT_EQ(Find<QWidget>(form, name).toolTip().isEmpty(), usable) << name.toStdString();
     }
 }
 

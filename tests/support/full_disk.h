@@ -1,56 +1,35 @@
 #pragma once
 
-#include <gtest/gtest.h>
+#include "terminal/test_folder.h"
 
 #include <csignal>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <string>
 
 #include <fcntl.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
-#include <unistd.h>
 
 namespace kavro {
 
 /// A folder on a disk that can be filled: a small file system of its own where the test may mount one, else
 /// no file of the test may grow while it is full.
-class FullDisk {
+class FullDisk : public TestFolder {
 public:
-    FullDisk() {
-        std::string name = testing::TempDir() + "kavro-disk-XXXXXX";
-        folder_ = std::string(mkdtemp(name.data())) + "/";
-        mounted_ = mount("kavro-disk", folder_.c_str(), "tmpfs", 0, "size=64k") == 0;
-    }
+    FullDisk() { mounted_ = mount("kavro-disk", Path().c_str(), "tmpfs", 0, "size=64k") == 0; }
 
     ~FullDisk() {
         MakeRoom();
         if (mounted_)
-            umount2(folder_.c_str(), MNT_DETACH);
-        std::filesystem::remove_all(folder_);
+            umount2(Path().c_str(), MNT_DETACH);
     }
 
     FullDisk(const FullDisk&) = delete;
     FullDisk& operator=(const FullDisk&) = delete;
 
-    std::string Path(const std::string& name) const { return folder_ + name; }
-
-    std::string Read(const std::string& name) const {
-        std::ifstream file(Path(name), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
     /// How many files and folders it holds.
-    std::ptrdiff_t Entries() const {
-        return std::distance(std::filesystem::directory_iterator(folder_), {}) - (filler_ ? 1 : 0);
-    }
+    std::ptrdiff_t Entries() const { return TestFolder::Entries() - (filler_ ? 1 : 0); }
 
     void Fill() {
         if (!mounted_) {
-            std::signal(SIGXFSZ, SIG_IGN);
             Limit(0);
             return;
         }
@@ -72,13 +51,14 @@ public:
     /// What the system says of it.
     const char* Reason() const { return mounted_ ? "No space left on device" : "File too large"; }
 
-private:
+    /// No file of the test gets longer than that.
     static void Limit(rlim_t bytes) {
+        std::signal(SIGXFSZ, SIG_IGN);
         const rlimit limits = {bytes, RLIM_INFINITY};
         setrlimit(RLIMIT_FSIZE, &limits);
     }
 
-    std::string folder_;
+private:
     bool mounted_ = false;
     bool filler_ = false;
 };

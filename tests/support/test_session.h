@@ -1,16 +1,16 @@
 #pragma once
 
 #include "map/session.h"
+#include "sim/demo_line.h"
 #include "sim/simulated_line.h"
 #include "sim/simulated_port.h"
-#include "sim/virtual_clock.h"
+#include "support/failure_text.h"
 #include "support/recorded_messages.h"
 #include "support/scripted_port.h"
 
-#include <map>
+#include <functional>
 #include <memory>
-#include <string>
-#include <vector>
+#include <optional>
 
 namespace kavro {
 
@@ -21,6 +21,17 @@ inline void EnableBaudCodes(Session& session, const std::vector<int>& codes) {
     session.Line.SettingsOf(1).BaudEnabled = {};
     for (const int code : codes)
         session.Line.SettingsOf(1).BaudEnabled[static_cast<std::size_t>(code)] = 1;
+}
+
+/// Makes `record` entry 0, selected and not in its initialisation state, at address 1 and 9600 baud unless
+/// the record says otherwise.
+inline void Select(Session& session, ModuleRecord record) {
+    record.Address = record.Address == 0 ? std::int16_t{1} : record.Address;
+    record.BaudCode = record.BaudCode == 0 ? std::int16_t{3} : record.BaudCode;
+    session.ModuleTable[0] = record;
+    session.SelectedModule = 0;
+    session.ModuleCount = 1;
+    session.ScanIndex = -1;
 }
 
 /// A session on a virtual clock; its ports come from the classes below.

@@ -1,7 +1,6 @@
 #include "terminal/terminal_form.h"
 
 #include "support/form_driver.h"
-#include "support/test_session.h"
 #include "terminal/batch_file.h"
 #include "terminal/console_form.h"
 #include "terminal/disp_batch_form.h"
@@ -12,36 +11,35 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QFileDialog>
-#include <QLabel>
 #include <QPlainTextEdit>
-
-#include <gtest/gtest.h>
 
 namespace kavro {
 namespace {
 
 // The form on a scripted COM1, whose modules do not answer unless told to.
-struct Terminal {
-    Terminal() {
+class TerminalFormTest : public testing::Test, protected ScriptedSession {
+protected:
+    TerminalFormTest() {
         ForgetExit();
         QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-        Test.Session.Line.SetPortBaud(1, 3, 0, 0, 0);
-        Test.Log.clear();
-        Test.Session.Line.SettingsOf(1).StopBits = 2;
-        Test.Session.Line.SettingsOf(1).Parity = 9; // leaves its label as designed
-        Form = std::make_unique<TerminalForm>(Test.Session, Test.Messages, nullptr);
+        Session.Line.SetPortBaud(1, 3, 0, 0, 0);
+        Session.Line.SettingsOf(1).StopBits = 2;
+        Session.Line.SettingsOf(1).Parity = 9; // leaves its label as designed
+        Open();
+    }
+
+    void Open() {
+        Log.clear();
+        Form = std::make_unique<TerminalForm>(Session, Messages, nullptr);
         Form->show();
     }
 
     QLineEdit& CmdText() { return Find<QLineEdit>(*Form, "CmdText"); }
     QString Text(const QString& label) { return Find<QLabel>(*Form, label).text(); }
     QString Shown() { return static_cast<ConsoleView&>(Find<QWidget>(*Form, "Terminal")).ShownText(); }
-    std::size_t Told() const { return Test.Messages.Shown.size(); }
+    std::size_t Told() const { return Messages.Shown.size(); }
     void Press(const QString& button) { Click(*Form, button); }
-    void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
-        QKeyEvent press(QEvent::KeyPress, key, modifiers);
-        QApplication::sendEvent(&CmdText(), &press);
-    }
+    void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) { PressKey(CmdText(), key, modifiers); }
 
     void Enter(const QString& command) {
         CmdText().setText(command);
@@ -90,137 +88,126 @@ struct Terminal {
     void InNextPause(std::function<void()> act) { QTimer::singleShot(0, Form.get(), std::move(act)); }
 
     TestFolder Folder;
-    ScriptedSession Test;
     std::unique_ptr<TerminalForm> Form;
 };
 
 const QStringList Chosen = {"Run", "Step", "Display", "Repeat"};
 
-TEST(TerminalForm, EscapeClosesItOnlyWithNothingTyped) {
-    Terminal terminal;
-    terminal.CmdText().setText("$012");
-    terminal.Press(Qt::Key_Escape);
-    EXPECT_TRUE(terminal.Form->isVisible());
-    EXPECT_EQ(terminal.CmdText().text(), "");
-    terminal.Press(Qt::Key_Escape);
-    EXPECT_FALSE(terminal.Form->isVisible());
-}
-
-TEST(TerminalForm, TakesTheChecksumOfTheModule) {
-    Terminal terminal;
-    EXPECT_EQ(terminal.Text("StopBits") + terminal.Text("Parity"), "2None");
-    EXPECT_FALSE(Find<QCheckBox>(*terminal.Form, "CheckSumEnable").isChecked());
-    EXPECT_TRUE(terminal.Enabled().isEmpty());
-    terminal.Test.Session.SelectedModule = 4;
-    terminal.Test.Session.ModuleTable[4].Checksum = 1;
-    terminal.Test.Session.BatchRepeatCount = 7;
-    TerminalForm second(terminal.Test.Session, terminal.Test.Messages, nullptr);
+TEST_F(TerminalFormTest, TakesTheChecksumOfTheModule) {
+    EXPECT_EQ(Text("StopBits") + Text("Parity"), "2None");
+    EXPECT_FALSE(Find<QCheckBox>(*Form, "CheckSumEnable").isChecked());
+    EXPECT_TRUE(Enabled().isEmpty());
+    Session.SelectedModule = 4;
+    Session.ModuleTable[4].Checksum = 1;
+    Session.BatchRepeatCount = 7;
+    TerminalForm second(Session, Messages, nullptr);
     EXPECT_TRUE(Find<QCheckBox>(second, "CheckSumEnable").isChecked());
-    EXPECT_EQ(terminal.Test.Session.BatchRepeatCount, 1);
+    EXPECT_EQ(Session.BatchRepeatCount, 1);
 }
 
-TEST(TerminalForm, SendsRecallsAndCopiesWhatIsTyped) {
-    Terminal terminal;
-    terminal.Test.Port().Queue = {{"!01\n~\x7F\xE9\r"}, {}};
-    terminal.Enter("$012");
-    const int row = terminal.CmdText().y();
-    terminal.Enter("$022");
-    EXPECT_EQ(terminal.Shown(), ">$012\n!01<0A>~<7F><E9>\n>$022\n");
-    EXPECT_EQ(terminal.CmdText().y(), 2 * row);
+TEST_F(TerminalFormTest, SendsRecallsAndCopiesWhatIsTyped) {
+    Port().Queue = {{"!01\n~\x7F\xE9\r"}, {}};
+    Enter("$012");
+    const int row = CmdText().y();
+    Enter("$022");
+    EXPECT_EQ(Shown(), ">$012\n!01<0A>~<7F><E9>\n>$022\n");
+    EXPECT_EQ(CmdText().y(), 2 * row);
     for (const char* again : {"$022", " "}) // not recalled twice, and not at all
-        terminal.Enter(again);
+        Enter(again);
     for (const auto& [key, text] : {std::pair(Qt::Key_Up, "$022"),
                                     {Qt::Key_Up, "$012"},
                                     {Qt::Key_Up, "$012"},
                                     {Qt::Key_Down, "$022"},
                                     {Qt::Key_Down, ""}}) {
-        terminal.Press(key);
-        EXPECT_EQ(terminal.CmdText().text(), text);
+        Press(key);
+        EXPECT_EQ(CmdText().text(), text);
     }
-    terminal.Press(Qt::Key_C, Qt::ControlModifier);
-    EXPECT_EQ(QApplication::clipboard()->text(), terminal.Shown());
+    Press(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), Shown());
+    CmdText().setText("$012");
+    for (const bool typed : {true, false}) { // Escape closes the form only with nothing typed
+        Press(Qt::Key_Escape);
+        EXPECT_EQ(CmdText().text(), "");
+        EXPECT_EQ(Form->isVisible(), typed);
+    }
 }
 
-TEST(TerminalForm, TellsWhatCannotBeSent) {
-    Terminal terminal;
+TEST_F(TerminalFormTest, TellsWhatCannotBeSent) {
     for (const QString& text : {QString("$01\n$02"), QString(QChar(0x20AC))})
-        terminal.Enter(text);
-    EXPECT_TRUE(terminal.Test.Log.empty());
-    EXPECT_EQ(terminal.Told(), 2u);
+        Enter(text);
+    EXPECT_TRUE(Log.empty());
+    EXPECT_EQ(Told(), 2u);
     EXPECT_EQ(WireText("\r\n$012\u2028"), "$012");
-    terminal.Test.Port().FailOpen = true;
-    terminal.Test.Port().PortOpen(false);
-    terminal.Enter("$032");
-    EXPECT_EQ(terminal.Told(), 3u);
-    EXPECT_EQ(terminal.CmdText().text(), "$032"); // to be sent again
+    Port().FailOpen = true;
+    Port().PortOpen(false);
+    Enter("$032");
+    EXPECT_EQ(Told(), 3u);
+    EXPECT_EQ(CmdText().text(), "$032"); // to be sent again
 }
 
-TEST(TerminalForm, DoesOneThingAtATime) {
-    Terminal terminal;
-    terminal.ChooseBatch("$FF2\n");
+TEST_F(TerminalFormTest, DoesOneThingAtATime) {
+    ChooseBatch("$FF2\n");
     QString progress;
-    terminal.Repeat("$012", "2", [&] {
-        progress = terminal.Text("Progress");
-        terminal.Enter("$FF2");
+    Repeat("$012", "2", [&] {
+        progress = Text("Progress");
+        Enter("$FF2");
         for (const char* button :
              {"RepeatCmdBtn", "RunBatchBtn", "StepBatchBtn", "DisplayBatchBtn", "RepeatBtn", "LogDialogBtn"})
-            terminal.Press(button);
+            Press(button);
     });
-    EXPECT_EQ(terminal.Test.Log, (Lines{"COM1 9600 $012", "COM1 9600 $012"}));
+    EXPECT_EQ(Log, (Lines{"COM1 9600 $012", "COM1 9600 $012"}));
     EXPECT_EQ(progress, "Command 1 of 2");
-    EXPECT_EQ(terminal.Text("Progress"), "");
+    EXPECT_EQ(Text("Progress"), "");
 }
 
-TEST(TerminalForm, LogsBeforeSending) {
-    Terminal terminal;
-    auto& enabled = Find<QCheckBox>(*terminal.Form, "LogToFile");
+TEST_F(TerminalFormTest, LogsBeforeSending) {
+    auto& enabled = Find<QCheckBox>(*Form, "LogToFile");
     enabled.click();
-    terminal.Enter("$012"); // without a name nothing is logged
-    terminal.Choose("LogDialogBtn", terminal.Folder.Write("log", "old"));
-    terminal.Enter(" $022 ");
-    terminal.Repeat("$032", "1");
-    terminal.ChooseBatch(" $042\n");
-    terminal.Press("StepBatchBtn");
-    terminal.Test.Port().OutputsUntilFailure = 0;
-    terminal.Enter("$052");
-    EXPECT_EQ(terminal.Folder.Read("log"), "$022\n$032\n$042\n$052\n");
-    EXPECT_EQ(terminal.Told(), 1u);                                 // the port
-    terminal.Choose("BatchDialogBtn", terminal.Folder.Path("log")); // in use
-    EXPECT_EQ(terminal.Test.Messages.Shown.at(1).first, "Error opening file.");
-    EXPECT_TRUE(terminal.Enabled().isEmpty());
+    Enter("$012"); // without a name nothing is logged
+    Choose("LogDialogBtn", Folder.Write("log", "old"));
+    Enter(" $022 ");
+    Repeat("$032", "1");
+    ChooseBatch(" $042\n");
+    Press("StepBatchBtn");
+    Port().OutputsUntilFailure = 0;
+    Enter("$052");
+    EXPECT_EQ(Folder.Read("log"), "$022\n$032\n$042\n$052\n");
+    EXPECT_EQ(Told(), 1u);                        // the port
+    Choose("BatchDialogBtn", Folder.Path("log")); // in use
+    EXPECT_EQ(Messages.Shown.at(1).first, "Error opening file.");
+    EXPECT_TRUE(Enabled().isEmpty());
 
     // What cannot be opened is not told, but stands below the box; the batch file is not emptied.
-    terminal.ChooseBatch(" $042\n");
-    terminal.Press("StepBatchBtn"); // fails, as the port is lost, and closes the batch file
-    for (const std::string& path : {terminal.Folder.Path(), terminal.Folder.Path("batch")}) {
+    ChooseBatch(" $042\n");
+    Press("StepBatchBtn"); // fails, as the port is lost, and closes the batch file
+    for (const std::string& path : {Folder.Path(), Folder.Path("batch")}) {
         enabled.setChecked(false);
-        Find<QLineEdit>(*terminal.Form, "LogFileName").setText(QString::fromStdString(path));
+        Find<QLineEdit>(*Form, "LogFileName").setText(QString::fromStdString(path));
         enabled.click();
         EXPECT_FALSE(enabled.isChecked()) << path;
-        EXPECT_TRUE(terminal.Text("LogState").startsWith("Not logging: The ")) << path;
+        EXPECT_TRUE(Text("LogState").startsWith("Not logging: The ")) << path;
     }
-    EXPECT_EQ(terminal.Folder.Read("batch"), " $042\n");
-    EXPECT_EQ(terminal.Told(), 3u);
+    EXPECT_EQ(Folder.Read("batch"), " $042\n");
+    EXPECT_EQ(Told(), 3u);
 
     // A full disk is told once, and the commands are sent.
-    Find<QLineEdit>(*terminal.Form, "LogFileName").setText("/dev/full");
+    Find<QLineEdit>(*Form, "LogFileName").setText("/dev/full");
     enabled.click();
-    terminal.Test.Port().PortOpen(true);
-    terminal.Test.Port().OutputsUntilFailure = 2;
-    terminal.Repeat("$062", "2");
-    EXPECT_EQ(terminal.Test.Log.back(), "COM1 9600 $062");
-    EXPECT_EQ(terminal.Told(), 4u);
+    Port().PortOpen(true);
+    Port().OutputsUntilFailure = 2;
+    Repeat("$062", "2");
+    EXPECT_EQ(Log.back(), "COM1 9600 $062");
+    EXPECT_EQ(Told(), 4u);
     EXPECT_FALSE(enabled.isChecked());
-    EXPECT_TRUE(terminal.Text("LogState").contains("No space left on device"));
+    EXPECT_TRUE(Text("LogState").contains("No space left on device"));
 }
 
 // Only the box and the chooser open a file; while the box is ticked, what is not logged can be seen.
-TEST(TerminalForm, ALogIsNotEmptiedByItsNameBeingTyped) {
-    Terminal terminal;
-    auto& enabled = Find<QCheckBox>(*terminal.Form, "LogToFile");
-    auto& name = Find<QLineEdit>(*terminal.Form, "LogFileName");
+TEST_F(TerminalFormTest, ALogIsNotEmptiedByItsNameBeingTyped) {
+    auto& enabled = Find<QCheckBox>(*Form, "LogToFile");
+    auto& name = Find<QLineEdit>(*Form, "LogFileName");
     const auto type = [&](const std::string& text) { name.setText(QString::fromStdString(text)); };
-    const std::string first = terminal.Folder.Write("first", "old"), second = terminal.Folder.Path("second");
+    const std::string first = Folder.Write("first", "old"), second = Folder.Path("second");
     const auto tick = [&] {
         enabled.setChecked(false);
         enabled.click();
@@ -231,75 +218,72 @@ TEST(TerminalForm, ALogIsNotEmptiedByItsNameBeingTyped) {
         {[&] { type(first); }, "Not logging: this file is not open", "old", "precious"},
         {tick, "", "$2\n", "precious"},
         {[&] { type(second); }, "Logging to " + first, "$2\n$3\n", "precious"},
-        {[&] { terminal.Choose("LogDialogBtn", ""); }, "Not logging: there is no", "$2\n$3\n", "precious"},
+        {[&] { Choose("LogDialogBtn", ""); }, "Not logging: there is no", "$2\n$3\n", "precious"},
         {[&] { type(first); }, "", "$2\n$3\n$5\n", "precious"},
-        {[&] { terminal.Choose("LogDialogBtn", second); }, "", "$2\n$3\n$5\n", "$6\n"},
+        {[&] { Choose("LogDialogBtn", second); }, "", "$2\n$3\n$5\n", "$6\n"},
         {tick, "", "$2\n$3\n$5\n", "$7\n"},
         {[&] { enabled.click(); }, "", "$2\n$3\n$5\n", "$7\n"}};
-    terminal.Folder.Write("second", "precious");
+    Folder.Write("second", "precious");
     for (int command = 0; const auto& [act, state, inFirst, inSecond] : steps) {
         SCOPED_TRACE(command);
         act();
-        terminal.Enter("$" + QString::number(command++));
-        EXPECT_TRUE(terminal.Text("LogState").toStdString().starts_with(state));
-        EXPECT_EQ(terminal.Text("LogState").isEmpty(), state.empty());
-        EXPECT_EQ(Find<QLabel>(*terminal.Form, "LogState").isVisible(), !state.empty());
-        EXPECT_EQ(terminal.Folder.Read("first") + "," + terminal.Folder.Read("second"),
-                  std::string(inFirst) + "," + inSecond);
+        Enter("$" + QString::number(command++));
+        EXPECT_TRUE(Text("LogState").toStdString().starts_with(state));
+        EXPECT_EQ(Text("LogState").isEmpty(), state.empty());
+        EXPECT_EQ(Find<QLabel>(*Form, "LogState").isVisible(), !state.empty());
+        EXPECT_EQ(Folder.Read("first") + "," + Folder.Read("second"), std::string(inFirst) + "," + inSecond);
     }
 }
 
-TEST(TerminalForm, RunsABatchFileThatCanBeStopped) {
-    Terminal terminal;
-    terminal.ChooseBatch("$012\n$022\n$032\n");
-    terminal.Test.Session.BatchRepeatCount = 3;
-    terminal.InNextPause([&] {
-        EXPECT_EQ(terminal.Enabled(), QStringList("Stop"));
-        EXPECT_EQ(terminal.Text("Progress"), "Pass 1 of 3: Command 1 of 3");
-        terminal.Press("StopBatchBtn");
+TEST_F(TerminalFormTest, RunsABatchFileThatCanBeStopped) {
+    ChooseBatch("$012\n$022\n$032\n");
+    Session.BatchRepeatCount = 3;
+    InNextPause([&] {
+        EXPECT_EQ(Enabled(), QStringList("Stop"));
+        EXPECT_EQ(Text("Progress"), "Pass 1 of 3: Command 1 of 3");
+        Press("StopBatchBtn");
     });
-    terminal.Press("RunBatchBtn");
-    EXPECT_EQ(terminal.Test.Log, Lines{"COM1 9600 $012"});
-    EXPECT_EQ(terminal.Enabled(), Chosen);
+    Press("RunBatchBtn");
+    EXPECT_EQ(Log, Lines{"COM1 9600 $012"});
+    EXPECT_EQ(Enabled(), Chosen);
 
-    terminal.Test.Port().OutputsUntilFailure = 1; // lost at the second line
-    terminal.Press("RunBatchBtn");
-    EXPECT_EQ(terminal.Told(), 1u);
-    EXPECT_EQ(terminal.Enabled(), Chosen);
+    Port().OutputsUntilFailure = 1; // lost at the second line
+    Press("RunBatchBtn");
+    EXPECT_EQ(Told(), 1u);
+    EXPECT_EQ(Enabled(), Chosen);
 
-    terminal.Choose("BatchDialogBtn", ""); // cancelled
-    EXPECT_TRUE(terminal.Enabled().isEmpty());
+    Choose("BatchDialogBtn", ""); // cancelled
+    EXPECT_TRUE(Enabled().isEmpty());
 }
 
 // Every way to close ends a repeat or a run after the command being awaited, and then closes the form.
-TEST(TerminalForm, ClosingEndsWhatIsGoingOn) {
+TEST_F(TerminalFormTest, ClosingEndsWhatIsGoingOn) {
     for (const bool run : {true, false})
         for (const bool exitButton : {true, false}) {
-            Terminal terminal;
-            terminal.ChooseBatch("$012\n$022\n");
+            Open();
+            ChooseBatch("$012\n$022\n");
             const auto end = [&] {
-                exitButton ? terminal.Press("ExitBtn") : static_cast<void>(terminal.Form->close());
-                EXPECT_TRUE(terminal.Form->isVisible()); // until it has really ended
+                exitButton ? Press("ExitBtn") : static_cast<void>(Form->close());
+                EXPECT_TRUE(Form->isVisible()); // until it has really ended
             };
             if (run)
-                terminal.InNextPause(end);
-            run ? terminal.Press("RunBatchBtn") : terminal.Repeat("$012", "9", end);
-            EXPECT_EQ(terminal.Test.Log.size(), 1u);
-            EXPECT_FALSE(terminal.Form->isVisible());
+                InNextPause(end);
+            run ? Press("RunBatchBtn") : Repeat("$012", "9", end);
+            EXPECT_EQ(Log.size(), 1u);
+            EXPECT_FALSE(Form->isVisible());
         }
 }
 
-TEST(TerminalForm, ClosingClosesItsDialogs) {
-    Terminal terminal;
-    terminal.ChooseBatch("$012\n");
+TEST_F(TerminalFormTest, ClosingClosesItsDialogs) {
+    ChooseBatch("$012\n");
     for (const char* button : {"RepeatCmdBtn", "RepeatBtn", "DisplayBatchBtn", "LogDialogBtn"}) {
-        terminal.Form->show();
-        QTimer::singleShot(10, terminal.Form.get(), [&] { terminal.Form->close(); });
-        terminal.Press(button);
-        EXPECT_FALSE(terminal.Form->isVisible()) << button;
+        Form->show();
+        QTimer::singleShot(10, Form.get(), [&] { Form->close(); });
+        Press(button);
+        EXPECT_FALSE(Form->isVisible()) << button;
         EXPECT_EQ(QApplication::activeModalWidget(), nullptr) << button;
     }
-    EXPECT_TRUE(terminal.Test.Log.empty());
+    EXPECT_TRUE(Log.empty());
 }
 
 TEST(RepeatForms, CheckTheNumber) {

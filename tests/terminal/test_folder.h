@@ -1,11 +1,10 @@
 #pragma once
 
+#include "support/failure_text.h"
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <string>
-
-#include <gtest/gtest.h>
 
 #include <unistd.h>
 
@@ -28,6 +27,12 @@ public:
     std::string Read(const std::string& name) const {
         std::ifstream file(Path(name), std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    /// How many files and folders it holds.
+    std::ptrdiff_t Entries() const {
+        return std::distance(std::filesystem::directory_iterator(path_),
+                             std::filesystem::directory_iterator());
     }
 
 private:

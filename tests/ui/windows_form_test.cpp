@@ -6,9 +6,7 @@
 #include "map/kavro_form.h"
 #include "map/search.h"
 #include "map/search_form.h"
-#include "sim/demo_line.h"
 #include "support/form_driver.h"
-#include "support/test_session.h"
 #include "terminal/terminal_form.h"
 #include "ui/ok_cancel.h"
 #include "ui/print_lines.h"
@@ -21,8 +19,6 @@
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
-
-#include <gtest/gtest.h>
 
 namespace kavro {
 namespace {
