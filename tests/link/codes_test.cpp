@@ -18,6 +18,24 @@ TEST(Codes, ChannelCount) {
         EXPECT_EQ(ChannelCount(model), channels) << model;
 }
 
+TEST(Codes, Names) {
+    const std::tuple<std::int16_t, const char*, double, const char*> ranges[] = {
+        {0, "+/- 15mV        ", 15, "mV  "},    {5, "+/- 2.5V        ", 2.5, "V   "},
+        {7, "                ", 0, ""},         {14, "T/C Type J      ", 760, "C   "},
+        {22, "T/C Type C      ", 2320, "C   "}, {41, "Ni, -120~100C   ", 100, "C   "},
+        {42, "Cu, 0~60 ohms   ", 60, "ohms"},   {51, "+/- 10V         ", 0, "V   "}};
+    for (const auto& [code, name, scale, unit] : ranges) {
+        EXPECT_EQ(RangeName(code), name);
+        EXPECT_EQ(RangeFullScale(code), scale) << name;
+        EXPECT_EQ(RangeUnit(code, EngineeringUnits), unit) << name;
+    }
+    EXPECT_EQ(RangeUnit(32, Ohms) + RangeUnit(41, Ohms) + RangeUnit(22, Ohms), "ohmsohmsC   ");
+    EXPECT_EQ(FormatName(0) + FormatName(1), "Engineering Units% of FSR         ");
+    EXPECT_EQ(FormatName(2) + FormatName(3), "Two's complement Ohms             ");
+    EXPECT_EQ(AlarmModeName(0) + AlarmModeName(1) + AlarmModeName(2), "Disabled  Momentary Latch     ");
+    EXPECT_THROW(FormatName(4), RuntimeFailure);
+}
+
 TEST(Codes, FormatReading) {
     const std::pair<std::vector<std::int16_t>, const char*> patterns[] = {
         {{15, 17, 18, 19, 20, 21, 22}, "+0001.2"},
