@@ -12,7 +12,7 @@ namespace {
 constexpr std::int64_t BitsPerCharacter = 10;
 constexpr std::uint32_t NoiseInsteadOneIn = 8;
 constexpr std::uint32_t LongestNoise = 4;
-constexpr std::size_t BabbleLength = 65536; // nobody waits for that many
+constexpr std::size_t BabbleLength = 32768; // nobody waits for that many
 constexpr std::size_t LongestLogged = 1024;
 
 // The characters of `text` one behind the other with that pause between two.

@@ -28,8 +28,9 @@ void Transmission::Deliver(int baud, std::int64_t moment) {
     std::erase_if(replies_, [moment](const TimedByte& byte) { return byte.Babble && byte.Moment > moment; });
     const auto reply = line_.Deliver(command, baud, moment);
     // A late reply to an earlier command may still be coming: on the line they mix as they fall.
+    const auto before = static_cast<std::ptrdiff_t>(replies_.size());
     replies_.insert(replies_.end(), reply.begin(), reply.end());
-    std::ranges::stable_sort(replies_, {}, &TimedByte::Moment);
+    std::ranges::inplace_merge(replies_, replies_.begin() + before, {}, &TimedByte::Moment);
 }
 
 std::size_t Transmission::Arrived(std::int64_t moment) const {
