@@ -141,8 +141,7 @@ AnalogReading ReadAnalogInput(Session& session, int index, int channel) {
     const double fullScale = record.DataFormat == PercentOfRange || record.DataFormat == TwosComplement
                                  ? RangeFullScale(session.ModuleTable[session.SelectedModule].InputRange)
                                  : 0;
-    const AnalogReading reading =
-        DecodeReading(Middle(session.Line.ReplyText, 2), record.DataFormat, fullScale);
+    AnalogReading reading = DecodeReading(Middle(session.Line.ReplyText, 2), record.DataFormat, fullScale);
     if (!reading.Value)
         session.Line.NoteUnfit();
     return reading;
