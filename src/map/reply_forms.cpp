@@ -213,7 +213,7 @@ bool NamesAddress(std::string_view form) {
 }
 
 bool FitsForm(std::string_view reply, std::string_view form, const ReplyMeasure& measure) {
-    if (reply.empty() || reply.front() != form.front())
+    if (reply.size() < DataStart(form) || reply.front() != form.front())
         return false;
     if (NamesAddress(form)) {
         const std::string_view named = reply.substr(ClassLength).substr(0, 2);
