@@ -87,7 +87,9 @@ std::optional<NamedConfig> ReadBack(Session& session, std::int16_t wantedAddress
 bool HasTaken(Session& session, const NamedConfig& wanted) {
     const auto address = std::ranges::find(wanted.Settings, "address", &NamedSetting::Name)->Value().toInt();
     const auto present = ReadBack(session, static_cast<std::int16_t>(address));
-    if (!present) {
+    // A name that is damaged may still be that of another model, which has other settings.
+    if (!present || !std::ranges::equal(wanted.Settings, present->Settings, {}, &NamedSetting::Name,
+                                        &NamedSetting::Name)) {
         PrintNote("What was written could not be read back.");
         return false;
     }

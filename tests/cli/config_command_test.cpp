@@ -199,6 +199,17 @@ TEST(ConfigCommand, WhatTheModuleDoesNotAcceptOrTellHasAnExitCode) {
     EXPECT_NE(unplugged.Set(5, {"address=99"}).Failure, "");
 }
 
+TEST(ConfigCommand, ReadsBackAnotherModelWithoutBelievingIt) {
+    ConfigSession demo;
+    demo.Line.Log = [&](const LineEvent& event) {
+        if (event.Command.starts_with("$0FS"))
+            demo.Line.ModuleAt(15).Settings.Model = "8410"; // a digit of its name is damaged from now on
+    };
+    const Captured set = demo.Set(15, {"port-a=output"});
+    EXPECT_EQ(set.Exit, ExitNotAccepted);
+    EXPECT_TRUE(Contains(set.Err, "What was written could not be read back."));
+}
+
 TEST(ConfigCommand, SpeaksToTheModuleAsMapAndOptionsSay) {
     ScriptedSession test;
     Session& session = test.Session;
