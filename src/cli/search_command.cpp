@@ -33,27 +33,28 @@ void ApplyOptions(const SearchOptions& options, Session& session) {
 SearchResult SearchWithProgress(Session& session) {
     SearchResult result;
     const InterruptWatch watch(session.Line);
-    SearchProgress progress(session.Line, session.SearchHighAddress);
+    std::optional<SearchProgress> progress;
     NetworkSearch* running = nullptr;
     SearchEvents events;
-    events.Address = [&](std::int16_t address) { result.LastAddress = progress.Address = address; };
+    events.Address = [&](std::int16_t address) { result.LastAddress = progress->Address = address; };
     events.Baud = [&](std::int32_t baud) {
-        progress.Baud = baud;
-        progress.Show();
+        progress->Baud = baud;
+        progress->Show();
     };
     events.Found = [&](int index) {
-        progress.Found = index + 1;
-        progress.Show();
+        progress->Found = index + 1;
+        progress->Show();
     };
     events.Yield = [&] {
         if (!watch.Interrupted())
             return;
         running->Stop();
-        progress.Stopping = true;
-        progress.Show();
+        progress->Stopping = true;
+        progress->Show();
     };
     NetworkSearch search(session, events, Belief::Strict);
     running = &search;
+    progress.emplace(search, session.SearchHighAddress);
     try {
         search.Run();
     } catch (const Interruption&) {

@@ -1,7 +1,6 @@
 #include "cli/search_progress.h"
 
 #include "link/text.h"
-#include "map/search.h"
 
 #include <cstdio>
 
@@ -25,9 +24,8 @@ bool StandardErrorIsTerminal() {
 
 } // namespace
 
-SearchProgress::SearchProgress(const Line& line, int highest)
-    : line_(line), highest_(highest), startMs_(line.Time().GetTickCount()),
-      isTerminal_(StandardErrorIsTerminal()) {}
+SearchProgress::SearchProgress(const LineSearch& search, int highest)
+    : search_(search), highest_(highest), isTerminal_(StandardErrorIsTerminal()) {}
 
 SearchProgress::~SearchProgress() {
     Write("");
@@ -42,8 +40,7 @@ void SearchProgress::Show() {
 }
 
 std::string SearchProgress::TimeLeft() const {
-    const std::int64_t elapsedMs = line_.Time().GetTickCount() - startMs_;
-    const std::int64_t seconds = (SearchTimeLeft(line_, Address, highest_ + 1, elapsedMs) + 500) / 1000;
+    const std::int64_t seconds = (search_.Forecast().LeftMs() + 500) / 1000;
     return "about " + std::to_string(seconds / 60) + ":" + PadLeft(std::to_string(seconds % 60), 2, '0') +
            " left";
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "link/line.h"
+#include "map/line_search.h"
 
 #include <cstdint>
 #include <string>
@@ -11,8 +11,8 @@ namespace kavro {
 /// is not a terminal.
 class SearchProgress {
 public:
-    /// `line` is the one that is searched, from address 0 to `highest`.
-    SearchProgress(const Line& line, int highest);
+    /// `search` goes from address 0 to `highest`.
+    SearchProgress(const LineSearch& search, int highest);
 
     /// Takes the line off the terminal.
     ~SearchProgress();
@@ -32,9 +32,8 @@ private:
     std::string TimeLeft() const;
     void Write(const std::string& text);
 
-    const Line& line_;
+    const LineSearch& search_;
     const int highest_;
-    const std::int64_t startMs_;
     const bool isTerminal_;
     std::size_t shownWidth_ = 0;
 };

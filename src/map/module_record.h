@@ -69,6 +69,7 @@ struct ModuleRecord {
     std::int16_t ConverterParity = 0;    ///< converter: 1 = odd, 0 or 2 = none, any other = even
     std::int16_t ConverterStopBits = 0;  ///< converter: stop bits = value + 1
     bool Complete = true;                ///< the search has read all that it asks such a module
+    bool Answers = true;                 ///< it did when it was asked last
 
     DigitalSettings Digital{};
     AlarmInputSettings AlarmInput{};
@@ -81,6 +82,7 @@ struct ModuleRecord {
 /// Whether two readings of a module tell the same set-up; alarms and inputs may have changed between them.
 inline bool SameSetup(ModuleRecord left, const ModuleRecord& right) {
     left.AlarmInput.AlarmState = right.AlarmInput.AlarmState;
+    left.Answers = right.Answers;
     return left == right;
 }
 

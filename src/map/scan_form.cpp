@@ -87,10 +87,9 @@ SearchEvents ScanForm::Events(std::function<void()> begun, std::function<void(in
 }
 
 void ScanForm::ShowAddress(std::int16_t address) {
-    const int total = session_.SearchHighAddress + 1;
     address_->setText(QString::number(address));
     progress_->setValue(address);
-    timeLeft_->setText(TimeLeftText(SearchTimeLeft(session_.Line, address, total, elapsed_.elapsed())));
+    timeLeft_->setText(TimeLeftText(search_.Forecast().LeftMs()));
 }
 
 void ScanForm::showEvent(QShowEvent* event) {
@@ -101,7 +100,6 @@ void ScanForm::showEvent(QShowEvent* event) {
 }
 
 void ScanForm::Run() {
-    elapsed_.start();
     failed_ = !Guard(messages_, [this] { search_.Run(); });
     accept();
 }

@@ -4,7 +4,6 @@
 #include "map/search.h"
 
 #include <QDialog>
-#include <QElapsedTimer>
 
 #include <functional>
 
@@ -45,7 +44,6 @@ private:
     Session& session_;
     Messages& messages_;
     NetworkSearch search_;
-    QElapsedTimer elapsed_;
     bool started_ = false;
     bool failed_ = false;
     QLabel* baud_ = nullptr;

@@ -3,6 +3,7 @@
 #include "link/baud.h"
 #include "link/runtime_failure.h"
 #include "map/list_line.h"
+#include "map/search_times.h"
 
 #include <algorithm>
 #include <utility>
@@ -16,7 +17,7 @@ constexpr std::int16_t NoAddress = -1;
 } // namespace
 
 NetworkSearch::NetworkSearch(Session& session, SearchEvents events, Belief belief)
-    : session_(session), events_(std::move(events)), belief_(belief) {}
+    : session_(session), events_(std::move(events)), belief_(belief), forecast_(session.Line.Time()) {}
 
 void NetworkSearch::Run() {
     begun_ = false;
@@ -54,12 +55,16 @@ void NetworkSearch::End() {
 }
 
 void NetworkSearch::SearchAddresses() {
+    const SearchScope scope = ScopeOf(session_.Line, session_.SearchHighAddress);
+    const auto addressMs = static_cast<double>(ExactAddressMs(scope));
+    forecast_.Begin(addressMs * scope.Addresses);
     for (std::int16_t address = 0; address <= session_.SearchHighAddress; ++address) {
         if (StopRequested != 0) {
             findings_.StoppedAfter = static_cast<std::int16_t>(address - 1);
             break;
         }
         events_.Address(address);
+        const int before = stored_;
         if (address == pending_.Address) {
             // The module in its initialisation state takes this place; its address is not probed.
             session_.ScanIndex = static_cast<std::int16_t>(stored_);
@@ -68,6 +73,7 @@ void NetworkSearch::SearchAddresses() {
         } else {
             SearchAddress(address);
         }
+        forecast_.Step(addressMs, stored_ > before);
         events_.Yield();
     }
 }
@@ -160,16 +166,6 @@ void NetworkSearch::Store(const ModuleRecord& record) {
 void NetworkSearch::AppendEntry() {
     session_.Device.push_back(BuildListLine(session_, stored_));
     events_.Found(stored_++);
-}
-
-std::int64_t SearchTimeLeft(const Line& line, int done, int total, std::int64_t elapsedMs) {
-    constexpr int BaudChangeMs = 1000;
-    constexpr int TrustInAlgorithm =
-        4; // addresses that the computed cost counts for beside the measured ones
-    const auto& enabled = line.SettingsOf(line.CurrentPort).BaudEnabled;
-    const auto rates = std::count(enabled.begin(), enabled.end(), 1);
-    const std::int64_t silentMs = rates * (2 * line.ReplyTimeout + (rates > 1 ? BaudChangeMs : 0));
-    return (total - done) * (TrustInAlgorithm * silentMs + elapsedMs) / (TrustInAlgorithm + done);
 }
 
 } // namespace kavro

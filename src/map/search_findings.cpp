@@ -17,6 +17,11 @@ std::string AddressList(const std::vector<std::int16_t>& addresses) {
     return text;
 }
 
+// "address 3", "addresses 3, 17"
+std::string Addresses(const std::vector<std::int16_t>& addresses) {
+    return (addresses.size() == 1 ? "address " : "addresses ") + AddressList(addresses);
+}
+
 } // namespace
 
 std::vector<std::string> FindingTexts(const SearchFindings& findings) {
@@ -29,9 +34,16 @@ std::vector<std::string> FindingTexts(const SearchFindings& findings) {
         texts.push_back("Search to address " + std::to_string(*findings.BeyondRange) +
                         " to list the module in its initialisation state.");
     if (!findings.Unclear.empty())
-        texts.push_back("Heard but not understood at " +
-                        std::string(findings.Unclear.size() == 1 ? "address " : "addresses ") +
-                        AddressList(findings.Unclear) + ".");
+        texts.push_back("Heard but not understood at " + Addresses(findings.Unclear) + ".");
+    if (!findings.Doubles.empty())
+        texts.push_back("Several modules, at different baud rates, have " + Addresses(findings.Doubles) +
+                        ". Give each module an address of its own.");
+    if (findings.ListFull)
+        texts.push_back("More modules answer than the list has room for.");
+    if (findings.RefreshStopped)
+        texts.push_back("The refresh was stopped; modules that it had not reached are as they were.");
+    if (!findings.NoAnswer.empty())
+        texts.push_back("No answer from " + Addresses(findings.NoAnswer) + ".");
     return texts;
 }
 

@@ -3,6 +3,7 @@
 #include "link/line.h"
 #include "link/text.h"
 #include "map/module_record.h"
+#include "map/preferences.h"
 
 #include <array>
 #include <cstdint>
@@ -51,6 +52,11 @@ struct Session {
     std::string MapFilePath = "admin.map"; ///< of the map that is kept when the program ends
     std::string DecimalSeparator = ".";    ///< of the user's locale, UTF-8
     FileReplacer ReplaceFile;              ///< how files are saved
+
+    kavro::Preferences Preferences;
+    /// Keeps `Preferences` for the next start. Throws `RuntimeFailure` when they cannot be saved.
+    std::function<void(const kavro::Preferences& preferences)> SavePreferences =
+        [](const kavro::Preferences&) {};
 
 private:
     static std::array<std::int64_t, kavro::ModuleTable::Size> NeverBelieved() {

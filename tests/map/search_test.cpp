@@ -355,16 +355,5 @@ TEST(DemoSearch, EndsNormallyOnANoisyLine) {
     }
 }
 
-TEST(SearchTimeLeft, BeginsWithTheAlgorithmsCostAndFollowsWhatIsMeasured) {
-    ScriptedSession test;
-    const Line& line = test.Session.Line;
-    EXPECT_EQ(SearchTimeLeft(line, 0, 256, 0), 0) << "no rate enabled";
-    EnableBaudCodes(test.Session, {3});
-    EXPECT_EQ(SearchTimeLeft(line, 0, 256, 0), 256 * 200);
-    EXPECT_GT(SearchTimeLeft(line, 100, 256, 100 * 400), 156 * 380);
-    EnableBaudCodes(test.Session, {3, 4});
-    EXPECT_EQ(SearchTimeLeft(line, 0, 256, 0), 256 * 2400);
-}
-
 } // namespace
 } // namespace kavro

@@ -1,0 +1,73 @@
+#include "map/refresh.h"
+
+#include "link/baud.h"
+#include "map/identify.h"
+#include "map/list_line.h"
+#include "map/module_access.h"
+#include "map/module_command.h"
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+namespace kavro {
+
+namespace {
+
+constexpr double SilentModuleMs = 500; // about what it is waited for, and then for silence
+
+} // namespace
+
+ListRefresh::ListRefresh(Session& session, SearchEvents events, bool checksumsKnown)
+    : session_(session), events_(std::move(events)), checksumsKnown_(checksumsKnown),
+      forecast_(session.Line.Time()) {}
+
+// Rate by rate, so that each is set once.
+std::vector<int> ListRefresh::Order() const {
+    std::vector<int> order(static_cast<std::size_t>(session_.ModuleCount));
+    std::iota(order.begin(), order.end(), 0);
+    std::ranges::stable_sort(order, {}, [this](int index) { return ModuleBaudCode(session_, index); });
+    return order;
+}
+
+void ListRefresh::Run() {
+    const CarefulTransactions careful(session_.Line);
+    findings_ = {};
+    forecast_.Begin(SilentModuleMs * session_.ModuleCount);
+    for (const int index : Order()) {
+        if (stopRequested_) {
+            findings_.RefreshStopped = true;
+            break;
+        }
+        events_.Address(session_.ModuleTable[index].Address);
+        events_.Baud(BaudFromCode(ModuleBaudCode(session_, index)));
+        Read(index);
+        events_.Changed(index);
+        forecast_.Step(SilentModuleMs, session_.ModuleTable[index].Answers);
+        events_.Yield();
+    }
+    std::ranges::sort(findings_.NoAnswer);
+}
+
+void ListRefresh::Read(int index) {
+    ModuleRecord& entry = session_.ModuleTable[index];
+    ConfigAnswer answer{.Address = ModuleAddress(session_, index),
+                        .Checksum = checksumsKnown_ ? ModuleChecksum(session_, index) : std::int16_t{0},
+                        .BaudCode = ModuleBaudCode(session_, index),
+                        .Reply = {}};
+    ModuleRecord found;
+    Identified identified = AskModuleAgain(session_.Line, answer, found);
+    if (identified == Identified::No && !checksumsKnown_ && answer.Address != 0) {
+        answer.Checksum = 1;
+        identified = AskModuleAgain(session_.Line, answer, found);
+    }
+    if (identified == Identified::Fully)
+        entry = found;
+    entry.Answers = identified != Identified::No;
+    entry.Complete = identified == Identified::Fully || (!entry.Answers && entry.Complete);
+    if (!entry.Answers)
+        findings_.NoAnswer.push_back(entry.Address);
+    session_.Device[static_cast<std::size_t>(index)] = BuildListLine(session_, index);
+}
+
+} // namespace kavro

@@ -1,0 +1,51 @@
+#include "map/search_times.h"
+
+#include "link/baud.h"
+
+#include <algorithm>
+
+namespace kavro {
+
+namespace {
+
+constexpr int ExactBaudChangeMs = 1000;
+constexpr int CommandLength = 5; // "$AA2" and its carriage return
+constexpr int ChecksumLength = 2;
+constexpr int BitsPerCharacter = 10;
+
+} // namespace
+
+SearchScope ScopeOf(const Line& line, int highest) {
+    return {.BaudEnabled = line.SettingsOf(line.CurrentPort).BaudEnabled,
+            .Addresses = highest + 1,
+            .ReplyTimeoutMs = line.ReplyTimeout};
+}
+
+std::int64_t ExactAddressMs(const SearchScope& scope) {
+    const auto rates = std::ranges::count(scope.BaudEnabled, 1);
+    return rates * (2 * scope.ReplyTimeoutMs + (rates > 1 ? ExactBaudChangeMs : 0));
+}
+
+std::int64_t ExactSearchMs(const SearchScope& scope) {
+    return scope.Addresses * ExactAddressMs(scope);
+}
+
+int FirstCharacterMs(std::int16_t baudCode, std::int16_t checksum, int answerWithinMs) {
+    const int bits = BitsPerCharacter * (CommandLength + (checksum == 1 ? ChecksumLength : 0));
+    const int baud = BaudFromCode(baudCode);
+    return (1000 * bits + baud - 1) / baud + answerWithinMs;
+}
+
+int FastAddressMs(std::int16_t baudCode, int answerWithinMs) {
+    return FirstCharacterMs(baudCode, 0, answerWithinMs) + FirstCharacterMs(baudCode, 1, answerWithinMs);
+}
+
+std::int64_t FastSearchMs(const SearchScope& scope) {
+    std::int64_t milliseconds = 0;
+    for (std::int16_t code = 0; code < BaudCodeCount; ++code)
+        if (scope.BaudEnabled[static_cast<std::size_t>(code)] == 1)
+            milliseconds += FastBaudChangeMs + scope.Addresses * FastAddressMs(code, scope.AnswerWithinMs);
+    return milliseconds;
+}
+
+} // namespace kavro
