@@ -17,6 +17,7 @@ namespace {
 
 constexpr qint64 LargestFile = 1'000'000;
 constexpr int LongestPauseMs = 600'000;
+constexpr int LongestLatencyMs = 1000;
 constexpr int Bauds[] = {1200, 2400, 4800, 9600, 19200, 38400, 57600, 115200};
 
 constexpr const char* WholeLine = "The line"; // place of the outermost object
@@ -138,6 +139,8 @@ constexpr Key<Faults> FaultKeys[] = {
     {"wrongAddress", [](Faults& faults, const Item& item) { faults.WrongAddress = Flag(item); }},
     {"unplugged", [](Faults& faults, const Item& item) { faults.Unplugged = Flag(item); }},
     {"echo", [](Faults& faults, const Item& item) { faults.Echo = Flag(item); }},
+    {"latency",
+     [](Faults& faults, const Item& item) { faults.LatencyMs = SmallNumber(item, 0, LongestLatencyMs); }},
     {"late", ReadLate},
     {"babble", [](Faults& faults, const Item& item) { faults.Babble = Flag(item); }},
     {"damage", [](Faults& faults, const Item& item) { faults.DamageShare = Share(item); }},
@@ -177,6 +180,8 @@ void ReadModule(SimulatedLine& line, const Item& item) {
     ReadObject<Description>(item, ModuleKeys, module);
     if (module.OwnFaults.Echo)
         Fail(item.Place + ".faults.echo is no fault of a module: the adapter of the whole line echoes.");
+    if (module.OwnFaults.LatencyMs > 0)
+        Fail(item.Place + ".faults.latency is no fault of a module: the adapter of the whole line has it.");
     line.Add(MakeModule(std::move(module.Settings))).OwnFaults = module.OwnFaults;
 }
 

@@ -22,6 +22,7 @@ struct Faults {
     bool WrongAddress = false;     ///< names the address after its own in its replies
     bool Unplugged = false;        ///< a module: gone from the line; the line: the adapter was pulled out
     bool Echo = false;             ///< of the line alone: the adapter hands back what is sent
+    int LatencyMs = 0;             ///< of the line alone: the adapter hands characters over only that often
     LateReplies Late{};            ///< in time order with whatever else comes meanwhile
     bool Babble = false;           ///< answers with characters without end, until the next command
     double DamageShare = 0;        ///< of the replies, 0 to 1, that have one character wrong or are cut
@@ -40,6 +41,7 @@ constexpr Faults Combined(const Faults& first, const Faults& second) {
             .WrongAddress = first.WrongAddress || second.WrongAddress,
             .Unplugged = first.Unplugged || second.Unplugged,
             .Echo = first.Echo || second.Echo,
+            .LatencyMs = std::max(first.LatencyMs, second.LatencyMs),
             .Late = first.Late.Share >= second.Late.Share ? first.Late : second.Late,
             .Babble = first.Babble || second.Babble,
             .DamageShare = std::max(first.DamageShare, second.DamageShare)};

@@ -12,6 +12,7 @@ namespace {
 constexpr std::int64_t BitsPerCharacter = 10;
 constexpr std::uint32_t NoiseInsteadOneIn = 8;
 constexpr std::uint32_t LongestNoise = 4;
+constexpr std::uint32_t LostInCollisionOneIn = 4;
 constexpr std::size_t BabbleLength = 32768; // nobody waits for that many
 constexpr std::size_t LongestLogged = 1024;
 
@@ -21,7 +22,9 @@ std::vector<TimedByte> InTurn(const std::string& text, int baud, std::int64_t st
     bytes.reserve(text.size());
     for (std::int64_t count = 0; const char byte : text) {
         const std::int64_t pauses = count * pause;
-        bytes.push_back({AfterCharacters(start, ++count, baud) + pauses, byte});
+        const std::int64_t begin = AfterCharacters(start, count, baud) + pauses;
+        const std::int64_t end = AfterCharacters(start, ++count, baud) + pauses;
+        bytes.push_back({.Moment = end, .Byte = byte, .Begin = begin, .End = end, .Baud = baud});
     }
     return bytes;
 }
@@ -44,7 +47,8 @@ SimulatedModule& SimulatedLine::ModuleAt(int address) const {
                          ". Add one to the line.");
 }
 
-std::vector<TimedByte> SimulatedLine::Deliver(const std::string& command, int baud, std::int64_t moment) {
+std::vector<TimedByte> SimulatedLine::Deliver(const std::string& command, int baud, std::int64_t moment,
+                                              bool disturbed) {
     std::vector<TimedByte> bytes;
     if (baud > 0 && Plugged()) {
         if (LineFaults.Echo)
@@ -52,11 +56,13 @@ std::vector<TimedByte> SimulatedLine::Deliver(const std::string& command, int ba
         const auto heard = AfterCharacters(moment, static_cast<std::int64_t>(command.size()) + 1, baud);
         for (const auto& module : modules_) {
             const Faults faults = Combined(module->FaultsAt(command), LineFaults);
-            if (const auto reply = module->Hear(command, baud, heard, faults))
+            if (const auto reply = disturbed ? std::nullopt : module->Hear(command, baud, heard, faults))
                 std::ranges::copy(Characters(*reply, faults, baud, heard + TurnAroundMicroseconds),
                                   std::back_inserter(bytes));
         }
-        std::ranges::stable_sort(bytes, {}, &TimedByte::Moment);
+        for (TimedByte& byte : bytes)
+            byte.Moment = HandedOver(byte.End);
+        std::ranges::stable_sort(bytes, {}, &TimedByte::End);
     }
     if (Log) {
         LineEvent event{.Moment = moment, .Baud = baud, .Command = command, .Reply = {}};
@@ -76,6 +82,18 @@ std::vector<TimedByte> SimulatedLine::Characters(const std::string& reply, const
     for (TimedByte& byte : bytes)
         byte.Babble = faults.Babble;
     return bytes;
+}
+
+// An adapter with a latency hands its characters over when its timer ticks.
+std::int64_t SimulatedLine::HandedOver(std::int64_t end) const {
+    const std::int64_t tick = std::max<std::int64_t>(std::int64_t{1000} * LineFaults.LatencyMs, 1);
+    return (end + tick - 1) / tick * tick;
+}
+
+std::optional<char> SimulatedLine::Garbled() {
+    if (Random(LostInCollisionOneIn) == 0)
+        return std::nullopt;
+    return static_cast<char>(Random(256));
 }
 
 std::string SimulatedLine::BytesOnWire(std::string reply, const Faults& faults) {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <random>
 #include <string>
 #include <string_view>
@@ -13,11 +14,15 @@
 
 namespace kavro {
 
-/// A character on its way to the PC and the moment at which it is there, in microseconds.
+/// A character on its way to the PC. Moments in microseconds.
 struct TimedByte {
-    std::int64_t Moment = 0;
+    std::int64_t Moment = 0; ///< the adapter hands it over
     char Byte = 0;
-    bool Babble = false; ///< of a babbling module, which the next command on the line silences
+    std::int64_t Begin = 0, End = 0; ///< on the two wires
+    int Baud = 9600;                 ///< at which it was sent
+    bool Babble = false;             ///< of a babbling module, which the next command on the line silences
+    bool Garbled = false;            ///< by something else on the wires at that time
+    bool Lost = false;               ///< does not arrive
 };
 
 /// One command line and what came back, for logs and tests.
@@ -25,7 +30,7 @@ struct LineEvent {
     std::int64_t Moment = 0; ///< when the command began, microseconds
     int Baud = 0;            ///< of the command; 0 for a rate that could not be told
     std::string Command;     ///< without its carriage return
-    std::string Reply;       ///< what comes back, carriage return included; empty: silence
+    std::string Reply;       ///< what the modules send, carriage returns included; empty: silence
 };
 
 /// Moment at which `count` characters (10 bits each) that begin at `moment` are through.
@@ -60,8 +65,13 @@ public:
 
     /// Sends a command line (without carriage return) that begins at `moment` to all modules. Returns the
     /// characters that come back, in order of their moments: the command's own time, the time that a module
-    /// takes to turn around, then a character time each. Modules that share an address talk into each other.
-    std::vector<TimedByte> Deliver(const std::string& command, int baud, std::int64_t moment);
+    /// takes to turn around, then a character time each. No module understands a command that was
+    /// `disturbed`.
+    std::vector<TimedByte> Deliver(const std::string& command, int baud, std::int64_t moment,
+                                   bool disturbed = false);
+
+    /// What becomes of a character when something else is on the wires: nothing, or another one.
+    std::optional<char> Garbled();
 
     /// Pulls the adapter out: open ports are lost at their next operation, and none can be opened.
     void Unplug();
@@ -76,6 +86,7 @@ private:
     /// The characters of a module's `reply` that is due at `start`.
     std::vector<TimedByte> Characters(const std::string& reply, const Faults& faults, int baud,
                                       std::int64_t start);
+    std::int64_t HandedOver(std::int64_t end) const;
     std::string BytesOnWire(std::string reply, const Faults& faults);
     std::string Babble();
     void Damage(std::string& text);

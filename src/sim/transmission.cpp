@@ -26,11 +26,53 @@ void Transmission::Deliver(int baud, std::int64_t moment) {
     sentMoment_ = baud > 0 ? AfterCharacters(moment, length, baud) : moment;
     const std::string command = std::exchange(command_, {});
     std::erase_if(replies_, [moment](const TimedByte& byte) { return byte.Babble && byte.Moment > moment; });
-    const auto reply = line_.Deliver(command, baud, moment);
-    // A late reply to an earlier command may still be coming: on the line they mix as they fall.
+    const bool disturbed = Disturb(baud, moment);
+    const auto reply = line_.Deliver(command, baud, moment, disturbed);
+    // A late reply to an earlier command may still be coming.
     const auto before = static_cast<std::ptrdiff_t>(replies_.size());
     replies_.insert(replies_.end(), reply.begin(), reply.end());
-    std::ranges::inplace_merge(replies_, replies_.begin() + before, {}, &TimedByte::Moment);
+    std::ranges::inplace_merge(replies_, replies_.begin() + before, {}, &TimedByte::End);
+    Collide();
+    std::erase_if(replies_, [](const TimedByte& byte) { return byte.Lost; });
+}
+
+// What is still coming when a command goes out from `moment` to `sentMoment_`; whether they overlap.
+bool Transmission::Disturb(int baud, std::int64_t moment) {
+    bool disturbed = false;
+    for (TimedByte& byte : replies_) {
+        const bool overlaps = byte.Begin < sentMoment_ && byte.End > moment;
+        if (overlaps || (byte.Baud != baud && byte.End > moment))
+            Garble(byte); // at another rate the PC hears something else
+        disturbed = disturbed || overlaps;
+    }
+    return disturbed;
+}
+
+// Two that send the same at the same moment are heard as one.
+void Transmission::Collide() {
+    std::int64_t end = INT64_MIN;
+    TimedByte* last = nullptr;
+    for (TimedByte& byte : replies_) {
+        if (last != nullptr && byte.Begin < end) {
+            if (byte.Begin == last->Begin && byte.Byte == last->Byte) {
+                byte.Lost = true;
+                continue;
+            }
+            Garble(*last);
+            Garble(byte);
+        }
+        end = byte.End;
+        last = &byte;
+    }
+}
+
+void Transmission::Garble(TimedByte& byte) {
+    if (std::exchange(byte.Garbled, true))
+        return;
+    if (const auto other = line_.Garbled())
+        byte.Byte = *other;
+    else
+        byte.Lost = true;
 }
 
 std::size_t Transmission::Arrived(std::int64_t moment) const {

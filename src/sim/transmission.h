@@ -10,6 +10,9 @@ namespace kavro {
 
 /// What is under way between a PC and a simulated line: the command line that is not complete yet, and the
 /// replies that have not been taken. Moments are microseconds of one clock.
+///
+/// There is one pair of wires: what overlaps on it garbles each other, replies of two modules as well as a
+/// command and a reply that comes late.
 class Transmission {
 public:
     explicit Transmission(SimulatedLine& line) : line_(line) {}
@@ -40,11 +43,14 @@ public:
 
 private:
     void Deliver(int baud, std::int64_t moment);
+    bool Disturb(int baud, std::int64_t moment);
+    void Collide();
+    void Garble(TimedByte& byte);
 
     SimulatedLine& line_;
     std::string command_;
-    std::int64_t sentMoment_ = 0; // when the last command line has left the PC
-    std::deque<TimedByte> replies_;
+    std::int64_t sentMoment_ = 0;   // when the last command line has left the PC
+    std::deque<TimedByte> replies_; // by the end on the wires, which is their order of arrival too
 };
 
 } // namespace kavro

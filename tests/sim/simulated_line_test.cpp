@@ -103,9 +103,7 @@ TEST_F(SimulatedPortTest, CharactersTakeTheirTime) {
 TEST_F(SimulatedPortTest, CommandsMayComeInPiecesOrTogether) {
     EXPECT_EQ(Exchange("$0"), "");
     EXPECT_EQ(Exchange("12\r"), Answer);
-    EXPECT_EQ(Exchange("$012\r$022\r$01M\r"), std::string(Answer) + "!018250\r");
-    Line.Add(MakeModule("8310", 1));
-    EXPECT_EQ(Exchange("$01M\r"), "!!001188235100\r\r") << "two at one address talk into each other";
+    EXPECT_EQ(Exchange("$022\r$032\r$012\r"), Answer);
     EXPECT_EQ(Exchange(std::string(100'000, 'x') + "\r"), "") << "an endless line is nobody's command";
 }
 
@@ -157,14 +155,40 @@ TEST_F(SimulatedPortTest, NoiseDependsOnTheSeedAlone) {
     EXPECT_LT(std::ranges::count(noisy(7), '\r'), 20) << "now and then noise comes instead of a reply";
 }
 
-TEST_F(SimulatedPortTest, ALateReplyComesInTheMiddleOfTheNextExchange) {
+TEST_F(SimulatedPortTest, WhatOverlapsOnTheWiresIsGarbled) {
     Module.CommandFaults = [](std::string_view command) {
         return Faults{.Late = {.Share = command == "$012" ? 1.0 : 0, .MinMs = 100, .MaxMs = 100}};
     };
+    // When the next command begins; how the answer to it begins, which is garbled behind that; and whether
+    // the late reply can be read.
+    const std::tuple<int, const char*, bool> cases[] = {{60, "!018250\r", true},
+                                                        {97, "!0", false},
+                                                        {104, "", false},
+                                                        {114, "", false},
+                                                        {118, "!018250\r", false}};
+    for (const auto& [begin, whole, late] : cases) {
+        Port.Output(Question);
+        Time.Sleep(begin); // the late reply is on the wires from 107.2 to 117.6 ms
+        Port.EmptyInBuffer();
+        const std::string text = Exchange("$01M\r");
+        EXPECT_TRUE(text.starts_with(whole)) << begin;
+        EXPECT_EQ(Contains(text, "!018250\r"), std::string(whole).ends_with('\r')) << begin;
+        EXPECT_EQ(Contains(text, Answer), late) << begin;
+    }
+    Line.Add(MakeModule("8310", 1));
+    const std::string both = Exchange("$01M\r");
+    EXPECT_TRUE(both.starts_with("!018") && !Contains(both, "!018250\r") && !Contains(both, "!018310\r"))
+        << "two at one address talk into each other";
+}
+
+TEST_F(SimulatedPortTest, AnAdapterWithALatencyHandsCharactersOverNowAndThen) {
+    Line.LineFaults.LatencyMs = 16;
+    Time.Sleep(1);
     Port.Output(Question);
-    Time.Sleep(97); // 8 ms before its first character
-    Port.EmptyInBuffer();
-    EXPECT_EQ(Exchange("$01M\r"), "!01!80215008\r0600\r");
+    ASSERT_TRUE(Port.WaitForInput(100)); // 8.2 to 18.6 ms on the wires
+    EXPECT_EQ(std::tuple(Time.GetTickCount(), Port.InBufferCount()), std::tuple(16, 7));
+    EXPECT_EQ(Receive(), Answer);
+    EXPECT_EQ(Time.GetTickCount(), 132);
 }
 
 TEST_F(SimulatedPortTest, AnAdapterThatEchoesAndAModuleThatBabbles) {
