@@ -11,7 +11,6 @@ namespace kavro {
 
 namespace {
 
-constexpr int BaudChangePauseMs = 1000;
 constexpr std::int32_t FirstDeviceControlBaud =
     38400;                                  // from here on rates go through the device-control block
 constexpr std::int16_t DefaultBaudCode = 3; // 9600
@@ -77,25 +76,33 @@ void Line::SendCommand(const std::string& command, std::int16_t checksumOn, std:
     const PortSettingsRecord& settings = SettingsOf(CurrentPort);
     SetPortBaud(CurrentPort, baudCode, settings.Parity, settings.DataBits, settings.StopBits);
     SerialPort& port = CommPort(CurrentPort);
-    port.EmptyInBuffer();
+    if (port.EmptyInBuffer())
+        ++StrayCount;
     std::string text = Trim(command);
     if (checksumOn == 1)
         text += ChecksumOf(text);
     sentLine_ = text + CarriageReturn;
     port.Output(sentLine_);
-    sentAt_ = clock_.GetTickCount();
+    sentAt_ = clock_.Microseconds();
 }
 
 bool Line::ReceiveReply(std::string& reply, std::int16_t checksumOn, int delayMs, int timeoutMs) {
     Pause(delayMs);
-    return ReceiveLine(reply, timeoutMs) && (checksumOn != 1 || TakeChecksum(reply));
+    return Receive(reply, checksumOn, {timeoutMs, timeoutMs});
 }
 
-bool Line::ReceiveLine(std::string& reply, int timeoutMs) {
+bool Line::Receive(std::string& reply, std::int16_t checksumOn, ReplyTimes times) {
+    return ReceiveLine(reply, times) && (checksumOn != 1 || TakeChecksum(reply));
+}
+
+bool Line::ReceiveLine(std::string& reply, ReplyTimes times) {
     reply.clear();
     const std::string sentLine = std::exchange(sentLine_, {});
     bool first = true;
-    while (const auto character = NextCharacter(timeoutMs)) {
+    bool begun = false;
+    while (const auto character = NextCharacter(begun ? times.Next : times.First)) {
+        if (!std::exchange(begun, true))
+            FirstCharacterUs = clock_.Microseconds() - sentAt_;
         if (*character != CarriageReturn) {
             if (reply.size() == LongestReply) {
                 if (Bounded)
@@ -112,7 +119,7 @@ bool Line::ReceiveLine(std::string& reply, int timeoutMs) {
             NoteEcho(echo);
         if (!echo)
             return true;
-        first = false;
+        first = begun = false;
         reply.clear();
     }
     return false;
@@ -136,7 +143,7 @@ std::optional<char> Line::NextCharacter(int timeoutMs) {
 }
 
 bool Line::Ended(std::int64_t now, int timeoutMs) const {
-    return now - sentAt_ >= std::max(LongestBoundedMs, timeoutMs);
+    return now - sentAt_ / 1000 >= std::max(LongestBoundedMs, timeoutMs);
 }
 
 bool Line::TakeChecksum(std::string& reply) const {
@@ -175,7 +182,7 @@ void Line::Pause(int milliseconds) {
 }
 
 bool Line::Exchange(const std::string& command, std::int16_t checksumOn, std::int16_t baudCode,
-                    int timeoutMs) {
+                    ReplyTimes times) {
     CommandText = command;
     if (Awaiting)
         AwaitSilence();
@@ -183,9 +190,8 @@ bool Line::Exchange(const std::string& command, std::int16_t checksumOn, std::in
     SendCommand(CommandText, checksumOn, baudCode);
     ++Statistics.Transactions;
     incompleteAt_ = heardAt_ = clock_.GetTickCount();
-    const std::int64_t sent = clock_.Microseconds();
     ReplyStatus = 0; // also when something throws
-    ReplyStatus = ReceiveReply(ReplyText, checksumOn, 0, timeoutMs) ? -1 : 0;
+    ReplyStatus = Receive(ReplyText, checksumOn, times) ? -1 : 0;
     if (ReplyStatus == 0) {
         incompleteAt_ = heardAt_ = clock_.GetTickCount();
         ++(ReplyText.empty() ? Statistics.Silent : Statistics.Damaged);
@@ -195,7 +201,7 @@ bool Line::Exchange(const std::string& command, std::int16_t checksumOn, std::in
     silent_ = true;
     ++Statistics.Replies;
     ++(ReplyIs('?') ? Statistics.Refused : Statistics.Good);
-    Statistics.LastMicroseconds = clock_.Microseconds() - sent;
+    Statistics.LastMicroseconds = clock_.Microseconds() - sentAt_;
     Statistics.TotalMicroseconds += Statistics.LastMicroseconds;
     return true;
 }

@@ -42,6 +42,12 @@ struct LineStatistics {
     }
 };
 
+/// Milliseconds of silence after which a reply is given up.
+struct ReplyTimes {
+    int First = 100; ///< before its first character, from the end of sending or of the adapter's echo on
+    int Next = 100;  ///< between two characters
+};
+
 /// The line of modules behind one of eight COM ports: which port is in use, its settings and time-outs, and
 /// the one transaction of command and reply that may be going on. The only code that talks to a port.
 ///
@@ -69,6 +75,8 @@ public:
     std::string ReplyText;        ///< last reply, without carriage return and verified checksum
     std::int16_t ReplyStatus = 0; ///< -1 when the last reply was complete and its checksum good, else 0
 
+    int BaudChangePauseMs = 1000; ///< after each change of the baud rate
+
     LineStatistics Statistics; ///< of every `Exchange`; whoever shows them begins anew with `{}`
 
     bool Bounded = false;  ///< a transaction ends 3 s after its command at the latest (or after its time-out,
@@ -81,6 +89,8 @@ public:
     bool Echo = false; ///< the adapter hands back every character sent; found by itself
     std::function<void()> EchoFound = [] {}; ///< called when `Echo` becomes true
     std::int64_t IncompleteCount = 0;        ///< transactions without a complete reply, since the start
+    std::int64_t StrayCount = 0;       ///< commands before which something had come that nobody waited for
+    std::int64_t FirstCharacterUs = 0; ///< from the last command to the first character of its reply
 
     /// COM port 1 to 8. Throws `RuntimeFailure` for any other number.
     SerialPort& CommPort(int port);
@@ -90,7 +100,7 @@ public:
     const PortSettingsRecord& SettingsOf(int port) const;
 
     /// Switches the open port to a baud code; codes outside 0 to 7 give 9600 baud. Does nothing when the code
-    /// is the one last applied; a change costs a pause of 1000 ms. Parity, data bits and stop bits are
+    /// is the one last applied; a change costs `BaudChangePauseMs`. Parity, data bits and stop bits are
     /// ignored: "n,8,1".
     void SetPortBaud(std::int16_t port, std::int16_t baudCode, std::int16_t parity, std::int16_t dataBits,
                      std::int16_t stopBits);
@@ -106,7 +116,11 @@ public:
     bool ReceiveReply(std::string& reply, std::int16_t checksumOn, int delayMs, int timeoutMs);
 
     /// One transaction through `CommandText`, `ReplyText` and `ReplyStatus`; true when the reply is complete.
-    bool Exchange(const std::string& command, std::int16_t checksumOn, std::int16_t baudCode, int timeoutMs);
+    bool Exchange(const std::string& command, std::int16_t checksumOn, std::int16_t baudCode, int timeoutMs) {
+        return Exchange(command, checksumOn, baudCode, ReplyTimes{timeoutMs, timeoutMs});
+    }
+    bool Exchange(const std::string& command, std::int16_t checksumOn, std::int16_t baudCode,
+                  ReplyTimes times);
 
     /// Whether the last transaction succeeded with a reply of this class: '!', '>' or '?'.
     bool ReplyIs(char replyClass) const;
@@ -127,7 +141,8 @@ public:
 
 private:
     void Pause(int milliseconds);
-    bool ReceiveLine(std::string& reply, int timeoutMs);
+    bool Receive(std::string& reply, std::int16_t checksumOn, ReplyTimes times);
+    bool ReceiveLine(std::string& reply, ReplyTimes times);
     std::optional<char> NextCharacter(int timeoutMs);
     bool TakeChecksum(std::string& reply) const;
     bool Ended(std::int64_t now, int timeoutMs) const;
@@ -138,7 +153,7 @@ private:
     SerialPorts ports_;
     Clock& clock_;
     std::string sentLine_;           // until its echo, or another line, has come
-    std::int64_t sentAt_ = 0;        // ms
+    std::int64_t sentAt_ = 0;        // us
     std::int64_t interruptedAt_ = 0; // ms, when `Interrupted` was last asked and said no
     std::int64_t incompleteAt_ = 0;  // ms, end of the last transaction without a complete reply
     std::int64_t heardAt_ = 0;       // ms, the same, or what came after

@@ -28,8 +28,8 @@ public:
     /// Characters received and not yet read.
     virtual int InBufferCount() = 0;
 
-    /// Discards everything received so far.
-    virtual void EmptyInBuffer() = 0;
+    /// Discards everything received so far; whether there was anything.
+    virtual bool EmptyInBuffer() = 0;
 
     /// Takes one received character; at least one must be waiting.
     virtual char Input() = 0;

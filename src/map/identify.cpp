@@ -58,7 +58,12 @@ bool AskForCredibleConfig(Line& line, ConfigAnswer& answer) {
 
 std::optional<ConfigAnswer> AskForConfig(Line& line, std::int16_t address, std::int16_t checksum,
                                          std::int16_t baudCode) {
-    line.Exchange("$" + ToHex(address, 2) + "2", checksum, baudCode, line.ReplyTimeout);
+    return AskForConfig(line, address, checksum, baudCode, {line.ReplyTimeout, line.ReplyTimeout});
+}
+
+std::optional<ConfigAnswer> AskForConfig(Line& line, std::int16_t address, std::int16_t checksum,
+                                         std::int16_t baudCode, ReplyTimes times) {
+    line.Exchange("$" + ToHex(address, 2) + "2", checksum, baudCode, times);
     const std::size_t length = line.ReplyText.size();
     if (!line.ReplyIs('!') || (length != 9 && length != 11))
         return std::nullopt;

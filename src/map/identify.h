@@ -20,6 +20,10 @@ struct ConfigAnswer {
 
 /// Asks for a module's configuration ("$AA2"). Nothing unless a whole reply "!" of 9 or 11 characters comes.
 std::optional<ConfigAnswer> AskForConfig(Line& line, std::int16_t address, std::int16_t checksum,
+                                         std::int16_t baudCode, ReplyTimes times);
+
+/// The same with the line's reply time-out.
+std::optional<ConfigAnswer> AskForConfig(Line& line, std::int16_t address, std::int16_t checksum,
                                          std::int16_t baudCode);
 
 /// What became of an identification.

@@ -90,8 +90,8 @@ int CommPort::InBufferCount() {
     return Run([](SerialPort& port) { return port.InBufferCount(); });
 }
 
-void CommPort::EmptyInBuffer() {
-    Run([](SerialPort& port) { port.EmptyInBuffer(); });
+bool CommPort::EmptyInBuffer() {
+    return Run([](SerialPort& port) { return port.EmptyInBuffer(); });
 }
 
 char CommPort::Input() {

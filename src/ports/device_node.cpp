@@ -145,7 +145,7 @@ bool LockForThisProgram(const QSerialPort& port) {
     return flock(port.handle(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
-bool InputPending(const QSerialPort& port) {
+std::optional<bool> InputPending(const QSerialPort& port) {
     int waiting = 0;
     return ioctl(port.handle(), FIONREAD, &waiting) != 0 || waiting > 0;
 }
@@ -183,8 +183,8 @@ bool LockForThisProgram(const QSerialPort& /*port*/) {
     return true; // Windows opens serial ports for one program only
 }
 
-bool InputPending(const QSerialPort& /*port*/) {
-    return true;
+std::optional<bool> InputPending(const QSerialPort& /*port*/) {
+    return std::nullopt;
 }
 
 std::string BusyText(const std::string& /*path*/) {

@@ -2,6 +2,7 @@
 
 #include <QSerialPort>
 
+#include <optional>
 #include <string>
 
 namespace kavro {
@@ -24,9 +25,9 @@ bool DevicePresent(const std::string& path);
 /// ends when the port is closed.
 bool LockForThisProgram(const QSerialPort& port);
 
-/// Whether the system holds characters of an open port that the port has not taken yet; true where it cannot
-/// tell.
-bool InputPending(const QSerialPort& port);
+/// Whether the system holds characters of an open port that the port has not taken yet; nothing where it
+/// cannot tell.
+std::optional<bool> InputPending(const QSerialPort& port);
 
 /// Why a device is busy: which process has it, or which lock file was left behind.
 std::string BusyText(const std::string& path);

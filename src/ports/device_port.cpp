@@ -125,14 +125,18 @@ int DevicePort::InBufferCount() {
     return static_cast<int>(received_.size() - next_) + static_cast<int>(port_.bytesAvailable());
 }
 
-void DevicePort::EmptyInBuffer() {
+bool DevicePort::EmptyInBuffer() {
     RequireOpen();
+    const bool taken = next_ < received_.size();
     DropReceived();
     // Discarding in the system takes about as long as the rest of an exchange, so only when there is
     // something.
-    if (port_.bytesAvailable() > 0 || InputPending(port_))
+    const bool arrived = taken || port_.bytesAvailable() > 0;
+    const auto pending = InputPending(port_);
+    if (port_.bytesAvailable() > 0 || pending.value_or(true))
         port_.clear(QSerialPort::Input);
     ThrowIfLost();
+    return arrived || pending.value_or(false);
 }
 
 void DevicePort::DropReceived() {

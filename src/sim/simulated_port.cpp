@@ -47,9 +47,9 @@ int SimulatedPort::InBufferCount() {
     return static_cast<int>(transmission_.Arrived(clock_.Microseconds()));
 }
 
-void SimulatedPort::EmptyInBuffer() {
+bool SimulatedPort::EmptyInBuffer() {
     RequireOpen();
-    transmission_.DropArrived(clock_.Microseconds());
+    return transmission_.DropArrived(clock_.Microseconds());
 }
 
 char SimulatedPort::Input() {

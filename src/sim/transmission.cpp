@@ -100,8 +100,10 @@ char Transmission::Take() {
     return byte;
 }
 
-void Transmission::DropArrived(std::int64_t moment) {
-    replies_.erase(replies_.begin(), replies_.begin() + static_cast<std::ptrdiff_t>(Arrived(moment)));
+bool Transmission::DropArrived(std::int64_t moment) {
+    const auto count = static_cast<std::ptrdiff_t>(Arrived(moment));
+    replies_.erase(replies_.begin(), replies_.begin() + count);
+    return count > 0;
 }
 
 void Transmission::Clear() {

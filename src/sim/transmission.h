@@ -35,8 +35,9 @@ public:
     /// Takes the next character; one must be under way.
     char Take();
 
-    /// Drops what has arrived by `moment`; what is still to come stays under way.
-    void DropArrived(std::int64_t moment);
+    /// Drops what has arrived by `moment`, and tells whether anything had; what is still to come stays under
+    /// way.
+    bool DropArrived(std::int64_t moment);
 
     /// Drops everything, the incomplete command line too.
     void Clear();

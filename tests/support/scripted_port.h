@@ -61,7 +61,11 @@ public:
         return static_cast<int>(end - coming_.begin());
     }
 
-    void EmptyInBuffer() override { coming_.erase(coming_.begin(), coming_.begin() + InBufferCount()); }
+    bool EmptyInBuffer() override {
+        const int count = InBufferCount();
+        coming_.erase(coming_.begin(), coming_.begin() + count);
+        return count > 0;
+    }
 
     char Input() override {
         if (InBufferCount() == 0)
