@@ -17,6 +17,7 @@ constexpr std::int16_t DefaultBaudCode = 3; // 9600
 constexpr char CarriageReturn = '\r';
 constexpr std::size_t LongestReply = 1024; // far beyond any module's: only a line that babbles gets there
 constexpr int LongestBoundedMs = 3000;
+constexpr std::int64_t UsPerMs = 1000;
 constexpr int NapMs = 100;                 // between two looks at `Interrupted`
 constexpr int InterruptionGraceMs = 300;   // in which the work at hand may still come to its own end
 constexpr std::size_t LongestSummed = 128; // the codes of more characters can exceed the checksum
@@ -84,11 +85,12 @@ void Line::SendCommand(const std::string& command, std::int16_t checksumOn, std:
     sentLine_ = text + CarriageReturn;
     port.Output(sentLine_);
     sentAt_ = clock_.Microseconds();
+    FirstCharacterUs = -1;
 }
 
 bool Line::ReceiveReply(std::string& reply, std::int16_t checksumOn, int delayMs, int timeoutMs) {
     Pause(delayMs);
-    return Receive(reply, checksumOn, {timeoutMs, timeoutMs});
+    return Receive(reply, checksumOn, AlwaysMs(timeoutMs));
 }
 
 bool Line::Receive(std::string& reply, std::int16_t checksumOn, ReplyTimes times) {
@@ -120,6 +122,7 @@ bool Line::ReceiveLine(std::string& reply, ReplyTimes times) {
         if (!echo)
             return true;
         first = begun = false;
+        FirstCharacterUs = -1;
         reply.clear();
     }
     return false;
@@ -127,23 +130,26 @@ bool Line::ReceiveLine(std::string& reply, ReplyTimes times) {
 
 // Nothing when none comes in time. The time-out runs anew from the last character, so that a long reply that
 // keeps coming is never cut off.
-std::optional<char> Line::NextCharacter(int timeoutMs) {
+std::optional<char> Line::NextCharacter(std::int64_t timeoutUs) {
     SerialPort& port = CommPort(CurrentPort);
-    if (Bounded && Ended(clock_.GetTickCount(), timeoutMs))
+    if (Bounded && Ended(clock_.Microseconds(), timeoutUs))
         return std::nullopt;
     if (port.InBufferCount() == 0) {
-        const auto last = clock_.GetTickCount();
-        for (auto now = last; port.InBufferCount() == 0; now = clock_.GetTickCount()) {
-            if (now - last >= timeoutMs || (Bounded && Ended(now, timeoutMs)))
+        const std::int64_t last = clock_.Microseconds();
+        for (std::int64_t now = last; port.InBufferCount() == 0; now = clock_.Microseconds()) {
+            const std::int64_t left = timeoutUs - (now - last);
+            if (left <= 0 || (Bounded && Ended(now, timeoutUs)))
                 return std::nullopt;
-            port.WaitForInput(Nap(timeoutMs - (now - last)));
+            if (left < UsPerMs) // ports wait for whole milliseconds
+                clock_.SleepUntil(now + left);
+            port.WaitForInput(Nap(left / UsPerMs));
         }
     }
     return port.Input();
 }
 
-bool Line::Ended(std::int64_t now, int timeoutMs) const {
-    return now - sentAt_ / 1000 >= std::max(LongestBoundedMs, timeoutMs);
+bool Line::Ended(std::int64_t now, std::int64_t timeoutUs) const {
+    return now - sentAt_ >= std::max(LongestBoundedMs * UsPerMs, timeoutUs);
 }
 
 bool Line::TakeChecksum(std::string& reply) const {
@@ -242,6 +248,14 @@ bool Line::AwaitSilence() {
     while (!FallenSilent())
         CommPort(CurrentPort).WaitForInput(Nap(heardAt_ + SilenceMs() - clock_.GetTickCount()));
     return silent_;
+}
+
+bool Line::StaysSilent(std::int64_t milliseconds) {
+    const std::int64_t end = clock_.GetTickCount() + milliseconds;
+    for (std::int64_t left = milliseconds; left > 0; left = end - clock_.GetTickCount())
+        if (CommPort(CurrentPort).WaitForInput(Nap(left)))
+            return false;
+    return true;
 }
 
 std::string ChecksumOf(const std::string& text) {

@@ -42,11 +42,18 @@ struct LineStatistics {
     }
 };
 
-/// Milliseconds of silence after which a reply is given up.
+/// Microseconds of silence after which a reply is given up.
 struct ReplyTimes {
-    int First = 100; ///< before its first character, from the end of sending or of the adapter's echo on
-    int Next = 100;  ///< between two characters
+    std::int64_t First = 0; ///< before its first character, since the adapter was given the command or has
+                            ///< handed back its echo
+    std::int64_t Next = 0;  ///< between two characters
 };
+
+/// The same time before the first character and between two.
+constexpr ReplyTimes AlwaysMs(int milliseconds) {
+    const std::int64_t us = std::int64_t{1000} * milliseconds;
+    return {us, us};
+}
 
 /// The line of modules behind one of eight COM ports: which port is in use, its settings and time-outs, and
 /// the one transaction of command and reply that may be going on. The only code that talks to a port.
@@ -89,8 +96,9 @@ public:
     bool Echo = false; ///< the adapter hands back every character sent; found by itself
     std::function<void()> EchoFound = [] {}; ///< called when `Echo` becomes true
     std::int64_t IncompleteCount = 0;        ///< transactions without a complete reply, since the start
-    std::int64_t StrayCount = 0;       ///< commands before which something had come that nobody waited for
-    std::int64_t FirstCharacterUs = 0; ///< from the last command to the first character of its reply
+    std::int64_t StrayCount = 0;        ///< commands before which something had come that nobody waited for
+    std::int64_t FirstCharacterUs = -1; ///< from the last command to the first character of its reply, were
+                                        ///< it a carriage return alone; -1 when none came
 
     /// COM port 1 to 8. Throws `RuntimeFailure` for any other number.
     SerialPort& CommPort(int port);
@@ -117,7 +125,7 @@ public:
 
     /// One transaction through `CommandText`, `ReplyText` and `ReplyStatus`; true when the reply is complete.
     bool Exchange(const std::string& command, std::int16_t checksumOn, std::int16_t baudCode, int timeoutMs) {
-        return Exchange(command, checksumOn, baudCode, ReplyTimes{timeoutMs, timeoutMs});
+        return Exchange(command, checksumOn, baudCode, AlwaysMs(timeoutMs));
     }
     bool Exchange(const std::string& command, std::int16_t checksumOn, std::int16_t baudCode,
                   ReplyTimes times);
@@ -136,6 +144,9 @@ public:
     /// Waits for that; false when the line did not fall silent.
     bool AwaitSilence();
 
+    /// Waits; false as soon as a character is there, which stays to be read or discarded.
+    bool StaysSilent(std::int64_t milliseconds);
+
     /// The clock that pauses and time-outs are measured with.
     Clock& Time() const { return clock_; }
 
@@ -143,9 +154,9 @@ private:
     void Pause(int milliseconds);
     bool Receive(std::string& reply, std::int16_t checksumOn, ReplyTimes times);
     bool ReceiveLine(std::string& reply, ReplyTimes times);
-    std::optional<char> NextCharacter(int timeoutMs);
+    std::optional<char> NextCharacter(std::int64_t timeoutUs);
     bool TakeChecksum(std::string& reply) const;
-    bool Ended(std::int64_t now, int timeoutMs) const;
+    bool Ended(std::int64_t now, std::int64_t timeoutUs) const;
     int Nap(std::int64_t milliseconds);
     int SilenceMs() const;
     void NoteEcho(bool echo);

@@ -58,7 +58,7 @@ bool AskForCredibleConfig(Line& line, ConfigAnswer& answer) {
 
 std::optional<ConfigAnswer> AskForConfig(Line& line, std::int16_t address, std::int16_t checksum,
                                          std::int16_t baudCode) {
-    return AskForConfig(line, address, checksum, baudCode, {line.ReplyTimeout, line.ReplyTimeout});
+    return AskForConfig(line, address, checksum, baudCode, AlwaysMs(line.ReplyTimeout));
 }
 
 std::optional<ConfigAnswer> AskForConfig(Line& line, std::int16_t address, std::int16_t checksum,
@@ -100,6 +100,10 @@ Identified IdentifyModule(Line& line, const ConfigAnswer& answer, ModuleRecord& 
     return all ? Identified::Fully : Identified::Partly;
 }
 
+bool TellsMore(Identified now, const ModuleRecord& found, Identified before) {
+    return now > before || (now == before && !Trim(found.Model).empty());
+}
+
 Identified AskModuleAgain(Line& line, ConfigAnswer& answer, ModuleRecord& record) {
     Identified identified = Identified::No;
     std::string told;
@@ -112,7 +116,7 @@ Identified AskModuleAgain(Line& line, ConfigAnswer& answer, ModuleRecord& record
         const bool unknown = !Trim(found.Model).empty() && ModuleFamily(found.Model) == UnknownFamily;
         if (unknown && tells == told && IsSpokenToLikeThat(answer, found))
             now = Identified::Fully;
-        if (now >= identified)
+        if (TellsMore(now, found, identified))
             record = found;
         identified = std::max(identified, now);
         told = tells;

@@ -44,6 +44,10 @@ bool IsCredible(const ConfigAnswer& answer);
 Identified IdentifyModule(Line& line, const ConfigAnswer& answer, ModuleRecord& record,
                           Belief belief = Belief::Exact);
 
+/// Whether what was `found` now is to take the place of what was known `before`: a reading as good, but
+/// without a model, is not.
+bool TellsMore(Identified now, const ModuleRecord& found, Identified before);
+
 /// Asks for a module's configuration and identifies it, with the belief `Repeated`; the whole once more when
 /// that leaves anything open. An unknown model is believed when it is told twice. What was asked is in
 /// `answer` but for its reply, which is filled in.

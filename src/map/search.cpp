@@ -120,7 +120,7 @@ void NetworkSearch::AskAgain() {
         ModuleRecord record = session_.ModuleTable[index];
         const auto identified =
             AskModuleAgain(session_.Line, answers_[static_cast<std::size_t>(index)], record);
-        if (identified == Identified::No)
+        if (!TellsMore(identified, record, Identified::Vaguely))
             continue;
         record.Complete = identified == Identified::Fully;
         session_.ModuleTable[index] = record;

@@ -26,17 +26,20 @@ std::string Addresses(const std::vector<std::int16_t>& addresses) {
 
 std::vector<std::string> FindingTexts(const SearchFindings& findings) {
     std::vector<std::string> texts;
+    const std::string at =
+        findings.StoppedAtBaud > 0 ? "at " + std::to_string(findings.StoppedAtBaud) + " baud " : "";
     if (findings.StoppedAfter)
-        texts.push_back(*findings.StoppedAfter < 0 ? "The search was stopped before its first address."
-                                                   : "The search was stopped after address " +
-                                                         std::to_string(*findings.StoppedAfter) + ".");
+        texts.push_back("The search was stopped " + at +
+                        (*findings.StoppedAfter < 0
+                             ? "before its first address."
+                             : "after address " + std::to_string(*findings.StoppedAfter) + "."));
     if (findings.BeyondRange)
         texts.push_back("Search to address " + std::to_string(*findings.BeyondRange) +
                         " to list the module in its initialisation state.");
     if (!findings.Unclear.empty())
         texts.push_back("Heard but not understood at " + Addresses(findings.Unclear) + ".");
     if (!findings.Doubles.empty())
-        texts.push_back("Several modules, at different baud rates, have " + Addresses(findings.Doubles) +
+        texts.push_back("More than one module has " + Addresses(findings.Doubles) +
                         ". Give each module an address of its own.");
     if (findings.ListFull)
         texts.push_back("More modules answer than the list has room for.");

@@ -14,10 +14,11 @@ struct SearchFindings {
     std::optional<std::int16_t> BeyondRange;  ///< what a module in its initialisation state reports, when the
                                               ///< search did not get there and so does not list it
     std::optional<std::int16_t> StoppedAfter; ///< last address of a search that was stopped, -1 for none
-    std::vector<std::int16_t> Doubles;  ///< addresses of several modules at different baud rates, rising
-    std::vector<std::int16_t> NoAnswer; ///< of modules that were refreshed and are silent now, rising
-    bool RefreshStopped = false;        ///< a refresh was stopped before its last module
-    bool ListFull = false;              ///< more modules answered than the list has room for
+    std::int32_t StoppedAtBaud = 0;           ///< of a search rate by rate; 0: one address by address
+    std::vector<std::int16_t> Doubles;        ///< addresses that more than one module has, rising
+    std::vector<std::int16_t> NoAnswer;       ///< of modules that were refreshed and are silent now, rising
+    bool RefreshStopped = false;              ///< a refresh was stopped before its last module
+    bool ListFull = false;                    ///< more modules answered than the list has room for
 };
 
 /// The findings for the user, a sentence each; nothing when there is nothing to tell.

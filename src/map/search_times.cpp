@@ -30,22 +30,21 @@ std::int64_t ExactSearchMs(const SearchScope& scope) {
     return scope.Addresses * ExactAddressMs(scope);
 }
 
-int FirstCharacterMs(std::int16_t baudCode, std::int16_t checksum, int answerWithinMs) {
+std::int64_t CommandUs(std::int16_t baudCode, std::int16_t checksum) {
     const int bits = BitsPerCharacter * (CommandLength + (checksum == 1 ? ChecksumLength : 0));
-    const int baud = BaudFromCode(baudCode);
-    return (1000 * bits + baud - 1) / baud + answerWithinMs;
+    return std::int64_t{1'000'000} * bits / BaudFromCode(baudCode);
 }
 
-int FastAddressMs(std::int16_t baudCode, int answerWithinMs) {
-    return FirstCharacterMs(baudCode, 0, answerWithinMs) + FirstCharacterMs(baudCode, 1, answerWithinMs);
+double FastAddressMs(std::int16_t baudCode, int answerWithinMs) {
+    return static_cast<double>(CommandUs(baudCode, 0) + CommandUs(baudCode, 1)) / 1000 + 2 * answerWithinMs;
 }
 
 std::int64_t FastSearchMs(const SearchScope& scope) {
-    std::int64_t milliseconds = 0;
+    double milliseconds = 0;
     for (std::int16_t code = 0; code < BaudCodeCount; ++code)
         if (scope.BaudEnabled[static_cast<std::size_t>(code)] == 1)
             milliseconds += FastBaudChangeMs + scope.Addresses * FastAddressMs(code, scope.AnswerWithinMs);
-    return milliseconds;
+    return static_cast<std::int64_t>(milliseconds);
 }
 
 } // namespace kavro

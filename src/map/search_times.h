@@ -32,12 +32,11 @@ std::int64_t ExactAddressMs(const SearchScope& scope);
 /// Milliseconds that the exact search takes at most, but for what modules make it wait for.
 std::int64_t ExactSearchMs(const SearchScope& scope);
 
-/// Milliseconds that the fast search waits for the first character of a reply to "$AA2": what the command
-/// takes on the wire, and `answerWithinMs`.
-int FirstCharacterMs(std::int16_t baudCode, std::int16_t checksum, int answerWithinMs);
+/// Microseconds that the command "$AA2" takes on the wire, with its checksum or without.
+std::int64_t CommandUs(std::int16_t baudCode, std::int16_t checksum);
 
 /// Milliseconds that a silent address takes the fast search at a rate, without and then with checksum.
-int FastAddressMs(std::int16_t baudCode, int answerWithinMs);
+double FastAddressMs(std::int16_t baudCode, int answerWithinMs);
 
 /// Milliseconds that the fast search takes where nothing answers.
 std::int64_t FastSearchMs(const SearchScope& scope);
