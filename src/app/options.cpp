@@ -34,8 +34,9 @@ std::optional<Options> ReadOptions(int& argc, char** argv, int& exitCode) {
                                   "settings are kept apart from your own.");
     const QCommandLineOption port(
         "port",
-        "COM port N (1 to 8) is DEVICE: a device path, a pseudo-terminal, or \"demo\" for "
-        "the simulated line. May be given several times.",
+        "COM port N (1 to 8) is DEVICE: a device path, a pseudo-terminal, tcp://HOST:PORT or "
+        "rfc2217://HOST:PORT for a port of a device server, or \"demo\" for the simulated line. May be given "
+        "several times.",
         "N=DEVICE");
     parser.addOptions({demo, port});
     const QCommandLineOption help = parser.addHelpOption();

@@ -9,7 +9,8 @@ namespace kavro {
 
 void AddLineOptions(QCommandLineParser& parser) {
     parser.addOption({"port",
-                      "Work on COM port N (1 to 8), which is DEVICE: a path, or \"demo\" for the built-in "
+                      "Work on COM port N (1 to 8), which is DEVICE: a path, tcp://HOST:PORT or "
+                      "rfc2217://HOST:PORT for a port of a device server, or \"demo\" for the built-in "
                       "simulated line. Further --port options name the devices of further ports.",
                       "N=DEVICE"});
     parser.addOption({"demo", "Work on the built-in simulated line, as COM1."});
@@ -27,6 +28,8 @@ LineOptions ReadLineOptions(const QCommandLineParser& parser) {
         if (!options.Port)
             options.Port = static_cast<std::int16_t>(port);
     }
+    // Not every command lets a rate be chosen.
+    options.RateChosen = parser.optionNames().contains("baud");
     return options;
 }
 

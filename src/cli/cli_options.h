@@ -14,6 +14,7 @@ struct LineOptions {
     std::optional<std::int16_t> Port;   ///< COM port to work on; nothing: the one in the saved settings
     std::map<int, std::string> Devices; ///< device by COM port
     bool Demo = false;                  ///< COM1 is the simulated line, with settings of its own
+    bool RateChosen = false;            ///< the command line chooses a baud rate
 };
 
 /// Adds `--port` and `--demo`, which every command has.

@@ -1,6 +1,7 @@
 #include "cli/cli_session.h"
 
 #include "cli/cli_text.h"
+#include "link/network_address.h"
 #include "link/port_config.h"
 #include "link/runtime_failure.h"
 #include "ports/replace_file.h"
@@ -63,11 +64,14 @@ CliSession::CliSession(const LineOptions& options)
             PrintNote("The adapter hands back every character sent (echo). The echo is taken away.");
     };
     LoadSettings(options);
+    rateChosen_ = options.RateChosen;
 }
 
 void CliSession::OpenPort() {
     if (!settingsFailure_.empty())
         throw RuntimeFailure(settingsFailure_);
+    if (rateChosen_ && RateIsFixed(Device()))
+        PrintNote(FixedRateText);
     Session.Line.CommPort(Session.Line.CurrentPort).PortOpen(true);
 }
 

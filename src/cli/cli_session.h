@@ -37,6 +37,7 @@ private:
     void LoadSettings(const LineOptions& options);
 
     std::string settingsFailure_;
+    bool rateChosen_ = false; // on the command line
 };
 
 /// Sets the reply time-out, in ms, and the long one, its fivefold.

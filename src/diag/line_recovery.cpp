@@ -3,6 +3,7 @@
 #include "link/runtime_failure.h"
 #include "map/module_access.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace kavro {
@@ -10,6 +11,7 @@ namespace kavro {
 namespace {
 
 constexpr int RetryMs = 1000;
+constexpr int PauseFactor = 4; // a try that takes its time, as over a network, leaves the windows more of it
 
 } // namespace
 
@@ -42,6 +44,8 @@ bool LineRecovery::Ready() {
         OpenPort(line_);
         return true;
     } catch (const RuntimeFailure&) {
+        const std::int64_t end = line_.Time().GetTickCount();
+        nextTry_ = std::max(nextTry_, end + PauseFactor * (end - now));
         return false; // told when the outage began
     }
 }

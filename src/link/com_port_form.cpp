@@ -1,11 +1,13 @@
 #include "link/com_port_form.h"
 
 #include "link/baud.h"
+#include "link/network_address.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
 #include "ui/center_form.h"
 #include "ui/key_filter.h"
 #include "ui/named.h"
+#include "ui/note.h"
 #include "ui/ok_cancel.h"
 #include "ui/spin_buttons.h"
 
@@ -83,11 +85,23 @@ ComPortForm::ComPortForm(Line& line, PortDevices& devices, Messages& messages, Q
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(BuildPorts());
     layout->addLayout(groups);
+    rateNote_ = new Note("RateNote", *this);
+    layout->addWidget(rateNote_);
     layout->addStretch(1);
     layout->addWidget(buttons);
 
     Fill();
+    connect(comOption_, &QButtonGroup::idToggled, this, [this] { ShowRateNote(); });
+    for (QComboBox* device : comDevice_)
+        connect(device, &QComboBox::currentTextChanged, this, [this] { ShowRateNote(); });
+    ShowRateNote();
     CenterForm(*this);
+}
+
+void ComPortForm::ShowRateNote() {
+    const int port = comOption_->checkedId();
+    const bool fixed = port >= 1 && RateIsFixed(DeviceIn(*comDevice_[static_cast<std::size_t>(port - 1)]));
+    rateNote_->Tell(fixed ? FixedRateText : "");
 }
 
 QGroupBox* ComPortForm::BuildPorts() {
@@ -105,7 +119,9 @@ QGroupBox* ComPortForm::BuildPorts() {
         const QString limit = port > HighestStartPort ? ThisRunOnly : "";
         Explain(*option, limit.trimmed());
         Explain(*device,
-                "The device that " + name + " stands for: choose a detected one or type its path." + limit);
+                "The device that " + name +
+                    " stands for: choose a detected one or type its path. A port of a device server is " +
+                    NetworkForms + "." + limit);
         comOption_->addButton(option, port);
         comDevice_[static_cast<std::size_t>(port - 1)] = device;
         grid->addWidget(option, port - 1, 0);
@@ -194,6 +210,8 @@ void ComPortForm::FillDevices(QComboBox& box, int port, const std::vector<Detect
     for (const DetectedDevice& device : detected)
         box.addItem(DetectedText(device), QString::fromStdString(device.Path));
     box.addItem(DeviceText(SimulatedLineDevice), SimulatedLineDevice);
+    for (const std::string& device : devices_.Recent())
+        box.addItem(QString::fromStdString(device), QString::fromStdString(device));
     if (box.findData(QString::fromStdString(current)) < 0)
         box.addItem(DeviceText(current), QString::fromStdString(current));
     box.setCurrentIndex(box.findData(QString::fromStdString(current)));
@@ -236,14 +254,18 @@ bool ComPortForm::CheckEntries() {
         messages_.Show("Please choose a COM port.", "Error");
         return false;
     }
-    for (const DeviceChange& change : ChangedDevices())
-        if (change.After.empty()) {
-            messages_.Show("COM" + std::to_string(change.Port) +
-                               " has no device. Choose one, or type its path.",
-                           "Error");
+    for (const DeviceChange& change : ChangedDevices()) {
+        const auto check = [&] {
+            if (change.After.empty())
+                throw RuntimeFailure("COM" + std::to_string(change.Port) +
+                                     " has no device. Choose one, or type its path.");
+            RequireDeviceName(change.After);
+        };
+        if (!Guard(messages_, check)) {
             comDevice_[static_cast<std::size_t>(change.Port - 1)]->setFocus();
             return false;
         }
+    }
     return Check(*dataBits_, DataBitsIn) && Check(*timeout_, TimeoutIn);
 }
 

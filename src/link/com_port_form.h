@@ -19,6 +19,8 @@ class QLineEdit;
 
 namespace kavro {
 
+class Note;
+
 /// The COM Port dialog: which port is in use and which device it is, its settings, the baud rates to search
 /// and the reply time-out.
 class ComPortForm : public QDialog {
@@ -38,6 +40,7 @@ private:
     QLayout* BuildValues();
     void Fill();
     void FillDevices(QComboBox& box, int port, const std::vector<DetectedDevice>& detected);
+    void ShowRateNote();
     PortChoice ReadChoice() const;
     std::vector<DeviceChange> ChangedDevices() const;
     bool Check(QLineEdit& box, std::int16_t (*number)(const std::string& text));
@@ -55,6 +58,7 @@ private:
     QLineEdit* dataBits_ = nullptr;
     QComboBox* stopBits_ = nullptr;
     QLineEdit* timeout_ = nullptr;
+    Note* rateNote_ = nullptr;
 };
 
 } // namespace kavro

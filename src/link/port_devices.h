@@ -27,11 +27,14 @@ class PortDevices {
 public:
     virtual ~PortDevices() = default;
 
-    /// Device of COM port 1 to 8: a path, or `SimulatedLineDevice`.
+    /// Device of COM port 1 to 8: a path, a network address, or `SimulatedLineDevice`.
     virtual std::string Device(int port) const = 0;
 
     /// The serial devices present now, USB adapters first, then by path.
     virtual std::vector<DetectedDevice> Detect() const = 0;
+
+    /// Network addresses that were assigned before, the last one first.
+    virtual std::vector<std::string> Recent() const { return {}; }
 
     /// Makes `device` the device of `port`. When the port is open, the new device is opened before the old
     /// one is closed; a device that cannot be opened throws `RuntimeFailure` and leaves everything as it was.

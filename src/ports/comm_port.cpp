@@ -1,13 +1,18 @@
 #include "ports/comm_port.h"
 
+#include "link/network_address.h"
 #include "link/port_devices.h"
 #include "link/runtime_failure.h"
 #include "ports/device_node.h"
 #include "ports/device_port.h"
+#include "ports/network_port.h"
 
 namespace kavro {
 
 namespace {
+
+constexpr std::chrono::seconds RetryWindow(10);
+constexpr int RetryConnectLimitMs = 1000;
 
 // Runs an operation on a device and puts the device's name in front of what it throws.
 template <class Operation>
@@ -53,14 +58,30 @@ auto CommPort::Run(Operation operation) const {
     }
 }
 
-std::unique_ptr<SerialPort> CommPort::Opened(const std::string& device) const {
+std::unique_ptr<SerialPort> CommPort::Made(const std::string& device) const {
+    if (device == SimulatedLineDevice)
+        return table_->MakeSimulatedPort();
+    if (!IsNetworkDevice(device))
+        return std::make_unique<DevicePort>(device);
+    // Whoever tries again and again is not held up for long each time by a host that is away.
+    const bool again = std::chrono::steady_clock::now() - failedOpening_ < RetryWindow;
+    return std::make_unique<NetworkPort>(ParseNetworkAddress(device),
+                                         again ? RetryConnectLimitMs : ConnectLimitMs);
+}
+
+std::unique_ptr<SerialPort> CommPort::Opened(const std::string& device) {
     return Named(device, [&] {
-        auto backend = device == SimulatedLineDevice ? table_->MakeSimulatedPort()
-                                                     : std::make_unique<DevicePort>(device);
-        backend->PortOpen(true);
-        if (!settings_.empty())
-            backend->Settings(settings_);
-        return backend;
+        try {
+            auto backend = Made(device);
+            backend->PortOpen(true);
+            if (!settings_.empty())
+                backend->Settings(settings_);
+            failedOpening_ = {};
+            return backend;
+        } catch (const RuntimeFailure&) {
+            failedOpening_ = std::chrono::steady_clock::now();
+            throw;
+        }
     });
 }
 
@@ -108,12 +129,31 @@ bool CommPort::WaitForInput(int milliseconds) {
 
 void CommPort::Replace(const std::string& device) {
     // Another name of the same device needs no opening, which would find the device busy.
-    const bool same = ResolveDevice(device) == ResolveDevice(Device());
+    const bool same =
+        IsNetworkDevice(device) ? device == Device() : ResolveDevice(device) == ResolveDevice(Device());
+    failedOpening_ = {}; // of the device before
     if (!PortOpen())
         backend_.reset();
+    else if (!same && MayBeSameServerPort(device, Device()))
+        Swap(device);
     else if (!same)
         backend_ = Opened(device);
     Device() = device;
+}
+
+// Closes the device in use before it opens the other one, and takes it back when that fails.
+void CommPort::Swap(const std::string& device) {
+    backend_.reset();
+    try {
+        backend_ = Opened(device);
+    } catch (const RuntimeFailure&) {
+        try {
+            backend_ = Opened(Device());
+        } catch (const RuntimeFailure&) {
+            // The failure that led here is the one to tell; the port stays closed.
+        }
+        throw;
+    }
 }
 
 } // namespace kavro

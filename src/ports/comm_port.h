@@ -3,6 +3,7 @@
 #include "link/serial_port.h"
 #include "ports/port_table.h"
 
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -29,20 +30,24 @@ public:
     bool WaitForInput(int milliseconds) override;
 
     /// Moves the port to another device. When it is open, the new device is opened, with the settings last
-    /// applied, before the old one is closed; a failure leaves all as it was.
+    /// applied, before the old one is closed; a failure leaves all as it was. Many device servers take one
+    /// client only, so what may be the same port of a server is closed first, and opened again on a failure.
     void Replace(const std::string& device);
 
 private:
     std::string& Device() const;
-    std::unique_ptr<SerialPort> Opened(const std::string& device) const;
+    std::unique_ptr<SerialPort> Opened(const std::string& device);
+    std::unique_ptr<SerialPort> Made(const std::string& device) const;
+    void Swap(const std::string& device);
     SerialPort& Backend() const;
     template <class Operation>
     auto Run(Operation operation) const;
 
     int number_;
     std::shared_ptr<PortTable> table_;
-    std::unique_ptr<SerialPort> backend_; // null until first opened, and after closing
-    std::string settings_;                // last applied, empty: never
+    std::unique_ptr<SerialPort> backend_;                   // null until first opened, and after closing
+    std::string settings_;                                  // last applied, empty: never
+    std::chrono::steady_clock::time_point failedOpening_{}; // when opening last failed; the epoch: it did not
 };
 
 } // namespace kavro

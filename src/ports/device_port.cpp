@@ -2,10 +2,9 @@
 
 #include "link/runtime_failure.h"
 #include "ports/device_node.h"
+#include "ports/port_settings.h"
 
 #include <algorithm>
-#include <charconv>
-#include <string_view>
 
 namespace kavro {
 
@@ -13,19 +12,6 @@ namespace {
 
 constexpr int WriteLimitMs = 5000;         // far more than the longest command takes at 150 baud
 constexpr qint64 LargestBacklog = 1 << 16; // unread characters that no transaction will ever ask for
-
-// Baud rate of "9600,n,8,1".
-qint32 BaudOfSettings(const std::string& text) {
-    const std::string_view suffix = ",n,8,1";
-    const bool known = text.size() > suffix.size() && text.ends_with(suffix);
-    const char* const end = text.data() + (known ? text.size() - suffix.size() : 0);
-    qint32 baud = 0;
-    const auto result = std::from_chars(text.data(), end, baud);
-    if (result.ec != std::errc() || result.ptr != end || baud <= 0)
-        throw RuntimeFailure("The port settings \"" + text +
-                             "\" are not understood. They look like \"9600,n,8,1\".");
-    return baud;
-}
 
 } // namespace
 

@@ -1,5 +1,6 @@
 #include "ports/port_registry.h"
 
+#include "link/network_address.h"
 #include "link/runtime_failure.h"
 #include "ports/comm_port.h"
 #include "ports/ini_text.h"
@@ -15,6 +16,9 @@
 namespace kavro {
 
 namespace {
+
+constexpr const char* RecentKey = "RecentNetworkPorts"; // separated by blanks, the last one first
+constexpr std::size_t MostRecent = 8;
 
 std::size_t PortIndex(int port) {
     if (port < 1 || port > PortTotal)
@@ -77,6 +81,7 @@ std::pair<int, std::string> ParsePortOption(const std::string& text) {
     if (equals + 1 == text.size())
         throw RuntimeFailure(given +
                              "names no device after \"=\": write N=DEVICE, for example 1=/dev/ttyUSB0.");
+    RequireDeviceName(text.substr(equals + 1));
     return {text[0] - '0', text.substr(equals + 1)};
 }
 
@@ -93,6 +98,9 @@ PortRegistry::PortRegistry(std::string iniPath, const std::map<int, std::string>
     }
     for (const auto& [port, device] : commandLine_)
         table_->Device[PortIndex(port)] = device;
+    for (const QString& device : settings.value(RecentKey).toString().split(' ', Qt::SkipEmptyParts))
+        recent_.push_back(device.toStdString());
+    recent_.resize(std::min(recent_.size(), MostRecent));
 }
 
 std::string PortRegistry::Device(int port) const {
@@ -118,6 +126,14 @@ void PortRegistry::Assign(int port, const std::string& device) {
         table_->Port[index]->Replace(device);
     else
         table_->Device[index] = device;
+    if (IsNetworkDevice(device))
+        NoteRecent(device);
+}
+
+void PortRegistry::NoteRecent(const std::string& device) {
+    std::erase(recent_, device);
+    recent_.insert(recent_.begin(), device);
+    recent_.resize(std::min(recent_.size(), MostRecent));
 }
 
 void PortRegistry::Save() {
@@ -129,6 +145,9 @@ void PortRegistry::Save() {
             continue; // what was kept before stays
         kept[KeyOf(port).toStdString()] = device == DefaultDevice(port) ? "" : device;
     }
+    std::string& recent = kept[RecentKey];
+    for (const std::string& device : recent_)
+        recent += (recent.empty() ? "" : " ") + device;
     ReplaceFile(iniPath_, WithIniValues(TextOf(iniPath_), kept));
     // Saved once, the user's choice counts, even when it returns to the command line's device later.
     std::erase_if(commandLine_, [this](const auto& given) { return Device(given.first) != given.second; });

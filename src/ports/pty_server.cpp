@@ -4,6 +4,8 @@
 
 #ifdef __linux__
 
+#include "ports/descriptor.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -48,19 +50,6 @@ int Opened(int number, const char* what) {
         Fail(what);
     return number;
 }
-
-/// A file descriptor that is closed at the end.
-class Descriptor {
-public:
-    explicit Descriptor(int number) : number_(number) {}
-    ~Descriptor() { close(number_); }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    operator int() const { return number_; }
-
-private:
-    int number_;
-};
 
 int OpenMaster() {
     const int master = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);

@@ -1,0 +1,129 @@
+#include "link/network_address.h"
+
+#include "link/runtime_failure.h"
+#include "link/text.h"
+
+#include <algorithm>
+#include <cctype>
+#include <string_view>
+
+namespace kavro {
+
+namespace {
+
+constexpr std::string_view SchemeEnd = "://";
+constexpr std::size_t LongestHost = 253; // of a name in the domain name system
+constexpr std::int32_t HighestPort = 65535;
+
+struct Scheme {
+    const char* Name;
+    NetworkKind Kind;
+};
+constexpr Scheme Schemes[] = {{"tcp", NetworkKind::Raw}, {"rfc2217", NetworkKind::Rfc2217}};
+
+bool IsLetterOrDigit(char character) {
+    return std::isalnum(static_cast<unsigned char>(character)) != 0;
+}
+
+std::string Lower(std::string text) {
+    std::ranges::transform(text, text.begin(), [](unsigned char character) {
+        return static_cast<char>(std::tolower(character));
+    });
+    return text;
+}
+
+[[noreturn]] void Refuse(const std::string& given, const std::string& why) {
+    throw RuntimeFailure("The address \"" + given + "\" " + why);
+}
+
+std::uint16_t PortIn(const std::string& text, const std::string& given) {
+    const auto number = CappedNumber(text);
+    if (!number || *number < 1 || *number > HighestPort || text.size() > 5)
+        Refuse(given, "needs a port number from 1 to 65535 behind the host, for example HOST:5000.");
+    return static_cast<std::uint16_t>(*number);
+}
+
+// A name or an IPv4 address. Letters of other scripts are left to the name service.
+bool IsHostName(const std::string& host) {
+    return !host.empty() && host.size() <= LongestHost && std::ranges::all_of(host, [](char character) {
+        return IsLetterOrDigit(character) || static_cast<unsigned char>(character) >= 0x80 ||
+               character == '.' || character == '-' || character == '_';
+    });
+}
+
+// Digits, colons and dots; an interface may follow "%", as link-local addresses need it.
+bool IsIpv6(const std::string& host) {
+    const std::string digits = host.substr(0, host.find('%'));
+    const bool zone = digits.size() == host.size() || IsHostName(host.substr(digits.size() + 1));
+    return zone && std::ranges::count(digits, ':') >= 2 && std::ranges::all_of(digits, [](char character) {
+               return std::isxdigit(static_cast<unsigned char>(character)) != 0 || character == ':' ||
+                      character == '.';
+           });
+}
+
+struct HostAndPort {
+    std::string Host, Port;
+};
+
+HostAndPort BracketedHost(const std::string& text, const std::string& given) {
+    const auto end = text.find("]:");
+    if (end == std::string::npos || !IsIpv6(text.substr(1, end - 1)))
+        Refuse(given, "is no IPv6 address with a port: write it like [fe80::1]:5000.");
+    return {text.substr(1, end - 1), text.substr(end + 2)};
+}
+
+HostAndPort NamedHost(const std::string& text, const std::string& given) {
+    const auto colon = text.find(':');
+    if (colon == std::string::npos)
+        Refuse(given, "names no port: write HOST:PORT, for example HOST:5000.");
+    if (text.find(':', colon + 1) != std::string::npos)
+        Refuse(given, "has more than one colon: an IPv6 address stands in square brackets, like "
+                      "[fe80::1]:5000.");
+    if (!IsHostName(text.substr(0, colon)))
+        Refuse(given, "names no host: write a name or a numeric address before the colon.");
+    return {text.substr(0, colon), text.substr(colon + 1)};
+}
+
+} // namespace
+
+bool IsNetworkDevice(const std::string& device) {
+    const auto end = device.find(SchemeEnd);
+    return end != std::string::npos && end > 0 &&
+           std::all_of(device.begin(), device.begin() + static_cast<std::ptrdiff_t>(end), [](char character) {
+               return IsLetterOrDigit(character) || character == '+' || character == '-';
+           });
+}
+
+NetworkAddress ParseHostAndPort(const std::string& text, const std::string& given) {
+    const HostAndPort parts = text.starts_with('[') ? BracketedHost(text, given) : NamedHost(text, given);
+    return {NetworkKind::Raw, parts.Host, PortIn(parts.Port, given)};
+}
+
+NetworkAddress ParseNetworkAddress(const std::string& device) {
+    const auto end = device.find(SchemeEnd);
+    const std::string name = Lower(device.substr(0, end));
+    const auto* const scheme = std::ranges::find(Schemes, name, &Scheme::Name);
+    if (end == std::string::npos || scheme == std::end(Schemes))
+        Refuse(device, std::string("is no kind of port that is known: write ") + NetworkForms + ".");
+    NetworkAddress address = ParseHostAndPort(device.substr(end + SchemeEnd.size()), device);
+    address.Kind = scheme->Kind;
+    return address;
+}
+
+void RequireDeviceName(const std::string& device) {
+    if (IsNetworkDevice(device))
+        ParseNetworkAddress(device);
+}
+
+bool MayBeSameServerPort(const std::string& one, const std::string& other) {
+    if (!IsNetworkDevice(one) || !IsNetworkDevice(other))
+        return false;
+    const NetworkAddress a = ParseNetworkAddress(one), b = ParseNetworkAddress(other);
+    return a.Port == b.Port || Lower(a.Host) == Lower(b.Host);
+}
+
+bool RateIsFixed(const std::string& device) {
+    return Lower(device.substr(0, device.find(SchemeEnd))) == Schemes[0].Name && IsNetworkDevice(device);
+}
+
+} // namespace kavro
