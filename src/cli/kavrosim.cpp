@@ -1,9 +1,13 @@
 #include "cli/kavrosim.h"
 
+#include "link/baud.h"
+#include "link/network_address.h"
 #include "link/runtime_failure.h"
+#include "link/text.h"
 #include "map/product.h"
 #include "ports/line_file.h"
 #include "ports/pty_server.h"
+#include "ports/tcp_server.h"
 #include "ports/termination_signals.h"
 #include "sim/demo_line.h"
 
@@ -21,8 +25,10 @@ constexpr int WrongUse = 2;
 constexpr int PortTrouble = 3;
 
 struct KavrosimOptions {
-    std::string LineFile; // empty: the demo line
-    std::string LinkPath; // empty: no link
+    std::string LineFile;                 // empty: the demo line
+    std::string LinkPath;                 // empty: no link
+    std::optional<NetworkAddress> Listen; // nothing: a pseudo-terminal
+    int Baud = 9600;                      // where the client cannot set it
     std::optional<std::uint32_t> Seed;
     bool Log = false;
     std::string Information; // help or version to print instead of serving
@@ -53,22 +59,32 @@ int Complain(int exitCode, std::string what) {
     return exitCode;
 }
 
+template <class Server>
+void Run(Server& server, const std::string& device, SimulatedLine& line, bool log, int stopDescriptor) {
+    const std::int64_t start = SteadyClock().Microseconds();
+    if (log)
+        line.Log = [&server, start](const LineEvent& event) {
+            if (!Print(LogLine(event, start)))
+                server.Stop();
+        };
+    if (!Print(device))
+        throw RuntimeFailure("The device path cannot be written to standard output.");
+    server.Run(stopDescriptor);
+}
+
 int Serve(const KavrosimOptions& options) {
     const TerminationSignals endRequests;
     SimulatedLine line = options.LineFile.empty() ? DemoLine() : ReadLineFile(options.LineFile);
     if (options.Seed)
         line.SetSeed(*options.Seed);
     SteadyClock clock;
-    PtyServer server(line, clock, options.LinkPath);
-    const std::int64_t start = clock.Microseconds();
-    if (options.Log)
-        line.Log = [&server, start](const LineEvent& event) {
-            if (!Print(LogLine(event, start)))
-                server.Stop();
-        };
-    if (!Print(server.DevicePath()))
-        throw RuntimeFailure("The device path cannot be written to standard output.");
-    server.Run(endRequests.Descriptor());
+    if (options.Listen) {
+        TcpServer server(line, clock, *options.Listen, options.Baud);
+        Run(server, server.Device(), line, options.Log, endRequests.Descriptor());
+    } else {
+        PtyServer server(line, clock, options.LinkPath);
+        Run(server, server.DevicePath(), line, options.Log, endRequests.Descriptor());
+    }
     return 0;
 }
 
@@ -78,6 +94,34 @@ std::optional<std::uint32_t> SeedOf(const QString& text) {
     if (!number)
         throw RuntimeFailure("--seed needs a whole number from 0 to 4294967295.");
     return seed;
+}
+
+int BaudOf(const QString& text) {
+    const auto baud = CappedNumber(text.toStdString());
+    if (!baud || !IsStandardBaud(*baud))
+        throw RuntimeFailure("--baud needs a rate of the modules, for example 9600.");
+    return *baud;
+}
+
+struct ListenOption {
+    const char* Name;
+    NetworkKind Kind;
+};
+constexpr ListenOption ListenOptions[] = {{"listen", NetworkKind::Raw},
+                                          {"listen-rfc2217", NetworkKind::Rfc2217}};
+
+void ReadListening(const QCommandLineParser& parser, KavrosimOptions& options) {
+    for (const auto& [name, kind] : ListenOptions) {
+        if (!parser.isSet(name))
+            continue;
+        if (options.Listen || parser.isSet("link"))
+            throw RuntimeFailure("The line is served in one place: --link, --listen or --listen-rfc2217.");
+        options.Listen = ParseListenAddress(parser.value(name).toStdString(), kind);
+    }
+    if (parser.isSet("baud") && !options.Listen)
+        throw RuntimeFailure("--baud goes with --listen: on a pseudo-terminal the other side sets the rate.");
+    if (parser.isSet("baud"))
+        options.Baud = BaudOf(parser.value("baud"));
 }
 
 // The parser begins with the path of the program and ends with an empty line.
@@ -92,13 +136,23 @@ KavrosimOptions ParseOptions(const QStringList& arguments) {
     const QCommandLineOption link("link", "Make the symbolic link <path> to the device.", "path");
     const QCommandLineOption seed("seed", "Seed of the random noise, 0 to 4294967295.", "number");
     const QCommandLineOption log("log", "Print every command and its reply with time and baud rate.");
+    const QCommandLineOption listen(
+        "listen",
+        "Serve the line over TCP in place of a pseudo-terminal, raw, at <[host:]port>; without a host for "
+        "this computer alone, at port 0 at any that is free.",
+        "[host:]port");
+    const QCommandLineOption listenRfc2217(
+        "listen-rfc2217", "The same with RFC 2217, with which the client sets the rate.", "[host:]port");
+    const QCommandLineOption baud(
+        "baud", "Rate of a line served over TCP; 9600 unless given. With RFC 2217 it is the first one.",
+        "rate");
     const QCommandLineOption help({"h", "help"}, "Print this help and end.");
     const QCommandLineOption version({"v", "version"}, "Print the version and end.");
     QCommandLineParser parser;
     parser.setApplicationDescription(
-        "Serves a line of simulated modules on a pseudo-terminal. The first line "
-        "printed is the path of the device to open; Ctrl+C ends.");
-    parser.addOptions({lineFile, link, seed, log, help, version});
+        "Serves a line of simulated modules on a pseudo-terminal, or over TCP. The first line "
+        "printed is the device to open; Ctrl+C ends.");
+    parser.addOptions({lineFile, link, listen, listenRfc2217, baud, seed, log, help, version});
     if (!parser.parse(arguments))
         throw RuntimeFailure(parser.errorText().toStdString() + " See kavrosim --help.");
 
@@ -119,6 +173,7 @@ KavrosimOptions ParseOptions(const QStringList& arguments) {
         throw RuntimeFailure("--line needs the path of a file.");
     if (parser.isSet(link) && options.LinkPath.empty())
         throw RuntimeFailure("--link needs a path.");
+    ReadListening(parser, options);
     if (parser.isSet(seed))
         options.Seed = SeedOf(parser.value(seed));
     return options;

@@ -12,6 +12,7 @@ namespace kavro {
 namespace {
 
 constexpr std::string_view SchemeEnd = "://";
+constexpr const char* Loopback = "127.0.0.1";
 constexpr std::size_t LongestHost = 253; // of a name in the domain name system
 constexpr std::int32_t HighestPort = 65535;
 
@@ -36,9 +37,9 @@ std::string Lower(std::string text) {
     throw RuntimeFailure("The address \"" + given + "\" " + why);
 }
 
-std::uint16_t PortIn(const std::string& text, const std::string& given) {
+std::uint16_t PortIn(const std::string& text, const std::string& given, std::int32_t lowest = 1) {
     const auto number = CappedNumber(text);
-    if (!number || *number < 1 || *number > HighestPort || text.size() > 5)
+    if (!number || *number < lowest || *number > HighestPort || text.size() > 5)
         Refuse(given, "needs a port number from 1 to 65535 behind the host, for example HOST:5000.");
     return static_cast<std::uint16_t>(*number);
 }
@@ -84,6 +85,10 @@ HostAndPort NamedHost(const std::string& text, const std::string& given) {
     return {text.substr(0, colon), text.substr(colon + 1)};
 }
 
+HostAndPort PartsOf(const std::string& text, const std::string& given) {
+    return text.starts_with('[') ? BracketedHost(text, given) : NamedHost(text, given);
+}
+
 } // namespace
 
 bool IsNetworkDevice(const std::string& device) {
@@ -94,9 +99,19 @@ bool IsNetworkDevice(const std::string& device) {
            });
 }
 
-NetworkAddress ParseHostAndPort(const std::string& text, const std::string& given) {
-    const HostAndPort parts = text.starts_with('[') ? BracketedHost(text, given) : NamedHost(text, given);
-    return {NetworkKind::Raw, parts.Host, PortIn(parts.Port, given)};
+std::string NetworkDevice(const NetworkAddress& address) {
+    const auto* const scheme = std::ranges::find(Schemes, address.Kind, &Scheme::Kind);
+    const bool ipv6 = address.Host.find(':') != std::string::npos;
+    return scheme->Name + std::string(SchemeEnd) + (ipv6 ? "[" + address.Host + "]" : address.Host) + ":" +
+           std::to_string(address.Port);
+}
+
+NetworkAddress ParseListenAddress(const std::string& text, NetworkKind kind) {
+    const bool portAlone = text.find(':') == std::string::npos;
+    if (portAlone || text.starts_with(':'))
+        return {kind, Loopback, PortIn(text.substr(portAlone ? 0 : 1), text, 0)};
+    const HostAndPort parts = PartsOf(text, text);
+    return {kind, parts.Host, PortIn(parts.Port, text, 0)};
 }
 
 NetworkAddress ParseNetworkAddress(const std::string& device) {
@@ -105,9 +120,8 @@ NetworkAddress ParseNetworkAddress(const std::string& device) {
     const auto* const scheme = std::ranges::find(Schemes, name, &Scheme::Name);
     if (end == std::string::npos || scheme == std::end(Schemes))
         Refuse(device, std::string("is no kind of port that is known: write ") + NetworkForms + ".");
-    NetworkAddress address = ParseHostAndPort(device.substr(end + SchemeEnd.size()), device);
-    address.Kind = scheme->Kind;
-    return address;
+    const HostAndPort parts = PartsOf(device.substr(end + SchemeEnd.size()), device);
+    return {scheme->Kind, parts.Host, PortIn(parts.Port, device)};
 }
 
 void RequireDeviceName(const std::string& device) {

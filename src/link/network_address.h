@@ -29,8 +29,12 @@ bool IsNetworkDevice(const std::string& device);
 /// the scheme are as good. Throws `RuntimeFailure` that says what is wrong with any other text.
 NetworkAddress ParseNetworkAddress(const std::string& device);
 
-/// Reads "HOST:PORT", as in such an address; `given` is how a failure names the text.
-NetworkAddress ParseHostAndPort(const std::string& text, const std::string& given);
+/// The device text of an address.
+std::string NetworkDevice(const NetworkAddress& address);
+
+/// Reads where to listen: "HOST:PORT", or ":PORT" or "PORT" for this computer alone. Port 0 stands for any
+/// that is free. Throws `RuntimeFailure` that says what is wrong with any other text.
+NetworkAddress ParseListenAddress(const std::string& text, NetworkKind kind);
 
 /// Throws as `ParseNetworkAddress` does for a device that is meant to be a network address and is none.
 void RequireDeviceName(const std::string& device);

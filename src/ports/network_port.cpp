@@ -4,6 +4,8 @@
 #include "ports/deadline.h"
 #include "ports/port_settings.h"
 
+#include <chrono>
+#include <thread>
 #include <utility>
 
 namespace kavro {
@@ -14,6 +16,8 @@ constexpr int AgreementLimitMs = 5000;
 constexpr int GreetingMs = 100; // in which a raw server that refuses a client says so
 constexpr int ReportLimitMs = 1000;
 constexpr int WriteLimitMs = 5000;
+constexpr int InUseTries = 3;
+constexpr std::chrono::milliseconds InUsePause(200);
 constexpr int MostReads = 256; // of 4096 bytes: what is discarded in one go from a server without end
 
 constexpr const char* NoRfc2217 =
@@ -39,15 +43,20 @@ void NetworkPort::PortOpen(bool open) {
     if (open && PortOpen())
         return;
     Forget();
-    if (!open)
-        return;
-    try {
-        opening_ = true;
-        Open();
-        opening_ = false;
-    } catch (const RuntimeFailure&) {
-        Forget();
-        throw;
+    for (int tries = 1; open; ++tries) {
+        inUse_ = false;
+        try {
+            opening_ = true;
+            Open();
+            opening_ = false;
+            return;
+        } catch (const RuntimeFailure&) {
+            Forget();
+            // A server can take a moment to let go of a port that was just closed.
+            if (!inUse_ || tries == InUseTries)
+                throw;
+            std::this_thread::sleep_for(InUsePause);
+        }
     }
 }
 
@@ -124,6 +133,7 @@ void NetworkPort::ThrowIfLost() {
     if (!lost_)
         return;
     const std::string text = LostText();
+    inUse_ = text == InUse;
     Forget(); // told once: from now on the port is simply not open
     throw RuntimeFailure(text);
 }

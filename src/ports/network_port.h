@@ -61,7 +61,8 @@ private:
     std::string toSend_;      // what the system has not taken yet
     bool purgeFirst_ = false; // before the next command
     bool opening_ = false;
-    bool lost_ = false; // the connection is over and nobody has been told yet
+    bool inUse_ = false; // as the server said last
+    bool lost_ = false;  // the connection is over and nobody has been told yet
 };
 
 } // namespace kavro
