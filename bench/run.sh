@@ -11,6 +11,8 @@ cmake --build "$build" --target bench >/dev/null
 
 "$build/bench/exchange_bench"
 echo
+"$build/bench/network_bench"
+echo
 "$build/bench/search_bench"
 echo
 "$build/bench/panel_bench"
