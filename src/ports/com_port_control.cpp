@@ -102,13 +102,11 @@ void ComPortClient::Receive(std::string_view bytes, std::string& data) {
     reader_.Read(bytes, received, events_);
     for (const TelnetEvent& event : events_)
         Note(event);
-    if (binary_)
-        data += received;
-    else
-        AppendData(received, data);
+    AppendData(received, data);
 }
 
-// A server that does not send all bytes as they are puts a NUL behind every carriage return.
+// A server that does not send all bytes as they are puts a NUL behind every carriage return; no module sends
+// any.
 void ComPortClient::AppendData(const std::string& data, std::string& to) {
     for (const char character : data) {
         if (character != '\0' || !afterReturn_)
@@ -124,15 +122,12 @@ void ComPortClient::Note(const TelnetEvent& event) {
         return;
     }
     answers_ += offers_.Answer(event);
-    if (event.Option == static_cast<unsigned char>(TelnetOption::Binary)) {
-        if (event.Verb == TelnetVerb::Will || event.Verb == TelnetVerb::Wont)
-            binary_ = event.Verb == TelnetVerb::Will;
-    } else if (event.Option == static_cast<unsigned char>(TelnetOption::ComPort)) {
-        // Some servers say WILL where the standard has them say DO.
-        const bool yes = event.Verb == TelnetVerb::Do || event.Verb == TelnetVerb::Will;
-        if (yes || event.Verb == TelnetVerb::Dont)
-            agreement_ = yes ? Agreement::Agreed : Agreement::Refused;
-    }
+    if (event.Option != static_cast<unsigned char>(TelnetOption::ComPort))
+        return;
+    // Some servers say WILL where the standard has them say DO.
+    const bool yes = event.Verb == TelnetVerb::Do || event.Verb == TelnetVerb::Will;
+    if (yes || event.Verb == TelnetVerb::Dont)
+        agreement_ = yes ? Agreement::Agreed : Agreement::Refused;
 }
 
 std::string ComPortClient::TakeAnswers() {

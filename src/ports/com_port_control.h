@@ -92,7 +92,6 @@ private:
     std::vector<TelnetEvent> events_;
     std::string answers_;
     Agreement agreement_ = Agreement::Open;
-    bool binary_ = false;      // the server sends all bytes as they are
     bool afterReturn_ = false; // the last character was a carriage return
     std::uint32_t requested_ = 0;
     std::vector<std::uint32_t> owed_; // rates requested earlier without a report yet

@@ -48,11 +48,14 @@ SerialPort& CommPort::Backend() const {
 
 // Runs an operation on the port in use.
 template <class Operation>
-auto CommPort::Run(Operation operation) const {
+auto CommPort::Run(Operation operation) {
     try {
         return Named(Device(), [&] { return operation(Backend()); });
     } catch (const RuntimeFailure& failure) {
-        if (PortOpen() || table_->ClosedAdvice.empty())
+        if (PortOpen())
+            throw;
+        backend_.reset(); // told now
+        if (table_->ClosedAdvice.empty())
             throw;
         throw RuntimeFailure(failure.what() + (" " + table_->ClosedAdvice));
     }
@@ -65,8 +68,10 @@ std::unique_ptr<SerialPort> CommPort::Made(const std::string& device) const {
         return std::make_unique<DevicePort>(device);
     // Whoever tries again and again is not held up for long each time by a host that is away.
     const bool again = std::chrono::steady_clock::now() - failedOpening_ < RetryWindow;
-    return std::make_unique<NetworkPort>(ParseNetworkAddress(device),
-                                         again ? RetryConnectLimitMs : ConnectLimitMs);
+    NetworkLimits limits;
+    if (again)
+        limits.ConnectMs = RetryConnectLimitMs;
+    return std::make_unique<NetworkPort>(ParseNetworkAddress(device), limits);
 }
 
 std::unique_ptr<SerialPort> CommPort::Opened(const std::string& device) {
@@ -98,9 +103,30 @@ void CommPort::SetCommState(const std::string& text) {
 void CommPort::PortOpen(bool open) {
     if (open && PortOpen())
         return;
-    backend_.reset(); // a lost one too, with what it had to tell
-    if (open)
+    const std::string loss = open ? UntoldLoss() : "";
+    backend_.reset(); // a lost one too
+    if (!open)
+        return;
+    try {
         backend_ = Opened(Device());
+    } catch (const RuntimeFailure&) {
+        if (loss.empty())
+            throw;
+        throw RuntimeFailure(loss);
+    }
+}
+
+// What a connection that has ended since the last operation has to tell: nothing comes of it when the port
+// can be opened again, and it says more than why it cannot be.
+std::string CommPort::UntoldLoss() {
+    if (!backend_ || !IsNetworkDevice(Device()))
+        return {};
+    try {
+        Named(Device(), [this] { backend_->EmptyInBuffer(); });
+        return {};
+    } catch (const RuntimeFailure& failure) {
+        return failure.what();
+    }
 }
 
 bool CommPort::PortOpen() const {

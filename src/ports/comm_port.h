@@ -41,7 +41,8 @@ private:
     void Swap(const std::string& device);
     SerialPort& Backend() const;
     template <class Operation>
-    auto Run(Operation operation) const;
+    auto Run(Operation operation);
+    std::string UntoldLoss();
 
     int number_;
     std::shared_ptr<PortTable> table_;

@@ -12,9 +12,7 @@ namespace kavro {
 
 namespace {
 
-constexpr int AgreementLimitMs = 5000;
 constexpr int GreetingMs = 100; // in which a raw server that refuses a client says so
-constexpr int ReportLimitMs = 1000;
 constexpr int WriteLimitMs = 5000;
 constexpr int InUseTries = 3;
 constexpr std::chrono::milliseconds InUsePause(200);
@@ -36,8 +34,8 @@ constexpr const char* TakesNoMore =
 
 } // namespace
 
-NetworkPort::NetworkPort(NetworkAddress address, int connectLimitMs)
-    : address_(std::move(address)), connectLimitMs_(connectLimitMs) {}
+NetworkPort::NetworkPort(NetworkAddress address, const NetworkLimits& limits)
+    : address_(std::move(address)), limits_(limits) {}
 
 void NetworkPort::PortOpen(bool open) {
     if (open && PortOpen())
@@ -71,7 +69,7 @@ void NetworkPort::Forget() {
 }
 
 void NetworkPort::Open() {
-    connection_ = std::make_unique<TcpConnection>(address_, connectLimitMs_);
+    connection_ = std::make_unique<TcpConnection>(address_, limits_.ConnectMs);
     if (Raw())
         AwaitGreeting();
     else
@@ -89,7 +87,7 @@ void NetworkPort::AwaitGreeting() {
 }
 
 void NetworkPort::Agree() {
-    const Deadline deadline(AgreementLimitMs);
+    const Deadline deadline(limits_.AgreeMs);
     toSend_ += client_.Begin();
     while (client_.Agreed() == ComPortClient::Agreement::Open) {
         SendWaiting();
@@ -110,7 +108,7 @@ void NetworkPort::Settings(const std::string& text) {
     if (Raw())
         return;
     SendAll(client_.Request(static_cast<std::uint32_t>(baud)));
-    const Deadline deadline(ReportLimitMs);
+    const Deadline deadline(limits_.ReportMs);
     while (!client_.Reported() && !deadline.Over()) {
         AwaitMore(deadline.LeftMs());
         received_.clear(); // while the rate changes nothing that comes is worth anything

@@ -11,8 +11,12 @@
 
 namespace kavro {
 
-/// How long connecting to a device server may take, in milliseconds, the look-up of its name included.
-inline constexpr int ConnectLimitMs = 5000;
+/// How long a device server may take, in milliseconds.
+struct NetworkLimits {
+    int ConnectMs = 5000; ///< until there is a connection, the look-up of its name included
+    int AgreeMs = 5000;   ///< until it has said whether it speaks RFC 2217
+    int ReportMs = 1000;  ///< until it reports a setting, after which it counts as a late reporter
+};
 
 /// A serial port of a device server, reached over TCP: raw, where the server's own settings decide on the
 /// rate, or with COM Port Control. Needs no event loop and has no thread. Failures do not name the device:
@@ -21,11 +25,11 @@ inline constexpr int ConnectLimitMs = 5000;
 /// A connection that is lost is told by the next operation; from then on the port is simply not open.
 class NetworkPort : public SerialPort {
 public:
-    /// Opens nothing yet. `connectLimitMs`: how long connecting may take.
-    explicit NetworkPort(NetworkAddress address, int connectLimitMs = ConnectLimitMs);
+    /// Opens nothing yet.
+    explicit NetworkPort(NetworkAddress address, const NetworkLimits& limits = {});
 
-    /// Sets the rate through the server and awaits its report, 1 s at most: a report of something else is a
-    /// failure, none is taken for a late one. On a raw port only the text is looked at.
+    /// Sets the rate through the server and awaits its report within the limit: a report of something else
+    /// is a failure, none is taken for a late one. On a raw port only the text is looked at.
     void Settings(const std::string& text) override;
     void SetCommState(const std::string& text) override { Settings(text); }
     void PortOpen(bool open) override;
@@ -51,7 +55,7 @@ private:
     void Forget();
 
     NetworkAddress address_;
-    int connectLimitMs_;
+    NetworkLimits limits_;
     std::unique_ptr<TcpConnection> connection_; // null: not open
     ComPortClient client_;                      // unused on a raw port
     ServerGreeting greeting_;

@@ -71,6 +71,23 @@ TEST_F(ComPortFormTest, ChoosesDevices) {
     EXPECT_EQ(Devices.Saves, 1);
 }
 
+TEST_F(ComPortFormTest, OffersAndChecksNetworkAddresses) {
+    Devices.Chosen = {"rfc2217://plant:4001"};
+    Open();
+    const auto& note = Find<QLabel>(*Form, "RateNote");
+    EXPECT_GE(Device(8).findText("rfc2217://plant:4001"), 0);
+    Device(2).setEditText("tcp://plant:4001");
+    EXPECT_TRUE(note.text().isEmpty()) << "of another port";
+    Click(*Form, "ComOption_2");
+    EXPECT_TRUE(note.text().contains("keeps the rate"));
+    Device(2).setCurrentText("rfc2217://plant:4001");
+    EXPECT_TRUE(note.text().isEmpty());
+    Device(3).setEditText("tcp://plant");
+    Click(*Form, "OKBtn");
+    EXPECT_TRUE(Contains(Messages.Shown.at(0).first, "names no port"));
+    EXPECT_TRUE(Form->isVisible() && Devices.Devices.size() == 1);
+}
+
 // A failure is told once; as Cancel does it closes the dialog and leaves port, devices and settings as they
 // were.
 TEST_F(ComPortFormTest, FailureAndCancelLeaveEverythingAsItWas) {

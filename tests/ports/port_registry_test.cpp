@@ -31,7 +31,8 @@ TEST(PortOption, Parsed) {
                                                          {"0=a", "from 1 to 8"},
                                                          {"9=a", "from 1 to 8"},
                                                          {"x=a", "from 1 to 8"},
-                                                         {"1=", "after \"=\""}};
+                                                         {"1=", "after \"=\""},
+                                                         {"1=tcp://host", "names no port"}};
     for (const auto& [text, told] : wrong)
         EXPECT_TRUE(Contains(FailureText([&] { ParsePortOption(text); }), told));
 }
@@ -70,6 +71,19 @@ TEST_F(PortRegistryTest, KeepsWhatTheUserChose) {
     EXPECT_EQ(Registry().Device(2), "/dev/given2");
     EXPECT_EQ(Folder.Read("new/ports.ini"), "[General]\nCOM2=/dev/given2\nCOM7=/dev/above\nCOM8=/dev/kept8\n"
                                             "; cabinet 3\n\n[Other]\nCOM3=other\n"); // no default
+}
+
+TEST_F(PortRegistryTest, KeepsTheNetworkAddressesLastChosen) {
+    auto registry = Registry();
+    for (int i = 1; i <= 9; ++i)
+        registry.Assign(1, "tcp://[fe80::1%eth0]:" + std::to_string(i));
+    registry.Assign(2, "tcp://[fe80::1%eth0]:5");
+    registry.Assign(2, "/dev/ttyS1");
+    registry.Save();
+    std::string ports;
+    for (const std::string& device : Registry().Recent())
+        ports += device.back();
+    EXPECT_EQ(ports, "59876432");
 }
 
 TEST_F(PortRegistryTest, OpenPortMovesOnlyToADeviceThatOpens) {

@@ -102,7 +102,8 @@ class FakeDevices : public PortDevices {
 public:
     std::map<int, std::string> Devices;
     std::vector<DetectedDevice> Present;
-    std::string Refused; ///< device that cannot be assigned
+    std::vector<std::string> Chosen; ///< network addresses chosen before
+    std::string Refused;             ///< device that cannot be assigned
     int Saves = 0;
 
     std::string Device(int port) const override {
@@ -110,6 +111,7 @@ public:
         return found == Devices.end() ? "/dev/none" + std::to_string(port) : found->second;
     }
     std::vector<DetectedDevice> Detect() const override { return Present; }
+    std::vector<std::string> Recent() const override { return Chosen; }
     void Assign(int port, const std::string& device) override {
         if (device == Refused)
             throw RuntimeFailure("There is no device " + device + ".");
