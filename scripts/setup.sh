@@ -2,6 +2,8 @@
 
 packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-serialport-dev libqt6svg6 qt6-wayland libgtest-dev fonts-dejavu-core)
 
+test_packages=(ser2net) # a device server, for ./test alone
+
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 fail() {

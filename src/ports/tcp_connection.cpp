@@ -8,14 +8,13 @@
 
 #include "ports/descriptor.h"
 #include "ports/host_lookup.h"
+#include "ports/socket_options.h"
 
 #include <array>
 #include <cerrno>
 #include <cstring>
 
 #include <fcntl.h>
-#include <netinet/in.h>
-#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
 
@@ -34,22 +33,6 @@ constexpr short HangUp = POLLRDHUP | POLLHUP | POLLERR;
 constexpr int WriteFlags = 0;
 constexpr short HangUp = POLLHUP | POLLERR;
 #endif
-
-struct SocketOption {
-    int Level, Name, Value;
-};
-constexpr SocketOption Options[] = {
-    {IPPROTO_TCP, TCP_NODELAY, 1}, // a command is short and must leave at once
-    {SOL_SOCKET, SO_KEEPALIVE, 1},
-#ifdef __linux__
-    {IPPROTO_TCP, TCP_KEEPIDLE, 10}, // seconds
-    {IPPROTO_TCP, TCP_KEEPINTVL, 5},       {IPPROTO_TCP, TCP_KEEPCNT, 3},
-    {IPPROTO_TCP, TCP_USER_TIMEOUT, 5000}, // milliseconds, of what was written and is not acknowledged
-#endif
-#ifdef SO_NOSIGPIPE
-    {SOL_SOCKET, SO_NOSIGPIPE, 1},
-#endif
-};
 
 struct ConnectFailure {
     int Error;
@@ -84,9 +67,7 @@ int MakeSocket(const addrinfo& address) {
         return number;
     fcntl(number, F_SETFD, FD_CLOEXEC);
     fcntl(number, F_SETFL, O_NONBLOCK);
-    // An option that a system refuses makes the connection no worse than without it.
-    for (const SocketOption& option : Options)
-        setsockopt(number, option.Level, option.Name, &option.Value, sizeof option.Value);
+    SetSocketOptions(number);
     return number;
 }
 

@@ -7,6 +7,7 @@
 #include "ports/com_port_server.h"
 #include "ports/descriptor.h"
 #include "ports/host_lookup.h"
+#include "ports/socket_options.h"
 
 #include <algorithm>
 #include <array>
@@ -15,7 +16,6 @@
 #include <optional>
 
 #include <netinet/in.h>
-#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
@@ -85,10 +85,7 @@ void TcpServer::Accept() {
         send(refused, InUse, std::strlen(InUse), MSG_NOSIGNAL);
         return;
     }
-    const int on = 1;
-    for (const auto& [level, option] :
-         {std::pair<int, int>(IPPROTO_TCP, TCP_NODELAY), {SOL_SOCKET, SO_KEEPALIVE}})
-        setsockopt(number, level, option, &on, sizeof on);
+    SetSocketOptions(number);
     listener_->Client.emplace(number);
     transmission_.Clear(); // like a serial port, it then holds nothing of before
     if (address_.Kind == NetworkKind::Raw)
