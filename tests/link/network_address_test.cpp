@@ -34,7 +34,7 @@ TEST(NetworkAddress, IsReadOrRefusedWithWhatIsWrong) {
                                                          {"http://x:1", "rfc2217://HOST:PORT"},
                                                          {"tcp://", "names no port"}};
     for (const auto& [device, told] : wrong)
-        EXPECT_TRUE(Contains(FailureText([&] { RequireDeviceName(device); }), told)) << device;
+        EXPECT_TRUE(Contains(FailureText([&, text = device] { RequireDeviceName(text); }), told)) << device;
     for (const char* const device : {"/dev/ttyUSB0", "COM3", "demo", "/dev/odd://x", "tcp:5", "://x"})
         EXPECT_FALSE(IsNetworkDevice(device)) << device;
     EXPECT_TRUE(RateIsFixed("TCP://a:1"));

@@ -146,7 +146,7 @@ TEST(NetworkPort, ALostConnectionIsToldOnceAndTheNextOneWorks) {
     // settings are reported late, and only now and then.
     TcpPeer peer([](TcpPeer& each) {
         each.Say(Agree);
-        for (std::string heard; (heard = each.Hear()) != "";)
+        for (std::string heard = each.Hear(); !heard.empty(); heard = each.Hear())
             if (heard.find("\xff\xff\r") != std::string::npos)
                 each.Say("one\r" + ComPortMessage(101, FourBytes(9600)) + "\0\xff\xff\r\0"s);
             else if (heard.find("end") != std::string::npos)

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "link/network_address.h"
+#include "link/runtime_failure.h"
 
 #include <array>
+#include <atomic>
 #include <functional>
 #include <string>
 #include <thread>
@@ -23,8 +25,8 @@ public:
         address.sin_family = AF_INET;
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
         socklen_t size = sizeof address;
-        bind(listener_, reinterpret_cast<sockaddr*>(&address), size);
-        listen(listener_, 4);
+        if (bind(listener_, reinterpret_cast<sockaddr*>(&address), size) != 0 || listen(listener_, 4) != 0)
+            throw RuntimeFailure("No TCP port can be listened at.");
         getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &size);
         Port = ntohs(address.sin_port);
         thread_ = std::thread([this] { Serve(); });
