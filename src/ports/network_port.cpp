@@ -192,7 +192,7 @@ int NetworkPort::InBufferCount() {
 // holds only where characters came that nobody had asked for, and in front of the next command, in the same
 // stream: it then drops them before it sends the command, so no reply can be among them. Not before every
 // command, as a server may take its time over it, and nobody waits for its answer.
-void NetworkPort::EmptyInBuffer() {
+bool NetworkPort::EmptyInBuffer() {
     RequireOpen();
     bool any = next_ < received_.size();
     for (int i = 0; i < MostReads && Receive() > 0; ++i) {
@@ -204,6 +204,7 @@ void NetworkPort::EmptyInBuffer() {
     next_ = 0;
     ThrowIfLost();
     purgeFirst_ = purgeFirst_ || any;
+    return any;
 }
 
 char NetworkPort::Input() {

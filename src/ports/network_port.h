@@ -35,7 +35,7 @@ public:
     void PortOpen(bool open) override;
     bool PortOpen() const override { return connection_ && !lost_ && !connection_->Ended(); }
     int InBufferCount() override;
-    void EmptyInBuffer() override;
+    bool EmptyInBuffer() override;
     char Input() override;
     void Output(const std::string& text) override;
     bool WaitForInput(int milliseconds) override;
