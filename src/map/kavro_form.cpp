@@ -7,6 +7,7 @@
 #include "map/device_list_form.h"
 #include "map/exit_form.h"
 #include "map/list_line.h"
+#include "map/main_status_form.h"
 #include "map/map_file.h"
 #include "map/module_access.h"
 #include "map/operation_panel_form.h"
@@ -31,19 +32,11 @@
 #include <QShortcut>
 #include <QStatusBar>
 #include <QStyle>
-#include <QTimer>
 #include <QVBoxLayout>
 
 namespace kavro {
 
 namespace {
-
-constexpr int PortWatchMs = 1000;
-constexpr const char* EchoText =
-    "The adapter hands back every character sent. The echo is taken away from every reply.";
-constexpr const char* ReopensText = "The next operation opens the port by itself when its device is there.";
-constexpr int StatusMargin = 3;
-constexpr int PortColumns = 12;
 
 const char* OperationName(Operation operation) {
     switch (operation) {
@@ -62,13 +55,6 @@ QString NothingToOpen(Operation operation, const std::string& model) {
         .arg(OperationName(operation), shown.isEmpty() ? "unknown model" : "model " + shown);
 }
 
-QLabel* StatusLabel(const char* name) {
-    auto* label = Named(new QLabel, name, {});
-    label->setTextFormat(Qt::PlainText); // a path or a model may look like markup
-    label->setMargin(StatusMargin);
-    return label;
-}
-
 } // namespace
 
 KavroForm::KavroForm(Session& session, Messages& messages, PortDevices& devices, DialogOpeners openers)
@@ -79,6 +65,8 @@ KavroForm::KavroForm(Session& session, Messages& messages, PortDevices& devices,
     BuildMenus();
     CenterForm(*this);
 }
+
+KavroForm::~KavroForm() = default;
 
 void KavroForm::Build() {
     const auto runs = [this](void (KavroForm::*operation)()) {
@@ -113,22 +101,8 @@ void KavroForm::Build() {
         background->setMouseTracking(true);
         background->installEventFilter(this);
     }
-    BuildStatus();
+    status_ = std::make_unique<MainStatus>(*statusBar(), session_, devices_);
     device_->setFocus();
-}
-
-void KavroForm::BuildStatus() {
-    activityStatus_ = StatusLabel("ActivityStatus");
-    activityStatus_->setWordWrap(true); // what a search tells may be long
-    portStatus_ = StatusLabel("PortStatus");
-    portStatus_->setMinimumWidth(fontMetrics().averageCharWidth() * PortColumns); // a long path gives way
-    countStatus_ = StatusLabel("CountStatus");
-    statusBar()->addWidget(activityStatus_, 1);
-    statusBar()->addPermanentWidget(countStatus_);
-    statusBar()->addPermanentWidget(portStatus_);
-    auto* watch = new QTimer(this); // a port is lost, and opened again, at any time and below any dialog
-    connect(watch, &QTimer::timeout, this, [this] { ShowPort(); });
-    watch->start(PortWatchMs);
 }
 
 void KavroForm::BuildMenus() {
@@ -189,7 +163,7 @@ void KavroForm::Load(std::optional<std::int16_t> startPort) {
 
 bool KavroForm::event(QEvent* event) {
     if (event->type() == QEvent::WindowActivate)
-        UpdateStatus(running_ ? activityStatus_->text() : QString()); // a port may have been lost meanwhile
+        UpdateStatus(running_ ? status_->Activity() : QString()); // a port may have been lost meanwhile
     return QMainWindow::event(event);
 }
 
@@ -248,7 +222,7 @@ void KavroForm::Print() {
     if (dialog.exec() != QDialog::Accepted)
         return;
     Printout printout{.Title = QString(ApplicationTitle) + ": modules",
-                      .Details = PortText() + ", " +
+                      .Details = status_->PortText() + ", " +
                                  QLocale().toString(QDateTime::currentDateTime(), QLocale::ShortFormat),
                       .Heading = ListHeading};
     for (const std::string& line : session_.Device)
@@ -278,7 +252,7 @@ void KavroForm::Scan() {
     const auto clear = [this] {
         device_->clear();
         session_.SelectedModule = -1;
-        countStatus_->setText("Modules: 0");
+        status_->ShowCount(0);
     };
     ScanForm scan(
         session_, messages_, clear, [this](int index) { AppendLine(index); }, this);
@@ -293,7 +267,7 @@ void KavroForm::Scan() {
 
 void KavroForm::AppendLine(int index) {
     device_->addItem(QString::fromStdString(session_.Device[static_cast<std::size_t>(index)]));
-    countStatus_->setText(QString("Modules: %1").arg(device_->count()));
+    status_->ShowCount(device_->count());
 }
 
 void KavroForm::Terminal() {
@@ -352,31 +326,13 @@ void KavroForm::Help() {
     messages_.Show("Under development", "Help");
 }
 
-QString KavroForm::PortText() const {
-    const int port = session_.Line.CurrentPort;
-    QString text = QString("COM%1").arg(port);
-    if (port >= 1 && port <= PortTotal)
-        text += ": " + QString::fromStdString(ShownDevice(devices_.Device(port)));
-    return text;
-}
-
 // What goes on now; else what the last operation and the last search have told.
 void KavroForm::UpdateStatus(const QString& activity) {
-    ShowPort();
-    countStatus_->setText(QString("Modules: %1").arg(session_.ModuleCount));
+    status_->ShowPort();
+    status_->ShowCount(session_.ModuleCount);
     QStringList notes = activity.isEmpty() ? QStringList{operationNote_, searchNote_} : QStringList{activity};
     notes.removeAll(QString());
-    const QString shown = notes.isEmpty() ? QString("Ready") : notes.join(' ');
-    activityStatus_->setText(shown);
-    activityStatus_->setToolTip(shown); // where the bar is too short for it
-}
-
-void KavroForm::ShowPort() {
-    const int port = session_.Line.CurrentPort;
-    const bool closed = port >= 1 && port <= PortTotal && !session_.Line.CommPort(port).PortOpen();
-    portStatus_->setText(PortText() + (closed ? " (closed)" : session_.Line.Echo ? ", echo" : ""));
-    // Where the bar is too short for the device, the whole text is here.
-    portStatus_->setToolTip(closed ? ReopensText : session_.Line.Echo ? EchoText : portStatus_->text());
+    status_->ShowActivity(notes.isEmpty() ? QString("Ready") : notes.join(' '));
 }
 
 } // namespace kavro

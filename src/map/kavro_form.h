@@ -8,14 +8,15 @@
 #include <QMainWindow>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
-class QLabel;
 class QMenu;
 
 namespace kavro {
 
 class DeviceList;
+class MainStatus;
 class OperationPanel;
 
 /// How the main window opens the dialogs that it does not know; each shows its dialog modally over `parent`
@@ -30,6 +31,7 @@ struct DialogOpeners {
 class KavroForm : public QMainWindow {
 public:
     KavroForm(Session& session, Messages& messages, PortDevices& devices, DialogOpeners openers);
+    ~KavroForm() override;
 
     /// The start-up: reads COM.CFG and opens the port (or `startPort` in place of the port that the file
     /// names), with its messages and, on failure, the COM Port dialog.
@@ -47,7 +49,6 @@ protected:
 
 private:
     void Build();
-    void BuildStatus();
     void BuildMenus();
     void AddItem(QMenu& menu, const char* name, const char* text, void (KavroForm::*operation)(),
                  const QKeySequence& shortcut = {});
@@ -72,9 +73,7 @@ private:
     void AppendLine(int index);
     void RebuildSelectedLine();
     void SelectLine();
-    QString PortText() const;
     void UpdateStatus(const QString& activity = {});
-    void ShowPort();
 
     Session& session_;
     Messages& messages_;
@@ -83,9 +82,7 @@ private:
 
     OperationPanel* panel_ = nullptr;
     DeviceList* device_ = nullptr;
-    QLabel* portStatus_ = nullptr;
-    QLabel* countStatus_ = nullptr;
-    QLabel* activityStatus_ = nullptr;
+    std::unique_ptr<MainStatus> status_;
     QString operationNote_;  // what the last operation has to tell, until the next one begins
     QString searchNote_;     // the same of the last search, until the next one
     bool running_ = false;   // while an operation runs; nothing can start a second one underneath it
