@@ -1,6 +1,6 @@
 #include "link/com_port_form.h"
 
-#include "link/baud.h"
+#include "link/baud_checks_form.h"
 #include "link/network_address.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
@@ -148,13 +148,7 @@ QGroupBox* ComPortForm::BuildParity() {
 QGroupBox* ComPortForm::BuildBaudChecks() {
     auto* group = new QGroupBox("Baud rate to search");
     auto* grid = new QGridLayout(group);
-    for (int code = 0; code < BaudCodeCount; ++code) {
-        const QString name = BaudNames[static_cast<std::size_t>(code)];
-        auto* check =
-            Named(new QCheckBox(name), QString("BaudCheck_%1").arg(code), "Search at " + name + " baud");
-        baudCheck_[static_cast<std::size_t>(code)] = check;
-        grid->addWidget(check, code % 4, code / 4);
-    }
+    baudCheck_ = AddBaudChecks(*grid, 4);
     grid->setRowStretch(4, 1);
     return group;
 }
