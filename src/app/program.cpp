@@ -2,6 +2,7 @@
 
 #include "app/module_dialogs.h"
 #include "diag/monitor_form.h"
+#include "ports/preferences_file.h"
 #include "ports/replace_file.h"
 #include "ports/settings_folder.h"
 #include "sim/demo_line.h"
@@ -35,6 +36,11 @@ Program::Program(const Options& options, int endRequests)
     session_.MapFilePath = MapFilePath(options.Demo);
     session_.DecimalSeparator = LocaleDecimalSeparator();
     session_.ReplaceFile = ReplaceFile;
+    const std::string preferencesPath = PreferencesFilePath(options.Demo);
+    session_.Preferences = ReadPreferences(preferencesPath);
+    session_.SavePreferences = [preferencesPath](const Preferences& preferences) {
+        SavePreferences(preferencesPath, preferences);
+    };
 }
 
 DialogOpeners Program::Openers() {

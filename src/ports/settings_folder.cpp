@@ -36,6 +36,10 @@ std::string PortsFilePath(bool demo) {
     return PathOf("ports.ini", demo);
 }
 
+std::string PreferencesFilePath(bool demo) {
+    return PathOf("settings.ini", demo);
+}
+
 std::string MapFilePath(bool demo) {
     constexpr const char* Name = "admin.map";
     return demo ? PathOf(Name, demo) : Name;

@@ -11,6 +11,9 @@ std::string ConfigFilePath(bool demo);
 /// Path of ports.ini, which stands beside COM.CFG.
 std::string PortsFilePath(bool demo);
 
+/// Path of settings.ini, which stands beside COM.CFG and has what that has no place for.
+std::string PreferencesFilePath(bool demo);
+
 /// Path of the map that is kept when the program ends: "admin.map" in the current directory, of the demo
 /// beside its COM.CFG.
 std::string MapFilePath(bool demo);

@@ -1,5 +1,6 @@
 #include "ports/line_file.h"
 #include "ports/port_registry.h"
+#include "ports/preferences_file.h"
 #include "ports/replace_file.h"
 #include "ports/settings_folder.h"
 #include "support/full_disk.h"
@@ -119,6 +120,24 @@ TEST(SettingsFolder, FollowsTheDesktopRules) {
         EXPECT_EQ(MapFilePath(true), folder + "demo/admin.map");
     }
     qputenv("XDG_CONFIG_HOME", before);
+}
+
+TEST_F(FilesTest, PreferencesComeBackAndNonsenseCountsAsNotThere) {
+    const std::pair<const char*, Preferences> files[] = {
+        {"", {}},
+        {"[General]\nFastSearch=true\nAnswerWithin=5\n", {true, 5}},
+        {"[General]\nFastSearch=perhaps\nAnswerWithin=1001\n", {}},
+        {"FastSearch=true\nAnswerWithin=4\n\n[Other]\nAnswerWithin=7", {true, 30}},
+        {"[General]\nAnswerWithin=-30\nFastSearch=", {}},
+        {"\x01\xff[[=", {}}};
+    EXPECT_EQ(ReadPreferences(Folder.Path("none")), Preferences{});
+    for (const auto& [text, preferences] : files)
+        EXPECT_EQ(ReadPreferences(Folder.Write("file", text)), preferences) << text;
+    Folder.Write("file", "[General]\nLater=x\nAnswerWithin=7\n[Other]\nFastSearch=y\n");
+    SavePreferences(File, {.FastSearch = true, .AnswerWithin = 1000});
+    EXPECT_EQ(ReadPreferences(File), (Preferences{true, 1000}));
+    EXPECT_TRUE(Contains(Folder.Read("file"), "Later=x\n[Other]\nFastSearch=y\n")) << Folder.Read("file");
+    EXPECT_TRUE(Contains(FailureText([&] { SavePreferences(Folder.Path(), {}); }), Folder.Path()));
 }
 
 TEST_F(FilesTest, LineFileReadsEveryKey) {
