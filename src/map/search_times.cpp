@@ -27,7 +27,8 @@ std::int64_t ExactAddressMs(const SearchScope& scope) {
 }
 
 std::int64_t ExactSearchMs(const SearchScope& scope) {
-    return scope.Addresses * ExactAddressMs(scope);
+    const bool oneRate = std::ranges::count(scope.BaudEnabled, 1) == 1;
+    return scope.Addresses * ExactAddressMs(scope) + (oneRate ? ExactBaudChangeMs : 0); // set once
 }
 
 std::int64_t CommandUs(std::int16_t baudCode, std::int16_t checksum) {

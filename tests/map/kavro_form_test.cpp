@@ -5,6 +5,7 @@
 #include "terminal/test_folder.h"
 #include "ui/print_lines.h"
 
+#include <QCheckBox>
 #include <QContextMenuEvent>
 #include <QEnterEvent>
 #include <QFileSystemModel>
@@ -325,14 +326,61 @@ TEST(SearchForm, ChecksTheAddress) {
     form.show();
     form.close(); // as Cancel
     EXPECT_EQ(test.Session.SearchAccepted, 0);
-    for (const bool none : {false, true}) {
-        EnableBaudCodes(test.Session, none ? std::vector<int>{} : std::vector{7});
-        SearchForm other(test.Session, test.Messages, nullptr);
-        other.show();
-        EXPECT_EQ(Find<QLabel>(other, "BaudRateNote").isVisible(), none);
-        Click(other, "OKBtn");
-        EXPECT_EQ(test.Session.SearchAccepted, -1);
+}
+
+// Whatever is changed is shown at once, taken over by OK, and left alone by Cancel.
+TEST(SearchForm, TakesRatesAndWay) {
+    SimulatedSession test;
+    int saves = 0;
+    test.Session.SavePreferences = [&](const Preferences&) {
+        ++saves;
+        throw RuntimeFailure("The disk is full.");
+    };
+    EnableBaudCodes(test.Session, {3});
+    const Preferences chosen = {.FastSearch = true, .AnswerWithin = 1000};
+    for (const char* button : {"CancelBtn", "OKBtn"}) {
+        SearchForm form(test.Session, test.Messages, nullptr);
+        form.show();
+        const auto shown = [&form] {
+            return Find<QLabel>(form, "BaudRate").text() + ": " + Find<QLabel>(form, "SearchTime").text();
+        };
+        auto& note = Find<QLabel>(form, "BaudRateNote");
+        auto& answer = Find<QLineEdit>(form, "AnswerWithin");
+        EXPECT_EQ(shown(), "9600: at most 53 s");
+        Click(form, "BaudCheck_3");
+        EXPECT_EQ(shown(), ": -");
+        EXPECT_TRUE(note.isVisible());
+        for (const char* box : {"BaudCheck_7", "BaudCheck_6"})
+            Click(form, box);
+        EXPECT_EQ(shown(), "115200, 57600: at most 11 min");
+        EXPECT_FALSE(note.isVisible() || answer.isEnabled());
+        Click(form, "FastSearch");
+        EXPECT_EQ(shown(), "115200, 57600: about 33 s");
+        EXPECT_TRUE(answer.isEnabled());
+        for (const char* wrong : {"", "4", "1001"}) {
+            answer.setText(wrong);
+            EXPECT_EQ(shown(), "115200, 57600: -");
+            test.Messages.Shown.clear();
+            Click(form, "OKBtn");
+            EXPECT_TRUE(Contains(test.Messages.Shown.at(0).first, "from 5 to 1000"));
+            EXPECT_EQ(form.focusWidget(), &answer);
+        }
+        answer.setText("1000");
+        test.Messages.Shown.clear();
+        Click(form, button);
+        EXPECT_FALSE(form.isVisible());
+        const bool ok = QString(button) == "OKBtn";
+        EXPECT_EQ(test.Session.SearchAccepted, ok ? -1 : 0);
+        EXPECT_EQ(test.Session.Line.SettingsOf(1).BaudEnabled,
+                  ok ? (std::array<std::int16_t, 9>{0, 0, 0, 0, 0, 0, 1, 1})
+                     : (std::array<std::int16_t, 9>{0, 0, 0, 1}));
+        EXPECT_EQ(test.Session.Preferences, ok ? chosen : Preferences{});
+        EXPECT_EQ(test.Messages.Shown, ShownMessages(ok ? 1 : 0, {"The disk is full.", "Error"}));
+        EXPECT_EQ(saves, ok ? 1 : 0);
     }
+    EXPECT_TRUE(
+        Find<QCheckBox>(*std::make_unique<SearchForm>(test.Session, test.Messages, nullptr), "FastSearch")
+            .isChecked());
 }
 
 } // namespace
