@@ -3,7 +3,7 @@
 #include "diag/monitor_grid_form.h"
 #include "diag/trend_view_form.h"
 #include "link/runtime_failure.h"
-#include "ui/choose_save_file.h"
+#include "ui/choose_file.h"
 #include "ui/named.h"
 #include "ui/usable.h"
 

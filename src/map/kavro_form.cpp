@@ -15,7 +15,7 @@
 #include "map/scan_form.h"
 #include "map/search_form.h"
 #include "ui/center_form.h"
-#include "ui/choose_save_file.h"
+#include "ui/choose_file.h"
 #include "ui/fixed_font.h"
 #include "ui/named.h"
 #include "ui/print_lines.h"

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 class QWidget;
 
@@ -17,5 +18,15 @@ struct SaveChoice {
 /// Shows the save dialog `SaveDialog` for files of one kind, or for all files, which get no suffix. Empty
 /// when it is cancelled.
 QString ChooseSaveFile(QWidget* parent, const SaveChoice& choice);
+
+/// What an open dialog offers.
+struct OpenChoice {
+    QString Title;
+    QString Kind;         ///< of its first filter, for example "Maps"
+    QStringList Suffixes; ///< of that kind
+};
+
+/// Shows the dialog `OpenDialog` for a file of one kind, or for any that exists. Empty when it is cancelled.
+QString ChooseOpenFile(QWidget* parent, const OpenChoice& choice);
 
 } // namespace kavro
