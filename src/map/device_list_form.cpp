@@ -1,5 +1,6 @@
 #include "map/device_list_form.h"
 
+#include "map/list_line.h"
 #include "ui/fixed_font.h"
 #include "ui/named.h"
 
@@ -20,11 +21,27 @@ constexpr int FewestLines = 4;
 
 } // namespace
 
-DeviceList::DeviceList(std::function<void()> open) : open_(std::move(open)) {
+DeviceList::DeviceList(const Session& session, std::function<void()> open)
+    : session_(session), open_(std::move(open)) {
     Named(this, "Device", "Modules");
     setFont(FixedFont());
     setMinimumSize(QFontMetrics(font()).horizontalAdvance(' ') * Columns, Height(FewestLines));
     menu_ = Named(new QMenu(this), "DeviceMenu", "Operations of the module");
+}
+
+void DeviceList::ShowAll() {
+    clear();
+    for (std::size_t index = 0; index < session_.Device.size(); ++index)
+        InsertEntry(static_cast<int>(index));
+}
+
+void DeviceList::InsertEntry(int index) {
+    insertItem(index, QString::fromStdString(ShownLine(session_, index)));
+}
+
+void DeviceList::ShowEntry(int index) {
+    if (QListWidgetItem* line = item(index))
+        line->setText(QString::fromStdString(ShownLine(session_, index)));
 }
 
 int DeviceList::Height(int lines) const {

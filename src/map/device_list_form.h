@@ -1,5 +1,7 @@
 #pragma once
 
+#include "map/session.h"
+
 #include <QListWidget>
 
 #include <functional>
@@ -8,11 +10,21 @@ class QMenu;
 
 namespace kavro {
 
-/// The list of known modules in the main window. Enter and a double click open the line that is selected; a
-/// context menu, also by the keyboard's menu key, offers the actions that the list was given.
+/// The list of known modules in the main window: `Session::Device`, with marks. Enter and a double click open
+/// the line that is selected; a context menu, also by the keyboard's menu key, offers the actions that the
+/// list was given.
 class DeviceList : public QListWidget {
 public:
-    explicit DeviceList(std::function<void()> open);
+    DeviceList(const Session& session, std::function<void()> open);
+
+    /// Shows the whole list of the session anew; nothing is selected then.
+    void ShowAll();
+
+    /// Shows an entry that was put in there.
+    void InsertEntry(int index);
+
+    /// Shows an entry as it is now; selection and place stay.
+    void ShowEntry(int index);
 
     QSize sizeHint() const override;
 
@@ -24,6 +36,7 @@ protected:
 private:
     int Height(int lines) const;
 
+    const Session& session_;
     std::function<void()> open_;
     QMenu* menu_ = nullptr;
 };

@@ -5,15 +5,16 @@
 #include "link/text.h"
 #include "map/about_form.h"
 #include "map/device_list_form.h"
+#include "map/empty_list_form.h"
 #include "map/exit_form.h"
 #include "map/list_line.h"
 #include "map/main_status_form.h"
 #include "map/map_file.h"
 #include "map/module_access.h"
+#include "map/network_operations_form.h"
 #include "map/operation_panel_form.h"
 #include "map/product.h"
-#include "map/scan_form.h"
-#include "map/search_form.h"
+#include "map/time_text.h"
 #include "ui/center_form.h"
 #include "ui/choose_file.h"
 #include "ui/fixed_font.h"
@@ -23,6 +24,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDateTime>
+#include <QGridLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLocale>
@@ -37,6 +39,8 @@
 namespace kavro {
 
 namespace {
+
+constexpr int HighestAddress = 255;
 
 const char* OperationName(Operation operation) {
     switch (operation) {
@@ -83,7 +87,7 @@ void KavroForm::Build() {
 
     auto* heading = Named(new QLabel(ListHeading), "Heading", {});
     heading->setFont(FixedFont());
-    device_ = new DeviceList(runs(&KavroForm::Configuration));
+    device_ = new DeviceList(session_, runs(&KavroForm::Configuration));
     // The columns of the lines stand under those of the heading.
     heading->setIndent(device_->frameWidth() + style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1);
     connect(device_, &QListWidget::itemSelectionChanged, this, [this] {
@@ -95,24 +99,46 @@ void KavroForm::Build() {
     auto* layout = new QVBoxLayout(center);
     layout->addWidget(panel_);
     layout->addWidget(heading);
-    layout->addWidget(device_, 1);
+    layout->addLayout(BuildListPlace(), 1);
     setCentralWidget(center);
-    for (QWidget* background : {center, static_cast<QWidget*>(heading), device_->viewport()}) {
+    for (QWidget* background :
+         {center, static_cast<QWidget*>(heading), device_->viewport(), static_cast<QWidget*>(emptyList_)}) {
         background->setMouseTracking(true);
         background->installEventFilter(this);
     }
     status_ = std::make_unique<MainStatus>(*statusBar(), session_, devices_);
+    network_ = std::make_unique<NetworkOperations>(session_, messages_, *device_, *status_, openers_.ReadMap);
+    ShowEmptyList();
     device_->setFocus();
+}
+
+// The list and, over it while it is empty, what to do then.
+QLayout* KavroForm::BuildListPlace() {
+    emptyList_ = new EmptyListForm({.ChooseAdapter = [this] { Run(&KavroForm::ComPort); },
+                                    .Search = [this] { Run(&KavroForm::Search); },
+                                    .TrySimulatedLine = [this] { Run(&KavroForm::TrySimulatedLine); },
+                                    .OpenMap = [this] { Run(&KavroForm::OpenMap); }});
+    auto* place = new QGridLayout;
+    place->addWidget(device_, 0, 0);
+    place->addWidget(emptyList_, 0, 0);
+    const auto show = [this] { emptyList_->setVisible(device_->count() == 0); };
+    for (const auto changed : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved})
+        connect(device_->model(), changed, this, show);
+    connect(device_->model(), &QAbstractItemModel::modelReset, this, show);
+    device_->ShowAll();
+    return place;
 }
 
 void KavroForm::BuildMenus() {
     auto* file = menuBar()->addMenu("&File");
+    AddItem(*file, "mnuOpen", "&Open...", &KavroForm::OpenMap, QKeySequence::Open);
     AddItem(*file, "mnuSave", "&Save", &KavroForm::Save, QKeySequence::Save);
     AddItem(*file, "mnuPrint", "&Print", &KavroForm::Print, QKeySequence::Print);
     AddItem(*file, "mnuExit", "E&xit", &KavroForm::Exit, QKeySequence::Quit);
     auto* network = menuBar()->addMenu("&Network");
     AddItem(*network, "mnuComPort", "&ComPort...", &KavroForm::ComPort);
     AddItem(*network, "mnuSearch", "&Search...", &KavroForm::Search, QKeySequence::Find);
+    AddItem(*network, "mnuRefresh", "&Refresh", &KavroForm::Refresh, Qt::Key_F5);
     auto* operation = menuBar()->addMenu("&Operation");
     AddItem(*operation, "mnuTerminal", "&Terminal...", &KavroForm::Terminal);
     AddItem(*operation, "mnuConfiguration", "&Configuration...", &KavroForm::Configuration);
@@ -238,36 +264,22 @@ void KavroForm::ComPort() {
 }
 
 void KavroForm::Search() {
-    session_.SearchAccepted = 0;
-    SearchForm(session_, messages_, this).exec();
-    if (session_.SearchAccepted == 0)
-        return;
+    network_->Search(this);
+}
+
+void KavroForm::Refresh() {
+    network_->Refresh(this);
+}
+
+void KavroForm::OpenMap() {
+    network_->Open(this);
+}
+
+// For this run only: the next start has the port's own device again.
+void KavroForm::TrySimulatedLine() {
+    devices_.Assign(session_.Line.CurrentPort, SimulatedLineDevice);
     OpenPort(session_.Line);
-    Scan();
-}
-
-void KavroForm::Scan() {
-    searchNote_.clear();
-    UpdateStatus("Searching...");
-    const auto clear = [this] {
-        device_->clear();
-        session_.SelectedModule = -1;
-        status_->ShowCount(0);
-    };
-    ScanForm scan(
-        session_, messages_, clear, [this](int index) { AppendLine(index); }, this);
-    scan.exec();
-    QStringList notes;
-    for (const std::string& text : FindingTexts(scan.Findings()))
-        notes << QString::fromStdString(text);
-    searchNote_ = notes.join(' ');
-    if (session_.ModuleCount == 0 && !scan.Failed())
-        messages_.Show("No module found!");
-}
-
-void KavroForm::AppendLine(int index) {
-    device_->addItem(QString::fromStdString(session_.Device[static_cast<std::size_t>(index)]));
-    status_->ShowCount(device_->count());
+    Search();
 }
 
 void KavroForm::Terminal() {
@@ -307,10 +319,11 @@ void KavroForm::RebuildSelectedLine() {
     const int index = session_.SelectedModule;
     if (index < 0)
         return;
+    session_.ModuleTable[index].Answers = true; // it has accepted a command
     session_.Device.at(static_cast<std::size_t>(index)) = BuildListLine(session_, index);
     const QSignalBlocker keepsSelectedModule(device_);
     delete device_->takeItem(index);
-    device_->insertItem(index, QString::fromStdString(session_.Device[static_cast<std::size_t>(index)]));
+    device_->InsertEntry(index);
 }
 
 void KavroForm::SelectLine() {
@@ -330,9 +343,21 @@ void KavroForm::Help() {
 void KavroForm::UpdateStatus(const QString& activity) {
     status_->ShowPort();
     status_->ShowCount(session_.ModuleCount);
-    QStringList notes = activity.isEmpty() ? QStringList{operationNote_, searchNote_} : QStringList{activity};
+    QStringList notes =
+        activity.isEmpty() ? QStringList{operationNote_, network_->Note()} : QStringList{activity};
     notes.removeAll(QString());
     status_->ShowActivity(notes.isEmpty() ? QString("Ready") : notes.join(' '));
+    ShowEmptyList();
+}
+
+void KavroForm::ShowEmptyList() {
+    const Line& line = session_.Line;
+    if (line.CurrentPort < 1 || line.CurrentPort > PortTotal)
+        return emptyList_->Tell(status_->PortText(), false, {});
+    SearchScope scope = ScopeOf(line, HighestAddress);
+    scope.AnswerWithinMs = session_.Preferences.AnswerWithin;
+    emptyList_->Tell(status_->PortText(), devices_.Device(line.CurrentPort) == SimulatedLineDevice,
+                     QString::fromStdString(SearchTimeText(scope, session_.Preferences.FastSearch)));
 }
 
 } // namespace kavro

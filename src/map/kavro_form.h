@@ -3,6 +3,7 @@
 #include "link/messages.h"
 #include "link/port_devices.h"
 #include "map/module_dispatch.h"
+#include "map/module_map.h"
 #include "map/session.h"
 
 #include <QMainWindow>
@@ -11,12 +12,15 @@
 #include <memory>
 #include <optional>
 
+class QLayout;
 class QMenu;
 
 namespace kavro {
 
 class DeviceList;
+class EmptyListForm;
 class MainStatus;
+class NetworkOperations;
 class OperationPanel;
 
 /// How the main window opens the dialogs that it does not know; each shows its dialog modally over `parent`
@@ -25,6 +29,10 @@ struct DialogOpeners {
     std::function<void(ModuleDialog dialog, QWidget* parent)> Module = [](ModuleDialog, QWidget*) {};
     std::function<void(QWidget* parent)> Terminal = [](QWidget*) {};
     std::function<void(QWidget* parent)> Monitor = [](QWidget*) {};
+    /// Reads a map file. Throws `RuntimeFailure` when it is none.
+    std::function<ModuleMap(const std::string& path)> ReadMap = [](const std::string&) {
+        return ModuleMap{};
+    };
 };
 
 /// The main window: the list of known modules, and every operation on the line and on the selected module.
@@ -49,6 +57,7 @@ protected:
 
 private:
     void Build();
+    QLayout* BuildListPlace();
     void BuildMenus();
     void AddItem(QMenu& menu, const char* name, const char* text, void (KavroForm::*operation)(),
                  const QKeySequence& shortcut = {});
@@ -60,6 +69,9 @@ private:
     void Leave();
     void ComPort();
     void Search();
+    void Refresh();
+    void OpenMap();
+    void TrySimulatedLine();
     void Terminal();
     void Configuration();
     void Monitor();
@@ -69,11 +81,10 @@ private:
     void Help();
 
     void OpenModuleDialog(Operation operation);
-    void Scan();
-    void AppendLine(int index);
     void RebuildSelectedLine();
     void SelectLine();
     void UpdateStatus(const QString& activity = {});
+    void ShowEmptyList();
 
     Session& session_;
     Messages& messages_;
@@ -82,9 +93,10 @@ private:
 
     OperationPanel* panel_ = nullptr;
     DeviceList* device_ = nullptr;
+    EmptyListForm* emptyList_ = nullptr;
     std::unique_ptr<MainStatus> status_;
+    std::unique_ptr<NetworkOperations> network_;
     QString operationNote_;  // what the last operation has to tell, until the next one begins
-    QString searchNote_;     // the same of the last search, until the next one
     bool running_ = false;   // while an operation runs; nothing can start a second one underneath it
     bool asking_ = false;    // while the exit question is up
     bool exitAsked_ = false; // the close button was used while an operation ran

@@ -11,6 +11,7 @@ namespace kavro {
 namespace {
 
 constexpr const char* Sep = "   ";
+constexpr const char* NoAnswerMark = "   no answer";
 constexpr const char* BlankFormat = "         "; // nine blanks, the width of the format column
 
 std::string AnalogFormat(const ModuleRecord& record, bool output) {
@@ -70,6 +71,11 @@ std::string BuildListLine(const Session& session, int index) {
     return (index == session.ScanIndex ? "*" : " ") + PadLeft(std::to_string(record.Address), 3) + "(" +
            ToHex(record.Address, 2) + "H)" + Sep + ShownModel(record.Model) + Sep + " " +
            FixedText(std::to_string(BaudFromCode(record.BaudCode)), 6) + FamilyColumns(record);
+}
+
+std::string ShownLine(const Session& session, int index) {
+    return session.Device.at(static_cast<std::size_t>(index)) +
+           (session.ModuleTable[index].Answers ? "" : NoAnswerMark);
 }
 
 } // namespace kavro

@@ -16,4 +16,8 @@ std::string ShownModel(const std::string& model);
 /// checked.
 std::string BuildListLine(const Session& session, int index);
 
+/// The line of entry `index` in `Session::Device` as a window shows it: one that no longer answers is marked
+/// by "no answer" behind it.
+std::string ShownLine(const Session& session, int index);
+
 } // namespace kavro

@@ -1,5 +1,7 @@
 #include "map/scan_form.h"
 
+#include "map/list_line.h"
+#include "map/time_text.h"
 #include "ui/center_form.h"
 #include "ui/fixed_font.h"
 #include "ui/named.h"
@@ -17,29 +19,22 @@ namespace kavro {
 
 namespace {
 
-constexpr int ListColumns = 70;  // the longest list line, and a scroll bar
+constexpr int ListColumns = 75; // the longest list line with its mark, and a scroll bar
+constexpr int ProgressSteps = 1000;
 constexpr int FirstPaintMs = 50; // so that the window is drawn before the first transaction blocks it
-
-QString TimeLeftText(std::int64_t milliseconds) {
-    const auto seconds = (milliseconds + 999) / 1000;
-    if (seconds >= 120)
-        return QString("about %1 min").arg((seconds + 30) / 60);
-    return QString("about %1 s").arg(seconds);
-}
-
-QString FoundText(int count) {
-    return QString("Modules found: %1").arg(count);
-}
 
 } // namespace
 
-ScanForm::ScanForm(Session& session, Messages& messages, std::function<void()> begun,
-                   std::function<void(int index)> found, QWidget* parent)
-    : QDialog(parent), session_(session), messages_(messages),
-      search_(session, Events(std::move(begun), std::move(found))) {
+ScanForm::ScanForm(Session& session, Messages& messages, Scan scan, QWidget* parent)
+    : QDialog(parent), session_(session), messages_(messages), scan_(std::move(scan)) {
     setObjectName("ScanForm");
-    setWindowTitle("Searching...");
+    setWindowTitle(scan_.Refresh ? "Refreshing..." : "Searching...");
     Build();
+    search_ = scan_.Make(Events());
+    if (scan_.Refresh)
+        for (int index = 0; index < session_.ModuleCount; ++index)
+            InsertLine(index);
+    ShowCount();
     CenterForm(*this);
 }
 
@@ -48,10 +43,11 @@ void ScanForm::Build() {
     baud_ = Named(new QLabel, "disp_baud", {});
     address_ = Named(new QLabel, "addrs", {});
     timeLeft_ = Named(new QLabel, "TimeLeft", {});
-    progress_ = Named(new QProgressBar, "Progress", "Addresses searched");
-    progress_->setRange(0, session_.SearchHighAddress + 1);
-    foundCount_ = Named(new QLabel(FoundText(0)), "FoundCount", {});
-    found_ = Named(new QListWidget, "FoundModules", "Modules found so far");
+    progress_ = Named(new QProgressBar, "Progress", "How far it is");
+    progress_->setRange(0, ProgressSteps);
+    progress_->setValue(0);
+    foundCount_ = Named(new QLabel, "FoundCount", {});
+    found_ = Named(new QListWidget, "FoundModules", scan_.Refresh ? "Modules" : "Modules found so far");
     found_->setFont(FixedFont());
     found_->setMinimumWidth(QFontMetrics(found_->font()).horizontalAdvance(' ') * ListColumns);
     stop_ = Named(new QPushButton("&Stop"), "StopBtn", "Stop");
@@ -71,25 +67,56 @@ void ScanForm::Build() {
     layout->addWidget(stop_, 0, Qt::AlignRight);
 }
 
-SearchEvents ScanForm::Events(std::function<void()> begun, std::function<void(int index)> found) {
+SearchEvents ScanForm::Events() {
     SearchEvents events;
-    events.Begun = std::move(begun);
-    events.Address = [this](std::int16_t address) { ShowAddress(address); };
-    events.Baud = [this](std::int32_t baud) { baud_->setText(QString::number(baud)); };
-    events.Found = [this, found = std::move(found)](int index) {
-        found_->addItem(QString::fromStdString(session_.Device[static_cast<std::size_t>(index)]));
-        found_->scrollToBottom();
-        foundCount_->setText(FoundText(index + 1));
-        found(index);
+    events.Begun = [this] {
+        found_->clear();
+        scan_.Begun();
+    };
+    events.Address = [this](std::int16_t address) {
+        address_->setText(QString::number(address));
+        ShowProgress();
+    };
+    events.Baud = [this](std::int32_t baud) {
+        baud_->setText(QString::number(baud));
+        ShowProgress();
+    };
+    events.Found = [this](int index) {
+        InsertLine(index);
+        ShowCount();
+        scan_.Found(index);
+    };
+    events.Changed = [this](int index) {
+        ChangeLine(index);
+        scan_.Changed(index);
     };
     events.Yield = [] { QApplication::processEvents(); };
     return events;
 }
 
-void ScanForm::ShowAddress(std::int16_t address) {
-    address_->setText(QString::number(address));
-    progress_->setValue(address);
-    timeLeft_->setText(TimeLeftText(search_.Forecast().LeftMs()));
+void ScanForm::ShowProgress() {
+    const SearchForecast& forecast = search_->Forecast();
+    progress_->setValue(static_cast<int>(forecast.Share() * ProgressSteps));
+    timeLeft_->setText("about " + QString::fromStdString(TimeText(forecast.LeftMs())));
+}
+
+void ScanForm::ShowCount() {
+    foundCount_->setText(scan_.Refresh ? QString("Modules read: %1 of %2").arg(changed_).arg(found_->count())
+                                       : QString("Modules found: %1").arg(found_->count()));
+}
+
+void ScanForm::InsertLine(int index) {
+    found_->insertItem(index, QString::fromStdString(ShownLine(session_, index)));
+    found_->scrollToItem(found_->item(index));
+}
+
+void ScanForm::ChangeLine(int index) {
+    if (QListWidgetItem* line = found_->item(index)) {
+        line->setText(QString::fromStdString(ShownLine(session_, index)));
+        found_->scrollToItem(line);
+    }
+    ++changed_;
+    ShowCount();
 }
 
 void ScanForm::showEvent(QShowEvent* event) {
@@ -100,12 +127,12 @@ void ScanForm::showEvent(QShowEvent* event) {
 }
 
 void ScanForm::Run() {
-    failed_ = !Guard(messages_, [this] { search_.Run(); });
+    failed_ = !Guard(messages_, [this] { search_->Run(); });
     accept();
 }
 
 void ScanForm::StopBtn_Click() {
-    search_.Stop();
+    search_->Stop();
     stop_->setEnabled(false);
     stop_->setText("Stopping...");
 }

@@ -27,6 +27,16 @@ protected:
             Session.ConfigResult = 1;
             Session.Note = "Calibrated.";
         };
+        Openers.ReadMap = [](const std::string& path) {
+            if (path.ends_with("broken"))
+                throw RuntimeFailure("This is no map.");
+            ModuleMap map;
+            map.Count = path.ends_with("empty") ? 0 : 2;
+            map.ChecksumsKnown = false;
+            for (const int index : {0, 1})
+                map.Table[index] = {.Address = static_cast<std::int16_t>(6 + 100 * index), .BaudCode = 3};
+            return map;
+        };
         Devices.Devices[1] = SimulatedLineDevice;
         Form = std::make_unique<KavroForm>(Session, Messages, Devices, Openers);
         Form->show();
@@ -229,6 +239,99 @@ TEST_F(KavroFormTest, LostPortEndsTheSearchWithOneMessage) {
     EXPECT_EQ(Messages.Shown.size(), 2U) << "the port opens by itself";
     EXPECT_FALSE(Find<QLabel>(*Form, "PortStatus").text().endsWith("(closed)"));
     ExpectListIsShown();
+}
+
+TEST_F(KavroFormTest, RefreshMarksWhatNoLongerAnswersAndLosesNothing) {
+    const auto status = [&] { return Find<QLabel>(*Form, "ActivityStatus").text().toStdString(); };
+    Trigger(*Form, "mnuRefresh");
+    EXPECT_TRUE(status().starts_with("There is no module to refresh."));
+    Search("5");
+    List().setCurrentRow(3);
+    const Lines before = Session.Device;
+    const auto refresh = [&](std::function<void(QDialog&)> during = [](QDialog&) {}) {
+        DialogDriver driver({{"ScanForm", std::move(during)}});
+        Trigger(*Form, "mnuRefresh");
+        EXPECT_TRUE(driver.Finished());
+        EXPECT_EQ(Session.Device, before);
+        EXPECT_EQ(std::pair(List().currentRow(), Session.SelectedModule), std::pair(3, std::int16_t{3}));
+        QStringList marked;
+        for (int row = 0; row < List().count(); ++row)
+            if (List().item(row)->text() ==
+                QString::fromStdString(before.at(static_cast<std::size_t>(row))) + "   no answer")
+                marked << QString::number(row);
+        return marked.join(' ').toStdString();
+    };
+    Line.ModuleAt(2).OwnFaults.Silent = Line.ModuleAt(4).OwnFaults.Silent = true;
+    EXPECT_EQ(refresh([](QDialog& scan) { EXPECT_EQ(scan.windowTitle(), "Refreshing..."); }), "1 3");
+    EXPECT_EQ(status(), "No answer from addresses 2, 4.");
+    Line.Unplug();
+    EXPECT_EQ(refresh(), "1 3");
+    EXPECT_EQ(Messages.Shown.size(), 1U);
+    Line.Plug();
+    Line.ModuleAt(2).OwnFaults.Silent = false;
+    EXPECT_EQ(refresh(), "3");
+    Click(*Form, "ConfigBtn");
+    EXPECT_EQ(List().item(3)->text().toStdString(), Session.Device[3]) << "it has accepted a configuration";
+    EXPECT_EQ(Messages.Shown.size(), 1U);
+}
+
+TEST_F(KavroFormTest, OpensAMapWithoutASearch) {
+    const TestFolder folder;
+    const auto open = [&](const std::string& name, bool refreshes) {
+        const auto path = QString::fromStdString(folder.Write(name, ""));
+        std::vector<DialogDriver::Step> steps = {{"OpenDialog", [path](QDialog& dialog) {
+                                                      Find<QLineEdit>(dialog, "fileNameEdit").setText(path);
+                                                      dialog.accept();
+                                                  }}};
+        if (refreshes)
+            steps.push_back({"ScanForm", [](QDialog&) {}});
+        DialogDriver driver(steps);
+        Trigger(*Form, "mnuOpen");
+        EXPECT_TRUE(driver.Finished());
+    };
+    EXPECT_TRUE(Find<QWidget>(*Form, "EmptyListForm").isVisible());
+    open("line.json", true);
+    EXPECT_FALSE(Find<QWidget>(*Form, "EmptyListForm").isVisible());
+    EXPECT_EQ(List().item(0)->text().mid(1, 20), "  6(06H)   8260     ");
+    EXPECT_EQ(List().item(1)->text().right(9), "no answer");
+    EXPECT_EQ(Session.ModuleTable[0].Checksum, 1) << "which the map did not tell";
+    const Lines before = Session.Device;
+    for (const char* wrong : {"broken", "empty"}) {
+        Messages.Shown.clear();
+        open(wrong, false);
+        EXPECT_EQ(Messages.Shown.size(), 1U);
+        EXPECT_EQ(Session.Device, before);
+    }
+    Line.Unplug();
+    Session.Line.CommPort(1).PortOpen(false);
+    open("other", false);
+    EXPECT_EQ(Messages.Shown.back().first, "The simulated line is unplugged. Plug it in again.");
+    EXPECT_EQ(std::pair(Session.Device, Session.ModuleCount), std::pair(before, std::int16_t{2}));
+}
+
+TEST_F(KavroFormTest, AnEmptyListSaysWhatToDo) {
+    const auto& guide = Find<QWidget>(*Form, "EmptyListForm");
+    EXPECT_EQ(Find<QLabel>(*Form, "SearchNowBtnText").text(),
+              "Asks every address for its module: at most 53 s.");
+    EXPECT_FALSE(Find<QWidget>(*Form, "TrySimulatedBtn").isVisible()) << "it is the simulated line";
+    Devices.Devices[1] = "/dev/ttyUSB7";
+    {
+        DialogDriver driver({{"ComPortForm", [](QDialog& dialog) { dialog.reject(); }}});
+        Click(*Form, "ChooseAdapterBtn");
+        EXPECT_TRUE(driver.Finished());
+    }
+    EXPECT_EQ(Find<QLabel>(*Form, "ChooseAdapterBtnText").text(), "Now it is COM1: /dev/ttyUSB7.");
+    DialogDriver driver({{"SearchForm", [](QDialog& dialog) {
+                              Find<QLineEdit>(dialog, "HiAddress").setText("1");
+                              Click(dialog, "OKBtn");
+                          }}});
+    Click(*Form, "TrySimulatedBtn");
+    EXPECT_TRUE(driver.Finished());
+    EXPECT_EQ(std::pair(Devices.Device(1), Devices.Saves), std::pair(std::string(SimulatedLineDevice), 0));
+    EXPECT_FALSE(guide.isVisible());
+    Line.ModuleAt(1).OwnFaults.Silent = true;
+    Search("1");
+    EXPECT_TRUE(guide.isVisible());
 }
 
 TEST_F(KavroFormTest, SavesUnderTheNameThatWasMeant) {
