@@ -26,20 +26,21 @@ QLabel* PlainLabel(const QString& name, const QString& text = {}) {
 
 EmptyListForm::EmptyListForm(EmptyListActions actions) {
     setObjectName("EmptyListForm");
-    auto* heading = PlainLabel("EmptyHeading", "No modules are listed. Where are they?");
+    auto* heading = PlainLabel("EmptyHeading", "No modules are listed yet");
     QFont large = heading->font();
     large.setPointSizeF(large.pointSizeF() * HeadingScale);
     large.setBold(true);
     heading->setFont(large);
 
     steps_ = new QGridLayout;
-    steps_->setColumnStretch(1, 1);
+    steps_->setColumnStretch(2, 1);
     steps_->setHorizontalSpacing(steps_->horizontalSpacing() * 2);
-    adapter_ = AddStep("ChooseAdapterBtn", "C&hoose the adapter...", std::move(actions.ChooseAdapter));
-    search_ = AddStep("SearchNowBtn", "&Search...", std::move(actions.Search));
-    simulated_ = AddStep("TrySimulatedBtn", "&Try the simulated line", std::move(actions.TrySimulatedLine));
+    adapter_ = AddStep("1.", "ChooseAdapterBtn", "C&hoose the adapter...", std::move(actions.ChooseAdapter));
+    search_ = AddStep("2.", "SearchNowBtn", "&Search...", std::move(actions.Search));
+    simulated_ =
+        AddStep("or", "TrySimulatedBtn", "&Try the simulated line", std::move(actions.TrySimulatedLine));
     simulated_.Text->setText("A line of modules to try everything on, without any hardware.");
-    open_ = AddStep("OpenMapBtn", "Open a &map...", std::move(actions.OpenMap));
+    open_ = AddStep("or", "OpenMapBtn", "Open a &map...", std::move(actions.OpenMap));
     open_.Text->setText("Reads the modules of a saved list again, in seconds.");
 
     auto* rows = new QVBoxLayout(this);
@@ -51,14 +52,17 @@ EmptyListForm::EmptyListForm(EmptyListActions actions) {
     rows->addStretch(1);
 }
 
-EmptyListForm::Step EmptyListForm::AddStep(const char* name, const char* caption, std::function<void()> run) {
-    const Step step = {Named(new QPushButton(caption), name, QString(caption).remove('&').remove("...")),
+EmptyListForm::Step EmptyListForm::AddStep(const char* lead, const char* name, const char* caption,
+                                           std::function<void()> run) {
+    const Step step = {PlainLabel(QString(name) + "Lead", lead),
+                       Named(new QPushButton(caption), name, QString(caption).remove('&').remove("...")),
                        PlainLabel(QString(name) + "Text")};
     step.Text->setMinimumWidth(fontMetrics().averageCharWidth() * LeastColumns);
     connect(step.Button, &QPushButton::clicked, this, std::move(run));
     const int row = steps_->rowCount();
-    steps_->addWidget(step.Button, row, 0);
-    steps_->addWidget(step.Text, row, 1);
+    steps_->addWidget(step.Lead, row, 0);
+    steps_->addWidget(step.Button, row, 1);
+    steps_->addWidget(step.Text, row, 2);
     return step;
 }
 
@@ -71,8 +75,9 @@ void EmptyListForm::Tell(const QString& port, bool simulated, const QString& sea
     tell(adapter_, "Now it is " + port + ".");
     tell(search_, searchTime.isEmpty() ? "Asks every address for its module."
                                        : "Asks every address for its module: " + searchTime + ".");
-    simulated_.Button->setVisible(!simulated);
-    simulated_.Text->setVisible(!simulated);
+    for (QWidget* part : {static_cast<QWidget*>(simulated_.Lead), static_cast<QWidget*>(simulated_.Button),
+                          static_cast<QWidget*>(simulated_.Text)})
+        part->setVisible(!simulated);
 }
 
 // Enter presses the button with the focus, unless it is held down: then it was meant for a dialog before.

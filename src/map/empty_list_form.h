@@ -33,11 +33,12 @@ protected:
 
 private:
     struct Step {
+        QLabel* Lead = nullptr;
         QPushButton* Button = nullptr;
         QLabel* Text = nullptr;
     };
 
-    Step AddStep(const char* name, const char* caption, std::function<void()> run);
+    Step AddStep(const char* lead, const char* name, const char* caption, std::function<void()> run);
 
     QGridLayout* steps_ = nullptr;
     Step adapter_, search_, simulated_, open_;
