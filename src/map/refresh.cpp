@@ -14,7 +14,7 @@ namespace kavro {
 
 namespace {
 
-constexpr double SilentModuleMs = 500; // about what it is waited for, and then for silence
+constexpr double ModuleMs = 150; // about what most take; the forecast follows what they really do
 
 } // namespace
 
@@ -33,7 +33,7 @@ std::vector<int> ListRefresh::Order() const {
 void ListRefresh::Run() {
     const CarefulTransactions careful(session_.Line);
     findings_ = {};
-    forecast_.Begin(SilentModuleMs * session_.ModuleCount);
+    forecast_.Begin(ModuleMs * session_.ModuleCount);
     for (const int index : Order()) {
         if (stopRequested_) {
             findings_.RefreshStopped = true;
@@ -43,7 +43,7 @@ void ListRefresh::Run() {
         events_.Baud(BaudFromCode(ModuleBaudCode(session_, index)));
         Read(index);
         events_.Changed(index);
-        forecast_.Step(SilentModuleMs, session_.ModuleTable[index].Answers);
+        forecast_.Step(ModuleMs, false);
         events_.Yield();
     }
     std::ranges::sort(findings_.NoAnswer);

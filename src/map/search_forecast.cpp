@@ -6,41 +6,63 @@ namespace kavro {
 
 namespace {
 
-constexpr double TrustInAlgorithm = 0.01; // share of the whole that the computed cost counts for
-constexpr double MoreToCome = 2;          // steps with modules at most, for each that has been
+constexpr double TrustInAlgorithm = 0.02; // share of the whole that the computed cost counts for
+constexpr double TrustInSilence = 0.02;   // share of the whole that counts as seen without a module
+constexpr double RowGoesOn = 0.5;         // as long again as so far, by this factor
+constexpr int FirstAddresses = 2;         // a row at the beginning starts at 0 or 1
 
 } // namespace
 
 void SearchForecast::Begin(double silentMs) {
+    Clock* const clock = clock_;
+    *this = SearchForecast(*clock);
     totalMs_ = silentMs;
-    silent_ = found_ = {};
-    steppedAt_ = clock_->Microseconds();
+    steppedAt_ = clock->Microseconds();
 }
 
 void SearchForecast::Step(double silentMs, bool found) {
     const std::int64_t now = clock_->Microseconds();
-    Steps& steps = found ? found_ : silent_;
-    steps.SilentMs += silentMs;
-    steps.TookMs += static_cast<double>(now - steppedAt_) / 1000;
-    ++steps.Count;
+    if (++steps_ > 1) {
+        Steps& steps = found ? found_ : silent_;
+        steps.SilentMs += silentMs;
+        steps.TookMs += static_cast<double>(now - steppedAt_) / 1000;
+    }
+    doneMs_ += silentMs;
     steppedAt_ = now;
+    Count(silentMs, found);
+}
+
+void SearchForecast::Count(double silentMs, bool found) {
+    if (row_ == Row::NotYet && (found || steps_ > FirstAddresses))
+        row_ = found && steps_ <= FirstAddresses ? Row::Going : Row::Over;
+    else if (row_ == Row::Going && !found)
+        row_ = Row::Over;
+    if (row_ == Row::Going) {
+        rowMs_ += silentMs;
+        return;
+    }
+    behindMs_ += silentMs;
+    foundBehindMs_ += found ? silentMs : 0;
 }
 
 double SearchForecast::Share() const {
-    return totalMs_ > 0 ? std::min((silent_.SilentMs + found_.SilentMs) / totalMs_, 1.0) : 0;
+    return totalMs_ > 0 ? std::min(doneMs_ / totalMs_, 1.0) : 0;
 }
 
-// Modules stand together or apart: as many more are expected as their density so far promises, but no more
-// than twice those found.
+double SearchForecast::FoundToCome(double left) const {
+    const double row = row_ == Row::Going ? std::min(left, RowGoesOn * rowMs_) : 0;
+    const double density = foundBehindMs_ / std::max(behindMs_ + TrustInSilence * totalMs_, 1.0);
+    return row + (left - row) * density;
+}
+
 double SearchForecast::LeftAfterStep() const {
     const double trusted = TrustInAlgorithm * totalMs_;
     const double pace = trusted > 0 ? (silent_.TookMs + trusted) / (silent_.SilentMs + trusted) : 1;
-    const double done = silent_.SilentMs + found_.SilentMs;
-    const double left = std::max(totalMs_ - done, 0.0);
-    if (found_.Count == 0)
+    const double left = std::max(totalMs_ - doneMs_, 0.0);
+    if (found_.SilentMs <= 0)
         return left * pace;
-    const double alike = std::min(left * found_.SilentMs / done, MoreToCome * found_.SilentMs);
-    return (left - alike) * pace + alike * found_.TookMs / std::max(found_.SilentMs, 1.0);
+    const double found = FoundToCome(left);
+    return (left - found) * pace + found * found_.TookMs / found_.SilentMs;
 }
 
 std::int64_t SearchForecast::LeftMs() const {

@@ -28,14 +28,23 @@ private:
     struct Steps {
         double SilentMs = 0; ///< what they take when nothing answers
         double TookMs = 0;
-        int Count = 0;
     };
+    /// Modules mostly stand together from the first addresses on: such a row tells nothing of what is behind.
+    enum class Row { NotYet, Going, Over };
 
+    void Count(double silentMs, bool found);
     double LeftAfterStep() const;
+    double FoundToCome(double left) const;
 
     Clock* clock_;
     double totalMs_ = 0;
-    Steps silent_, found_;
+    double doneMs_ = 0;
+    int steps_ = 0;
+    Steps silent_, found_; // but for the first step, which also gets the line going
+    Row row_ = Row::NotYet;
+    double rowMs_ = 0;           // of the row at the beginning, each as on a silent line
+    double behindMs_ = 0;        // of the steps that do not belong to it
+    double foundBehindMs_ = 0;   // and of those with a module
     std::int64_t steppedAt_ = 0; // us, end of the last step
 };
 
