@@ -12,6 +12,7 @@ namespace {
 
 constexpr const char* Sep = "   ";
 constexpr const char* NoAnswerMark = "   no answer";
+constexpr std::size_t LongestLine = 59;          // of an analog module
 constexpr const char* BlankFormat = "         "; // nine blanks, the width of the format column
 
 std::string AnalogFormat(const ModuleRecord& record, bool output) {
@@ -74,8 +75,10 @@ std::string BuildListLine(const Session& session, int index) {
 }
 
 std::string ShownLine(const Session& session, int index) {
-    return session.Device.at(static_cast<std::size_t>(index)) +
-           (session.ModuleTable[index].Answers ? "" : NoAnswerMark);
+    const std::string& line = session.Device.at(static_cast<std::size_t>(index));
+    if (session.ModuleTable[index].Answers)
+        return line;
+    return FixedText(line, std::max(line.size(), LongestLine)) + NoAnswerMark; // one below the other
 }
 
 } // namespace kavro

