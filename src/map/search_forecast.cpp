@@ -7,7 +7,7 @@ namespace kavro {
 namespace {
 
 constexpr double TrustInAlgorithm = 0.02; // share of the whole that the computed cost counts for
-constexpr double TrustInSilence = 0.02;   // share of the whole that counts as seen without a module
+constexpr double TrustInSilence = 0.02;   // share of a pass that counts as seen without a module
 constexpr double RowGoesOn = 0.5;         // as long again as so far, by this factor
 constexpr int FirstAddresses = 2;         // a row at the beginning starts at 0 or 1
 
@@ -18,6 +18,15 @@ void SearchForecast::Begin(double silentMs) {
     *this = SearchForecast(*clock);
     totalMs_ = silentMs;
     steppedAt_ = clock->Microseconds();
+    BeginPass(silentMs);
+}
+
+void SearchForecast::BeginPass(double silentMs) {
+    passMs_ = silentMs;
+    passEndMs_ = doneMs_ + silentMs;
+    passSteps_ = 0;
+    row_ = Row::NotYet;
+    rowMs_ = behindMs_ = foundBehindMs_ = 0;
 }
 
 void SearchForecast::Step(double silentMs, bool found) {
@@ -33,8 +42,9 @@ void SearchForecast::Step(double silentMs, bool found) {
 }
 
 void SearchForecast::Count(double silentMs, bool found) {
-    if (row_ == Row::NotYet && (found || steps_ > FirstAddresses))
-        row_ = found && steps_ <= FirstAddresses ? Row::Going : Row::Over;
+    ++passSteps_;
+    if (row_ == Row::NotYet && (found || passSteps_ > FirstAddresses))
+        row_ = found && passSteps_ <= FirstAddresses ? Row::Going : Row::Over;
     else if (row_ == Row::Going && !found)
         row_ = Row::Over;
     if (row_ == Row::Going) {
@@ -49,9 +59,10 @@ double SearchForecast::Share() const {
     return totalMs_ > 0 ? std::min(doneMs_ / totalMs_, 1.0) : 0;
 }
 
-double SearchForecast::FoundToCome(double left) const {
+double SearchForecast::FoundToCome() const {
+    const double left = std::max(passEndMs_ - doneMs_, 0.0);
     const double row = row_ == Row::Going ? std::min(left, RowGoesOn * rowMs_) : 0;
-    const double density = foundBehindMs_ / std::max(behindMs_ + TrustInSilence * totalMs_, 1.0);
+    const double density = foundBehindMs_ / std::max(behindMs_ + TrustInSilence * passMs_, 1.0);
     return row + (left - row) * density;
 }
 
@@ -61,7 +72,7 @@ double SearchForecast::LeftAfterStep() const {
     const double left = std::max(totalMs_ - doneMs_, 0.0);
     if (found_.SilentMs <= 0)
         return left * pace;
-    const double found = FoundToCome(left);
+    const double found = FoundToCome();
     return (left - found) * pace + found * found_.TookMs / found_.SilentMs;
 }
 

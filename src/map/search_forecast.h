@@ -15,6 +15,10 @@ public:
     /// A search begins that takes `silentMs` when nothing answers.
     void Begin(double silentMs);
 
+    /// The steps that follow, of `silentMs` together, go over the line anew at another rate: how many modules
+    /// were found until now tells nothing of them. Without this the whole search is one pass.
+    void BeginPass(double silentMs);
+
     /// A step has ended that takes `silentMs` when nothing answers. `found`: something did.
     void Step(double silentMs, bool found);
 
@@ -34,12 +38,15 @@ private:
 
     void Count(double silentMs, bool found);
     double LeftAfterStep() const;
-    double FoundToCome(double left) const;
+    double FoundToCome() const;
 
     Clock* clock_;
     double totalMs_ = 0;
     double doneMs_ = 0;
     int steps_ = 0;
+    double passMs_ = 0;    // length of the pass
+    double passEndMs_ = 0; // what is done when it ends
+    int passSteps_ = 0;
     Steps silent_, found_; // but for the first step, which also gets the line going
     Row row_ = Row::NotYet;
     double rowMs_ = 0;           // of the row at the beginning, each as on a silent line
