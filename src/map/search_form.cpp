@@ -31,8 +31,7 @@ constexpr const char* WrongAnswerWithin =
     "The time to answer within must be a number from 5 to 1000, in milliseconds.";
 constexpr const char* FastText =
     "Asks all addresses at one baud rate before it goes on to the next, and waits for the beginning of each "
-    "answer only as long as the box beside says. It finds what the exact search finds, as long as no module "
-    "takes longer to answer.";
+    "answer only as long as the box beside says. A module that takes longer is asked again.";
 constexpr const char* AnswerText =
     "Milliseconds from the end of a command to the beginning of the answer, 5 to 1000. Raise it for radio "
     "modems, converters and servers between here and the line.";
