@@ -73,6 +73,7 @@ void FastSearch::SearchRates() {
 void FastSearch::SearchRate(std::int16_t code) {
     line_.SetPortBaud(line_.CurrentPort, code, 0, 8, 0); // now, as the questions note when they are sent
     double silentMs = FastBaudChangeMs + FastAddressMs(code, scope_.AnswerWithinMs);
+    forecast_.BeginPass(FastBaudChangeMs + scope_.Addresses * FastAddressMs(code, scope_.AnswerWithinMs));
     for (std::int16_t address = 0; address <= session_.SearchHighAddress; ++address) {
         if (stopRequested_) {
             findings_.StoppedAfter = static_cast<std::int16_t>(address - 1);

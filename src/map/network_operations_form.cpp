@@ -2,6 +2,7 @@
 
 #include "link/runtime_failure.h"
 #include "map/device_list_form.h"
+#include "map/fast_search.h"
 #include "map/main_status_form.h"
 #include "map/module_access.h"
 #include "map/refresh.h"
@@ -36,7 +37,9 @@ void NetworkOperations::Search(QWidget* window) {
 
 void NetworkOperations::SearchLine(QWidget* window) {
     kavro::Scan scan;
-    scan.Make = [this](SearchEvents events) {
+    scan.Make = [this](SearchEvents events) -> std::unique_ptr<LineSearch> {
+        if (session_.Preferences.FastSearch)
+            return std::make_unique<FastSearch>(session_, std::move(events));
         return std::make_unique<NetworkSearch>(session_, std::move(events));
     };
     scan.Begun = [this] {

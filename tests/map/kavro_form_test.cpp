@@ -95,6 +95,19 @@ TEST_F(KavroFormTest, SearchFillsTheListAndTheSelectionFollowsIt) {
     EXPECT_EQ(Session.SelectedModule, 2);
     EXPECT_EQ(Find<QLabel>(*Form, "ActivityStatus").text(), "Calibrated.");
 
+    Session.Preferences.FastSearch = true;
+    EnableBaudCodes(Session, {3, 4, 5});
+    Search("50", [](QDialog& scan) {
+        const auto& found = Find<QListWidget>(scan, "FoundModules");
+        QObject::connect(&scan, &QDialog::accepted, &found, [&] {
+            EXPECT_EQ(found.item(14)->text().mid(1, 3), " 15") << "put in by address";
+            EXPECT_GE(found.count(), 24);
+        });
+    });
+    EXPECT_GE(Session.ModuleCount, 24);
+    ExpectListIsShown();
+    Session.Preferences.FastSearch = false;
+
     Search("0"); // a new search forgets the selection, and the note
     EXPECT_FALSE(Find<QLabel>(*Form, "ActivityStatus").text().contains("Calibrated"));
     EXPECT_EQ(Session.SelectedModule, -1);
@@ -457,7 +470,7 @@ TEST(SearchForm, TakesRatesAndWay) {
         EXPECT_EQ(shown(), "115200, 57600: at most 11 min");
         EXPECT_FALSE(note.isVisible() || answer.isEnabled());
         Click(form, "FastSearch");
-        EXPECT_EQ(shown(), "115200, 57600: about 33 s");
+        EXPECT_EQ(shown(), "115200, 57600: about 32 s");
         EXPECT_TRUE(answer.isEnabled());
         for (const char* wrong : {"", "4", "1001"}) {
             answer.setText(wrong);

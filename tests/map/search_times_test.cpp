@@ -25,9 +25,9 @@ TEST(SearchTimes, AreSaidAsExactlyAsIsOfUse) {
     const Rates all = {1, 1, 1, 1, 1, 1, 1, 1}, only9600 = {0, 0, 0, 1};
     const std::tuple<SearchScope, const char*, const char*> searches[] = {
         {{.BaudEnabled = all}, "at most 41 min", "about 3 min"},
-        {{.BaudEnabled = only9600}, "at most 53 s", "about 20 s"},
+        {{.BaudEnabled = only9600}, "at most 53 s", "about 19 s"},
         {{.BaudEnabled = only9600, .Addresses = 1}, "at most 2 s", "about 1 s"},
-        {{.BaudEnabled = only9600, .ReplyTimeoutMs = 6553}, "at most 56 min", "about 20 s"},
+        {{.BaudEnabled = only9600, .ReplyTimeoutMs = 6553}, "at most 56 min", "about 19 s"},
         {{.BaudEnabled = only9600, .AnswerWithinMs = 1000}, "at most 53 s", "about 8 min 40 s"},
         {{}, "", ""}};
     for (const auto& [scope, exact, fast] : searches) {
