@@ -3,9 +3,9 @@
 #include "bench/mutations.h"
 #include "bench/scratch_folder.h"
 #include "cli/command_sender.h"
-#include "cli/map_input.h"
 #include "link/port_config.h"
 #include "ports/line_file.h"
+#include "ports/map_reader.h"
 #include "ports/port_registry.h"
 #include "sim/demo_line.h"
 #include "sim/simulated_port.h"
@@ -56,7 +56,7 @@ inline void ReadPortsIni(const std::string& content) {
 
 inline void ReadMapJson(const std::string& content) {
     DemoSession demo;
-    ReadMap(demo.Session, FileWith(content));
+    TakeOver(demo.Session, ReadMapFile(FileWith(content)));
 }
 
 inline void ReadLineJson(const std::string& content) {

@@ -2,10 +2,10 @@
 
 #include "cli/cli_options.h"
 #include "cli/cli_text.h"
-#include "cli/map_input.h"
 #include "link/baud.h"
 #include "link/runtime_failure.h"
 #include "map/module_access.h"
+#include "ports/map_reader.h"
 
 #include <QCommandLineParser>
 
@@ -88,7 +88,7 @@ ModuleOnLine ReadModuleOnLine(const QCommandLineParser& parser, int place) {
     if (parser.isSet("timeout"))
         SetTimeouts(cli->Session.Line, ParseTimeout(parser.value("timeout").toStdString()));
     if (parser.isSet("map"))
-        ReadMap(cli->Session, parser.value("map").toStdString());
+        TakeOver(cli->Session, ReadMapFile(parser.value("map").toStdString()));
     const Contact contact = ContactOf(cli->Session, address, options);
     return {cli, contact};
 }

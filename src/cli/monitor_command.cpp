@@ -3,10 +3,10 @@
 #include "cli/cli_options.h"
 #include "cli/cli_session.h"
 #include "cli/cli_text.h"
-#include "cli/map_input.h"
 #include "cli/search_command.h"
 #include "diag/monitor.h"
 #include "link/runtime_failure.h"
+#include "ports/map_reader.h"
 
 #include <QCommandLineParser>
 
@@ -105,7 +105,7 @@ CommandAction PrepareMonitor(const QCommandLineParser& parser) {
     if (search.TimeoutMs)
         SetTimeouts(cli->Session.Line, *search.TimeoutMs);
     if (hasMap)
-        ReadMap(cli->Session, parser.value("map").toStdString());
+        TakeOver(cli->Session, ReadMapFile(parser.value("map").toStdString()));
     return [=] {
         cli->OpenPort();
         if (!hasMap)

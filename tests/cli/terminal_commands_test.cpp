@@ -1,7 +1,7 @@
 #include "cli/captured.h"
 #include "cli/command_sender.h"
-#include "cli/map_input.h"
 #include "cli/map_output.h"
+#include "ports/map_reader.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -59,7 +59,7 @@ TEST(MapInput, ReadsWhatASearchPrintedAndSaysWhatIsWrong) {
     DemoSession demo;
     demo.Session.Device = {"line"};
     ScriptedSession read;
-    ReadMap(read.Session, demo.Folder.Write("map.json", MapJson(demo.Session, {})));
+    TakeOver(read.Session, ReadMapFile(demo.Folder.Write("map.json", MapJson(demo.Session, {}))));
     EXPECT_EQ(read.Session.ModuleCount, 1);
     EXPECT_EQ(read.Session.ModuleTable[0].Model, "8480  ");
     EXPECT_EQ(TerminalAddressBaud(read.Session, "$202"), 4);
@@ -73,7 +73,7 @@ TEST(MapInput, ReadsWhatASearchPrintedAndSaysWhatIsWrong) {
         {R"({"modules": [{"address": 1, "baudCode": 3, "checksum": 1}]})", "modules[0].checksum"}};
     for (const auto& [content, piece] : cases) {
         const std::string path = demo.Folder.Write("map.json", content);
-        EXPECT_TRUE(Contains(FailureText([&] { ReadMap(read.Session, path); }), piece));
+        EXPECT_TRUE(Contains(FailureText([&] { ReadMapFile(path); }), piece));
     }
     EXPECT_EQ(read.Session.ModuleTable[0].Address, 0x20); // as it was
 }

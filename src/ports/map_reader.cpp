@@ -1,4 +1,4 @@
-#include "cli/map_input.h"
+#include "ports/map_reader.h"
 
 #include "link/baud.h"
 #include "link/runtime_failure.h"
@@ -30,12 +30,6 @@ constexpr NumberKey NumberKeys[] = {
     {"baudCode", true, -3, 252, &ModuleRecord::BaudCode},
     {"inputRange", false, INT16_MIN, INT16_MAX, &ModuleRecord::InputRange},
     {"dataFormat", false, INT16_MIN, INT16_MAX, &ModuleRecord::DataFormat},
-};
-
-struct ModuleMap {
-    kavro::ModuleTable Table;
-    std::int16_t Count = 0;
-    std::int16_t ScanIndex = -1;
 };
 
 [[noreturn]] void MustBe(const QString& place, const QString& what) {
@@ -102,12 +96,9 @@ ModuleMap ReadModules(const QJsonObject& map) {
 
 } // namespace
 
-void ReadMap(Session& session, const std::string& path) {
+ModuleMap ReadMapFile(const std::string& path) {
     try {
-        const ModuleMap map = ReadModules(ReadJsonObject(path, LargestFile));
-        session.ModuleTable = map.Table;
-        session.ModuleCount = map.Count;
-        session.ScanIndex = map.ScanIndex;
+        return ReadModules(ReadJsonObject(path, LargestFile));
     } catch (const RuntimeFailure& failure) {
         throw RuntimeFailure("The map file \"" + path +
                              "\" cannot be used (kavroctl search --json prints one): " + failure.what());
