@@ -11,7 +11,6 @@ namespace kavro {
 namespace {
 
 constexpr const char* Sep = "   ";
-constexpr const char* NoAnswerMark = "   no answer";
 constexpr std::size_t LongestLine = 59;          // of an analog module
 constexpr const char* BlankFormat = "         "; // nine blanks, the width of the format column
 
@@ -67,18 +66,22 @@ std::string ShownModel(const std::string& model) {
     return shown;
 }
 
-std::string BuildListLine(const Session& session, int index) {
-    const ModuleRecord& record = session.ModuleTable[index];
-    return (index == session.ScanIndex ? "*" : " ") + PadLeft(std::to_string(record.Address), 3) + "(" +
+std::string ListLine(const ModuleRecord& record, bool initialisation) {
+    return (initialisation ? "*" : " ") + PadLeft(std::to_string(record.Address), 3) + "(" +
            ToHex(record.Address, 2) + "H)" + Sep + ShownModel(record.Model) + Sep + " " +
            FixedText(std::to_string(BaudFromCode(record.BaudCode)), 6) + FamilyColumns(record);
+}
+
+std::string BuildListLine(const Session& session, int index) {
+    return ListLine(session.ModuleTable[index], index == session.ScanIndex);
 }
 
 std::string ShownLine(const Session& session, int index) {
     const std::string& line = session.Device.at(static_cast<std::size_t>(index));
     if (session.ModuleTable[index].Answers)
         return line;
-    return FixedText(line, std::max(line.size(), LongestLine)) + NoAnswerMark; // one below the other
+    return FixedText(line, std::max(line.size(), LongestLine)) +
+           std::string(NoAnswerMark); // one below the other
 }
 
 } // namespace kavro

@@ -14,13 +14,16 @@ namespace {
     throw RuntimeFailure(description.toStdString());
 }
 
-QByteArray ReadWhole(const QString& path, qint64 largest) {
-    const QFileInfo info(path);
+} // namespace
+
+QByteArray ReadFileBytes(const std::string& path, long long largest) {
+    const QString name = QString::fromStdString(path);
+    const QFileInfo info(name);
     if (!info.exists())
         Fail("there is no such file.");
     if (info.isDir())
         Fail("it is a folder; name a file.");
-    QFile file(path);
+    QFile file(name);
     if (!info.isFile() || !file.open(QIODevice::ReadOnly))
         Fail(info.isFile() ? file.errorString() + "." : QString("it is not a regular file."));
     if (file.size() > largest)
@@ -28,10 +31,7 @@ QByteArray ReadWhole(const QString& path, qint64 largest) {
     return file.readAll();
 }
 
-} // namespace
-
-QJsonObject ReadJsonObject(const std::string& path, long long largest) {
-    const QByteArray text = ReadWhole(QString::fromStdString(path), largest);
+QJsonObject JsonObjectOf(const QByteArray& text) {
     QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(text, &error);
     if (error.error != QJsonParseError::NoError)
@@ -42,6 +42,10 @@ QJsonObject ReadJsonObject(const std::string& path, long long largest) {
     if (!document.isObject())
         Fail("it must hold one object in braces.");
     return document.object();
+}
+
+QJsonObject ReadJsonObject(const std::string& path, long long largest) {
+    return JsonObjectOf(ReadFileBytes(path, largest));
 }
 
 } // namespace kavro

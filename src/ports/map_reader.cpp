@@ -1,8 +1,11 @@
 #include "ports/map_reader.h"
 
 #include "link/baud.h"
+#include "link/codes.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
+#include "map/map_text.h"
+#include "map/shown_codes.h"
 #include "ports/json_file.h"
 
 #include <QJsonArray>
@@ -47,11 +50,11 @@ void ReadNumber(const QJsonObject& module, const QString& place, const NumberKey
     record.*key.Field = static_cast<std::int16_t>(number);
 }
 
-bool ReadFlag(const QJsonObject& module, const QString& place, const char* name) {
+bool ReadFlag(const QJsonObject& module, const QString& place, const char* name, bool unlessGiven = false) {
     const QJsonValue value = module[QLatin1String(name)];
     if (!value.isUndefined() && !value.isBool())
         MustBe(place + name, "true or false");
-    return value.toBool();
+    return value.toBool(unlessGiven);
 }
 
 // Someone who changed the rate by hand and not the code must not be left wondering.
@@ -68,10 +71,14 @@ ModuleRecord ReadModule(const QJsonObject& module, const QString& place) {
         ReadNumber(module, place, key, record);
     CheckBaud(module, place, record);
     record.Checksum = ReadFlag(module, place, "checksum") ? 1 : 0;
+    record.Complete = ReadFlag(module, place, "complete", true);
+    record.Answers = ReadFlag(module, place, "answers", true);
     const QJsonValue model = module[QLatin1String("model")];
     if (!model.isUndefined() && !model.isString())
         MustBe(place + "model", "a text");
     record.Model = FixedText(model.toString().toStdString(), ModelWidth);
+    if (ModuleFamily(record.Model) == Converter) // whose parity, stop bits and interface stand there alone
+        FindShownCodes(record, module[QLatin1String("line")].toString().toStdString());
     return record;
 }
 
@@ -98,10 +105,16 @@ ModuleMap ReadModules(const QJsonObject& map) {
 
 ModuleMap ReadMapFile(const std::string& path) {
     try {
-        return ReadModules(ReadJsonObject(path, LargestFile));
+        const QByteArray content = ReadFileBytes(path, LargestFile);
+        const QByteArray trimmed = content.trimmed();
+        if (trimmed.isEmpty())
+            throw RuntimeFailure("it is empty. Print a map to another file than the one that is read.");
+        return trimmed.startsWith('{') ? ReadModules(JsonObjectOf(content))
+                                       : ReadMapText(content.toStdString());
     } catch (const RuntimeFailure& failure) {
-        throw RuntimeFailure("The map file \"" + path +
-                             "\" cannot be used (kavroctl search --json prints one): " + failure.what());
+        throw RuntimeFailure(
+            "The map file \"" + path +
+            "\" cannot be used (File > Save writes one, kavroctl search prints one): " + failure.what());
     }
 }
 

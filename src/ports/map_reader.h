@@ -6,8 +6,8 @@
 
 namespace kavro {
 
-/// The modules of a map that `kavroctl search --json` printed. Of each module "address" and "baudCode" must
-/// stand there; the rest may be left out. Throws `RuntimeFailure` when the file cannot be used.
+/// The modules of a map: one that `kavroctl search --json` printed, of each module "address" and "baudCode"
+/// at least, or a map as text (`ReadMapText`). Throws `RuntimeFailure` when the file cannot be used.
 ModuleMap ReadMapFile(const std::string& path);
 
 } // namespace kavro
