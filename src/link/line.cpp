@@ -221,6 +221,11 @@ void Line::NoteUnfit() {
     ++Statistics.Damaged;
 }
 
+void Line::NoteStray() {
+    ++IncompleteCount;
+    incompleteAt_ = heardAt_ = clock_.GetTickCount();
+}
+
 int Line::SilenceMs() const {
     return std::clamp<int>(LongReplyTimeout, ShortestSilenceMs, LongestSilenceMs);
 }

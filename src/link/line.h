@@ -136,6 +136,10 @@ public:
     /// Counts the last reply, complete and no refusal, as damaged: it is not what its command asks for.
     void NoteUnfit();
 
+    /// The last reply was not that of its command, which may still be to come: silence is awaited as after a
+    /// transaction without a complete reply.
+    void NoteStray();
+
     /// Whether, after a transaction without a complete reply, the line has been silent for so long that no
     /// late reply is to be expected, or has not fallen silent for 3 s: it is spoken to all the same then, as
     /// what babbles may well wait for the next command. Discards what has arrived; does not wait.

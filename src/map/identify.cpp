@@ -48,8 +48,11 @@ bool AskForCredibleConfig(Line& line, ConfigAnswer& answer) {
             answer = *told;
             return true;
         }
-        if (line.ReplyText.empty() || IsRefusal(line.ReplyText, ContactFor(answer, Belief::Repeated).Measure))
+        const bool silent = line.ReplyStatus == 0 && line.ReplyText.empty();
+        if (silent || IsRefusal(line.ReplyText, ContactFor(answer, Belief::Repeated).Measure))
             break;
+        // Perhaps the end of the reply before, doubled or torn off by a disturbance: then this one's is late.
+        line.NoteStray();
     }
     return false;
 }
