@@ -4,6 +4,7 @@
 #include "link/network_address.h"
 #include "link/port_config.h"
 #include "link/runtime_failure.h"
+#include "ports/map_reader.h"
 #include "ports/replace_file.h"
 #include "ports/settings_folder.h"
 #include "sim/demo_line.h"
@@ -94,6 +95,15 @@ void CliSession::LoadSettings(const LineOptions& options) {
     settings = {};
     settings.DataBits = 8;
     settings.BaudEnabled[Baud9600Code] = 1;
+}
+
+void UseMap(Session& session, const std::string& path) {
+    const ModuleMap map = ReadMapFile(path);
+    if (!map.ChecksumsKnown)
+        throw RuntimeFailure("The map file \"" + path +
+                             "\" is a text, which does not tell which modules use checksums. kavroctl search "
+                             "--refresh MAP --json prints a map from it that does.");
+    TakeOver(session, map);
 }
 
 void SetTimeouts(Line& line, std::int16_t timeoutMs) {

@@ -6,6 +6,8 @@
 #include "ports/port_registry.h"
 #include "sim/simulated_line.h"
 
+#include <string>
+
 namespace kavro {
 
 /// The session of one command: its line is the one that the options name, with the settings the user has
@@ -39,6 +41,11 @@ private:
     std::string settingsFailure_;
     bool rateChosen_ = false; // on the command line
 };
+
+/// Makes the modules of a map that was printed as JSON those of the session. Throws `RuntimeFailure` when it
+/// cannot be read, or is a text map: that does not tell the checksums, which is to be known before a module
+/// is spoken to.
+void UseMap(Session& session, const std::string& path);
 
 /// Sets the reply time-out, in ms, and the long one, its fivefold.
 void SetTimeouts(Line& line, std::int16_t timeoutMs);

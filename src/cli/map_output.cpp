@@ -34,6 +34,8 @@ QJsonObject ModuleObject(const Session& session, int index) {
     };
     if (!record.Complete)
         object["complete"] = false;
+    if (!record.Answers)
+        object["answers"] = false;
     return object;
 }
 
@@ -41,9 +43,13 @@ QJsonObject ModuleObject(const Session& session, int index) {
 
 std::string MapText(const Session& session) {
     std::string text = std::string(ListHeading) + "\n";
-    for (int index = 0; index < session.ModuleCount; ++index)
-        text += Printable(session.Device[static_cast<std::size_t>(index)]) +
-                (session.ModuleTable[index].Complete ? "" : "   incomplete") + "\n";
+    for (int index = 0; index < session.ModuleCount; ++index) {
+        const ModuleRecord& record = session.ModuleTable[index];
+        text += Printable(session.Device[static_cast<std::size_t>(index)]);
+        text += record.Complete ? "" : IncompleteMark;
+        text += record.Answers ? "" : NoAnswerMark;
+        text += "\n";
+    }
     return text;
 }
 
@@ -51,13 +57,14 @@ std::string MapJson(const Session& session, const PrintedMap& map) {
     QJsonArray modules;
     for (int index = 0; index < session.ModuleCount; ++index)
         modules.append(ModuleObject(session, index));
-    const QJsonObject object = {
+    QJsonObject object = {
         {"port", QString("COM%1").arg(session.Line.CurrentPort)},
         {"device", QString::fromStdString(map.Device)},
-        {"highestAddress", session.SearchHighAddress},
         {"complete", map.Complete},
         {"modules", modules},
     };
+    if (map.HighestAddress)
+        object["highestAddress"] = *map.HighestAddress;
     return QJsonDocument(object).toJson().toStdString();
 }
 

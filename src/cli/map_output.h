@@ -2,17 +2,20 @@
 
 #include "map/session.h"
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 namespace kavro {
 
 /// A finished search as it is printed.
 struct PrintedMap {
-    std::string Device;    ///< of the current port, UTF-8
-    bool Complete = false; ///< every address was searched
+    std::string Device;                           ///< of the current port, UTF-8
+    bool Complete = false;                        ///< the search, or the refresh, went to its end
+    std::optional<std::int16_t> HighestAddress{}; ///< searched; nothing after a refresh
 };
 
-/// The module list under its heading, exactly as in the main window.
+/// The module list under its heading, each line as in the main window and what is amiss behind it.
 std::string MapText(const Session& session);
 
 /// The module list as a JSON object: port, device, range and all that is needed to speak to each module.

@@ -5,7 +5,6 @@
 #include "link/baud.h"
 #include "link/runtime_failure.h"
 #include "map/module_access.h"
-#include "ports/map_reader.h"
 
 #include <QCommandLineParser>
 
@@ -88,7 +87,7 @@ ModuleOnLine ReadModuleOnLine(const QCommandLineParser& parser, int place) {
     if (parser.isSet("timeout"))
         SetTimeouts(cli->Session.Line, ParseTimeout(parser.value("timeout").toStdString()));
     if (parser.isSet("map"))
-        TakeOver(cli->Session, ReadMapFile(parser.value("map").toStdString()));
+        UseMap(cli->Session, parser.value("map").toStdString());
     const Contact contact = ContactOf(cli->Session, address, options);
     return {cli, contact};
 }

@@ -3,10 +3,10 @@
 #include "cli/cli_options.h"
 #include "cli/cli_session.h"
 #include "cli/cli_text.h"
-#include "cli/search_command.h"
+#include "cli/search_options.h"
+#include "cli/search_run.h"
 #include "diag/monitor.h"
 #include "link/runtime_failure.h"
-#include "ports/map_reader.h"
 
 #include <QCommandLineParser>
 
@@ -29,7 +29,7 @@ int SearchModules(Session& session, const SearchOptions& options) {
     const SearchResult result = SearchLine(session, options);
     if (!result.PortFailure.empty())
         throw RuntimeFailure(result.PortFailure);
-    if (result.LastAddress == session.SearchHighAddress)
+    if (result.CameToItsEnd())
         return ExitSuccess;
     PrintNote("Stopped while searching the line.");
     return ExitNothingFound;
@@ -97,15 +97,15 @@ CommandAction PrepareMonitor(const QCommandLineParser& parser) {
     if (rounds.Turns.value_or(1) > MostRounds)
         throw RuntimeFailure("--count is at most " + std::to_string(MostRounds) + " rounds.");
     const ValueForm form = ReadValueForm(parser);
-    const SearchOptions search = ReadSearchOptions(parser);
+    const SearchOptions search = ReadSearchRange(parser);
     const bool hasMap = parser.isSet("map");
-    if (hasMap && (parser.isSet("to") || parser.isSet("baud")))
-        throw RuntimeFailure("With --map nothing is searched. Leave --to and --baud out.");
+    if (hasMap)
+        RefuseSearchRange(parser, "With --map nothing is searched.");
     const auto cli = std::make_shared<CliSession>(ReadLineOptions(parser));
     if (search.TimeoutMs)
         SetTimeouts(cli->Session.Line, *search.TimeoutMs);
     if (hasMap)
-        TakeOver(cli->Session, ReadMapFile(parser.value("map").toStdString()));
+        UseMap(cli->Session, parser.value("map").toStdString());
     return [=] {
         cli->OpenPort();
         if (!hasMap)

@@ -24,8 +24,8 @@ bool StandardErrorIsTerminal() {
 
 } // namespace
 
-SearchProgress::SearchProgress(const LineSearch& search, int highest)
-    : search_(search), highest_(highest), isTerminal_(StandardErrorIsTerminal()) {}
+SearchProgress::SearchProgress(const LineSearch& search)
+    : search_(search), isTerminal_(StandardErrorIsTerminal()) {}
 
 SearchProgress::~SearchProgress() {
     Write("");
@@ -33,10 +33,8 @@ SearchProgress::~SearchProgress() {
         std::fputc('\r', stderr);
 }
 
-void SearchProgress::Show() {
-    Write("Address " + std::to_string(Address) + " of " + std::to_string(highest_) + ", " +
-          std::to_string(Baud) + " baud, " + std::to_string(Found) +
-          (Found == 1 ? " module, " : " modules, ") + (Stopping ? "stopping" : TimeLeft()));
+void SearchProgress::Show(const std::string& place) {
+    Write(place + ", " + (Stopping ? "stopping" : TimeLeft()));
 }
 
 std::string SearchProgress::TimeLeft() const {

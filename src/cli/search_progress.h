@@ -2,7 +2,6 @@
 
 #include "map/line_search.h"
 
-#include <cstdint>
 #include <string>
 
 namespace kavro {
@@ -11,29 +10,23 @@ namespace kavro {
 /// is not a terminal.
 class SearchProgress {
 public:
-    /// `search` goes from address 0 to `highest`.
-    SearchProgress(const LineSearch& search, int highest);
+    explicit SearchProgress(const LineSearch& search);
 
     /// Takes the line off the terminal.
     ~SearchProgress();
     SearchProgress(const SearchProgress&) = delete;
     SearchProgress& operator=(const SearchProgress&) = delete;
 
-    /// What the line tells; call `Show` when it changed.
-    int Address = 0;
-    std::int32_t Baud = 0;
-    int Found = 0;
-    bool Stopping = false; ///< the search ends after this address
+    bool Stopping = false; ///< the search ends after this step, which is told in place of the time left
 
-    /// Writes the line.
-    void Show();
+    /// Writes the line: where the search is, and the time left.
+    void Show(const std::string& place);
 
 private:
     std::string TimeLeft() const;
     void Write(const std::string& text);
 
     const LineSearch& search_;
-    const int highest_;
     const bool isTerminal_;
     std::size_t shownWidth_ = 0;
 };

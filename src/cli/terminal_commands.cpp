@@ -5,7 +5,6 @@
 #include "cli/cli_text.h"
 #include "cli/command_sender.h"
 #include "link/runtime_failure.h"
-#include "ports/map_reader.h"
 #include "terminal/batch_file.h"
 
 #include <QCommandLineParser>
@@ -64,7 +63,7 @@ std::shared_ptr<CliSession> PreparedSession(const QCommandLineParser& parser) {
     if (parser.isSet("timeout"))
         cli->Session.Line.LongReplyTimeout = ParseTimeout(parser.value("timeout").toStdString());
     if (parser.isSet("map"))
-        TakeOver(cli->Session, ReadMapFile(parser.value("map").toStdString()));
+        UseMap(cli->Session, parser.value("map").toStdString());
     return cli;
 }
 

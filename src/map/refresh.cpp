@@ -46,7 +46,6 @@ void ListRefresh::Run() {
         forecast_.Step(ModuleMs, false);
         events_.Yield();
     }
-    std::ranges::sort(findings_.NoAnswer);
 }
 
 void ListRefresh::Read(int index) {
@@ -57,8 +56,9 @@ void ListRefresh::Read(int index) {
                         .Reply = {}};
     ModuleRecord found;
     Identified identified = AskModuleAgain(session_.Line, answer, found);
-    if (identified == Identified::No && !checksumsKnown_ && answer.Address != 0) {
-        answer.Checksum = 1;
+    const bool eitherWay = (!checksumsKnown_ || !entry.Answers) && answer.Address != 0;
+    if (identified == Identified::No && eitherWay) {
+        answer.Checksum = answer.Checksum == 1 ? 0 : 1;
         identified = AskModuleAgain(session_.Line, answer, found);
     }
     if (identified == Identified::Fully)
@@ -66,7 +66,7 @@ void ListRefresh::Read(int index) {
     entry.Answers = identified != Identified::No;
     entry.Complete = identified == Identified::Fully || (!entry.Answers && entry.Complete);
     if (!entry.Answers)
-        findings_.NoAnswer.push_back(entry.Address);
+        findings_.NoAnswer.insert(std::ranges::upper_bound(findings_.NoAnswer, entry.Address), entry.Address);
     session_.Device[static_cast<std::size_t>(index)] = BuildListLine(session_, index);
 }
 

@@ -11,7 +11,8 @@ namespace kavro {
 class ListRefresh : public LineSearch {
 public:
     /// `events`: `Address`, `Baud`, `Changed` and `Yield` alone are called. Unless the `checksumsKnown`, each
-    /// module is asked without checksum first, then with it.
+    /// module is asked without checksum first, then with it. One that did not answer last time is asked both
+    /// ways in any case: it may never have been heard, and the map it is from may not have told.
     ListRefresh(Session& session, SearchEvents events, bool checksumsKnown = true);
 
     void Run() override;

@@ -55,7 +55,7 @@ TEST(ExchangePrinter, ShowsEveryByteOfAPair) {
                                      R"("complete": false, "baud": 9600})");
 }
 
-TEST(MapInput, ReadsWhatASearchPrintedAndSaysWhatIsWrong) {
+TEST(MapReader, ReadsWhatASearchPrinted) {
     DemoSession demo;
     demo.Session.Device = {"line"};
     ScriptedSession read;
@@ -63,19 +63,6 @@ TEST(MapInput, ReadsWhatASearchPrintedAndSaysWhatIsWrong) {
     EXPECT_EQ(read.Session.ModuleCount, 1);
     EXPECT_EQ(read.Session.ModuleTable[0].Model, "8480  ");
     EXPECT_EQ(TerminalAddressBaud(read.Session, "$202"), 4);
-
-    const std::pair<const char*, const char*> cases[] = {
-        {"", "not JSON"},
-        {"{}", "modules must be"},
-        {R"({"modules": [3]})", "modules[0] must be"},
-        {R"({"modules": [{"address": 1, "baudCode": 3}, {}]})", "modules[1].address"},
-        {R"({"modules": [{"address": 1, "baudCode": 3, "baud": 1200}]})", "modules[0].baud must be 9600"},
-        {R"({"modules": [{"address": 1, "baudCode": 3, "checksum": 1}]})", "modules[0].checksum"}};
-    for (const auto& [content, piece] : cases) {
-        const std::string path = demo.Folder.Write("map.json", content);
-        EXPECT_TRUE(Contains(FailureText([&] { ReadMapFile(path); }), piece));
-    }
-    EXPECT_EQ(read.Session.ModuleTable[0].Address, 0x20); // as it was
 }
 
 TEST(CommandSender, RunsAFileWithItsOptionsPausesAndLog) {

@@ -47,7 +47,9 @@ struct ProgramRun {
 
 /// A simulated line that another program serves.
 struct ServedLine {
-    ServedLine() { Process.start(KAVROSIM_PROGRAM, {"--log"}); }
+    explicit ServedLine(const QStringList& arguments = {}) {
+        Process.start(KAVROSIM_PROGRAM, QStringList("--log") + arguments);
+    }
     ~ServedLine() { End(); }
 
     /// The next line printed that contains `piece`.

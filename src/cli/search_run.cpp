@@ -1,0 +1,95 @@
+#include "cli/search_run.h"
+
+#include "cli/cli_session.h"
+#include "cli/cli_text.h"
+#include "cli/interrupt.h"
+#include "cli/search_kinds.h"
+#include "cli/search_progress.h"
+#include "link/runtime_failure.h"
+
+#include <memory>
+#include <optional>
+
+namespace kavro {
+
+namespace {
+
+void ApplyOptions(const SearchOptions& options, Session& session) {
+    session.SearchHighAddress = options.HighestAddress;
+    Line& line = session.Line;
+    if (!options.BaudCodes.empty()) {
+        auto& enabled = line.SettingsOf(line.CurrentPort).BaudEnabled;
+        enabled.fill(0);
+        for (const std::int16_t code : options.BaudCodes)
+            enabled[static_cast<std::size_t>(code)] = 1;
+    }
+    if (options.TimeoutMs)
+        SetTimeouts(line, *options.TimeoutMs);
+}
+
+// Keeps the place up to date; `show` is called when there is news of it.
+SearchEvents PlaceEvents(const Session& session, SearchPlace& place, const std::function<void()>& show) {
+    SearchEvents events;
+    events.Address = [&place, show](std::int16_t address) {
+        place.Address = address;
+        ++place.Begun;
+        if (place.Baud > 0)
+            show();
+    };
+    events.Baud = [&place, show](std::int32_t baud) {
+        place.Baud = baud;
+        show();
+    };
+    events.Found = [&session, &place, show](int) {
+        place.Found = static_cast<int>(session.Device.size());
+        show();
+    };
+    events.Changed = [&place](int) { ++place.Read; };
+    return events;
+}
+
+// What was stopped, or the port ended, is told by the command in its own words.
+void TellFindings(SearchFindings findings) {
+    findings.StoppedAfter.reset();
+    findings.RefreshStopped = false;
+    for (const std::string& text : FindingTexts(findings))
+        PrintNote(text);
+}
+
+} // namespace
+
+SearchResult SearchLine(Session& session, const SearchOptions& options) {
+    ApplyOptions(options, session);
+    const KindOfSearch& kind = KindOf(options.Kind);
+    SearchPlace place{.HighestAddress = options.HighestAddress,
+                      .Found = options.Kind == SearchKind::Refresh ? session.ModuleCount : 0};
+    const InterruptWatch watch(session.Line);
+    std::optional<SearchProgress> progress;
+    std::unique_ptr<LineSearch> search;
+    SearchEvents events = PlaceEvents(session, place, [&] { progress->Show(kind.Progress(place)); });
+    events.Yield = [&] {
+        if (!watch.Interrupted())
+            return;
+        search->Stop();
+        progress->Stopping = true;
+        progress->Show(kind.Progress(place));
+    };
+    search = kind.Make(session, options, events);
+    progress.emplace(*search);
+    SearchResult result;
+    bool interrupted = false;
+    try {
+        search->Run();
+    } catch (const Interruption&) {
+        interrupted = true;
+    } catch (const RuntimeFailure& failure) {
+        result.PortFailure = failure.what();
+    }
+    progress.reset();
+    if (interrupted || search->Findings().StoppedAfter || search->Findings().RefreshStopped)
+        result.Stopped = kind.Stopped(place);
+    TellFindings(search->Findings());
+    return result;
+}
+
+} // namespace kavro
