@@ -1,5 +1,6 @@
 #include "cli/search_kinds.h"
 
+#include "map/fast_search.h"
 #include "map/refresh.h"
 #include "map/search.h"
 
@@ -11,6 +12,10 @@ namespace {
 
 std::unique_ptr<LineSearch> MakeExact(Session& session, const SearchOptions&, SearchEvents events) {
     return std::make_unique<NetworkSearch>(session, std::move(events), Belief::Strict);
+}
+
+std::unique_ptr<LineSearch> MakeFast(Session& session, const SearchOptions&, SearchEvents events) {
+    return std::make_unique<FastSearch>(session, std::move(events));
 }
 
 std::unique_ptr<LineSearch> MakeRefresh(Session& session, const SearchOptions& options, SearchEvents events) {
@@ -31,12 +36,23 @@ std::string ExactProgress(const SearchPlace& place) {
            " baud, " + FoundText(place);
 }
 
+std::string FastProgress(const SearchPlace& place) {
+    return std::to_string(place.Baud) + " baud, address " + Of(place.Address, place.HighestAddress) + ", " +
+           FoundText(place);
+}
+
 std::string RefreshProgress(const SearchPlace& place) {
     return "Module " + Of(place.Begun, place.Found);
 }
 
 std::string ExactStopped(const SearchPlace& place) {
     return "Stopped after address " + Of(place.Address, place.HighestAddress) + ".";
+}
+
+std::string FastStopped(const SearchPlace& place) {
+    return "Stopped at " + std::to_string(place.Baud) + " baud " +
+           (place.BegunAtRate == 0 ? "before its first address."
+                                   : "after address " + Of(place.Address, place.HighestAddress) + ".");
 }
 
 std::string RefreshStopped(const SearchPlace& place) {
@@ -46,6 +62,7 @@ std::string RefreshStopped(const SearchPlace& place) {
 constexpr KindOfSearch Kinds[] = {
     // in the order of `SearchKind`
     {MakeExact, ExactProgress, ExactStopped},
+    {MakeFast, FastProgress, FastStopped},
     {MakeRefresh, RefreshProgress, RefreshStopped},
 };
 

@@ -16,6 +16,7 @@ struct SearchPlace {
     int HighestAddress = 0;
     std::int32_t Baud = 0; ///< tried last
     int Found = 0;         ///< modules in the list
+    int BegunAtRate = 0;   ///< addresses begun since `Baud` was tried first
     int Begun = 0;         ///< addresses begun, of a refresh the modules
     int Read = 0;          ///< modules that a refresh is done with
 };

@@ -12,6 +12,7 @@ namespace kavro {
 /// How the modules of a line are found.
 enum class SearchKind {
     Exact,   ///< address by address, at each rate, as in the main window
+    Fast,    ///< rate by rate, waiting no longer than modules take to answer
     Refresh, ///< those of a map, each where the map has it
 };
 
@@ -19,9 +20,10 @@ enum class SearchKind {
 struct SearchOptions {
     SearchKind Kind = SearchKind::Exact;
     std::int16_t HighestAddress = 255;
-    std::vector<std::int16_t> BaudCodes{};   ///< to try; empty: those of the port's settings
-    std::optional<std::int16_t> TimeoutMs{}; ///< nothing: that of the settings
-    bool ChecksumsKnown = true;              ///< of the map that is refreshed
+    std::vector<std::int16_t> BaudCodes{};        ///< to try; empty: those of the port's settings
+    std::optional<std::int16_t> TimeoutMs{};      ///< nothing: that of the settings
+    std::optional<std::int16_t> AnswerWithinMs{}; ///< of the fast search; nothing: what is usual
+    bool ChecksumsKnown = true;                   ///< of the map that is refreshed
     bool Json = false;
 };
 

@@ -25,6 +25,8 @@ void ApplyOptions(const SearchOptions& options, Session& session) {
     }
     if (options.TimeoutMs)
         SetTimeouts(line, *options.TimeoutMs);
+    if (options.AnswerWithinMs)
+        session.Preferences.AnswerWithin = *options.AnswerWithinMs;
 }
 
 // Keeps the place up to date; `show` is called when there is news of it.
@@ -33,11 +35,13 @@ SearchEvents PlaceEvents(const Session& session, SearchPlace& place, const std::
     events.Address = [&place, show](std::int16_t address) {
         place.Address = address;
         ++place.Begun;
+        ++place.BegunAtRate;
         if (place.Baud > 0)
             show();
     };
     events.Baud = [&place, show](std::int32_t baud) {
         place.Baud = baud;
+        place.BegunAtRate = 0;
         show();
     };
     events.Found = [&session, &place, show](int) {
