@@ -51,6 +51,9 @@ TEST(KavroCtl, WrongUseIsToldInOneLineAndHelpNeedsNothing) {
         {{"search", "--demo", "--to"}, "'--to'"},
         {{"search", "--demo", "--baud", "9601"}, "'9601'"},
         {{"search", "--demo", "--timeout", "99"}, "'99'"},
+        {{"search", "--demo", "--answer-within", "30"}, "Give --fast"},
+        {{"search", "--demo", "--fast", "--answer-within", "4"}, "5 to 1000"},
+        {{"search", "--demo", "--fast", "--refresh", "map"}, "--fast"},
         {{"search", "--demo", "--port", "1=/dev/null"}, "two devices"},
         {{"search", "--port", "2=/dev/a", "--port", "2=/dev/b"}, "COM2"},
         {{"search", "--to", "3"}, "--port 1="}};

@@ -74,6 +74,7 @@ TEST(Refresh, EachKindOfSearchTellsWhereItWasStopped) {
     const std::tuple<SearchKind, const char*, const char*> cases[] = {
         {SearchKind::Exact, "$032", "Stopped after address 3 of 6."},
         {SearchKind::Exact, "$062B9", ""},
+        {SearchKind::Fast, "$032", "Stopped at 9600 baud after address 3 of 6."},
         {SearchKind::Refresh, "$032", "Stopped after module 2 of 5; the others are as they were."}};
     for (const auto& [kind, command, stopped] : cases) {
         SearchedLine test;
