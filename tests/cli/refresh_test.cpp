@@ -100,13 +100,9 @@ TEST(Refresh, RunsWithoutASearch) {
     const QJsonObject object = QJsonDocument::fromJson(QByteArray::fromStdString(json.Out)).object();
     const QJsonArray modules = object["modules"].toArray();
     ASSERT_EQ(modules.size(), 2) << json.Out;
-    EXPECT_EQ(std::pair(object["complete"], object.contains("highestAddress")),
-              std::pair(QJsonValue(true), false));
-    EXPECT_EQ(std::pair(modules[0]["inputRange"].toInt(), modules[0]["answers"].isUndefined()),
-              std::pair(6, true));
-    EXPECT_EQ(std::pair(modules[1]["model"].toString(), modules[1]["answers"]),
-              std::pair(QString("8220"), QJsonValue(false)));
-
+    EXPECT_TRUE(object["complete"].toBool() && !object.contains("highestAddress"));
+    EXPECT_TRUE(modules[0]["inputRange"] == 6 && modules[0]["answers"].isUndefined());
+    EXPECT_TRUE(modules[1]["model"] == "8220" && modules[1]["answers"] == false) << json.Out;
     ExpectWrongUse(
         {{{"search", "--refresh", map, "--to", "3"}, "searches nothing. Leave --to"},
          {{"search", "--refresh", "/nowhere"}, "no such file"},

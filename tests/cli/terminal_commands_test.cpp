@@ -1,7 +1,5 @@
 #include "cli/captured.h"
 #include "cli/command_sender.h"
-#include "cli/map_output.h"
-#include "ports/map_reader.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -53,16 +51,6 @@ TEST(ExchangePrinter, ShowsEveryByteOfAPair) {
     EXPECT_EQ(ExchangeText(garbled), "\"\\ -> !<1B><FF> (incomplete, or a wrong checksum)");
     EXPECT_EQ(ExchangeJson(garbled), R"({"command": "\u0022\u005C", "reply": "!\u001B\u00FF", )"
                                      R"("complete": false, "baud": 9600})");
-}
-
-TEST(MapReader, ReadsWhatASearchPrinted) {
-    DemoSession demo;
-    demo.Session.Device = {"line"};
-    ScriptedSession read;
-    TakeOver(read.Session, ReadMapFile(demo.Folder.Write("map.json", MapJson(demo.Session, {}))));
-    EXPECT_EQ(read.Session.ModuleCount, 1);
-    EXPECT_EQ(read.Session.ModuleTable[0].Model, "8480  ");
-    EXPECT_EQ(TerminalAddressBaud(read.Session, "$202"), 4);
 }
 
 TEST(CommandSender, RunsAFileWithItsOptionsPausesAndLog) {
