@@ -2,6 +2,7 @@
 
 #include "app/module_dialogs.h"
 #include "diag/monitor_form.h"
+#include "ports/map_reader.h"
 #include "ports/preferences_file.h"
 #include "ports/replace_file.h"
 #include "ports/settings_folder.h"
@@ -50,6 +51,7 @@ DialogOpeners Program::Openers() {
     };
     openers.Terminal = [this](QWidget* parent) { TerminalForm(session_, messages_, parent).exec(); };
     openers.Monitor = [this](QWidget* parent) { MonitorForm(session_, messages_, parent).exec(); };
+    openers.ReadMap = ReadMapFile;
     return openers;
 }
 

@@ -1,6 +1,7 @@
 #include "map/kavro_form.h"
 
 #include "link/com_port_form.h"
+#include "link/network_address.h"
 #include "link/port_config.h"
 #include "link/text.h"
 #include "map/about_form.h"
@@ -264,7 +265,7 @@ void KavroForm::ComPort() {
 }
 
 void KavroForm::Search() {
-    network_->Search(this);
+    network_->Search(this, RateIsFixed(devices_.Device(session_.Line.CurrentPort)));
 }
 
 void KavroForm::Refresh() {

@@ -26,9 +26,9 @@ NetworkOperations::NetworkOperations(Session& session, Messages& messages, Devic
                                      std::function<ModuleMap(const std::string& path)> readMap)
     : session_(session), messages_(messages), list_(list), status_(status), readMap_(std::move(readMap)) {}
 
-void NetworkOperations::Search(QWidget* window) {
+void NetworkOperations::Search(QWidget* window, bool rateIsFixed) {
     session_.SearchAccepted = 0;
-    SearchForm(session_, messages_, window).exec();
+    SearchForm(session_, messages_, window, rateIsFixed).exec();
     if (session_.SearchAccepted == 0)
         return;
     OpenPort(session_.Line);

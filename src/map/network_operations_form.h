@@ -25,8 +25,8 @@ public:
     NetworkOperations(Session& session, Messages& messages, DeviceList& list, MainStatus& status,
                       std::function<ModuleMap(const std::string& path)> readMap);
 
-    /// Asks what to search, and searches it.
-    void Search(QWidget* window);
+    /// Asks what to search, and searches it. `rateIsFixed`: the device of the port keeps its own baud rate.
+    void Search(QWidget* window, bool rateIsFixed);
 
     /// Reads every module of the list again; those that do not answer stay and are marked.
     void Refresh(QWidget* window);

@@ -1,6 +1,7 @@
 #include "map/search_form.h"
 
 #include "link/baud.h"
+#include "link/network_address.h"
 #include "link/text.h"
 #include "map/time_text.h"
 #include "ui/center_form.h"
@@ -64,8 +65,8 @@ void Explain(QWidget& control, const char* text) {
 
 } // namespace
 
-SearchForm::SearchForm(Session& session, Messages& messages, QWidget* parent)
-    : QDialog(parent), session_(session), messages_(messages) {
+SearchForm::SearchForm(Session& session, Messages& messages, QWidget* parent, bool rateIsFixed)
+    : QDialog(parent), session_(session), messages_(messages), rateIsFixed_(rateIsFixed) {
     setObjectName("SearchForm");
     setWindowTitle("Search");
 
@@ -172,7 +173,7 @@ std::optional<std::int16_t> SearchForm::AnswerWithin() const {
 void SearchForm::ShowChoice() {
     answerRow_->setEnabled(Fast());
     baudRate_->setText(RatesText(Rates()));
-    rateNote_->Tell(baudRate_->text().isEmpty() ? NoRateText : "");
+    rateNote_->Tell(baudRate_->text().isEmpty() ? NoRateText : rateIsFixed_ ? FixedRateText : "");
     const QString time = QString::fromStdString(TimeTaken());
     searchTime_->setText(time.isEmpty() ? NoTime : time);
 }

@@ -26,7 +26,8 @@ class Note;
 /// `Preferences`, in the session.
 class SearchForm : public QDialog {
 public:
-    SearchForm(Session& session, Messages& messages, QWidget* parent);
+    /// `rateIsFixed`: the device of the port keeps its own baud rate.
+    SearchForm(Session& session, Messages& messages, QWidget* parent, bool rateIsFixed = false);
 
     void reject() override; // Cancel, Escape and the close button
 
@@ -46,6 +47,7 @@ private:
 
     Session& session_;
     Messages& messages_;
+    bool rateIsFixed_;
     QLabel* baudRate_ = nullptr;
     BaudChecks baudCheck_{};
     Note* rateNote_ = nullptr;
