@@ -6,6 +6,7 @@
 #include "cli/search_options.h"
 #include "cli/search_run.h"
 #include "diag/monitor.h"
+#include "link/network_address.h"
 #include "link/runtime_failure.h"
 
 #include <QCommandLineParser>
@@ -25,7 +26,9 @@ bool AnyFailed(const std::vector<ChannelValue>& values) {
 }
 
 // Fills the map by a search; an exit code unless all of the line was searched.
-int SearchModules(Session& session, const SearchOptions& options) {
+int SearchModules(CliSession& cli, SearchOptions options) {
+    Session& session = cli.Session;
+    options.OneRate = RateIsFixed(cli.Device());
     const SearchResult result = SearchLine(session, options);
     if (!result.PortFailure.empty())
         throw RuntimeFailure(result.PortFailure);
@@ -97,10 +100,10 @@ CommandAction PrepareMonitor(const QCommandLineParser& parser) {
     if (rounds.Turns.value_or(1) > MostRounds)
         throw RuntimeFailure("--count is at most " + std::to_string(MostRounds) + " rounds.");
     const ValueForm form = ReadValueForm(parser);
-    const SearchOptions search = ReadSearchRange(parser);
     const bool hasMap = parser.isSet("map");
     if (hasMap)
         RefuseSearchRange(parser, "With --map nothing is searched.");
+    const SearchOptions search = ReadSearchRange(parser);
     const auto cli = std::make_shared<CliSession>(ReadLineOptions(parser));
     if (search.TimeoutMs)
         SetTimeouts(cli->Session.Line, *search.TimeoutMs);
@@ -109,7 +112,7 @@ CommandAction PrepareMonitor(const QCommandLineParser& parser) {
     return [=] {
         cli->OpenPort();
         if (!hasMap)
-            if (const int exit = SearchModules(cli->Session, search); exit != ExitSuccess)
+            if (const int exit = SearchModules(*cli, search); exit != ExitSuccess)
                 return exit;
         return MonitorModules(cli->Session, rounds, form);
     };

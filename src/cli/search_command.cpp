@@ -5,6 +5,7 @@
 #include "cli/cli_text.h"
 #include "cli/map_output.h"
 #include "cli/search_run.h"
+#include "link/network_address.h"
 #include "link/runtime_failure.h"
 #include "ports/map_reader.h"
 
@@ -32,9 +33,10 @@ std::string MapOutput(const CliSession& cli, const SearchOptions& options, bool 
     return MapJson(cli.Session, map);
 }
 
-int RunSearch(CliSession& cli, const SearchOptions& options) {
+int RunSearch(CliSession& cli, SearchOptions options) {
     Session& session = cli.Session;
     cli.OpenPort();
+    options.OneRate = RateIsFixed(cli.Device());
     const SearchResult result = SearchLine(session, options);
 
     PrintOut(MapOutput(cli, options, result.CameToItsEnd()));
@@ -69,11 +71,11 @@ void AddSearchOptions(QCommandLineParser& parser) {
 }
 
 CommandAction PrepareSearch(const QCommandLineParser& parser) {
-    SearchOptions options = ReadSearchRange(parser);
-    options.Json = parser.isSet("json");
     const bool refresh = parser.isSet("refresh");
     if (refresh)
         RefuseSearchRange(parser, "--refresh asks the modules of its map and searches nothing.");
+    SearchOptions options = ReadSearchRange(parser);
+    options.Json = parser.isSet("json");
     const auto cli = std::make_shared<CliSession>(ReadLineOptions(parser));
     if (refresh) {
         const ModuleMap map = ReadMapFile(parser.value("refresh").toStdString());

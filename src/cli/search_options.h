@@ -23,6 +23,7 @@ struct SearchOptions {
     std::vector<std::int16_t> BaudCodes{};        ///< to try; empty: those of the port's settings
     std::optional<std::int16_t> TimeoutMs{};      ///< nothing: that of the settings
     std::optional<std::int16_t> AnswerWithinMs{}; ///< of the fast search; nothing: what is usual
+    bool OneRate = false;                         ///< only the first of them: the port keeps its own
     bool ChecksumsKnown = true;                   ///< of the map that is refreshed
     bool Json = false;
 };

@@ -6,6 +6,7 @@
 #include "cli/search_kinds.h"
 #include "cli/search_progress.h"
 #include "link/runtime_failure.h"
+#include "map/search_times.h"
 
 #include <memory>
 #include <optional>
@@ -22,6 +23,10 @@ void ApplyOptions(const SearchOptions& options, Session& session) {
         enabled.fill(0);
         for (const std::int16_t code : options.BaudCodes)
             enabled[static_cast<std::size_t>(code)] = 1;
+    }
+    if (options.OneRate) {
+        auto& enabled = line.SettingsOf(line.CurrentPort).BaudEnabled;
+        enabled = FirstOf(enabled);
     }
     if (options.TimeoutMs)
         SetTimeouts(line, *options.TimeoutMs);

@@ -8,8 +8,8 @@
 namespace kavro {
 
 /// What to do when the port of a line fails while something polls it: tell it once, then try to open the port
-/// again about once a second until everything works again, less often where a try takes long. One outage is one message, however often the port
-/// opens and fails meanwhile.
+/// again about once a second until everything works again, less often where a try takes long. One outage is
+/// one message, however often the port opens and fails meanwhile.
 class LineRecovery {
 public:
     /// `changed` is called when an outage begins, before it is told, and when it is over.

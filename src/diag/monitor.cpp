@@ -1,5 +1,7 @@
 #include "diag/monitor.h"
 
+#include "link/runtime_failure.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -14,8 +16,12 @@ std::optional<MonitorTurn> Monitor::Step() {
     auto reader = std::exchange(reader_, nullptr); // a failing port ends the turn
     if (!reader)
         reader = std::make_unique<ModuleReader>(session_, next_, module.Enables);
-    if (!reader->Done()) // a model without values has nothing to send
-        reader->Step();
+    try {
+        if (!reader->Done()) // a model without values has nothing to send
+            reader->Step();
+    } catch (const RateRefused&) {
+        return NotReached(module); // the others may have another rate
+    }
     if (!reader->Done()) {
         reader_ = std::move(reader);
         return std::nullopt;
@@ -25,6 +31,18 @@ std::optional<MonitorTurn> Monitor::Step() {
     Keep(module, turn.Values);
     if (!turn.Values.empty())
         trend_.Add(Now(), turn.Index, turn.Values);
+    return turn;
+}
+
+// The turn of a module whose baud rate the port does not take: nothing was sent.
+MonitorTurn Monitor::NotReached(Module& module) {
+    std::optional<unsigned> enables = module.Enables;
+    MonitorTurn turn{next_, ModuleReader(session_, next_, enables).Values};
+    ++next_;
+    for (ChannelValue& value : turn.Values)
+        value.State = ValueState::NoReply;
+    module.Asked = true;
+    Keep(module, turn.Values);
     return turn;
 }
 

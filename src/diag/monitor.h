@@ -75,6 +75,7 @@ private:
     };
 
     const Module& At(int index) const { return modules_.at(static_cast<std::size_t>(index)); }
+    MonitorTurn NotReached(Module& module);
     void Keep(Module& module, const std::vector<ChannelValue>& values) const;
     std::int64_t Now() const { return session_.Line.Time().GetTickCount(); }
 

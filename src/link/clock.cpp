@@ -16,8 +16,12 @@ namespace {
 class PunctualWaking {
 public:
 #ifdef __linux__
-    PunctualWaking() { prctl(PR_SET_TIMERSLACK, 1UL); }
-    ~PunctualWaking() { prctl(PR_SET_TIMERSLACK, 0UL); } // the usual one
+    PunctualWaking() {
+        prctl(PR_SET_TIMERSLACK, 1UL);
+    }
+    ~PunctualWaking() {
+        prctl(PR_SET_TIMERSLACK, 0UL);
+    } // the usual one
 #else
     PunctualWaking() = default;
 #endif

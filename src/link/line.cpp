@@ -65,6 +65,7 @@ void Line::SetPortBaud(std::int16_t port, std::int16_t baudCode, std::int16_t /*
     const bool known = baudCode >= 0 && baudCode < BaudCodeCount;
     const std::int32_t baud = BaudFromCode(known ? baudCode : DefaultBaudCode);
     const std::string settings = std::to_string(baud) + ",n,8,1";
+    lastCode = -1; // a device that refuses may have taken another rate
     if (baud >= FirstDeviceControlBaud)
         CommPort(port).SetCommState(settings);
     else

@@ -52,14 +52,29 @@ bool IsHostName(const std::string& host) {
     });
 }
 
-// Digits, colons and dots; an interface may follow "%", as link-local addresses need it.
+// Up to four hexadecimal digits; the last group may be an IPv4 address, which stands for two.
+int GroupsIn(const std::string& group, bool last) {
+    const bool dotted = last && group.find('.') != std::string::npos;
+    const bool digits = std::ranges::all_of(group, [dotted](char character) {
+        return std::isxdigit(static_cast<unsigned char>(character)) != 0 || (dotted && character == '.');
+    });
+    return digits && !group.empty() && (dotted || group.size() <= 4) ? (dotted ? 2 : 1) : 9;
+}
+
+// Eight groups between colons, or fewer around one "::"; an interface may follow "%", as link-local addresses
+// need it.
 bool IsIpv6(const std::string& host) {
-    const std::string digits = host.substr(0, host.find('%'));
-    const bool zone = digits.size() == host.size() || IsHostName(host.substr(digits.size() + 1));
-    return zone && std::ranges::count(digits, ':') >= 2 && std::ranges::all_of(digits, [](char character) {
-               return std::isxdigit(static_cast<unsigned char>(character)) != 0 || character == ':' ||
-                      character == '.';
-           });
+    const std::string text = host.substr(0, host.find('%'));
+    const auto gap = text.find("::");
+    int groups = 0;
+    for (std::size_t begin = 0, end = 0; begin <= text.size(); begin = end + 1) {
+        end = std::min(text.find(':', begin), text.size());
+        const bool inGap = gap != std::string::npos && end >= gap && begin <= gap + 2 && begin == end;
+        groups += inGap ? 0 : GroupsIn(text.substr(begin, end - begin), end == text.size());
+    }
+    const bool zone = text.size() == host.size() || IsHostName(host.substr(text.size() + 1));
+    return zone && text.find(":::") == std::string::npos &&
+           (gap == std::string::npos ? groups == 8 : groups <= 7);
 }
 
 struct HostAndPort {

@@ -48,7 +48,7 @@ bool RateIsFixed(const std::string& device);
 
 /// What the user is told of such a device where a rate is chosen.
 inline constexpr const char* FixedRateText =
-    "A tcp:// port keeps the rate that its device server is set to: choose that rate. With rfc2217:// the "
-    "rate is set through the server.";
+    "A tcp:// port keeps the rate that its device server is set to: choose that rate. A search tries the "
+    "first one alone. With rfc2217:// the rate is set through the server.";
 
 } // namespace kavro

@@ -19,6 +19,12 @@ public:
     using RuntimeFailure::RuntimeFailure;
 };
 
+/// A port that works does not take a baud rate.
+class RateRefused : public RuntimeFailure {
+public:
+    using RuntimeFailure::RuntimeFailure;
+};
+
 /// The user ended the work at hand, in the middle of a transaction: no failure of the line.
 class Interruption : public RuntimeFailure {
 public:

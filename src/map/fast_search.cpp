@@ -54,7 +54,8 @@ void FastSearch::Run() {
         End();
         throw;
     }
-    Begin(); // where no baud rate is enabled
+    if (!stopRequested_)
+        Begin(); // where no baud rate is enabled
     End();
 }
 
@@ -78,7 +79,7 @@ void FastSearch::SearchRate(std::int16_t code) {
         if (stopRequested_) {
             findings_.StoppedAfter = static_cast<std::int16_t>(address - 1);
             findings_.StoppedAtBaud = BaudFromCode(code);
-            return;
+            break;
         }
         events_.Address(address);
         const int before = session_.ModuleCount;
@@ -96,7 +97,9 @@ void FastSearch::SearchAddress(std::int16_t address) {
         if (NeedsNoAsking(ask))
             continue;
         asked_.push_back(ask);
-        if (Put(ask, QuickTimes(ask)) == Heard::Trouble)
+        const Heard heard = Put(ask, QuickTimes(ask));
+        restless_ = restless_ && heard != Heard::Nothing;
+        if (heard == Heard::Trouble)
             Resolve(ask);
         if (checksum == 1)
             events_.Yield();
@@ -117,6 +120,12 @@ ReplyTimes FastSearch::FullTimes() const {
     const std::int64_t longest = CommandUs(code_, 1) + UsPerMs * scope_.AnswerWithinMs;
     const ReplyTimes usual = AlwaysMs(line_.ReplyTimeout);
     return {std::max(usual.First, longest) + UsPerMs * LatencyMs, usual.Next};
+}
+
+// After a question was sent, until its reply begins; where the adapter echoes, the time runs from the echo's
+// end.
+std::int64_t FastSearch::LatestMs() const {
+    return (CommandUs(code_, 1) + FullTimes().First) / UsPerMs + 1;
 }
 
 bool FastSearch::NeedsNoAsking(const Ask& ask) const {
@@ -182,7 +191,7 @@ void FastSearch::NoteLateness(const Ask& ask) {
 // All whose reply may have come during a question that went wrong, or begun to.
 std::vector<FastSearch::Ask> FastSearch::Suspects(const Ask& troubled) const {
     const int replyMs = 1000 * BitsPerCharacter * LongestReply / BaudFromCode(code_);
-    const std::int64_t since = troubled.SentMs - FullTimes().First / UsPerMs - replyMs - LatencyMs;
+    const std::int64_t since = troubled.SentMs - LatestMs() - replyMs - LatencyMs;
     std::vector<Ask> suspects;
     std::ranges::copy_if(asked_, std::back_inserter(suspects),
                          [&](const Ask& ask) { return ask.SentMs >= since; });
@@ -190,8 +199,9 @@ std::vector<FastSearch::Ask> FastSearch::Suspects(const Ask& troubled) const {
 }
 
 void FastSearch::Resolve(const Ask& troubled) {
-    std::vector<Ask> asks = restless_ ? std::vector{troubled} : Suspects(troubled);
-    for (int round = 0; round < (restless_ ? 1 : Rounds) && !asks.empty(); ++round) {
+    std::vector<Ask> asks = Suspects(troubled);
+    const int rounds = restless_ || stopRequested_ ? 1 : Rounds;
+    for (int round = 0; round < rounds && !asks.empty(); ++round) {
         AwaitSilence();
         asks = AskAgain(asks, round > 0);
     }
@@ -220,6 +230,7 @@ std::vector<FastSearch::Ask> FastSearch::AskAgain(const std::vector<Ask>& asks, 
             restless_ = false;
         }
         silent = heard == Heard::Nothing && !apart ? &ask : nullptr;
+        events_.Yield();
     }
     return unclear;
 }
@@ -235,7 +246,7 @@ void FastSearch::AwaitLateReplies() {
     if (asked_.empty())
         return;
     const Ask last = asked_.back();
-    const std::int64_t end = last.SentMs + FullTimes().First / UsPerMs;
+    const std::int64_t end = last.SentMs + LatestMs();
     if (line_.StaysSilent(end - line_.Time().GetTickCount()))
         asked_.clear();
     else
@@ -250,6 +261,8 @@ void FastSearch::Begin() {
 }
 
 void FastSearch::End() {
+    if (!begun_)
+        return; // the modules of before are still there
     findings_.Doubles = found_.Doubles();
     for (const std::int16_t address : unclear_)
         if (!found_.HasAny(address))

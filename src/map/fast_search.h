@@ -50,6 +50,7 @@ private:
     std::vector<Ask> Suspects(const Ask& troubled) const;
     bool NeedsNoAsking(const Ask& ask) const;
     ReplyTimes FullTimes() const;
+    std::int64_t LatestMs() const;
     ReplyTimes QuickTimes(const Ask& ask) const;
     void NoteLateness(const Ask& ask);
     void Begin();

@@ -8,9 +8,12 @@
 #include "map/refresh.h"
 #include "map/search.h"
 #include "map/search_form.h"
+#include "map/search_times.h"
 #include "ui/choose_file.h"
 
 #include <QStringList>
+
+#include <optional>
 
 namespace kavro {
 
@@ -32,6 +35,9 @@ void NetworkOperations::Search(QWidget* window, bool rateIsFixed) {
     if (session_.SearchAccepted == 0)
         return;
     OpenPort(session_.Line);
+    std::optional<FirstRateOnly> firstRate;
+    if (rateIsFixed)
+        firstRate.emplace(session_.Line);
     SearchLine(window);
 }
 

@@ -61,6 +61,8 @@ void ListRefresh::Read(int index) {
         answer.Checksum = answer.Checksum == 1 ? 0 : 1;
         identified = AskModuleAgain(session_.Line, answer, found);
     }
+    if (answer.Address == 0 && identified == Identified::Fully && found.Address != entry.Address)
+        identified = Identified::No; // another module answers at address 00 now
     if (identified == Identified::Fully)
         entry = found;
     entry.Answers = identified != Identified::No;

@@ -37,6 +37,9 @@ constexpr const char* AnswerText =
     "Milliseconds from the end of a command to the beginning of the answer, 5 to 1000. Raise it for radio "
     "modems, converters and servers between here and the line.";
 
+constexpr const char* TimeHint =
+    "What a line takes where nobody answers; reading the modules that do may add a moment for each.";
+
 using RateFlags = decltype(PortSettingsRecord::BaudEnabled);
 
 // The rates in code order, so 115200 stands before 57600.
@@ -85,6 +88,7 @@ SearchForm::SearchForm(Session& session, Messages& messages, QWidget* parent, bo
     fastSearch_ = Named(new QCheckBox("&Fast search"), "FastSearch", "Fast search");
     Explain(*fastSearch_, FastText);
     searchTime_ = Named(new QLabel, "SearchTime", {});
+    Explain(*searchTime_, TimeHint);
     auto* buttons = OkAndCancel(*this, [this] { Guard(messages_, [this] { OKBtn_Click(); }); });
 
     auto* layout = new QFormLayout(this);
@@ -185,7 +189,7 @@ std::string SearchForm::TimeTaken() const {
     if (!highest || (Fast() && !answer))
         return {};
     SearchScope scope = ScopeOf(session_.Line, *highest);
-    scope.BaudEnabled = Rates();
+    scope.BaudEnabled = rateIsFixed_ ? FirstOf(Rates()) : Rates();
     scope.AnswerWithinMs = answer.value_or(scope.AnswerWithinMs);
     return SearchTimeText(scope, Fast());
 }

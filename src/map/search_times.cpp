@@ -15,6 +15,19 @@ constexpr int BitsPerCharacter = 10;
 
 } // namespace
 
+FirstRateOnly::FirstRateOnly(Line& line)
+    : settings_(line.SettingsOf(line.CurrentPort)), enabled_(settings_.BaudEnabled) {
+    settings_.BaudEnabled = FirstOf(enabled_);
+}
+
+std::array<std::int16_t, 9> FirstOf(const std::array<std::int16_t, 9>& enabled) {
+    std::array<std::int16_t, 9> first{};
+    const auto found = std::ranges::find(enabled, 1);
+    if (found != enabled.end())
+        first[static_cast<std::size_t>(found - enabled.begin())] = 1;
+    return first;
+}
+
 SearchScope ScopeOf(const Line& line, int highest) {
     return {.BaudEnabled = line.SettingsOf(line.CurrentPort).BaudEnabled,
             .Addresses = highest + 1,

@@ -15,6 +15,23 @@ struct SearchScope {
     int AnswerWithinMs = 30; ///< of the fast search: from the end of a command to its reply, 5 to 1000
 };
 
+/// As long as it lives, a search tries only the first of the enabled rates of the port in use: for a port
+/// that keeps its own rate, where each rate would find every module once more.
+class FirstRateOnly {
+public:
+    explicit FirstRateOnly(Line& line);
+    ~FirstRateOnly() { settings_.BaudEnabled = enabled_; }
+    FirstRateOnly(const FirstRateOnly&) = delete;
+    FirstRateOnly& operator=(const FirstRateOnly&) = delete;
+
+private:
+    PortSettingsRecord& settings_;
+    std::array<std::int16_t, 9> enabled_;
+};
+
+/// These flags with the first one that is set alone.
+std::array<std::int16_t, 9> FirstOf(const std::array<std::int16_t, 9>& enabled);
+
 /// Limits of `AnswerWithinMs`.
 inline constexpr int ShortestAnswerWithinMs = 5;
 inline constexpr int LongestAnswerWithinMs = 1000;

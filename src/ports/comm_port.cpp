@@ -19,6 +19,8 @@ template <class Operation>
 auto Named(const std::string& device, Operation operation) {
     try {
         return operation();
+    } catch (const RateRefused& failure) {
+        throw RateRefused(ShownDevice(device) + ": " + failure.what());
     } catch (const RuntimeFailure& failure) {
         throw RuntimeFailure(ShownDevice(device) + ": " + failure.what());
     }
@@ -66,11 +68,12 @@ std::unique_ptr<SerialPort> CommPort::Made(const std::string& device) const {
         return table_->MakeSimulatedPort();
     if (!IsNetworkDevice(device))
         return std::make_unique<DevicePort>(device);
-    // Whoever tries again and again is not held up for long each time by a host that is away.
+    // Whoever tries again and again is not held up for long each time by a host that is away; the limit grows
+    // back, as there are hosts that take longer.
     const bool again = std::chrono::steady_clock::now() - failedOpening_ < RetryWindow;
     NetworkLimits limits;
     if (again)
-        limits.ConnectMs = RetryConnectLimitMs;
+        limits.ConnectMs = std::min(limits.ConnectMs, RetryConnectLimitMs << std::min(failedRetries_, 8));
     return std::make_unique<NetworkPort>(ParseNetworkAddress(device), limits);
 }
 
@@ -82,9 +85,12 @@ std::unique_ptr<SerialPort> CommPort::Opened(const std::string& device) {
             if (!settings_.empty())
                 backend->Settings(settings_);
             failedOpening_ = {};
+            failedRetries_ = 0;
             return backend;
         } catch (const RuntimeFailure&) {
-            failedOpening_ = std::chrono::steady_clock::now();
+            const auto now = std::chrono::steady_clock::now();
+            failedRetries_ = now - failedOpening_ < RetryWindow ? failedRetries_ + 1 : 0;
+            failedOpening_ = now;
             throw;
         }
     });

@@ -49,6 +49,7 @@ private:
     std::unique_ptr<SerialPort> backend_;                   // null until first opened, and after closing
     std::string settings_;                                  // last applied, empty: never
     std::chrono::steady_clock::time_point failedOpening_{}; // when opening last failed; the epoch: it did not
+    int failedRetries_ = 0;                                 // within the window behind it
 };
 
 } // namespace kavro

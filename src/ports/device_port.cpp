@@ -102,8 +102,8 @@ void DevicePort::Settings(const std::string& text) {
     const bool applied = port_.setBaudRate(BaudOfSettings(text)); // it is kept across closing, as is "n,8,1"
     ThrowIfLost();
     if (!applied)
-        throw RuntimeFailure("The device does not take the settings \"" + text +
-                             "\". Choose a baud rate that it supports.");
+        throw RateRefused("The device does not take the settings \"" + text +
+                          "\". Choose a baud rate that it supports.");
 }
 
 int DevicePort::InBufferCount() {

@@ -94,7 +94,10 @@ ModuleMap ReadModules(const QJsonObject& map) {
             MustBe(place, "an object in braces");
         const QJsonObject module = value.toObject();
         result.Table[result.Count] = ReadModule(module, place + ".");
-        if (ReadFlag(module, place + ".", "initialisation"))
+        const bool initialisation = ReadFlag(module, place + ".", "initialisation");
+        if (initialisation && result.ScanIndex >= 0)
+            MustBe(place + ".initialisation", "false, as another module answers at address 00 already");
+        if (initialisation)
             result.ScanIndex = result.Count;
         ++result.Count;
     }

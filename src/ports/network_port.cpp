@@ -95,6 +95,8 @@ void NetworkPort::Agree() {
         if (deadline.Over())
             throw RuntimeFailure(NoAnswer);
         AwaitMore(deadline.LeftMs());
+        received_.clear(); // what comes before is nobody's reply
+        next_ = 0;
         ThrowIfLost();
     }
     if (client_.Agreed() == ComPortClient::Agreement::Refused)
@@ -117,8 +119,8 @@ void NetworkPort::Settings(const std::string& text) {
         SendWaiting();
     }
     if (!client_.Refusal().empty())
-        throw RuntimeFailure("The server refuses the rate: asked for \"" + text + "\", it reports " +
-                             client_.Refusal() + ". Choose a rate that the device server supports.");
+        throw RateRefused("The server refuses the rate: asked for \"" + text + "\", it reports " +
+                          client_.Refusal() + ". Choose a rate that the device server supports.");
 }
 
 void NetworkPort::RequireOpen() {
@@ -215,6 +217,7 @@ char NetworkPort::Input() {
 
 void NetworkPort::Output(const std::string& text) {
     RequireOpen();
+    greeting_.NoteCommand();
     if (Raw())
         SendAll(text);
     else

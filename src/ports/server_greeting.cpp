@@ -18,15 +18,20 @@ bool IsVerb(char byte) {
     return verb >= 250 && verb <= 254; // WILL and so on, or a sub-negotiation
 }
 
+bool IsNegotiation(const std::string& text, std::size_t place) {
+    return text.size() >= place + 3 && text[place] == '\xff' && IsVerb(text[place + 1]);
+}
+
 } // namespace
 
 void ServerGreeting::Take(std::string_view bytes) {
     if (first_.size() <= LongestRefusal)
         first_ += bytes.substr(0, LongestRefusal + 1 - first_.size());
+    negotiates_ = negotiates_ || (!asked_ && IsNegotiation(first_, 0));
 }
 
 bool ServerGreeting::SpeaksTelnet() const {
-    return first_.size() >= 3 && first_[0] == '\xff' && IsVerb(first_[1]);
+    return negotiates_ || (IsNegotiation(first_, 0) && IsNegotiation(first_, 3));
 }
 
 std::string ServerGreeting::Text() const {

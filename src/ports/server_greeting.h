@@ -12,7 +12,11 @@ public:
     /// Notes what has been received since the connection was made, up to a few lines of it.
     void Take(std::string_view bytes);
 
-    /// Whether the first bytes are negotiations of Telnet, which a raw port never sends by itself.
+    /// A command was sent: what comes now may be its reply, or noise.
+    void NoteCommand() { asked_ = true; }
+
+    /// Whether the first bytes are negotiations of Telnet, which a raw port never sends by itself: one before
+    /// the first command, or two, which are no noise.
     bool SpeaksTelnet() const;
 
     /// Whether nothing but a short text has come, and it says that the port is in use.
@@ -23,6 +27,8 @@ public:
 
 private:
     std::string first_;
+    bool asked_ = false;
+    bool negotiates_ = false; // before the first command
 };
 
 } // namespace kavro

@@ -107,6 +107,7 @@ bool Transmission::DropArrived(std::int64_t moment) {
 }
 
 void Transmission::Clear() {
+    sentMoment_ = 0;
     command_.clear();
     replies_.clear();
 }

@@ -40,7 +40,10 @@ struct PanelCommand {
 };
 
 const PanelCommand Commands[] = {
-    {"8410", Reads<ReadDigitalStates>(DigitalStates{0xA5, 0x3C}), {{"$0A6", "!00A5003C"}}, {"!FFA5FF3C", "!01A5003C"}},
+    {"8410",
+     Reads<ReadDigitalStates>(DigitalStates{0xA5, 0x3C}),
+     {{"$0A6", "!00A5003C"}},
+     {"!FFA5FF3C", "!01A5003C"}},
     {"8420", Reads<ReadDigitalStates>(DigitalStates{0, 0x8001}), {{"$0A6", "!00008001"}}, {"!FFFF800G"}},
     {"8430", Tells<SwitchOutput, 15, true>, {{"@0ASO0F1", "!0A"}}},
     {"8460", Tells<SwitchOutput, 23, false>, {{"@0ASO170", "!0A"}}},

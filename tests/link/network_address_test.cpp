@@ -9,8 +9,11 @@ namespace {
 
 TEST(NetworkAddress, IsReadOrRefusedWithWhatIsWrong) {
     const std::tuple<const char*, NetworkKind, const char*, int> good[] = {
-        {"tcp://moxa-3.plant_2:4001", NetworkKind::Raw, "moxa-3.plant_2", 4001},
+        {"tcp://server-3.plant_2:4001", NetworkKind::Raw, "server-3.plant_2", 4001},
         {"RFC2217://10.0.0.7:1", NetworkKind::Rfc2217, "10.0.0.7", 1},
+        {"tcp://[::1]:5", NetworkKind::Raw, "::1", 5},
+        {"tcp://[1::ffff:10.0.0.1]:5", NetworkKind::Raw, "1::ffff:10.0.0.1", 5},
+        {"tcp://[1:2:3:4:5:6:7:8]:5", NetworkKind::Raw, "1:2:3:4:5:6:7:8", 5},
         {"rfc2217://[fe80::1%eth0]:65535", NetworkKind::Rfc2217, "fe80::1%eth0", 65535}};
     for (const auto& [device, kind, host, port] : good) {
         const NetworkAddress address = ParseNetworkAddress(device);
@@ -25,6 +28,8 @@ TEST(NetworkAddress, IsReadOrRefusedWithWhatIsWrong) {
                                                          {"tcp://host:+5", "1 to 65535"},
                                                          {"tcp://host:5/", "1 to 65535"},
                                                          {"tcp://[::1:5", "IPv6"},
+                                                         {"tcp://[::::]:5", "IPv6"},
+                                                         {"tcp://[1:2:3]:5", "IPv6"},
                                                          {"tcp://[::1]5", "IPv6"},
                                                          {"tcp://[host]:5", "IPv6"},
                                                          {"tcp://::1:5", "square brackets"},

@@ -29,13 +29,16 @@ public:
             settings.Checksum = Below(3) == 0;
             settings.Initialisation = i == 0 && Below(3) == 0;
             last_ = settings.Address;
-            line.Add(MakeModule(settings)).OwnFaults.DelayMs =
-                turnAround == 0 ? 0 : Below(turnAround == 1 ? 25 : 89);
+            line.Add(MakeModule(settings)).OwnFaults = {
+                .DelayMs = turnAround == 0 ? 0 : Below(turnAround == 1 ? 25 : 89),
+                .Noise = Below(40) == 0,
+                .Babble = Below(200) == 0};
         }
         line.TurnAroundMicroseconds = 1000;
         line.LineFaults.LatencyMs = Below(4) == 0 ? 16 : 0;
         line.LineFaults.Echo = Below(8) == 0;
         line.LineFaults.DamageShare = Below(4) == 0 ? 0.03 : 0;
+        line.LineFaults.Late = {.Share = Below(4) == 0 ? 0.05 : 0, .MinMs = 10, .MaxMs = 80};
         return line;
     }
 
@@ -129,13 +132,15 @@ TEST(FastSearch, TellsWhatItCannotList) {
         test.Line.Add(MakeModule("8410", 5, baud));
     test.Line.Add(MakeModule("8410", 7, 1200)).OwnFaults.Refuse = true;
     test.Line.Add(MakeModule("8410", 8, 9600)).OwnFaults.Babble = true;
+    test.Line.Add(MakeModule("8410", 9, 9600)).OwnFaults.DelayMs = 60;
     EnableBaudCodes(test.Session, {0, 3, 4});
     test.Session.SearchHighAddress = 9;
     FastSearch search(test.Session, {});
     search.Run();
     EXPECT_EQ(test.Session.Device, (Lines{"   5(05H)   8410      1200                 Digital I/O",
                                           "   5(05H)   8410      9600                 Digital I/O",
-                                          "   5(05H)   8410      19200                Digital I/O"}));
+                                          "   5(05H)   8410      19200                Digital I/O",
+                                          "   9(09H)   8410      9600                 Digital I/O"}));
     EXPECT_EQ(FindingTexts(search.Findings()),
               (Lines{"Heard but not understood at addresses 7, 8.",
                      "More than one module has address 5. Give each module an address of its own."}));
@@ -153,6 +158,9 @@ TEST(FastSearch, StopsAtTheNextAddressAndKeepsWhatItFound) {
                       }});
     running = &search;
     search.Run();
+    FastSearch stopped(test.Session, {});
+    stopped.Stop();
+    stopped.Run();
     EXPECT_EQ(test.Session.ModuleCount, 4); // and the one in its initialisation state
     EXPECT_EQ(FindingTexts(search.Findings()), Lines{"The search was stopped at 9600 baud after address 3."});
 }

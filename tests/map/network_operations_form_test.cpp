@@ -101,13 +101,13 @@ TEST_F(KavroFormTest, OpensAMapWithoutASearch) {
     const TestFolder folder;
     const auto open = [&](const std::string& name, bool refreshes) {
         const auto path = QString::fromStdString(folder.Write(name, ""));
-        std::vector<DialogDriver::Step> steps = {{"OpenDialog", [path](QDialog& dialog) {
-                                                      Find<QLineEdit>(dialog, "fileNameEdit").setText(path);
-                                                      dialog.accept();
-                                                  }}};
-        if (refreshes)
-            steps.push_back({"ScanForm", [](QDialog&) {}});
-        DialogDriver driver(steps);
+        const DialogDriver::Step choose = {"OpenDialog", [path](QDialog& dialog) {
+                                               Find<QLineEdit>(dialog, "fileNameEdit").setText(path);
+                                               dialog.accept();
+                                           }};
+        const DialogDriver::Step scan = {"ScanForm", [](QDialog&) {}};
+        using Steps = std::vector<DialogDriver::Step>;
+        DialogDriver driver(refreshes ? Steps{choose, scan} : Steps{choose});
         Trigger(*Form, "mnuOpen");
         EXPECT_TRUE(driver.Finished());
     };

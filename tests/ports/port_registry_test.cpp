@@ -55,7 +55,7 @@ TEST_F(PortRegistryTest, KeepsWhatTheUserChose) {
     auto registry = Registry({{1, "/dev/given"}, {2, "/dev/given2"}});
     registry.Assign(1, "/dev/other"); // and taken back
     registry.Assign(1, "/dev/given");
-    for (const char* const device : {"C:\\odd, \"name\"", "@odd;=[x] %41", "/dev/f\xc3\xbcr alle",
+    for (const char* const device : {"C:\\odd, \"name\"", "@odd;=[x] %41", "/dev/f\xc3\xbcr alle Linien",
                                      "/dev/serial/by-id/usb-A_1.0:if00", "demo"}) {
         registry.Assign(2, device);
         registry.Assign(3, "/dev/kept3");
