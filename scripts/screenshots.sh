@@ -92,6 +92,10 @@ open() {
 # The windows of the whole line; SUFFIX tells light from dark.
 line_windows() {
     begin
+    shot "first-start$1"
+    press ctrl+f alt+f
+    shot "search$1"
+    press Escape
     search 60
     sleep 5
     shot "searching$1"
