@@ -122,10 +122,12 @@ QLayout* KavroForm::BuildListPlace() {
     auto* place = new QGridLayout;
     place->addWidget(device_, 0, 0);
     place->addWidget(emptyList_, 0, 0);
-    const auto show = [this] { emptyList_->setVisible(device_->count() == 0); };
+    // The list empties itself when it ends, after this window: nothing of that is used here.
+    const QAbstractItemModel* const modules = device_->model();
+    const auto show = [modules, empty = emptyList_] { empty->setVisible(modules->rowCount() == 0); };
     for (const auto changed : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved})
-        connect(device_->model(), changed, this, show);
-    connect(device_->model(), &QAbstractItemModel::modelReset, this, show);
+        connect(modules, changed, emptyList_, show);
+    connect(modules, &QAbstractItemModel::modelReset, emptyList_, show);
     device_->ShowAll();
     return place;
 }
