@@ -1,6 +1,9 @@
 #include "ports/ini_text.h"
 
+#include "link/runtime_failure.h"
 #include "link/text.h"
+
+#include <QFile>
 
 #include <algorithm>
 #include <sstream>
@@ -31,6 +34,16 @@ std::string Value(const std::string& text) {
 }
 
 } // namespace
+
+std::string IniText(const std::string& path, const std::string& what) {
+    QFile file(QString::fromStdString(path));
+    if (!file.exists())
+        return {};
+    if (!file.open(QIODevice::ReadOnly))
+        throw RuntimeFailure(what + " cannot be saved: " + path + " cannot be read: " +
+                             file.errorString().toStdString() + ". Check its access rights.");
+    return file.readAll().toStdString();
+}
 
 std::string WithIniValues(const std::string& text, const std::map<std::string, std::string>& values) {
     std::string general = std::string(GeneralSection) + "\n";

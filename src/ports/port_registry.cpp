@@ -6,7 +6,6 @@
 #include "ports/ini_text.h"
 #include "ports/replace_file.h"
 
-#include <QFile>
 #include <QSerialPortInfo>
 #include <QSettings>
 
@@ -41,17 +40,6 @@ QString KeyOf(int port) {
 // What the file says of a port, empty for nothing. A comma written by hand splits a value into a list.
 std::string KeptDevice(const QSettings& settings, int port) {
     return settings.value(KeyOf(port)).toStringList().join(',').trimmed().toStdString();
-}
-
-// Empty when there is no such file.
-std::string TextOf(const std::string& path) {
-    QFile file(QString::fromStdString(path));
-    if (!file.exists())
-        return {};
-    if (!file.open(QIODevice::ReadOnly))
-        throw RuntimeFailure("The devices of the ports cannot be saved: " + path + " cannot be read: " +
-                             file.errorString().toStdString() + ". Check its access rights.");
-    return file.readAll().toStdString();
 }
 
 DetectedDevice Detected(const QSerialPortInfo& info) {
@@ -148,7 +136,7 @@ void PortRegistry::Save() {
     std::string& recent = kept[RecentKey];
     for (const std::string& device : recent_)
         recent += (recent.empty() ? "" : " ") + device;
-    ReplaceFile(iniPath_, WithIniValues(TextOf(iniPath_), kept));
+    ReplaceFile(iniPath_, WithIniValues(IniText(iniPath_, "The devices of the ports"), kept));
     // Saved once, the user's choice counts, even when it returns to the command line's device later.
     std::erase_if(commandLine_, [this](const auto& given) { return Device(given.first) != given.second; });
 }
