@@ -26,7 +26,7 @@ public:
     void PortOpen(bool /*open*/) override {}
     bool PortOpen() const override { return true; }
     int InBufferCount() override { return static_cast<int>(arrived_.size() - taken_); }
-    bool EmptyInBuffer() override { return std::exchange(taken_, arrived_.size()) < arrived_.size(); }
+    std::string EmptyInBuffer() override { return arrived_.substr(std::exchange(taken_, arrived_.size())); }
     char Input() override {
         if (InBufferCount() == 0)
             throw RuntimeFailure("No character is waiting.");

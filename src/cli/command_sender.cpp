@@ -2,20 +2,12 @@
 
 #include "cli/cli_text.h"
 #include "cli/subcommand.h"
-#include "link/baud.h"
 #include "link/runtime_failure.h"
 #include "terminal/batch_file.h"
 
 namespace kavro {
 
 namespace {
-
-constexpr std::int32_t DefaultBaud = 9600; // of codes that stand for no rate
-
-std::int32_t BaudInUse(const Line& line) {
-    const std::int16_t code = line.PortBaudCode[static_cast<std::size_t>(line.CurrentPort - 1)];
-    return code >= 0 && code < BaudCodeCount ? BaudFromCode(code) : DefaultBaud;
-}
 
 std::string Commands(int count) {
     return std::to_string(count) + (count == 1 ? " command." : " commands.");
@@ -54,7 +46,7 @@ void CommandSender::Show(const std::string& command, const std::string& reply) {
     ++sent_;
     incomplete_ += complete ? 0 : 1;
     printer_.Print(
-        {.Command = command, .Reply = reply, .Complete = complete, .Baud = BaudInUse(session_.Line)});
+        {.Command = command, .Reply = reply, .Complete = complete, .Baud = session_.Line.BaudInUse()});
 }
 
 // The command whose reply Ctrl+C did not wait for, when it was sent at all.

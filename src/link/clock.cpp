@@ -36,6 +36,11 @@ std::int64_t SteadyClock::Microseconds() const {
     return std::chrono::duration_cast<std::chrono::microseconds>(now).count();
 }
 
+std::int64_t SteadyClock::UtcMicroseconds() const {
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::microseconds>(now).count();
+}
+
 void SteadyClock::SleepUntil(std::int64_t moment) {
     const auto left = moment - Microseconds();
     if (left <= 0)

@@ -15,6 +15,9 @@ public:
     /// Blocks until `Microseconds()` has reached `moment`; returns at once when it lies in the past.
     virtual void SleepUntil(std::int64_t moment) = 0;
 
+    /// The time of day: microseconds since 1970, UTC. Goes back when the clock is set.
+    virtual std::int64_t UtcMicroseconds() const = 0;
+
     /// Blocks for that many milliseconds; zero and less return at once.
     void Sleep(int milliseconds) { SleepUntil(Microseconds() + std::int64_t{1000} * milliseconds); }
 
@@ -27,6 +30,7 @@ class SteadyClock : public Clock {
 public:
     std::int64_t Microseconds() const override;
     void SleepUntil(std::int64_t moment) override;
+    std::int64_t UtcMicroseconds() const override;
 };
 
 } // namespace kavro

@@ -77,16 +77,66 @@ void Line::SetPortBaud(std::int16_t port, std::int16_t baudCode, std::int16_t /*
 void Line::SendCommand(const std::string& command, std::int16_t checksumOn, std::int16_t baudCode) {
     const PortSettingsRecord& settings = SettingsOf(CurrentPort);
     SetPortBaud(CurrentPort, baudCode, settings.Parity, settings.DataBits, settings.StopBits);
-    SerialPort& port = CommPort(CurrentPort);
-    if (port.EmptyInBuffer())
+    if (Discard())
         ++StrayCount;
     std::string text = Trim(command);
     if (checksumOn == 1)
         text += ChecksumOf(text);
     sentLine_ = text + CarriageReturn;
-    port.Output(sentLine_);
+    BeginTraffic();
+    try {
+        CommPort(CurrentPort).Output(sentLine_);
+    } catch (const RuntimeFailure&) {
+        EndTraffic(TrafficOutcome::Lost);
+        throw;
+    }
     sentAt_ = clock_.Microseconds();
     FirstCharacterUs = -1;
+}
+
+// Takes what has come unasked; whether there was anything. It is the reply to a command whose sender did not
+// wait for one, if there is such a command.
+bool Line::Discard() {
+    const std::string text = CommPort(CurrentPort).EmptyInBuffer();
+    if (underWay_) {
+        traffic_.Received = text;
+        EndTraffic(text.empty()                    ? TrafficOutcome::Silent
+                   : text.back() == CarriageReturn ? TrafficOutcome::Complete
+                                                   : TrafficOutcome::Incomplete);
+    } else if (!text.empty() && !Listeners.empty()) {
+        Tell({.Utc = clock_.UtcMicroseconds(),
+              .Port = CurrentPort,
+              .Baud = BaudInUse(),
+              .Sent = {},
+              .Received = text,
+              .Outcome = TrafficOutcome::Stray});
+    }
+    return !text.empty();
+}
+
+void Line::BeginTraffic() {
+    underWay_ = !Listeners.empty();
+    if (!underWay_)
+        return;
+    traffic_.Utc = clock_.UtcMicroseconds();
+    traffic_.Port = CurrentPort;
+    traffic_.Baud = BaudInUse();
+    traffic_.Sent = sentLine_;
+    traffic_.Received.clear();
+    traffic_.FirstUs = traffic_.LastUs = -1;
+    traffic_.Echo = false;
+}
+
+void Line::EndTraffic(TrafficOutcome outcome) {
+    if (!std::exchange(underWay_, false))
+        return;
+    traffic_.Outcome = outcome;
+    Tell(traffic_);
+}
+
+void Line::Tell(const LineTraffic& traffic) const {
+    for (LineListener* listener : Listeners)
+        listener->Passed(traffic);
 }
 
 bool Line::ReceiveReply(std::string& reply, std::int16_t checksumOn, int delayMs, int timeoutMs) {
@@ -95,7 +145,22 @@ bool Line::ReceiveReply(std::string& reply, std::int16_t checksumOn, int delayMs
 }
 
 bool Line::Receive(std::string& reply, std::int16_t checksumOn, ReplyTimes times) {
-    return ReceiveLine(reply, times) && (checksumOn != 1 || TakeChecksum(reply));
+    const auto soFar = [&] { return reply.empty() ? TrafficOutcome::Silent : TrafficOutcome::Incomplete; };
+    try {
+        const bool whole = ReceiveLine(reply, times);
+        const bool good = whole && (checksumOn != 1 || TakeChecksum(reply));
+        EndTraffic(good ? TrafficOutcome::Complete : whole ? TrafficOutcome::Damaged : soFar());
+        return good;
+    } catch (const Interruption&) {
+        EndTraffic(soFar());
+        throw;
+    } catch (const LineBabbles&) {
+        EndTraffic(TrafficOutcome::Incomplete);
+        throw;
+    } catch (const RuntimeFailure&) {
+        EndTraffic(TrafficOutcome::Lost);
+        throw;
+    }
 }
 
 bool Line::ReceiveLine(std::string& reply, ReplyTimes times) {
@@ -106,6 +171,8 @@ bool Line::ReceiveLine(std::string& reply, ReplyTimes times) {
     while (const auto character = NextCharacter(begun ? times.Next : times.First)) {
         if (!std::exchange(begun, true))
             FirstCharacterUs = clock_.Microseconds() - sentAt_;
+        if (underWay_)
+            NoteHeard(*character);
         if (*character != CarriageReturn) {
             if (reply.size() == LongestReply) {
                 if (Bounded)
@@ -122,11 +189,21 @@ bool Line::ReceiveLine(std::string& reply, ReplyTimes times) {
             NoteEcho(echo);
         if (!echo)
             return true;
+        traffic_.Echo = true;
         first = begun = false;
         FirstCharacterUs = -1;
         reply.clear();
     }
     return false;
+}
+
+void Line::NoteHeard(char character) {
+    traffic_.Received += character;
+    if (traffic_.FirstUs < 0)
+        traffic_.FirstUs = traffic_.LastUs = FirstCharacterUs;
+    // Only where a character was waited for, or ends its line: what lay there already came at that time.
+    if (waited_ || character == CarriageReturn)
+        traffic_.LastUs = clock_.Microseconds() - sentAt_;
 }
 
 // Nothing when none comes in time. The time-out runs anew from the last character, so that a long reply that
@@ -135,7 +212,8 @@ std::optional<char> Line::NextCharacter(std::int64_t timeoutUs) {
     SerialPort& port = CommPort(CurrentPort);
     if (Bounded && Ended(clock_.Microseconds(), timeoutUs))
         return std::nullopt;
-    if (port.InBufferCount() == 0) {
+    waited_ = port.InBufferCount() == 0;
+    if (waited_) {
         const std::int64_t last = clock_.Microseconds();
         for (std::int64_t now = last; port.InBufferCount() == 0; now = clock_.Microseconds()) {
             const std::int64_t left = timeoutUs - (now - last);
@@ -239,7 +317,7 @@ bool Line::FallenSilent() {
         return true; // nothing comes, and what follows opens it first
     const std::int64_t now = clock_.GetTickCount();
     if (port.InBufferCount() > 0) {
-        port.EmptyInBuffer();
+        Discard();
         heardAt_ = now;
     }
     const bool silent = now - heardAt_ >= SilenceMs();
@@ -262,6 +340,16 @@ bool Line::StaysSilent(std::int64_t milliseconds) {
         if (CommPort(CurrentPort).WaitForInput(Nap(left)))
             return false;
     return true;
+}
+
+std::string Line::Hear(int milliseconds) {
+    SerialPort& port = CommPort(CurrentPort);
+    return port.WaitForInput(Nap(milliseconds)) ? port.EmptyInBuffer() : std::string();
+}
+
+std::int32_t Line::BaudInUse() const {
+    const std::int16_t code = PortBaudCode[PortIndex(CurrentPort)];
+    return BaudFromCode(code >= 0 && code < BaudCodeCount ? code : DefaultBaudCode);
 }
 
 std::string ChecksumOf(const std::string& text) {

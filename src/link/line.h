@@ -1,6 +1,7 @@
 #pragma once
 
 #include "link/clock.h"
+#include "link/line_listener.h"
 #include "link/serial_port.h"
 
 #include <array>
@@ -8,6 +9,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace kavro {
 
@@ -100,6 +102,8 @@ public:
     std::int64_t FirstCharacterUs = -1; ///< from the last command to the first character of its reply, were
                                         ///< it a carriage return alone; -1 when none came
 
+    std::vector<LineListener*> Listeners; ///< told of all that passes; must outlive the line, or be taken out
+
     /// COM port 1 to 8. Throws `RuntimeFailure` for any other number.
     SerialPort& CommPort(int port);
 
@@ -151,6 +155,16 @@ public:
     /// Waits; false as soon as a character is there, which stays to be read or discarded.
     bool StaysSilent(std::int64_t milliseconds);
 
+    /// Waits for characters that nobody has asked for, and takes what is there; empty when none come for so
+    /// long. For those who only listen: the listeners are not told.
+    std::string Hear(int milliseconds);
+
+    /// Tells the listeners.
+    void Tell(const LineTraffic& traffic) const;
+
+    /// The rate last applied to the current port, in bits per second; 9600 before the first one.
+    std::int32_t BaudInUse() const;
+
     /// The clock that pauses and time-outs are measured with.
     Clock& Time() const { return clock_; }
 
@@ -164,11 +178,18 @@ private:
     int Nap(std::int64_t milliseconds);
     int SilenceMs() const;
     void NoteEcho(bool echo);
+    void NoteHeard(char character);
+    bool Discard();
+    void BeginTraffic();
+    void EndTraffic(TrafficOutcome outcome);
 
     SerialPorts ports_;
     Clock& clock_;
     std::string sentLine_;           // until its echo, or another line, has come
     std::int64_t sentAt_ = 0;        // us
+    LineTraffic traffic_;            // of the exchange going on
+    bool underWay_ = false;          // there is one whose end the listeners wait for
+    bool waited_ = false;            // for the last character
     std::int64_t interruptedAt_ = 0; // ms, when `Interrupted` was last asked and said no
     std::int64_t incompleteAt_ = 0;  // ms, end of the last transaction without a complete reply
     std::int64_t heardAt_ = 0;       // ms, the same, or what came after

@@ -28,8 +28,9 @@ public:
     /// Characters received and not yet read.
     virtual int InBufferCount() = 0;
 
-    /// Discards everything received so far; whether there was anything.
-    virtual bool EmptyInBuffer() = 0;
+    /// Takes everything received so far at once, to be discarded; empty when there was nothing. Of a line
+    /// that babbles the end may be missing.
+    virtual std::string EmptyInBuffer() = 0;
 
     /// Takes one received character; at least one must be waiting.
     virtual char Input() = 0;

@@ -143,7 +143,7 @@ int CommPort::InBufferCount() {
     return Run([](SerialPort& port) { return port.InBufferCount(); });
 }
 
-bool CommPort::EmptyInBuffer() {
+std::string CommPort::EmptyInBuffer() {
     return Run([](SerialPort& port) { return port.EmptyInBuffer(); });
 }
 

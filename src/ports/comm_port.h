@@ -24,7 +24,7 @@ public:
     void PortOpen(bool open) override;
     bool PortOpen() const override;
     int InBufferCount() override;
-    bool EmptyInBuffer() override;
+    std::string EmptyInBuffer() override;
     char Input() override;
     void Output(const std::string& text) override;
     bool WaitForInput(int milliseconds) override;

@@ -12,6 +12,7 @@ namespace {
 
 constexpr int WriteLimitMs = 5000;         // far more than the longest command takes at 150 baud
 constexpr qint64 LargestBacklog = 1 << 16; // unread characters that no transaction will ever ask for
+constexpr int MostReads = 16;              // in one go, of a device that babbles
 
 } // namespace
 
@@ -111,18 +112,16 @@ int DevicePort::InBufferCount() {
     return static_cast<int>(received_.size() - next_) + static_cast<int>(port_.bytesAvailable());
 }
 
-bool DevicePort::EmptyInBuffer() {
+std::string DevicePort::EmptyInBuffer() {
     RequireOpen();
-    const bool taken = next_ < received_.size();
+    std::string discarded = received_.substr(next_);
     DropReceived();
-    // Discarding in the system takes about as long as the rest of an exchange, so only when there is
-    // something.
-    const bool arrived = taken || port_.bytesAvailable() > 0;
-    const auto pending = InputPending(port_);
-    if (port_.bytesAvailable() > 0 || pending.value_or(true))
-        port_.clear(QSerialPort::Input);
+    for (int reads = 0; reads < MostReads && InputPending(port_).value_or(true); ++reads)
+        if (!port_.waitForReadyRead(0))
+            break;
+    discarded += port_.readAll().toStdString();
     ThrowIfLost();
-    return arrived || pending.value_or(false);
+    return discarded;
 }
 
 void DevicePort::DropReceived() {

@@ -194,19 +194,20 @@ int NetworkPort::InBufferCount() {
 // holds only where characters came that nobody had asked for, and in front of the next command, in the same
 // stream: it then drops them before it sends the command, so no reply can be among them. Not before every
 // command, as a server may take its time over it, and nobody waits for its answer.
-bool NetworkPort::EmptyInBuffer() {
+std::string NetworkPort::EmptyInBuffer() {
     RequireOpen();
-    bool any = next_ < received_.size();
-    for (int i = 0; i < MostReads && Receive() > 0; ++i) {
-        any = any || !received_.empty();
+    std::string discarded;
+    int reads = 0;
+    do {
+        discarded += received_.substr(next_);
         received_.clear();
         next_ = 0;
-    }
+    } while (reads++ < MostReads && Receive() > 0);
+    discarded += received_;
     received_.clear();
-    next_ = 0;
     ThrowIfLost();
-    purgeFirst_ = purgeFirst_ || any;
-    return any;
+    purgeFirst_ = purgeFirst_ || !discarded.empty();
+    return discarded;
 }
 
 char NetworkPort::Input() {

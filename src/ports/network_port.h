@@ -35,7 +35,7 @@ public:
     void PortOpen(bool open) override;
     bool PortOpen() const override { return connection_ && !lost_ && !connection_->Ended(); }
     int InBufferCount() override;
-    bool EmptyInBuffer() override;
+    std::string EmptyInBuffer() override;
     char Input() override;
     void Output(const std::string& text) override;
     bool WaitForInput(int milliseconds) override;

@@ -47,9 +47,9 @@ int SimulatedPort::InBufferCount() {
     return static_cast<int>(transmission_.Arrived(clock_.Microseconds()));
 }
 
-bool SimulatedPort::EmptyInBuffer() {
+std::string SimulatedPort::EmptyInBuffer() {
     RequireOpen();
-    return transmission_.DropArrived(clock_.Microseconds());
+    return transmission_.TakeArrived(clock_.Microseconds());
 }
 
 char SimulatedPort::Input() {

@@ -1,6 +1,7 @@
 #include "sim/transmission.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace kavro {
@@ -100,10 +101,13 @@ char Transmission::Take() {
     return byte;
 }
 
-bool Transmission::DropArrived(std::int64_t moment) {
-    const auto count = static_cast<std::ptrdiff_t>(Arrived(moment));
-    replies_.erase(replies_.begin(), replies_.begin() + count);
-    return count > 0;
+std::string Transmission::TakeArrived(std::int64_t moment) {
+    const auto end = replies_.begin() + static_cast<std::ptrdiff_t>(Arrived(moment));
+    std::string text;
+    std::transform(replies_.begin(), end, std::back_inserter(text),
+                   [](const TimedByte& byte) { return byte.Byte; });
+    replies_.erase(replies_.begin(), end);
+    return text;
 }
 
 void Transmission::Clear() {

@@ -35,9 +35,8 @@ public:
     /// Takes the next character; one must be under way.
     char Take();
 
-    /// Drops what has arrived by `moment`, and tells whether anything had; what is still to come stays under
-    /// way.
-    bool DropArrived(std::int64_t moment);
+    /// Takes what has arrived by `moment`; what is still to come stays under way.
+    std::string TakeArrived(std::int64_t moment);
 
     /// Drops everything, the incomplete command line too.
     void Clear();

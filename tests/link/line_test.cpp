@@ -212,5 +212,64 @@ TEST_F(LineTest, SilenceIsAwaitedAfterAFailureOnly) {
     EXPECT_TRUE(TestLine.FallenSilent());
 }
 
+struct HeardTraffic : LineListener {
+    void Passed(const LineTraffic& traffic) override { All.push_back(traffic); }
+    std::vector<LineTraffic> All;
+};
+
+TEST_F(LineTest, ListenersAreToldWhatPassesAndHowItEnds) {
+    HeardTraffic heard;
+    TestLine.SetPortBaud(1, 3, 0, 8, 0);
+    TestLine.Listeners.push_back(&heard);
+    struct Case {
+        ScriptedReply Reply;
+        TrafficOutcome Outcome;
+        int FirstMs, LastMs;
+    };
+    const Case cases[] = {
+        {{"!0182\r", 7, 2}, TrafficOutcome::Complete, 7, 17},
+        {{"", 0}, TrafficOutcome::Silent, -1, -1},
+        {{"!01", 5, 3}, TrafficOutcome::Incomplete, 5, 11},
+        {{"!0183\r", 0, 1}, TrafficOutcome::Damaged, 0, 5},
+        {{"\r", 4}, TrafficOutcome::Damaged, 4, 4},
+        {{"$012B7\r!0182\r", 3, 1}, TrafficOutcome::Complete, 3, 15},
+        {{"$012B7\r", 3, 0}, TrafficOutcome::Silent, 3, 3},
+    };
+    for (const auto& [reply, outcome, firstMs, lastMs] : cases) {
+        Test.Port().Queue = {reply};
+        const std::int64_t begun = Test.Time.UtcMicroseconds();
+        TestLine.Exchange("$012", 1, 3, 100);
+        const LineTraffic& told = heard.All.back();
+        EXPECT_EQ(told.Sent, "$012B7\r");
+        EXPECT_EQ(told.Received, reply.Text);
+        EXPECT_EQ(told.Outcome, outcome) << reply.Text;
+        EXPECT_EQ(told.FirstUs, firstMs < 0 ? -1 : 1000 * firstMs) << reply.Text;
+        EXPECT_EQ(told.LastUs, lastMs < 0 ? -1 : 1000 * lastMs) << reply.Text;
+        EXPECT_EQ(told.Echo, reply.Text.starts_with('$'));
+        EXPECT_EQ(std::tuple(told.Utc, told.Port, told.Baud), std::tuple(begun, 1, 9600));
+    }
+    ASSERT_EQ(heard.All.size(), std::size(cases));
+}
+
+TEST_F(LineTest, ListenersAreToldOfWhatNobodyAwaited) {
+    HeardTraffic heard;
+    TestLine.Listeners.push_back(&heard);
+    Test.Port().Receive({"#01\r"});
+    Test.Port().Queue = {{"!01\r"}, {"!02\r"}};
+    Test.Port().OutputsUntilFailure = 2;
+    TestLine.SendCommand("$010", 0, 3); // a calibration does not wait for the reply
+    TestLine.Exchange("$011", 0, 3, 100);
+    EXPECT_THROW(TestLine.Exchange("$012", 0, 3, 100), RuntimeFailure);
+    const std::tuple<const char*, const char*, TrafficOutcome> expected[] = {
+        {"", "#01\r", TrafficOutcome::Stray},
+        {"$010\r", "!01\r", TrafficOutcome::Complete},
+        {"$011\r", "!02\r", TrafficOutcome::Complete},
+        {"$012\r", "", TrafficOutcome::Lost}};
+    ASSERT_EQ(heard.All.size(), std::size(expected));
+    for (std::size_t i = 0; i < heard.All.size(); ++i)
+        EXPECT_EQ(std::tuple(heard.All[i].Sent, heard.All[i].Received, heard.All[i].Outcome), expected[i])
+            << i;
+}
+
 } // namespace
 } // namespace kavro

@@ -61,10 +61,11 @@ public:
         return static_cast<int>(end - coming_.begin());
     }
 
-    bool EmptyInBuffer() override {
-        const int count = InBufferCount();
-        coming_.erase(coming_.begin(), coming_.begin() + count);
-        return count > 0;
+    std::string EmptyInBuffer() override {
+        std::string text;
+        while (InBufferCount() > 0)
+            text += Input();
+        return text;
     }
 
     char Input() override {
