@@ -1,0 +1,34 @@
+#pragma once
+
+#include "link/line_listener.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace kavro {
+
+/// The first line of a recording: when it began, and on which port.
+struct RecordingHead {
+    std::int64_t Utc = 0; ///< microseconds since 1970
+    std::int16_t Port = 1;
+    std::string Device; ///< path, network address or "demo"
+};
+
+/// A recording that was read.
+struct Recording {
+    RecordingHead Head;
+    std::vector<LineTraffic> Traffic; ///< in the order in which it passed
+};
+
+/// The first line, with its line end. A device's name is UTF-8.
+std::string RecordingHeadLine(const RecordingHead& head);
+
+/// The line of an exchange, or of stray characters, with its line end. `tellEcho`: say that the adapter hands
+/// back what is sent, as a recording does once.
+std::string RecordingLine(const LineTraffic& traffic, bool tellEcho);
+
+/// A moment as recordings have it: "2026-03-02T14:05:09.120345Z".
+std::string UtcText(std::int64_t utc);
+
+} // namespace kavro
