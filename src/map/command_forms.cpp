@@ -37,17 +37,47 @@ const CommandForm* FindForm(std::span<const CommandForm> forms, std::string_view
     return found == forms.end() ? nullptr : &*found;
 }
 
+const CommandForm* RowOf(std::string_view model, char lead, std::string_view tail) {
+    const std::string suffix = ModelSuffix(model);
+    const CommandForm* form = FindForm(CommandsOf(model, suffix), suffix, lead, tail);
+    return form ? form : FindForm(CommonCommands(), suffix, lead, tail);
+}
+
+// The row of each model that may be meant: those of one model alone, then that of all others.
+void AddRows(std::vector<const CommandForm*>& rows, std::span<const CommandForm> forms, char lead,
+             std::string_view tail) {
+    for (const CommandForm& form : forms) {
+        if (form.Lead != lead || !MatchesTail(form.Tail, tail))
+            continue;
+        rows.push_back(&form);
+        if (form.Suffix.empty())
+            return;
+    }
+}
+
 } // namespace
 
 std::string_view ReplyFormOf(std::string_view model, char lead, std::string_view tail) {
-    const std::string suffix = ModelSuffix(model);
-    const CommandForm* form = FindForm(CommandsOf(model, suffix), suffix, lead, tail);
-    if (!form)
-        form = FindForm(CommonCommands(), suffix, lead, tail);
+    const CommandForm* form = RowOf(model, lead, tail);
     if (!form)
         throw RuntimeFailure("A module " + Trim(model) + " has no command " + lead + "AA" +
                              std::string(tail) + ".");
     return form->Reply;
+}
+
+std::vector<const CommandForm*> RowsOf(std::string_view model, char lead, std::string_view tail) {
+    std::vector<const CommandForm*> rows;
+    if (model.empty()) {
+        for (const auto& table : AllCommands())
+            AddRows(rows, table, lead, tail);
+    } else if (const CommandForm* row = RowOf(model, lead, tail)) {
+        rows.push_back(row);
+    }
+    return rows;
+}
+
+std::string_view WrittenPart(const CommandForm& row, std::string_view tail) {
+    return tail.substr(std::min(row.Tail.find_first_of("np*"), tail.size()));
 }
 
 } // namespace kavro

@@ -41,8 +41,10 @@ struct ExchangeWords {
 };
 
 /// The words for a command and what came back, as they went over the line: an echo in front of the reply,
-/// checksums and carriage returns are recognised. A value whose range no map tells stands as it came. Stray
-/// characters have no command.
+/// checksums and carriage returns are recognised. Without its carriage return a reply counts where the
+/// command has none either; else it was cut. A value whose range no map tells stands as it came. Where no
+/// model is known, the words are those on which all families that have the command agree. Stray characters
+/// have no command.
 ExchangeWords WordsOf(std::string_view sent, std::string_view received, const KnownModules& known);
 
 } // namespace kavro
