@@ -356,4 +356,14 @@ std::string ChecksumOf(const std::string& text) {
     return ToHex(CodeSum(text) % 256, 2);
 }
 
+std::optional<int> AddressIn(std::string_view command) {
+    const auto address = command.size() < 3 ? std::nullopt : HexNumber(command.substr(1, 2));
+    return address ? std::optional(static_cast<int>(*address)) : std::nullopt;
+}
+
+bool HasChecksum(std::string_view text) {
+    return text.size() > 2 && text.size() <= LongestSummed &&
+           text.ends_with(ChecksumOf(std::string(text.substr(0, text.size() - 2))));
+}
+
 } // namespace kavro

@@ -9,6 +9,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kavro {
@@ -199,5 +200,12 @@ private:
 
 /// The two checksum characters of a text. Throws `RuntimeFailure` when the sum of its codes exceeds 16 bits.
 std::string ChecksumOf(const std::string& text);
+
+/// The address that a command names: the two hexadecimal digits behind its first character; nothing when
+/// there are none.
+std::optional<int> AddressIn(std::string_view command);
+
+/// Whether a text ends with the two checksum characters of what stands before them.
+bool HasChecksum(std::string_view text);
 
 } // namespace kavro

@@ -1,6 +1,6 @@
 #include "map/exchange_words.h"
 
-#include "link/codes.h"
+#include "link/line.h"
 #include "link/text.h"
 #include "map/command_forms.h"
 #include "map/module_access.h"
@@ -8,7 +8,6 @@
 #include "map/word_fields.h"
 
 #include <algorithm>
-#include <numeric>
 
 namespace kavro {
 
@@ -41,34 +40,8 @@ Texts TextsOf(std::string_view sent, std::string_view received) {
     return {sent, cut ? std::string_view() : received};
 }
 
-bool HasChecksum(std::string_view text, std::size_t shortest) {
-    if (text.size() < shortest + ChecksumLength || text.size() > LongestUnderstood)
-        return false;
-    const std::string_view summed = text.substr(0, text.size() - ChecksumLength);
-    const auto sum = std::accumulate(summed.begin(), summed.end(), 0U, [](unsigned total, char character) {
-        return total + static_cast<unsigned char>(character);
-    });
-    const auto checksum = HexNumber(text.substr(summed.size()));
-    return checksum && *checksum == sum % 256;
-}
-
-bool HasCommandChecksum(const Texts& texts) {
-    return HasChecksum(texts.Command, HeadLength);
-}
-
-bool HasReplyChecksum(const Texts& texts) {
-    return HasChecksum(texts.Reply, ClassLength);
-}
-
 std::string_view WithoutChecksum(std::string_view text) {
     return text.substr(0, text.size() - std::min(text.size(), ChecksumLength));
-}
-
-std::optional<int> AddressIn(std::string_view command) {
-    if (command.size() < HeadLength)
-        return std::nullopt;
-    const auto address = HexNumber(command.substr(1, 2));
-    return address ? std::optional(static_cast<int>(*address)) : std::nullopt;
 }
 
 // A module that gets a new address answers with it, and one in its initialisation state with its own.
@@ -174,7 +147,7 @@ void KnownModules::Learn(std::string_view sent, std::string_view received) {
     if (sent.size() <= HeadLength || sent[0] != '$' || sent[HeadLength] != 'M')
         return;
     Texts texts = TextsOf(sent, received);
-    if (HasCommandChecksum(texts) && HasReplyChecksum(texts))
+    if (HasChecksum(texts.Command) && HasChecksum(texts.Reply))
         texts = {WithoutChecksum(texts.Command), WithoutChecksum(texts.Reply)};
     const auto address = AddressIn(texts.Command);
     if (!address || texts.Command.size() != HeadLength + 1 || Record(*address))
@@ -203,9 +176,9 @@ ExchangeWords WordsOf(std::string_view sent, std::string_view received, const Kn
     ExchangeWords words{AddressIn(texts.Command), {}, {}};
     if (!words.Address || texts.Command.size() > LongestUnderstood || texts.Reply.size() > LongestUnderstood)
         return words;
-    const bool checked = HasCommandChecksum(texts);
+    const bool checked = HasChecksum(texts.Command);
     const std::string_view command = checked ? WithoutChecksum(texts.Command) : texts.Command;
-    if (checked && (texts.Reply.empty() || HasReplyChecksum(texts)) &&
+    if (checked && (texts.Reply.empty() || HasChecksum(texts.Reply)) &&
         Explain({command, WithoutChecksum(texts.Reply)}, known, words))
         return words;
     if (Explain(texts, known, words) || !checked)
