@@ -33,7 +33,7 @@ constexpr CommandForm AlarmInputs[] = {
     {'@', "DI", "!AAtzqzb", "read alarms",
      "alarm {disabled|momentary|latch}, outputs on: {m2:low,high}, input {0}{off|on}"},
     {'@', "DO*", "!AA", "switch alarm outputs on: {m2:low,high}"},
-    {'$', "3", "!AAS", "read setting 3", "{T}", "240"},
+    {'$', "3", "!AAS", "read setting 3", {}, "240"},
     {'$', "5", "!AAhh", "read setting 5", "{h2}"},
     // calibration
     {'$', "0", "!AA", "calibrate span"},
@@ -56,6 +56,7 @@ constexpr CommandForm MultiInputs[] = {
 
 constexpr CommandForm SingleOutput[] = {
     {'$', "6", "!AAO", "read output"},
+    {'$', "8", "!AAdd.ddd", "read output at the terminals", "{E}"},
     {'#', "*", ">", "set output to {O}"},
     // calibration
     {'$', "0", "!AA", "calibrate 4 mA"},
@@ -70,9 +71,9 @@ constexpr CommandForm VoltageOutputs[] = {
     {'~', "CP*", "!AA", "set {0}{inputs not inverted|inputs inverted}"},
     {'#', "*", ">", "set output {p} to {P}"},
     // calibration
-    {'$', "0", "!AA", "calibrate 4 mA"},
-    {'$', "1", "!AA", "calibrate 20 mA"},
-    {'$', "3*", "!AA", "trim output, steps: {b}"},
+    {'$', "0", "!AA", "keep trim of output A"},
+    {'$', "1", "!AA", "keep trim of output A"},
+    {'$', "3*", "!AA", "trim output A, steps: {b}"},
 };
 
 constexpr CommandForm DigitalModules[] = {

@@ -29,7 +29,7 @@ const char* ChecksumWords(bool checksum) {
 std::string TypeWords(std::int16_t type, std::uint32_t format) {
     if (type == DigitalType)
         return "Digital I/O";
-    const std::string name = Trim(RangeName(type));
+    std::string name = Trim(RangeName(type));
     if (type == CounterRange)
         return name;
     if (type == FrequencyRange)

@@ -97,7 +97,7 @@ Words SignedByte(const FieldText& field) {
     const auto byte = HexNumber(field.Text);
     if (!byte)
         return std::nullopt;
-    const int value = static_cast<std::int8_t>(*byte);
+    const int value = static_cast<int>(*byte) - (*byte > 0x7F ? 0x100 : 0);
     return (value > 0 ? "+" : "") + std::to_string(value);
 }
 
@@ -218,6 +218,8 @@ Words Put(std::string_view field, std::string_view& text, const WordContext& kno
         return known.Model.empty() ? "" : std::string(known.Model) + ": ";
     const bool choice = field.find('|') != std::string_view::npos;
     const auto* kind = std::ranges::find(Kinds, field.front(), &FieldKind::Letter);
+    if (!choice && kind == std::end(Kinds))
+        return std::nullopt;
     const std::size_t size = choice ? 1 : kind->Size == AsWritten ? WrittenSize(field) : kind->Size;
     if (text.empty() || (size != Rest && text.size() < size))
         return std::nullopt;

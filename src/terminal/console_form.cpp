@@ -8,11 +8,14 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPainter>
 #include <QStringList>
+#include <QTextDocument>
+#include <QToolTip>
 
 #include <algorithm>
 
@@ -38,7 +41,8 @@ bool IsCarriageReturn(const QKeyEvent& key) {
 
 } // namespace
 
-ConsoleView::ConsoleView(std::function<void()> entered) : entered_(std::move(entered)) {
+ConsoleView::ConsoleView(std::function<void()> entered, Explain explain)
+    : entered_(std::move(entered)), explain_(std::move(explain)) {
     Named(this, "Terminal", "Console");
     setFont(FixedFont());
     setBackgroundRole(QPalette::Base);
@@ -110,6 +114,28 @@ QString ConsoleView::ShownText() const {
 void ConsoleView::Copy() const {
     if (const QString text = ShownText(); !text.isEmpty())
         QApplication::clipboard()->setText(text);
+}
+
+bool ConsoleView::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip)
+        return QWidget::event(event);
+    ShowWords(static_cast<const QHelpEvent&>(*event));
+    return true;
+}
+
+void ConsoleView::ShowWords(const QHelpEvent& at) {
+    QStringList words;
+    QRect rows;
+    if (const auto pair = rows_.PairAt(at.y() * TwipsPerRow / fontMetrics().lineSpacing())) {
+        rows = QRect(0, Pixels(pair->Top), width(), Pixels(2 * TwipsPerRow));
+        const ExchangeWords explained = explain_(pair->Command, pair->Reply);
+        for (const std::string& side : {explained.Asked, explained.Answered})
+            if (!side.empty())
+                words << QString::fromStdString(side);
+    }
+    // As text, whatever a module puts into its reply; an empty one hides the words of another row.
+    QToolTip::showText(at.globalPos(), words.isEmpty() ? "" : Qt::convertFromPlainText(words.join('\n')),
+                       this, rows);
 }
 
 void ConsoleView::paintEvent(QPaintEvent* /*event*/) {

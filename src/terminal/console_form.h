@@ -1,5 +1,6 @@
 #pragma once
 
+#include "map/exchange_words.h"
 #include "terminal/command_history.h"
 #include "terminal/console_rows.h"
 
@@ -9,6 +10,7 @@
 #include <functional>
 #include <string>
 
+class QHelpEvent;
 class QLineEdit;
 
 namespace kavro {
@@ -16,10 +18,14 @@ namespace kavro {
 /// The console's drawing area in a fixed-pitch font, with the entry box `CmdText` on the row where the next
 /// command goes. A row of twips is as high as a line of the font. Up and Down in the entry box recall earlier
 /// commands; Escape empties it; Ctrl+C without a selection and the context menu copy the console's text.
+/// Pointing at a command or its reply shows both in words.
 class ConsoleView : public QWidget {
 public:
+    /// The words for a command that was sent and its reply, as the console shows them.
+    using Explain = std::function<ExchangeWords(const std::string& command, const std::string& reply)>;
+
     /// `entered` is called when the carriage return key is pressed in the entry box.
-    explicit ConsoleView(std::function<void()> entered);
+    ConsoleView(std::function<void()> entered, Explain explain);
 
     /// Draws a command and its reply at once, and empties the entry box.
     void ShowTerminalLine(const std::string& command, const std::string& reply);
@@ -33,6 +39,7 @@ public:
     QString ShownText() const;
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -42,9 +49,11 @@ private:
     int Pixels(int twips) const;
     void Arrange();
     void Copy() const;
+    void ShowWords(const QHelpEvent& at);
     bool EntryKey(const QKeyEvent& key);
 
     std::function<void()> entered_;
+    Explain explain_;
     ConsoleRows rows_;
     CommandHistory history_;
     QLineEdit* cmdText_ = nullptr;

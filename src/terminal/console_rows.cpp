@@ -77,6 +77,18 @@ std::vector<std::string> ConsoleRows::Rows() const {
     return rows;
 }
 
+std::optional<ConsolePair> ConsoleRows::PairAt(int y) const {
+    const std::vector<std::string> rows = Rows();
+    if (y < RowTop)
+        return std::nullopt;
+    const int row = (y - RowTop) / TwipsPerRow / RowsPerPair * RowsPerPair;
+    const auto first = static_cast<std::size_t>(row);
+    if (first >= rows.size())
+        return std::nullopt;
+    return ConsolePair{RowTop + row * TwipsPerRow, rows[first].substr(std::string_view(Prompt).size()),
+                       rows[first + 1]};
+}
+
 std::string VisibleText(std::string_view text) {
     std::string visible;
     for (const char character : text) {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,6 +19,13 @@ struct ConsoleText {
     std::string Text;
 
     bool operator==(const ConsoleText&) const = default;
+};
+
+/// A command and its reply on the console; `Top` of their two rows in twips.
+struct ConsolePair {
+    int Top = 0;
+    std::string Command;
+    std::string Reply;
 };
 
 /// What the terminal's console shows: command and reply pairs that grow downwards, and from the seventh pair
@@ -41,6 +49,9 @@ public:
 
     /// Rows written so far; grows by 2 a command.
     std::int16_t LineCount() const { return lineCount_; }
+
+    /// The command and its reply whose rows are at a height in twips; nothing where there are none.
+    std::optional<ConsolePair> PairAt(int y) const;
 
     /// The rows shown, oldest first: ">" + command, then its reply.
     std::vector<std::string> Rows() const;

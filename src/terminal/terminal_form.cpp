@@ -1,5 +1,7 @@
 #include "terminal/terminal_form.h"
 
+#include "link/text.h"
+#include "map/exchange_words.h"
 #include "terminal/batch_panel_form.h"
 #include "terminal/console_form.h"
 #include "terminal/log_panel_form.h"
@@ -72,7 +74,10 @@ CommandEvents TerminalForm::Events() {
 
 void TerminalForm::Build() {
     const auto operate = [this](const std::function<void()>& operation) { Operate(operation); };
-    console_ = new ConsoleView([this] { Operate([this] { CmdText_KeyPress(); }); });
+    console_ = new ConsoleView([this] { Operate([this] { CmdText_KeyPress(); }); },
+                               [this](const std::string& command, const std::string& reply) {
+                                   return WordsOf(Trim(command), reply, KnownModules(session_));
+                               });
     log_ = new LogPanel(messages_, {.Operate = operate, .IsBatchFile = [this](const std::string& path) {
                                         return batch_->IsBatchFile(path);
                                     }});

@@ -1,6 +1,8 @@
 #include "map/exchange_words.h"
 
 #include "link/line.h"
+#include "map/command_table.h"
+#include "map/reply_forms.h"
 #include "sim/virtual_clock.h"
 
 #include <gtest/gtest.h>
@@ -114,6 +116,17 @@ TEST_F(ExchangeWordsTest, TellWhatEachFamilyIsAskedAndAnswers) {
             EXPECT_EQ(words.Answered, answered) << command << reply;
         }
     }
+}
+
+TEST(ExchangeWords, StandInEveryRow) {
+    for (const auto& table : AllCommands())
+        for (const CommandForm& row : table) {
+            const bool broad = row.Tail == "P*" || (row.Lead == '@' && row.Tail == "*"); // what no row names
+            const std::string_view data = row.Reply.substr(NamesAddress(row.Reply) ? 3 : 1);
+            EXPECT_EQ(row.Asks.empty(), broad) << row.Lead << row.Tail;
+            const bool letter = data.size() == 1 && data.front() < 'a';
+            EXPECT_EQ(row.Answers.empty(), data.empty() || letter) << row.Lead << row.Tail;
+        }
 }
 
 TEST(ExchangeWords, OfUnknownModulesAreThoseOfAllFamilies) {

@@ -11,7 +11,10 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QFileDialog>
+#include <QHelpEvent>
 #include <QPlainTextEdit>
+#include <QTextDocumentFragment>
+#include <QToolTip>
 
 namespace kavro {
 namespace {
@@ -130,6 +133,27 @@ TEST_F(TerminalFormTest, SendsRecallsAndCopiesWhatIsTyped) {
         EXPECT_EQ(CmdText().text(), "");
         EXPECT_EQ(Form->isVisible(), typed);
     }
+}
+
+TEST_F(TerminalFormTest, PointingAtARowShowsItInWords) {
+    ModuleRecord record;
+    record.Model = "8250  ";
+    Select(Session, record);
+    Port().Queue = {{"!01080600\r"}, {"!01<b>\r"}, {"!01\r"}};
+    for (const char* command : {"$012", "$01F", "$01Z"})
+        Enter(command);
+    auto& console = Find<QWidget>(*Form, "Terminal");
+    const QString description = console.accessibleDescription();
+    const QString words[] = {
+        "01: read configuration\n8250: +/- 10V, Engineering Units, 9600 baud, no checksum",
+        "01: read firmware version\n<b>", "", ""}; // nothing is known of the last, and below
+    for (int row = 7; row >= 0; --row) {           // words that are shown go only after a while
+        const QPoint place(20, console.fontMetrics().lineSpacing() * (2 * row + 1) / 2 + 4);
+        QHelpEvent pointing(QEvent::ToolTip, place, console.mapToGlobal(place));
+        QApplication::sendEvent(&console, &pointing);
+        EXPECT_EQ(QTextDocumentFragment::fromHtml(QToolTip::text()).toPlainText(), words[row / 2]) << row;
+    }
+    EXPECT_EQ(console.accessibleDescription(), description);
 }
 
 TEST_F(TerminalFormTest, TellsWhatCannotBeSent) {
