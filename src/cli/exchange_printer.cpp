@@ -1,7 +1,6 @@
 #include "cli/exchange_printer.h"
 
 #include "link/text.h"
-#include "terminal/console_rows.h"
 
 #include <string_view>
 

@@ -34,18 +34,6 @@ struct KavrosimOptions {
     std::string Information; // help or version to print instead of serving
 };
 
-std::string Escaped(const std::string& text) {
-    std::string escaped;
-    for (const char character : text) {
-        char code[8] = {};
-        std::snprintf(code, sizeof code, "<%02X>",
-                      static_cast<unsigned>(static_cast<unsigned char>(character)));
-        const bool printable = character >= ' ' && character <= '~';
-        escaped += printable ? std::string(1, character) : std::string(code);
-    }
-    return escaped;
-}
-
 /// Prints a line at once; false when nobody reads it any more.
 bool Print(const std::string& line) {
     return std::puts(line.c_str()) >= 0 && std::fflush(stdout) == 0;
@@ -186,8 +174,8 @@ std::string LogLine(const LineEvent& event, std::int64_t start) {
     const auto milliseconds = static_cast<long long>((event.Moment - start) / 1000);
     std::snprintf(head, sizeof head, "%7lld.%03lld s %6d baud  ", milliseconds / 1000, milliseconds % 1000,
                   event.Baud);
-    const std::string reply = event.Reply.empty() ? "(silence)" : Escaped(event.Reply);
-    return head + Escaped(event.Command + '\r') + " -> " + reply;
+    const std::string reply = event.Reply.empty() ? "(silence)" : VisibleText(event.Reply);
+    return head + VisibleText(event.Command + '\r') + " -> " + reply;
 }
 
 int RunKavrosim(const QStringList& arguments) {

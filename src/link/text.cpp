@@ -98,6 +98,18 @@ std::string ToHex(std::int32_t value, std::int16_t digits) {
     return PadLeft(buffer, static_cast<std::size_t>(std::max<std::int16_t>(digits, 0)), '0');
 }
 
+std::string VisibleText(std::string_view text) {
+    std::string visible;
+    for (const char character : text) {
+        const auto code = static_cast<unsigned char>(character);
+        if (code >= ' ' && code <= '~')
+            visible += character;
+        else
+            visible += "<" + ToHex(code, 2) + ">";
+    }
+    return visible;
+}
+
 std::int16_t HexDigitValue(std::string_view digit) {
     const auto value = digit.size() == 1 ? HexNumber(digit) : std::nullopt;
     return static_cast<std::int16_t>(value.value_or(0));

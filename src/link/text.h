@@ -24,6 +24,10 @@ std::string PadLeft(std::string_view text, std::size_t width, char fill = ' ');
 /// a longer number keeps all its digits, a negative one gives eight.
 std::string ToHex(std::int32_t value, std::int16_t digits);
 
+/// `text` with every byte that is no printable ASCII character as its code: "<0A>". Nothing a module sends is
+/// lost, and nothing can garble a display.
+std::string VisibleText(std::string_view text);
+
 /// Value of a one-character hexadecimal digit of either case; any other text gives 0.
 std::int16_t HexDigitValue(std::string_view digit);
 

@@ -1,6 +1,7 @@
 #include "terminal/console_form.h"
 
 #include "link/runtime_failure.h"
+#include "link/text.h"
 #include "ui/fixed_font.h"
 #include "ui/named.h"
 

@@ -1,7 +1,5 @@
 #include "terminal/console_rows.h"
 
-#include "link/text.h"
-
 #include <limits>
 
 namespace kavro {
@@ -87,18 +85,6 @@ std::optional<ConsolePair> ConsoleRows::PairAt(int y) const {
         return std::nullopt;
     return ConsolePair{RowTop + row * TwipsPerRow, rows[first].substr(std::string_view(Prompt).size()),
                        rows[first + 1]};
-}
-
-std::string VisibleText(std::string_view text) {
-    std::string visible;
-    for (const char character : text) {
-        const auto code = static_cast<unsigned char>(character);
-        if (code >= ' ' && code <= '~')
-            visible += character;
-        else
-            visible += "<" + ToHex(code, 2) + ">";
-    }
-    return visible;
 }
 
 } // namespace kavro

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace kavro {
@@ -66,9 +65,5 @@ private:
     int entryTop_ = 0;
     std::vector<ConsoleText> drawn_;
 };
-
-/// `text` with every byte that is no printable ASCII character as its code: "<0A>". Nothing a module sends is
-/// lost, and nothing can garble a display.
-std::string VisibleText(std::string_view text);
 
 } // namespace kavro

@@ -1,6 +1,6 @@
 #include "terminal/disp_batch_form.h"
 
-#include "terminal/console_rows.h"
+#include "link/text.h"
 #include "ui/center_form.h"
 #include "ui/fixed_font.h"
 #include "ui/named.h"
