@@ -7,7 +7,7 @@
 namespace kavro {
 
 // By POSIX, as the streams of C++ cannot wait for the disk.
-bool WriteThrough(int file, std::string_view text) {
+bool WriteAll(int file, std::string_view text) {
     while (!text.empty()) {
         const ssize_t written = write(file, text.data(), text.size());
         if (written < 0 && errno == EINTR)
@@ -18,6 +18,14 @@ bool WriteThrough(int file, std::string_view text) {
             return false;
         text.remove_prefix(static_cast<std::size_t>(written));
     }
+    return true;
+}
+
+bool WriteThrough(int file, std::string_view text) {
+    return WriteAll(file, text) && WaitForDisk(file);
+}
+
+bool WaitForDisk(int file) {
     // What is no file on a disk (a terminal, for one) has nothing to wait for and says EINVAL.
     return fsync(file) == 0 || errno == EINVAL;
 }

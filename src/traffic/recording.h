@@ -4,9 +4,15 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kavro {
+
+/// What the first line of every recording begins with.
+inline constexpr std::string_view RecordingStart = R"({"format":"kavro-recording")";
+/// The version of the format that is written, and the highest that is read.
+inline constexpr int RecordingVersion = 1;
 
 /// The first line of a recording: when it began, and on which port.
 struct RecordingHead {
@@ -27,6 +33,15 @@ std::string RecordingHeadLine(const RecordingHead& head);
 /// The line of an exchange, or of stray characters, with its line end. `tellEcho`: say that the adapter hands
 /// back what is sent, as a recording does once.
 std::string RecordingLine(const LineTraffic& traffic, bool tellEcho);
+
+/// How an exchange ended, in a word, as recordings and tables have it.
+std::string_view OutcomeName(TrafficOutcome outcome);
+
+/// What came without the echo in front of it.
+std::string_view ReplyOf(const LineTraffic& traffic);
+
+/// Whether something is amiss: not a complete reply, stray characters, or a reply that refuses ("?").
+bool IsFailure(const LineTraffic& traffic);
 
 /// A moment as recordings have it: "2026-03-02T14:05:09.120345Z".
 std::string UtcText(std::int64_t utc);
