@@ -16,18 +16,21 @@ namespace {
 
 } // namespace
 
-QByteArray ReadFileBytes(const std::string& path, long long largest) {
-    const QString name = QString::fromStdString(path);
-    const QFileInfo info(name);
+void OpenToRead(QFile& file, long long largest) {
+    const QFileInfo info(file.fileName());
     if (!info.exists())
         Fail("there is no such file.");
     if (info.isDir())
         Fail("it is a folder; name a file.");
-    QFile file(name);
     if (!info.isFile() || !file.open(QIODevice::ReadOnly))
         Fail(info.isFile() ? file.errorString() + "." : QString("it is not a regular file."));
     if (file.size() > largest)
         Fail(QString("it is larger than %1 bytes, which no such file is.").arg(largest));
+}
+
+QByteArray ReadFileBytes(const std::string& path, long long largest) {
+    QFile file(QString::fromStdString(path));
+    OpenToRead(file, largest);
     return file.readAll();
 }
 

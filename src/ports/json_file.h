@@ -5,10 +5,15 @@
 
 #include <string>
 
+class QFile;
+
 namespace kavro {
 
-/// The bytes of a file. Throws `RuntimeFailure` when it cannot be read or is larger than `largest` bytes; the
-/// description begins with a small letter, to follow on the file's name.
+/// Opens a file to be read. Throws `RuntimeFailure` when it cannot be read, is no regular file or is larger
+/// than `largest` bytes; the description begins with a small letter, to follow on the file's name.
+void OpenToRead(QFile& file, long long largest);
+
+/// The bytes of a file. Throws `RuntimeFailure` likewise.
 QByteArray ReadFileBytes(const std::string& path, long long largest);
 
 /// The one object that a JSON text holds. Throws `RuntimeFailure` likewise.
