@@ -50,20 +50,8 @@ SimulatedModule& SimulatedLine::ModuleAt(int address) const {
 std::vector<TimedByte> SimulatedLine::Deliver(const std::string& command, int baud, std::int64_t moment,
                                               bool disturbed) {
     std::vector<TimedByte> bytes;
-    if (baud > 0 && Plugged()) {
-        if (LineFaults.Echo)
-            bytes = InTurn(command + '\r', baud, moment, 0);
-        const auto heard = AfterCharacters(moment, static_cast<std::int64_t>(command.size()) + 1, baud);
-        for (const auto& module : modules_) {
-            const Faults faults = Combined(module->FaultsAt(command), LineFaults);
-            if (const auto reply = disturbed ? std::nullopt : module->Hear(command, baud, heard, faults))
-                std::ranges::copy(Characters(*reply, faults, baud, heard + TurnAroundMicroseconds),
-                                  std::back_inserter(bytes));
-        }
-        for (TimedByte& byte : bytes)
-            byte.Moment = HandedOver(byte.End);
-        std::ranges::stable_sort(bytes, {}, &TimedByte::End);
-    }
+    if (baud > 0 && Plugged())
+        bytes = Answers(command, baud, moment, disturbed);
     if (Log) {
         LineEvent event{.Moment = moment, .Baud = baud, .Command = command, .Reply = {}};
         for (const TimedByte& byte : bytes)
@@ -71,6 +59,24 @@ std::vector<TimedByte> SimulatedLine::Deliver(const std::string& command, int ba
                 event.Reply += byte.Byte;
         Log(event);
     }
+    return bytes;
+}
+
+std::vector<TimedByte> SimulatedLine::Answers(const std::string& command, int baud, std::int64_t moment,
+                                              bool disturbed) {
+    std::vector<TimedByte> bytes;
+    if (LineFaults.Echo)
+        bytes = InTurn(command + '\r', baud, moment, 0);
+    const auto heard = AfterCharacters(moment, static_cast<std::int64_t>(command.size()) + 1, baud);
+    for (const auto& module : modules_) {
+        const Faults faults = Combined(module->FaultsAt(command), LineFaults);
+        if (const auto reply = disturbed ? std::nullopt : module->Hear(command, baud, heard, faults))
+            std::ranges::copy(Characters(*reply, faults, baud, heard + TurnAroundMicroseconds),
+                              std::back_inserter(bytes));
+    }
+    for (TimedByte& byte : bytes)
+        byte.Moment = HandedOver(byte.End);
+    std::ranges::stable_sort(bytes, {}, &TimedByte::End);
     return bytes;
 }
 

@@ -41,6 +41,9 @@ std::int64_t AfterCharacters(std::int64_t moment, std::int64_t count, int baud);
 class SimulatedLine {
 public:
     explicit SimulatedLine(std::uint32_t seed = 1) : random_(seed) {}
+    virtual ~SimulatedLine() = default;
+    SimulatedLine(SimulatedLine&&) = default;
+    SimulatedLine& operator=(SimulatedLine&&) = default;
 
     /// Faults of the whole line; they join those of each module.
     Faults LineFaults;
@@ -70,6 +73,9 @@ public:
     std::vector<TimedByte> Deliver(const std::string& command, int baud, std::int64_t moment,
                                    bool disturbed = false);
 
+    /// Whether commands and replies take their time on a pair of wires, and garble each other there.
+    virtual bool HasWires() const { return true; }
+
     /// What becomes of a character when something else is on the wires: nothing, or another one.
     std::optional<char> Garbled();
 
@@ -83,6 +89,8 @@ public:
     int UnplugCount() const { return unplugCount_; }
 
 private:
+    virtual std::vector<TimedByte> Answers(const std::string& command, int baud, std::int64_t moment,
+                                           bool disturbed);
     /// The characters of a module's `reply` that is due at `start`.
     std::vector<TimedByte> Characters(const std::string& reply, const Faults& faults, int baud,
                                       std::int64_t start);

@@ -23,17 +23,19 @@ void Transmission::Send(std::string_view text, int baud, std::int64_t moment) {
 }
 
 void Transmission::Deliver(int baud, std::int64_t moment) {
+    const bool wires = line_.HasWires();
     const auto length = static_cast<std::int64_t>(command_.size()) + 1;
-    sentMoment_ = baud > 0 ? AfterCharacters(moment, length, baud) : moment;
+    sentMoment_ = baud > 0 && wires ? AfterCharacters(moment, length, baud) : moment;
     const std::string command = std::exchange(command_, {});
     std::erase_if(replies_, [moment](const TimedByte& byte) { return byte.Babble && byte.Moment > moment; });
-    const bool disturbed = Disturb(baud, moment);
+    const bool disturbed = wires && Disturb(baud, moment);
     const auto reply = line_.Deliver(command, baud, moment, disturbed);
     // A late reply to an earlier command may still be coming.
     const auto before = static_cast<std::ptrdiff_t>(replies_.size());
     replies_.insert(replies_.end(), reply.begin(), reply.end());
     std::ranges::inplace_merge(replies_, replies_.begin() + before, {}, &TimedByte::End);
-    Collide();
+    if (wires)
+        Collide();
     std::erase_if(replies_, [](const TimedByte& byte) { return byte.Lost; });
 }
 
