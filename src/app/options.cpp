@@ -35,10 +35,11 @@ std::optional<Options> ReadOptions(int& argc, char** argv, int& exitCode) {
     const QCommandLineOption port(
         "port",
         "COM port N (1 to 8) is DEVICE: a device path, a pseudo-terminal, tcp://HOST:PORT or "
-        "rfc2217://HOST:PORT for a port of a device server, or \"demo\" for the simulated line. May be given "
-        "several times.",
+        "rfc2217://HOST:PORT for a port of a device server, replay:FILE for a recording that is played, or "
+        "\"demo\" for the simulated line. May be given several times.",
         "N=DEVICE");
     parser.addOptions({demo, port});
+    AddRecordingOptions(parser);
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
     if (!parser.parse(QCoreApplication::arguments()))
@@ -59,6 +60,7 @@ std::optional<Options> ReadOptions(int& argc, char** argv, int& exitCode) {
             const auto [number, device] = ParsePortOption(value.toStdString());
             options.Devices[number] = device;
         }
+        options.Recording = ReadRecordingOptions(parser, options.Devices);
     } catch (const RuntimeFailure& failure) {
         return Stop(QString("kavro: %1\n").arg(failure.what()), stderr, WrongUse, exitCode);
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ports/recording_options.h"
+
 #include <map>
 #include <optional>
 #include <string>
@@ -10,6 +12,7 @@ namespace kavro {
 struct Options {
     bool Demo = false;                  ///< start on the built-in simulated line
     std::map<int, std::string> Devices; ///< device by COM port number
+    RecordingChoice Recording{};
 };
 
 /// Reads the command line. Prints help, version or what is wrong, and then returns nothing and sets

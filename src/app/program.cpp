@@ -55,9 +55,25 @@ DialogOpeners Program::Openers() {
     return openers;
 }
 
+// The message of a recording that fails waits until no transaction is going on.
+void Program::BeginRecording() {
+    if (options_.Recording.Path.empty())
+        return;
+    const std::int16_t port = session_.Line.CurrentPort;
+    recorder_.emplace(options_.Recording.Path,
+                      RecordingHead{clock_.UtcMicroseconds(), port, registry_.Device(port)},
+                      options_.Recording.Options);
+    recorder_->Failed = [this] {
+        QMetaObject::invokeMethod(
+            &form_, [this] { messages_.Show(recorder_->Failure(), "Error"); }, Qt::QueuedConnection);
+    };
+    session_.Line.Listeners.push_back(&*recorder_);
+}
+
 void Program::Start() {
     // The demo starts on its simulated line, whatever port its settings name.
     form_.Load(options_.Demo ? std::optional(DemoPort) : std::nullopt);
+    Guard(messages_, [this] { BeginRecording(); });
     form_.show();
     form_.activateWindow(); // after the messages of the start-up, which had no window to give the focus back
                             // to

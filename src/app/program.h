@@ -8,6 +8,9 @@
 #include "map/session.h"
 #include "ports/port_registry.h"
 #include "sim/simulated_line.h"
+#include "traffic/recorder.h"
+
+#include <optional>
 
 namespace kavro {
 
@@ -23,12 +26,14 @@ public:
 
 private:
     DialogOpeners Openers();
+    void BeginRecording();
 
     Options options_;
     SteadyClock clock_;
     MessageBoxes messages_;
     SimulatedLine simulatedLine_;
     PortRegistry registry_;
+    std::optional<Recorder> recorder_; // told by the session's line, which ends before it
     Session session_;
     KavroForm form_;
     Ending ending_;

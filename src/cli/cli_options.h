@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ports/recording_options.h"
+
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -15,9 +17,10 @@ struct LineOptions {
     std::map<int, std::string> Devices; ///< device by COM port
     bool Demo = false;                  ///< COM1 is the simulated line, with settings of its own
     bool RateChosen = false;            ///< the command line chooses a baud rate
+    RecordingChoice Recording;
 };
 
-/// Adds `--port` and `--demo`, which every command has.
+/// Adds `--port`, `--demo` and those of a recording, which every command on a line has.
 void AddLineOptions(QCommandLineParser& parser);
 
 /// Reads them. Throws `RuntimeFailure` when they are wrong.

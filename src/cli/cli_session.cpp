@@ -1,6 +1,7 @@
 #include "cli/cli_session.h"
 
 #include "cli/cli_text.h"
+#include "cli/subcommand.h"
 #include "link/network_address.h"
 #include "link/port_config.h"
 #include "link/runtime_failure.h"
@@ -56,7 +57,7 @@ std::int16_t PortWithoutSettings() {
 CliSession::CliSession(const LineOptions& options)
     : demoLine_(DemoLine()), registry_(PortsFilePath(options.Demo), options.Devices,
                                        [this] { return std::make_unique<SimulatedPort>(demoLine_, clock_); }),
-      Session(registry_.Ports(), clock_) {
+      recording_(options.Recording), Session(registry_.Ports(), clock_) {
     Session.ReplaceFile = ReplaceFile;
     Session.ConfigFilePath = ConfigFilePath(options.Demo);
     Session.Line.Bounded = true;
@@ -66,6 +67,42 @@ CliSession::CliSession(const LineOptions& options)
     };
     LoadSettings(options);
     rateChosen_ = options.RateChosen;
+}
+
+int CliSession::Run(const std::function<int()>& work) {
+    OpenPort();
+    BeginRecording();
+    int exit = ExitPortTrouble;
+    try {
+        exit = work();
+    } catch (const RuntimeFailure&) {
+        EndRecording();
+        throw;
+    }
+    return EndRecording() ? exit : ExitPortTrouble;
+}
+
+// After the port is open: a wrong device leaves a recording that is to be overwritten as it was.
+void CliSession::BeginRecording() {
+    if (recording_.Path.empty())
+        return;
+    const RecordingHead head = {clock_.UtcMicroseconds(), Session.Line.CurrentPort, Device()};
+    recorder_.emplace(recording_.Path, head, recording_.Options);
+    Session.Line.Listeners.push_back(&*recorder_);
+}
+
+// Tells what came of it, and of a recording that was played; whether all was well.
+bool CliSession::EndRecording() {
+    if (const std::string text = NotRecordedText(registry_.NotRecorded()); !text.empty())
+        PrintNote(text);
+    if (!recorder_)
+        return true;
+    std::erase(Session.Line.Listeners, &*recorder_);
+    recorder_->End();
+    if (recorder_->Failure().empty())
+        return true;
+    PrintNote(recorder_->Failure());
+    return false;
 }
 
 void CliSession::OpenPort() {

@@ -5,7 +5,10 @@
 #include "map/session.h"
 #include "ports/port_registry.h"
 #include "sim/simulated_line.h"
+#include "traffic/recorder.h"
 
+#include <functional>
+#include <optional>
 #include <string>
 
 namespace kavro {
@@ -20,10 +23,12 @@ public:
     CliSession(const CliSession&) = delete; // its ports hold on to its members
     CliSession& operator=(const CliSession&) = delete;
 
-    /// Opens the port. Throws `RuntimeFailure` when it cannot be opened, or when no port is set up.
-    void OpenPort();
+    /// Opens the port, begins the recording that the options ask for, and does the work: its exit code, or
+    /// that of a recording that failed. Throws `RuntimeFailure` when the port cannot be opened or none is set
+    /// up, when the recording cannot be begun, and what the work throws.
+    int Run(const std::function<int()>& work);
 
-    /// Device of the port: a path, or "demo".
+    /// Device of the port: a path, a network address, a recording, or "demo".
     std::string Device() const { return registry_.Device(Session.Line.CurrentPort); }
 
 private:
@@ -31,12 +36,17 @@ private:
     SteadyClock clock_;
     SimulatedLine demoLine_;
     PortRegistry registry_;
+    RecordingChoice recording_;
+    std::optional<Recorder> recorder_;
 
 public:
     kavro::Session Session; ///< settings loaded, port chosen
 
 private:
     void LoadSettings(const LineOptions& options);
+    void OpenPort();
+    void BeginRecording();
+    bool EndRecording();
 
     std::string settingsFailure_;
     bool rateChosen_ = false; // on the command line

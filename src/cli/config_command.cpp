@@ -252,9 +252,10 @@ CommandAction PrepareConfig(const QCommandLineParser& parser) {
 
     const auto [cli, contact] = ReadModuleOnLine(parser, 1);
     return [=, cli = cli, contact = contact, json = parser.isSet("json"), force = parser.isSet("force")] {
-        cli->OpenPort();
-        return show ? ShowConfig(cli->Session, contact, json)
-                    : SetConfig(cli->Session, contact, changes, force);
+        return cli->Run([&] {
+            return show ? ShowConfig(cli->Session, contact, json)
+                        : SetConfig(cli->Session, contact, changes, force);
+        });
     };
 }
 

@@ -10,6 +10,7 @@
 #include "cli/search_command.h"
 #include "cli/subcommand.h"
 #include "cli/terminal_commands.h"
+#include "cli/traffic_command.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
 #include "map/product.h"
@@ -34,6 +35,7 @@ constexpr Subcommand Subcommands[] = {
     {"read", "Read the values of a module.", 1, AddReadOptions, PrepareRead},
     {"monitor", "Read the modules of a line in rounds.", 0, AddMonitorOptions, PrepareMonitor},
     {"output", "Drive outputs of a module.", INT_MAX, AddOutputOptions, PrepareOutput},
+    {"traffic", "Print a recording of a line in words.", 1, AddTrafficOptions, PrepareTraffic, false},
 };
 
 CommandAction Printing(std::string text) {
@@ -70,7 +72,8 @@ CommandAction PrepareCommand(const Subcommand& command, const QStringList& argum
     QCommandLineParser parser;
     parser.setApplicationDescription(command.Help);
     command.AddOptions(parser);
-    AddLineOptions(parser);
+    if (command.UsesLine)
+        AddLineOptions(parser);
     ParseArguments(parser, arguments);
     if (parser.isSet("help"))
         return Printing(CommandHelp(command, parser));

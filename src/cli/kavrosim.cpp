@@ -2,14 +2,17 @@
 
 #include "link/baud.h"
 #include "link/network_address.h"
+#include "link/port_devices.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
 #include "map/product.h"
 #include "ports/line_file.h"
 #include "ports/pty_server.h"
+#include "ports/recording_reader.h"
 #include "ports/tcp_server.h"
 #include "ports/termination_signals.h"
 #include "sim/demo_line.h"
+#include "sim/replayed_line.h"
 
 #include <QCommandLineParser>
 
@@ -26,6 +29,8 @@ constexpr int PortTrouble = 3;
 
 struct KavrosimOptions {
     std::string LineFile;                 // empty: the demo line
+    std::string Recording;                // played in place of a line; empty: none
+    bool Delays = true;                   // it takes the time that it took
     std::string LinkPath;                 // empty: no link
     std::optional<NetworkAddress> Listen; // nothing: a pseudo-terminal
     int Baud = 9600;                      // where the client cannot set it
@@ -60,19 +65,36 @@ void Run(Server& server, const std::string& device, SimulatedLine& line, bool lo
     server.Run(stopDescriptor);
 }
 
-int Serve(const KavrosimOptions& options) {
-    const TerminationSignals endRequests;
-    SimulatedLine line = options.LineFile.empty() ? DemoLine() : ReadLineFile(options.LineFile);
-    if (options.Seed)
-        line.SetSeed(*options.Seed);
+void Serve(const KavrosimOptions& options, SimulatedLine& line, int stopDescriptor) {
     SteadyClock clock;
     if (options.Listen) {
         TcpServer server(line, clock, *options.Listen, options.Baud);
-        Run(server, server.Device(), line, options.Log, endRequests.Descriptor());
+        Run(server, server.Device(), line, options.Log, stopDescriptor);
     } else {
         PtyServer server(line, clock, options.LinkPath);
-        Run(server, server.DevicePath(), line, options.Log, endRequests.Descriptor());
+        Run(server, server.DevicePath(), line, options.Log, stopDescriptor);
     }
+}
+
+void ServeRecording(const KavrosimOptions& options, int stopDescriptor) {
+    ReplayedLine line(ReadRecording(options.Recording).Traffic, options.Delays);
+    std::int64_t notRecorded = 0;
+    line.NotRecorded = [&] { ++notRecorded; };
+    Serve(options, line, stopDescriptor);
+    if (const std::string text = NotRecordedText(notRecorded); !text.empty())
+        Complain(0, text);
+}
+
+int Serve(const KavrosimOptions& options) {
+    const TerminationSignals endRequests;
+    if (!options.Recording.empty()) {
+        ServeRecording(options, endRequests.Descriptor());
+        return 0;
+    }
+    SimulatedLine line = options.LineFile.empty() ? DemoLine() : ReadLineFile(options.LineFile);
+    if (options.Seed)
+        line.SetSeed(*options.Seed);
+    Serve(options, line, endRequests.Descriptor());
     return 0;
 }
 
@@ -112,6 +134,19 @@ void ReadListening(const QCommandLineParser& parser, KavrosimOptions& options) {
         options.Baud = BaudOf(parser.value("baud"));
 }
 
+void ReadReplay(const QCommandLineParser& parser, KavrosimOptions& options) {
+    options.Recording = parser.value("replay").toStdString();
+    options.Delays = !parser.isSet("no-delays");
+    if (parser.isSet("no-delays") && !parser.isSet("replay"))
+        throw RuntimeFailure("--no-delays goes with --replay.");
+    if (!parser.isSet("replay"))
+        return;
+    if (options.Recording.empty())
+        throw RuntimeFailure("--replay needs the path of a recording.");
+    if (parser.isSet("line") || parser.isSet("seed"))
+        throw RuntimeFailure("--replay plays a recording, so that --line and --seed do not go with it.");
+}
+
 // The parser begins with the path of the program and ends with an empty line.
 std::string HelpText(const QCommandLineParser& parser) {
     const QString text = parser.helpText();
@@ -121,6 +156,12 @@ std::string HelpText(const QCommandLineParser& parser) {
 KavrosimOptions ParseOptions(const QStringList& arguments) {
     const QCommandLineOption lineFile(
         "line", "Line described in the JSON file <file>; without it the demo line.", "file");
+    const QCommandLineOption replay(
+        "replay",
+        "Play the recording <file>: each command gets the replies that it got then, in their order, the last "
+        "one for ever.",
+        "file");
+    const QCommandLineOption noDelays("no-delays", "With --replay: reply at once.");
     const QCommandLineOption link("link", "Make the symbolic link <path> to the device.", "path");
     const QCommandLineOption seed("seed", "Seed of the random noise, 0 to 4294967295.", "number");
     const QCommandLineOption log("log", "Print every command and its reply with time and baud rate.");
@@ -140,7 +181,8 @@ KavrosimOptions ParseOptions(const QStringList& arguments) {
     parser.setApplicationDescription(
         "Serves a line of simulated modules on a pseudo-terminal, or over TCP. The first line "
         "printed is the device to open; Ctrl+C ends.");
-    parser.addOptions({lineFile, link, listen, listenRfc2217, baud, seed, log, help, version});
+    parser.addOptions(
+        {lineFile, replay, noDelays, link, listen, listenRfc2217, baud, seed, log, help, version});
     if (!parser.parse(arguments))
         throw RuntimeFailure(parser.errorText().toStdString() + " See kavrosim --help.");
 
@@ -161,6 +203,7 @@ KavrosimOptions ParseOptions(const QStringList& arguments) {
         throw RuntimeFailure("--line needs the path of a file.");
     if (parser.isSet(link) && options.LinkPath.empty())
         throw RuntimeFailure("--link needs a path.");
+    ReadReplay(parser, options);
     ReadListening(parser, options);
     if (parser.isSet(seed))
         options.Seed = SeedOf(parser.value(seed));

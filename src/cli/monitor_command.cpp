@@ -110,11 +110,12 @@ CommandAction PrepareMonitor(const QCommandLineParser& parser) {
     if (hasMap)
         UseMap(cli->Session, parser.value("map").toStdString());
     return [=] {
-        cli->OpenPort();
-        if (!hasMap)
-            if (const int exit = SearchModules(*cli, search); exit != ExitSuccess)
-                return exit;
-        return MonitorModules(cli->Session, rounds, form);
+        return cli->Run([&] {
+            if (!hasMap)
+                if (const int exit = SearchModules(*cli, search); exit != ExitSuccess)
+                    return exit;
+            return MonitorModules(cli->Session, rounds, form);
+        });
     };
 }
 

@@ -127,8 +127,7 @@ CommandAction PrepareOutput(const QCommandLineParser& parser) {
         throw RuntimeFailure("Give what the outputs are to become, for example 3=on. See kavroctl output "
                              "--help.");
     return [cli = cli, contact = contact, changes, json = parser.isSet("json")] {
-        cli->OpenPort();
-        return DriveOutputs(cli->Session, contact, changes, json);
+        return cli->Run([&] { return DriveOutputs(cli->Session, contact, changes, json); });
     };
 }
 

@@ -133,8 +133,7 @@ CommandAction PrepareRead(const QCommandLineParser& parser) {
         options.Pace.Turns = 1;
     const auto [cli, contact] = ReadModuleOnLine(parser);
     return [cli = cli, contact = contact, options] {
-        cli->OpenPort();
-        return ReadValues(cli->Session, contact, options);
+        return cli->Run([&] { return ReadValues(cli->Session, contact, options); });
     };
 }
 

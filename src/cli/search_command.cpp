@@ -35,7 +35,6 @@ std::string MapOutput(const CliSession& cli, const SearchOptions& options, bool 
 
 int RunSearch(CliSession& cli, SearchOptions options) {
     Session& session = cli.Session;
-    cli.OpenPort();
     options.OneRate = RateIsFixed(cli.Device());
     const SearchResult result = SearchLine(session, options);
 
@@ -83,7 +82,7 @@ CommandAction PrepareSearch(const QCommandLineParser& parser) {
         options.Kind = SearchKind::Refresh;
         options.ChecksumsKnown = map.ChecksumsKnown;
     }
-    return [options, cli] { return RunSearch(*cli, options); };
+    return [options, cli] { return cli->Run([&] { return RunSearch(*cli, options); }); };
 }
 
 } // namespace kavro

@@ -20,7 +20,7 @@ enum ExitCode : int {
 /// `ExitPortTrouble`.
 using CommandAction = std::function<int()>;
 
-/// One command of `kavroctl`. Help and the common options are added to each.
+/// One command of `kavroctl`. Help is added to each, and the options of a line where it uses one.
 struct Subcommand {
     const char* Name;
     const char* Help;  ///< one line
@@ -29,6 +29,7 @@ struct Subcommand {
     void (*AddOptions)(QCommandLineParser& parser);
     /// Turns options into work, without doing any of it. A `RuntimeFailure` stands for `ExitWrongUse`.
     CommandAction (*Prepare)(const QCommandLineParser& parser);
+    bool UsesLine = true; ///< takes the options of `AddLineOptions`
 };
 
 } // namespace kavro

@@ -80,13 +80,7 @@ std::string WireBytes(const QString& command) {
     return command.toLatin1().toStdString();
 }
 
-int RunSend(CliSession& cli, const SendingOptions& options, const std::vector<std::string>& commands) {
-    cli.OpenPort();
-    return CommandSender(cli.Session, options).Send(commands);
-}
-
 int RunBatch(CliSession& cli, const SendingOptions& options, const BatchOptions& batch) {
-    cli.OpenPort();
     CommandSender sender(cli.Session, options);
     try {
         if (!batch.LogFile.empty())
@@ -116,7 +110,9 @@ CommandAction PrepareSend(const QCommandLineParser& parser) {
         commands.push_back(WireBytes(argument));
     if (commands.empty())
         throw RuntimeFailure("Give the commands to send, for example '$012'. See kavroctl send --help.");
-    return [options, commands, cli = PreparedSession(parser)] { return RunSend(*cli, options, commands); };
+    return [options, commands, cli = PreparedSession(parser)] {
+        return cli->Run([&] { return CommandSender(cli->Session, options).Send(commands); });
+    };
 }
 
 void AddBatchOptions(QCommandLineParser& parser) {
@@ -144,7 +140,9 @@ CommandAction PrepareBatch(const QCommandLineParser& parser) {
     if (SameFile(batch.File, batch.LogFile))
         throw RuntimeFailure("The log file would empty the batch file. Give them different names.");
     BatchFile().Open(batch.File); // so that a wrong name is told before anything is touched
-    return [options, batch, cli = PreparedSession(parser)] { return RunBatch(*cli, options, batch); };
+    return [options, batch, cli = PreparedSession(parser)] {
+        return cli->Run([&] { return RunBatch(*cli, options, batch); });
+    };
 }
 
 } // namespace kavro

@@ -121,7 +121,7 @@ QGroupBox* ComPortForm::BuildPorts() {
         Explain(*device,
                 "The device that " + name +
                     " stands for: choose a detected one or type its path. A port of a device server is " +
-                    NetworkForms + "." + limit);
+                    NetworkForms + "; replay:FILE plays a recording." + limit);
         comOption_->addButton(option, port);
         comDevice_[static_cast<std::size_t>(port - 1)] = device;
         grid->addWidget(option, port - 1, 0);

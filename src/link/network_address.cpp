@@ -1,5 +1,6 @@
 #include "link/network_address.h"
 
+#include "link/port_devices.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
 
@@ -142,6 +143,8 @@ NetworkAddress ParseNetworkAddress(const std::string& device) {
 void RequireDeviceName(const std::string& device) {
     if (IsNetworkDevice(device))
         ParseNetworkAddress(device);
+    if (IsReplay(device) && ReplayPath(device).empty())
+        throw RuntimeFailure("The device \"" + device + "\" names no recording: write replay:FILE.");
 }
 
 bool MayBeSameServerPort(const std::string& one, const std::string& other) {

@@ -36,7 +36,8 @@ std::string NetworkDevice(const NetworkAddress& address);
 /// that is free. Throws `RuntimeFailure` that says what is wrong with any other text.
 NetworkAddress ParseListenAddress(const std::string& text, NetworkKind kind);
 
-/// Throws as `ParseNetworkAddress` does for a device that is meant to be a network address and is none.
+/// Throws as `ParseNetworkAddress` does for a device that is meant to be a network address and is none, and
+/// for "replay:" without a file.
 void RequireDeviceName(const std::string& device);
 
 /// Whether two devices can be the same port of a device server: the same host, or the same TCP port of what

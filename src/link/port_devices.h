@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kavro {
@@ -17,6 +19,27 @@ struct DetectedDevice {
 /// Name that stands for the simulated line wherever a device is named.
 inline constexpr const char* SimulatedLineDevice = "demo";
 
+/// What stands in front of the path of a recording that is played as a device.
+inline constexpr std::string_view ReplayPrefix = "replay:";
+
+/// Whether a device is a recording.
+inline bool IsReplay(const std::string& device) {
+    return device.starts_with(ReplayPrefix);
+}
+
+/// The path of the recording that a device is.
+inline std::string ReplayPath(const std::string& device) {
+    return device.substr(ReplayPrefix.size());
+}
+
+/// What the user is told of commands that a recording does not have; empty for none.
+inline std::string NotRecordedText(std::int64_t count) {
+    if (count == 0)
+        return {};
+    return (count == 1 ? "1 command is" : std::to_string(count) + " commands are") +
+           std::string(" not in the recording, and got no reply.");
+}
+
 /// A device as the user is told of it.
 inline std::string ShownDevice(const std::string& device) {
     return device == SimulatedLineDevice ? "Simulated line" : device;
@@ -27,7 +50,8 @@ class PortDevices {
 public:
     virtual ~PortDevices() = default;
 
-    /// Device of COM port 1 to 8: a path, a network address, or `SimulatedLineDevice`.
+    /// Device of COM port 1 to 8: a path, a network address, a recording ("replay:FILE"), or
+    /// `SimulatedLineDevice`.
     virtual std::string Device(int port) const = 0;
 
     /// The serial devices present now, USB adapters first, then by path.
@@ -35,6 +59,9 @@ public:
 
     /// Network addresses that were assigned before, the last one first.
     virtual std::vector<std::string> Recent() const { return {}; }
+
+    /// Commands so far that the recordings being played do not have.
+    virtual std::int64_t NotRecorded() const { return 0; }
 
     /// Makes `device` the device of `port`. When the port is open, the new device is opened before the old
     /// one is closed; a device that cannot be opened throws `RuntimeFailure` and leaves everything as it was.

@@ -171,10 +171,13 @@ void KavroForm::Run(void (KavroForm::*operation)()) {
     running_ = true;
     operationNote_.clear();
     session_.Note.clear();
+    const std::int64_t notRecorded = devices_.NotRecorded();
     Guard(messages_, [&] { (this->*operation)(); });
     running_ = false;
     if (!session_.Note.empty())
         operationNote_ = QString::fromStdString(session_.Note);
+    if (const std::int64_t more = devices_.NotRecorded() - notRecorded; more > 0)
+        operationNote_ = (operationNote_ + ' ' + NotRecordedText(more).c_str()).trimmed();
     UpdateStatus();
     device_->setFocus();
     if (exitAsked_)

@@ -6,6 +6,7 @@
 #include "ports/device_node.h"
 #include "ports/device_port.h"
 #include "ports/network_port.h"
+#include "ports/replay_port.h"
 
 namespace kavro {
 
@@ -66,6 +67,8 @@ auto CommPort::Run(Operation operation) {
 std::unique_ptr<SerialPort> CommPort::Made(const std::string& device) const {
     if (device == SimulatedLineDevice)
         return table_->MakeSimulatedPort();
+    if (IsReplay(device))
+        return std::make_unique<ReplayPort>(device, [table = table_] { ++table->NotRecorded; });
     if (!IsNetworkDevice(device))
         return std::make_unique<DevicePort>(device);
     // Whoever tries again and again is not held up for long each time by a host that is away; the limit grows

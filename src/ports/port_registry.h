@@ -31,6 +31,7 @@ public:
     std::vector<DetectedDevice> Detect() const override;
     void Assign(int port, const std::string& device) override;
     std::vector<std::string> Recent() const override { return recent_; }
+    std::int64_t NotRecorded() const override { return table_->NotRecorded; }
     /// Writes ports.ini. A device of the command line is not written unless the user chose it himself.
     void Save() override;
 

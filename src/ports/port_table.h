@@ -3,6 +3,7 @@
 #include "link/serial_port.h"
 
 #include <array>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -17,7 +18,8 @@ struct PortTable {
     std::array<std::string, PortTotal> Device{};                    ///< as `PortDevices` tells it
     std::array<CommPort*, PortTotal> Port{};                        ///< ports that exist, else null
     std::function<std::unique_ptr<SerialPort>()> MakeSimulatedPort; ///< a port on the simulated line
-    std::string ClosedAdvice; ///< where this program's user opens a port that is closed; may be empty
+    std::int64_t NotRecorded = 0; ///< commands that a recording being played did not have
+    std::string ClosedAdvice;     ///< where this program's user opens a port that is closed; may be empty
 };
 
 } // namespace kavro
