@@ -62,6 +62,31 @@ TEST(Program, TellsAtTheEndWhatAFullDiskDidNotTake) {
     disk.MakeRoom();
 }
 
+TEST(Program, TellsOnceThatARecordingFailed) {
+    TestFolder folder;
+    qputenv("XDG_CONFIG_HOME", folder.Path().c_str());
+    const std::string path = folder.Path("line");
+    Program program(
+        {.Demo = true, .Devices = {{1, SimulatedLineDevice}}, .Recording = {.Path = path, .Options = {}}});
+    program.Start();
+    DialogDriver driver({{"SearchForm",
+                          [](QDialog& dialog) {
+                              Find<QLineEdit>(dialog, "HiAddress").setText("2");
+                              Click(dialog, "OKBtn");
+                          }},
+                         {"", [&](QDialog& dialog) {
+                              const QString told = static_cast<QMessageBox&>(dialog).text();
+                              EXPECT_TRUE(Contains(told.toStdString(), path + "\" cannot be written: File"));
+                              dialog.accept();
+                          }}});
+    FullDisk::Limit(500);
+    Trigger(*MainWindow(), "mnuSearch");
+    FullDisk::Limit(RLIM_INFINITY);
+    EXPECT_TRUE(driver.Finished());
+    EXPECT_EQ(folder.Read("line").size(), 500u);
+    EXPECT_EQ(Find<QListWidget>(*MainWindow(), "Device").count(), 2);
+}
+
 // The whole program on a pseudo-terminal: start, search, exit, and the settings read back at the next start.
 TEST(Program, SearchesAPortAndKeepsItsSettings) {
     QTemporaryDir folder;

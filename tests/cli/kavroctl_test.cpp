@@ -183,6 +183,9 @@ TEST(Kavrosim, SaysInOneLineWhyItDoesNotStart) {
         {{"--line", ""}, 2, "--line needs the path of a file."},
         {{"--link", ""}, 2, "--link needs a path."},
         {{"--line", "/nowhere.json"}, 3, "The line file \"/nowhere.json\" cannot be used"},
+        {{"--no-delays"}, 2, "--no-delays goes with --replay."},
+        {{"--replay", "a", "--line", "b"}, 2, "--replay plays a recording"},
+        {{"--replay", "/none"}, 3, "The recording \"/none\" cannot be used: there is no such file."},
         {{"--link", "/"}, 3, "The link \"/\" cannot be made"}};
     for (const auto& [arguments, exitCode, description] : cases) {
         testing::internal::CaptureStderr();

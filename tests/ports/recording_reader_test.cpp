@@ -27,31 +27,27 @@ protected:
 };
 
 TEST_F(RecordingReader, ReadsWhatIsWritten) {
-    std::string every;
+    LineTraffic traffic = {.Utc = 1'772'460'309'120'345, .Baud = 1200};
     for (int code = 0; code < 256; ++code)
-        every += static_cast<char>(code);
-    const RecordingHead head = {.Utc = 1'772'460'309'120'345, .Port = 3, .Device = "/dev/Küche"};
+        traffic.Sent += static_cast<char>(code);
+    traffic.Sent += '\r';
+    traffic.Received = traffic.Sent + "!\r";
+    const RecordingHead head = {.Utc = traffic.Utc, .Port = 3, .Device = "/dev/Küche"};
     std::string text = RecordingHeadLine(head);
-    for (const auto outcome : {TrafficOutcome::Complete, TrafficOutcome::Silent, TrafficOutcome::Incomplete,
-                               TrafficOutcome::Damaged, TrafficOutcome::Lost, TrafficOutcome::Stray}) {
-        LineTraffic traffic = {
-            .Utc = head.Utc + 1, .Baud = 1200, .Sent = {}, .Received = every + "\r", .Outcome = outcome};
-        if (outcome != TrafficOutcome::Stray)
-            traffic.Sent = every.substr(0, 14);
-        if (outcome == TrafficOutcome::Complete)
-            traffic.FirstUs = 1, traffic.LastUs = 3'600'000'000;
-        traffic.Echo = outcome == TrafficOutcome::Silent;
-        text += RecordingLine(traffic, traffic.Echo);
+    for (int outcome = 0; outcome <= static_cast<int>(TrafficOutcome::Stray); ++outcome) {
+        traffic.Outcome = static_cast<TrafficOutcome>(outcome);
+        traffic.FirstUs = outcome - 1; // none first
+        traffic.LastUs = 3'600'000'000;
+        text += RecordingLine(traffic, outcome == 1);
     }
     const Recording recording = Read(text + "{\"time\":\"20");
-    EXPECT_EQ(std::tuple(recording.Head.Port, recording.Head.Device), std::tuple(3, head.Device));
-    EXPECT_EQ(recording.Traffic.at(0).Port, 3);
-    EXPECT_EQ(recording.Traffic.size(), 6u);
+    ASSERT_EQ(recording.Traffic.size(), 6u);
     std::string again = RecordingHeadLine(recording.Head);
-    for (std::size_t i = 0; i < recording.Traffic.size(); ++i)
-        again += RecordingLine(recording.Traffic[i], i == 1);
+    for (const LineTraffic& each : recording.Traffic)
+        again += RecordingLine(each, each.Outcome == TrafficOutcome::Silent);
     EXPECT_EQ(again, text);
-    EXPECT_EQ(std::pair(recording.Traffic[0].Echo, recording.Traffic[4].Echo), std::pair(false, true));
+    EXPECT_EQ(std::tuple(recording.Traffic[0].Echo, recording.Traffic[4].Echo, recording.Traffic[0].Port),
+              std::tuple(false, true, 3));
 }
 
 TEST_F(RecordingReader, PassesOverWhatWasNotEnded) {
@@ -76,7 +72,6 @@ TEST_F(RecordingReader, SaysWhatIsWrong) {
     };
     const std::pair<std::string, const char*> cases[] = {
         {"hello", "line 1: it is no recording"},
-        {"\n", "line 1: it is no recording"},
         {"{}", "line 1: it is no recording"},
         {R"({"format":"kavro-recording"})"
          "\n",
@@ -86,12 +81,9 @@ TEST_F(RecordingReader, SaysWhatIsWrong) {
         {Head + Silent + "[]\n", "line 3: it must hold one object"},
         {Head + Silent.substr(0, 30) + "\n" + Silent, "line 2: it is not JSON"},
         {Head + nested + "\n", "line 2: it is not JSON"},
-        {Head + std::string("\0\0\n", 3), "line 2: it is not JSON"},
         {Head + std::string(1'000'001, 'x'), "line 2: it is longer than 1000000 bytes"},
-        {std::string(1'000'001, '\xFF'), "line 1: it is longer than"},
         {Head + Line("\"stray\":\"\xFF\xFE\""), "line 2: it is not JSON"},
         {Head + Line(R"("stray":"\u0100")"), "line 2: \"stray\" must be a text of bytes"},
-        {exchange("7", "\"\""), "\"sent\" must be a text."},
         {exchange(R"("$012")", R"("!\r")"), "\"sent\" must end with \\r"},
         {exchange(R"("$012\r")", "null"), "\"received\" must be a text."},
         {exchange(R"("$012\r")", R"("!01")"), "\"received\" must end with \\r"},
@@ -100,16 +92,12 @@ TEST_F(RecordingReader, SaysWhatIsWrong) {
         {timed(R"("first_ms":1)"), "\"ms\" must be a number"},
         {timed(R"("first_ms":-1,"ms":1)"), "\"first_ms\" must be a number"},
         {timed(R"("first_ms":1,"ms":1e999)"), "line 2: "},
-        {timed(R"("first_ms":1,"ms":3600001)"), "\"ms\" must be a number"},
         {timed(R"("first_ms":2,"ms":1.5)"), "\"ms\" must not be less"},
         {at(R"("2026-03-02T14:05:09.1234567Z")", "9600"), "\"time\" must be a time in UTC"},
-        {at(R"("2026-03-02T14:05:09.Z")", "9600"), "\"time\" must be a time in UTC"},
         {at(R"("2026-03-02T14:05:09+01:00")", "9600"), "\"time\" must be a time in UTC"},
         {at(R"("2026-02-30T14:05:09Z")", "9600"), "\"time\" must be a time in UTC"},
-        {at("0", "9600"), "\"time\" must be a time in UTC"},
         {at(R"("2026-03-02T14:05:09Z")", "0"), "\"baud\" must be a whole number from 1"},
         {at(R"("2026-03-02T14:05:09Z")", "9600.5"), "\"baud\" must be a whole number"},
-        {at(R"("2026-03-02T14:05:09Z")", "1e300"), "\"baud\" must be a whole number"},
     };
     for (const auto& [content, piece] : cases)
         EXPECT_TRUE(Contains(FailureText([&, &text = content] { Read(text); }), piece));
