@@ -4,6 +4,7 @@
 #include "cli/cli_text.h"
 #include "cli/config_command.h"
 #include "cli/interrupt.h"
+#include "cli/listen_command.h"
 #include "cli/monitor_command.h"
 #include "cli/output_command.h"
 #include "cli/read_command.h"
@@ -35,6 +36,7 @@ constexpr Subcommand Subcommands[] = {
     {"read", "Read the values of a module.", 1, AddReadOptions, PrepareRead},
     {"monitor", "Read the modules of a line in rounds.", 0, AddMonitorOptions, PrepareMonitor},
     {"output", "Drive outputs of a module.", INT_MAX, AddOutputOptions, PrepareOutput},
+    {"listen", "Show what another master says, and send nothing.", 0, AddListenOptions, PrepareListen},
     {"traffic", "Print a recording of a line in words.", 1, AddTrafficOptions, PrepareTraffic, false},
 };
 
