@@ -40,6 +40,11 @@ Texts TextsOf(std::string_view sent, std::string_view received) {
     return {sent, cut ? std::string_view() : received};
 }
 
+// Without an address in front of them, the last two characters are the address itself, or a part of it.
+bool HasCommandChecksum(const Texts& texts) {
+    return texts.Command.size() >= HeadLength + ChecksumLength && HasChecksum(texts.Command);
+}
+
 std::string_view WithoutChecksum(std::string_view text) {
     return text.substr(0, text.size() - std::min(text.size(), ChecksumLength));
 }
@@ -147,7 +152,7 @@ void KnownModules::Learn(std::string_view sent, std::string_view received) {
     if (sent.size() <= HeadLength || sent[0] != '$' || sent[HeadLength] != 'M')
         return;
     Texts texts = TextsOf(sent, received);
-    if (HasChecksum(texts.Command) && HasChecksum(texts.Reply))
+    if (HasCommandChecksum(texts) && HasChecksum(texts.Reply))
         texts = {WithoutChecksum(texts.Command), WithoutChecksum(texts.Reply)};
     const auto address = AddressIn(texts.Command);
     if (!address || texts.Command.size() != HeadLength + 1 || Record(*address))
@@ -176,7 +181,7 @@ ExchangeWords WordsOf(std::string_view sent, std::string_view received, const Kn
     ExchangeWords words{AddressIn(texts.Command), {}, {}};
     if (!words.Address || texts.Command.size() > LongestUnderstood || texts.Reply.size() > LongestUnderstood)
         return words;
-    const bool checked = HasChecksum(texts.Command);
+    const bool checked = HasCommandChecksum(texts);
     const std::string_view command = checked ? WithoutChecksum(texts.Command) : texts.Command;
     if (checked && (texts.Reply.empty() || HasChecksum(texts.Reply)) &&
         Explain({command, WithoutChecksum(texts.Reply)}, known, words))

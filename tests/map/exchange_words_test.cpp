@@ -151,6 +151,8 @@ TEST(ExchangeWords, OfUnknownModulesAreThoseOfAllFamilies) {
         {"$002\r", "!05080600\r", "00: read configuration",
          "+/- 10V, Engineering Units, 9600 baud, no checksum"}, // in its initialisation state
         {"^05XYZ\r", "?05\r", "", "refused by 05"},
+        {"$054\r", "", "05: read digital filter", ""}, // "54" is no checksum of "$0"
+        {"$24\r", "?24\r", "", "refused by 24"},       // nor "24" of "$"
     };
     for (const auto& [sent, received, asked, answered] : exchanges) {
         const ExchangeWords words = WordsOf(sent, received, known);
