@@ -1,6 +1,7 @@
 #include "app/color_scheme.h"
 #include "app/options.h"
 #include "app/program.h"
+#include "app/window_blocking.h"
 #include "app/window_focus.h"
 #include "ports/termination_signals.h"
 
@@ -41,6 +42,7 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     kavro::FollowColorScheme(application);
     kavro::KeepWindowFocus(application);
+    kavro::BlockOwnWindowsOnly(application);
     kavro::Program program(*options, endRequests.Descriptor());
     program.Start();
     return QApplication::exec();

@@ -1,5 +1,6 @@
 #include "app/message_boxes.h"
 
+#include "app/top_window.h"
 #include "map/product.h"
 
 #include <QApplication>
@@ -8,8 +9,7 @@
 namespace kavro {
 
 void MessageBoxes::Show(const std::string& text, const std::string& title) {
-    QMessageBox box(QApplication::activeModalWidget() ? QApplication::activeModalWidget()
-                                                      : QApplication::activeWindow());
+    QMessageBox box(TopWindow());
     // Plain text, so that nothing a module or a path contains is taken for markup.
     box.setTextFormat(Qt::PlainText);
     box.setIcon(title.empty() ? QMessageBox::Information : QMessageBox::Warning);

@@ -4,7 +4,8 @@
 
 namespace kavro {
 
-/// Shows messages in modal message boxes with one OK button, over the window that is active.
+/// Shows messages in modal message boxes with one OK button, over the dialog
+/// that is up, or else the main window: never over the traffic window, which no operation belongs to.
 class MessageBoxes : public Messages {
 public:
     void Show(const std::string& text, const std::string& title = {}) override;

@@ -33,6 +33,7 @@ Program::Program(const Options& options, int endRequests)
           [this] { return std::make_unique<SimulatedPort>(simulatedLine_, clock_); }, ClosedPortAdvice),
       session_(registry_.Ports(), clock_), form_(session_, messages_, registry_, Openers()),
       ending_(endRequests, form_, session_) {
+    session_.Line.Listeners.push_back(&traffic_); // so that the window shows what happened before it opened
     session_.ConfigFilePath = ConfigFilePath(options.Demo);
     session_.MapFilePath = MapFilePath(options.Demo);
     session_.DecimalSeparator = LocaleDecimalSeparator();
@@ -49,8 +50,11 @@ DialogOpeners Program::Openers() {
     openers.Module = [this](ModuleDialog dialog, QWidget* parent) {
         OpenModuleDialog(dialog, session_, messages_, parent);
     };
-    openers.Terminal = [this](QWidget* parent) { TerminalForm(session_, messages_, parent).exec(); };
+    openers.Terminal = [this](QWidget* parent) {
+        TerminalForm(session_, messages_, parent, [this] { ShowTraffic(); }).exec();
+    };
     openers.Monitor = [this](QWidget* parent) { MonitorForm(session_, messages_, parent).exec(); };
+    openers.Traffic = [this] { ShowTraffic(); };
     openers.ReadMap = ReadMapFile;
     return openers;
 }
@@ -68,6 +72,12 @@ void Program::BeginRecording() {
             &form_, [this] { messages_.Show(recorder_->Failure(), "Error"); }, Qt::QueuedConnection);
     };
     session_.Line.Listeners.push_back(&*recorder_);
+}
+
+void Program::ShowTraffic() {
+    if (!trafficForm_)
+        trafficForm_ = std::make_unique<TrafficForm>(session_, registry_, traffic_);
+    trafficForm_->BringUp();
 }
 
 void Program::Start() {

@@ -9,7 +9,10 @@
 #include "ports/port_registry.h"
 #include "sim/simulated_line.h"
 #include "traffic/recorder.h"
+#include "traffic/traffic_form.h"
+#include "traffic/traffic_log.h"
 
+#include <memory>
 #include <optional>
 
 namespace kavro {
@@ -27,6 +30,7 @@ public:
 private:
     DialogOpeners Openers();
     void BeginRecording();
+    void ShowTraffic();
 
     Options options_;
     SteadyClock clock_;
@@ -34,8 +38,10 @@ private:
     SimulatedLine simulatedLine_;
     PortRegistry registry_;
     std::optional<Recorder> recorder_; // told by the session's line, which ends before it
+    TrafficLog traffic_;               // likewise
     Session session_;
     KavroForm form_;
+    std::unique_ptr<TrafficForm> trafficForm_; // from its first use on
     Ending ending_;
 };
 

@@ -1,5 +1,7 @@
 #include "app/window_focus.h"
 
+#include "app/top_window.h"
+
 #include <QApplication>
 #include <QEvent>
 #include <QPointer>
@@ -12,13 +14,15 @@ namespace kavro {
 
 namespace {
 
-// The dialog that is up now; else the window that the closed one belonged to; else, when that has closed as
-// well, any that is left.
+// The window that the closed one belonged to, or the dialog that is up over it; else, when that has closed as
+// well, or there was none, the same of the main window; else any that is left.
 QWidget* NextWindow(QWidget* parent) {
+    if (parent && parent->window()->isVisible())
+        return TopDialogOver(*parent->window());
+    if (QWidget* top = TopWindow())
+        return top;
     if (QWidget* dialog = QApplication::activeModalWidget())
         return dialog;
-    if (parent && parent->window()->isVisible())
-        return parent->window();
     const QWidgetList windows = QApplication::topLevelWidgets();
     const auto left = std::ranges::find_if(windows, &QWidget::isVisible);
     return left == windows.end() ? nullptr : *left;

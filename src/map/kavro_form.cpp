@@ -142,6 +142,8 @@ void KavroForm::BuildMenus() {
     AddItem(*network, "mnuComPort", "&ComPort...", &KavroForm::ComPort);
     AddItem(*network, "mnuSearch", "&Search...", &KavroForm::Search, QKeySequence::Find);
     AddItem(*network, "mnuRefresh", "&Refresh", &KavroForm::Refresh, Qt::Key_F5);
+    auto* traffic = network->addAction("&Traffic...", this, [this] { openers_.Traffic(); });
+    traffic->setObjectName("mnuTraffic");
     auto* operation = menuBar()->addMenu("&Operation");
     AddItem(*operation, "mnuTerminal", "&Terminal...", &KavroForm::Terminal);
     AddItem(*operation, "mnuConfiguration", "&Configuration...", &KavroForm::Configuration);

@@ -29,6 +29,8 @@ struct DialogOpeners {
     std::function<void(ModuleDialog dialog, QWidget* parent)> Module = [](ModuleDialog, QWidget*) {};
     std::function<void(QWidget* parent)> Terminal = [](QWidget*) {};
     std::function<void(QWidget* parent)> Monitor = [](QWidget*) {};
+    /// Brings the traffic window up, which is no dialog: it returns at once, and may be called at any time.
+    std::function<void()> Traffic = [] {};
     /// Reads a map file. Throws `RuntimeFailure` when it is none.
     std::function<ModuleMap(const std::string& path)> ReadMap = [](const std::string&) {
         return ModuleMap{};

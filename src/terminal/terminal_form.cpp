@@ -48,8 +48,10 @@ QString ProgressText(const RunProgress& progress) {
 
 } // namespace
 
-TerminalForm::TerminalForm(Session& session, Messages& messages, QWidget* parent)
-    : QDialog(parent), session_(session), messages_(messages), runner_(session, Events()) {
+TerminalForm::TerminalForm(Session& session, Messages& messages, QWidget* parent,
+                           std::function<void()> showTraffic)
+    : QDialog(parent), session_(session), messages_(messages), runner_(session, Events()),
+      showTraffic_(std::move(showTraffic)) {
     setObjectName("TerminalForm");
     setWindowTitle("Terminal Emulation");
     session.BatchRepeatCount = 1;
@@ -132,9 +134,14 @@ QHBoxLayout* TerminalForm::BuildCommandRow() {
     auto* repeat = Named(new QPushButton("Repeat &Command..."), "RepeatCmdBtn", "Repeat Command...");
     repeat->setAutoDefault(false);
     connect(repeat, &QPushButton::clicked, this, [this] { Operate([this] { RepeatCmdBtn_Click(); }); });
+    auto* traffic = Named(new QPushButton("&Traffic"), "TrafficBtn", "Traffic");
+    traffic->setAutoDefault(false);
+    traffic->setToolTip("All that passes on the line, further back than here.");
+    connect(traffic, &QPushButton::clicked, this, [this] { showTraffic_(); }); // also while a batch runs
     auto* row = new QHBoxLayout;
     row->addWidget(checkSumEnable_);
     row->addStretch(1);
+    row->addWidget(traffic);
     row->addWidget(repeat);
     return row;
 }

@@ -24,7 +24,9 @@ class LogPanel;
 /// then closes.
 class TerminalForm : public QDialog {
 public:
-    TerminalForm(Session& session, Messages& messages, QWidget* parent);
+    /// `showTraffic` brings the traffic window up, at any time, and returns at once.
+    TerminalForm(
+        Session& session, Messages& messages, QWidget* parent, std::function<void()> showTraffic = [] {});
 
     void reject() override; // Exit, Escape and the close button
 
@@ -43,6 +45,7 @@ private:
     Session& session_;
     Messages& messages_;
     CommandRunner runner_;
+    std::function<void()> showTraffic_;
     bool operating_ = false;  // while an operation runs; nothing can start a second one underneath it
     bool closeAsked_ = false; // the form was to be closed meanwhile
     ConsoleView* console_ = nullptr;

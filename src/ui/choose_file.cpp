@@ -1,6 +1,10 @@
 #include "ui/choose_file.h"
 
 #include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+
+#include <utility>
 
 namespace kavro {
 
@@ -14,10 +18,7 @@ QString Chosen(QFileDialog& dialog) {
     return dialog.selectedFiles().first();
 }
 
-} // namespace
-
-QString ChooseSaveFile(QWidget* parent, const SaveChoice& choice) {
-    QFileDialog dialog(parent, choice.Title);
+void OfferSaving(QFileDialog& dialog, const SaveChoice& choice) {
     dialog.setObjectName("SaveDialog");
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     // "*.*" would hide names without a point here; what matches is the last pair of brackets, unseen.
@@ -25,11 +26,47 @@ QString ChooseSaveFile(QWidget* parent, const SaveChoice& choice) {
     const QString kind = QString("%1 (*.%2) (*.%2)").arg(choice.Kind, choice.Suffix);
     dialog.setNameFilters({kind, AllFiles});
     dialog.setDefaultSuffix(choice.Suffix);
-    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, [&](const QString& filter) {
-        dialog.setDefaultSuffix(filter.startsWith(choice.Kind) ? choice.Suffix : QString());
-    });
+    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog,
+                     [&dialog, choice](const QString& filter) {
+                         dialog.setDefaultSuffix(filter.startsWith(choice.Kind) ? choice.Suffix : QString());
+                     });
     dialog.selectFile(choice.Name);
+}
+
+void AskToReplace(QWidget& parent, const QString& path,
+                  const std::function<void(const QString& path)>& chosen) {
+    auto* box = new QMessageBox(QMessageBox::Question, "Replace File",
+                                path + " already exists. Do you want to replace it?",
+                                QMessageBox::Yes | QMessageBox::No, &parent);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setObjectName("ReplaceBox");
+    box->setTextFormat(Qt::PlainText);
+    box->setDefaultButton(QMessageBox::No);
+    QObject::connect(box, &QMessageBox::accepted, &parent, [path, chosen] { chosen(path); });
+    box->open();
+}
+
+} // namespace
+
+QString ChooseSaveFile(QWidget* parent, const SaveChoice& choice) {
+    QFileDialog dialog(parent, choice.Title);
+    OfferSaving(dialog, choice);
     return Chosen(dialog);
+}
+
+void AskSaveFile(QWidget& parent, const SaveChoice& choice, std::function<void(const QString& path)> chosen) {
+    auto* dialog = new QFileDialog(&parent, choice.Title);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    OfferSaving(*dialog, choice);
+    dialog->setOption(QFileDialog::DontConfirmOverwrite); // its question would be waited for
+    QObject::connect(dialog, &QFileDialog::fileSelected, &parent,
+                     [&parent, chosen = std::move(chosen)](const QString& path) {
+                         if (QFileInfo::exists(path))
+                             AskToReplace(parent, path, chosen);
+                         else
+                             chosen(path);
+                     });
+    dialog->open();
 }
 
 QString ChooseOpenFile(QWidget* parent, const OpenChoice& choice) {

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 class QWidget;
 
 namespace kavro {
@@ -18,6 +20,10 @@ struct SaveChoice {
 /// Shows the save dialog `SaveDialog` for files of one kind, or for all files, which get no suffix. Empty
 /// when it is cancelled.
 QString ChooseSaveFile(QWidget* parent, const SaveChoice& choice);
+
+/// The same without waiting: returns at once, and calls `chosen` unless the dialog is cancelled. It holds up
+/// `parent` alone, for windows that stand beside an operation.
+void AskSaveFile(QWidget& parent, const SaveChoice& choice, std::function<void(const QString& path)> chosen);
 
 /// What an open dialog offers.
 struct OpenChoice {

@@ -1,0 +1,29 @@
+#include "traffic/traffic_filter.h"
+
+#include <algorithm>
+
+namespace kavro {
+
+namespace {
+
+char LowerCase(char character) {
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+}
+
+bool Holds(const std::string& text, const std::string& part) {
+    const auto same = [](char left, char right) { return LowerCase(left) == LowerCase(right); };
+    return !std::ranges::search(text, part, same).empty();
+}
+
+} // namespace
+
+bool Passes(const TrafficFilter& filter, const TrafficRow& row, const KnownModules& known, bool hex) {
+    if (filter.OnlyFailed && !row.Failed())
+        return false;
+    if (filter.Address && AddressIn(row.Sent) != filter.Address)
+        return false;
+    return filter.Text.empty() || Holds(BytesText(row.Sent, hex), filter.Text) ||
+           Holds(BytesText(row.Received, hex), filter.Text) || Holds(WordsText(row, known), filter.Text);
+}
+
+} // namespace kavro
