@@ -21,6 +21,8 @@ echo
 echo
 "$build/bench/late_bench" 20000
 echo
+"$build/bench/traffic_bench"
+echo
 "$build/bench/damage_bench"
 echo
 "$build/bench/reader_fuzz" 1 10

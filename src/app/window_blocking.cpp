@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QEvent>
+#include <QWindow>
 
 namespace kavro {
 
@@ -16,8 +17,15 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (event->type() == QEvent::Polish)
             if (auto* dialog = qobject_cast<QDialog*>(watched); dialog && dialog->parentWidget())
-                dialog->setWindowModality(Qt::WindowModal);
+                Restrict(*dialog);
         return QObject::eventFilter(watched, event);
+    }
+
+private:
+    static void Restrict(QDialog& dialog) {
+        dialog.setWindowModality(Qt::WindowModal);
+        if (QWindow* window = dialog.windowHandle()) // made already, and not told by the dialog
+            window->setModality(Qt::WindowModal);
     }
 };
 

@@ -1,5 +1,7 @@
 #include "traffic/traffic_filter.h"
 
+#include "link/line.h"
+
 #include <algorithm>
 
 namespace kavro {

@@ -1,5 +1,6 @@
 #include "traffic/traffic_text.h"
 
+#include "link/line.h"
 #include "link/text.h"
 #include "traffic/recording.h"
 
@@ -89,13 +90,6 @@ std::string BytesText(std::string_view bytes, bool hex) {
         text += Digits[code & 0xFU];
     }
     return text;
-}
-
-std::optional<int> AddressIn(std::string_view sent) {
-    if (sent.size() < 3)
-        return std::nullopt;
-    const auto address = HexNumber(sent.substr(1, 2));
-    return address ? std::optional(static_cast<int>(*address)) : std::nullopt;
 }
 
 std::string AddressText(int address) {

@@ -5,7 +5,6 @@
 
 #include <array>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -25,9 +24,6 @@ struct TrafficStyle {
 
 /// Bytes as they are shown.
 std::string BytesText(std::string_view bytes, bool hex);
-
-/// The address that a command names, 0 to 255; nothing where there is none.
-std::optional<int> AddressIn(std::string_view sent);
 
 /// "11 (0BH)".
 std::string AddressText(int address);
