@@ -1,0 +1,59 @@
+#include "traffic/check_commands.h"
+
+#include "link/codes.h"
+#include "link/text.h"
+#include "map/command_forms.h"
+#include "map/reply_forms.h"
+
+#include <bit>
+
+namespace kavro {
+
+namespace {
+
+struct ReadingCommand {
+    std::int16_t Family;
+    char Lead;
+    std::string_view Tail;
+    std::string_view Suffix = {}; // of this model alone; empty: of the others of the family
+};
+
+// Not the counter's overflow, and no alarm state: a module may take having told them for seen.
+constexpr ReadingCommand ReadingCommands[] = {
+    {DigitalIo, '$', "8", "460"}, {DigitalIo, '$', "6"},           {AnalogInput, '#', ""},
+    {MultiAnalogInput, '$', "6"}, {AnalogOutput, '$', "6", "310"}, {AnalogOutput, '$', "6A"},
+    {CounterFrequency, '#', "0"}, {Converter, '$', "F"},
+};
+
+CheckCommand Command(const std::string& model, char lead, std::string_view tail, bool lasting) {
+    return {lead, std::string(tail), ReplyFormOf(model, lead, tail), lasting};
+}
+
+} // namespace
+
+std::vector<CheckCommand> CheckCommandsOf(const Session& session, int index) {
+    const std::string& model = session.ModuleTable[index].Model;
+    const std::int16_t family = ModuleFamily(model);
+    if (family == UnknownFamily) // of which nothing is known but that it tells its model, whatever that is
+        return {{'$', "M", "!AAT", true}};
+    std::vector<CheckCommand> commands = {Command(model, '$', "2", true), Command(model, '$', "M", true)};
+    for (const ReadingCommand& reading : ReadingCommands)
+        if (reading.Family == family && (reading.Suffix.empty() || reading.Suffix == ModelSuffix(model))) {
+            commands.push_back(Command(model, reading.Lead, reading.Tail, false));
+            break;
+        }
+    return commands;
+}
+
+std::optional<CheckCommand> ChannelReading(const Session& session, int index, const CheckCommand& command,
+                                           std::string_view reply) {
+    const std::string& model = session.ModuleTable[index].Model;
+    if (ModuleFamily(model) != MultiAnalogInput || command.Tail != "6")
+        return std::nullopt;
+    const auto mask = HexNumber(ReplyData(reply, command.Form));
+    if (!mask || *mask == 0)
+        return std::nullopt;
+    return Command(model, '#', std::to_string(std::countr_zero(*mask)), false);
+}
+
+} // namespace kavro
