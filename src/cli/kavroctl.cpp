@@ -1,5 +1,6 @@
 #include "cli/kavroctl.h"
 
+#include "cli/check_command.h"
 #include "cli/cli_options.h"
 #include "cli/cli_text.h"
 #include "cli/config_command.h"
@@ -35,6 +36,8 @@ constexpr Subcommand Subcommands[] = {
     {"config", "Show or change the settings of a module.", INT_MAX, AddConfigOptions, PrepareConfig},
     {"read", "Read the values of a module.", 1, AddReadOptions, PrepareRead},
     {"monitor", "Read the modules of a line in rounds.", 0, AddMonitorOptions, PrepareMonitor},
+    {"check", "Ask the modules of a line again and again, and tell what is wrong.", 0, AddCheckOptions,
+     PrepareCheck},
     {"output", "Drive outputs of a module.", INT_MAX, AddOutputOptions, PrepareOutput},
     {"listen", "Show what another master says, and send nothing.", 0, AddListenOptions, PrepareListen},
     {"traffic", "Print a recording of a line in words.", 1, AddTrafficOptions, PrepareTraffic, false},

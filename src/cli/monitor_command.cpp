@@ -6,7 +6,6 @@
 #include "cli/search_options.h"
 #include "cli/search_run.h"
 #include "diag/monitor.h"
-#include "link/network_address.h"
 #include "link/runtime_failure.h"
 
 #include <QCommandLineParser>
@@ -23,19 +22,6 @@ constexpr int MostRounds = INT32_MAX / ModuleTable::Size;
 
 bool AnyFailed(const std::vector<ChannelValue>& values) {
     return std::ranges::any_of(values, IsMissing);
-}
-
-// Fills the map by a search; an exit code unless all of the line was searched.
-int SearchModules(CliSession& cli, SearchOptions options) {
-    Session& session = cli.Session;
-    options.OneRate = RateIsFixed(cli.Device());
-    const SearchResult result = SearchLine(session, options);
-    if (!result.PortFailure.empty())
-        throw RuntimeFailure(result.PortFailure);
-    if (result.CameToItsEnd())
-        return ExitSuccess;
-    PrintNote("Stopped while searching the line.");
-    return ExitNothingFound;
 }
 
 } // namespace

@@ -24,8 +24,8 @@ bool StandardErrorIsTerminal() {
 
 } // namespace
 
-SearchProgress::SearchProgress(const LineSearch& search)
-    : search_(search), isTerminal_(StandardErrorIsTerminal()) {}
+SearchProgress::SearchProgress(const SearchForecast& forecast)
+    : forecast_(forecast), isTerminal_(StandardErrorIsTerminal()) {}
 
 SearchProgress::~SearchProgress() {
     Write("");
@@ -38,7 +38,7 @@ void SearchProgress::Show(const std::string& place) {
 }
 
 std::string SearchProgress::TimeLeft() const {
-    const std::int64_t seconds = (search_.Forecast().LeftMs() + 500) / 1000;
+    const std::int64_t seconds = (forecast_.LeftMs() + 500) / 1000;
     return "about " + std::to_string(seconds / 60) + ":" + PadLeft(std::to_string(seconds % 60), 2, '0') +
            " left";
 }

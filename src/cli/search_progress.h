@@ -1,16 +1,16 @@
 #pragma once
 
-#include "map/line_search.h"
+#include "map/search_forecast.h"
 
 #include <string>
 
 namespace kavro {
 
-/// The progress of a search as one line on standard error that is written anew; nothing when standard error
-/// is not a terminal.
+/// The progress of a search, or of a check, as one line on standard error that is written anew; nothing when
+/// standard error is not a terminal.
 class SearchProgress {
 public:
-    explicit SearchProgress(const LineSearch& search);
+    explicit SearchProgress(const SearchForecast& forecast);
 
     /// Takes the line off the terminal.
     ~SearchProgress();
@@ -26,7 +26,7 @@ private:
     std::string TimeLeft() const;
     void Write(const std::string& text);
 
-    const LineSearch& search_;
+    const SearchForecast& forecast_;
     const bool isTerminal_;
     std::size_t shownWidth_ = 0;
 };

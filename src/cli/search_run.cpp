@@ -5,6 +5,8 @@
 #include "cli/interrupt.h"
 #include "cli/search_kinds.h"
 #include "cli/search_progress.h"
+#include "cli/subcommand.h"
+#include "link/network_address.h"
 #include "link/runtime_failure.h"
 #include "map/search_times.h"
 
@@ -84,7 +86,7 @@ SearchResult SearchLine(Session& session, const SearchOptions& options) {
         progress->Show(kind.Progress(place));
     };
     search = kind.Make(session, options, events);
-    progress.emplace(*search);
+    progress.emplace(search->Forecast());
     SearchResult result;
     bool interrupted = false;
     try {
@@ -99,6 +101,18 @@ SearchResult SearchLine(Session& session, const SearchOptions& options) {
         result.Stopped = kind.Stopped(place);
     TellFindings(search->Findings());
     return result;
+}
+
+int SearchModules(CliSession& cli, SearchOptions options) {
+    Session& session = cli.Session;
+    options.OneRate = RateIsFixed(cli.Device());
+    const SearchResult result = SearchLine(session, options);
+    if (!result.PortFailure.empty())
+        throw RuntimeFailure(result.PortFailure);
+    if (result.CameToItsEnd())
+        return ExitSuccess;
+    PrintNote("Stopped while searching the line.");
+    return ExitNothingFound;
 }
 
 } // namespace kavro

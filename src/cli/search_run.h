@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/cli_session.h"
 #include "cli/search_options.h"
 #include "map/session.h"
 
@@ -18,5 +19,9 @@ struct SearchResult {
 /// Searches the open port, or refreshes the modules of the session, with progress and what else there is to
 /// tell on standard error, until Ctrl+C.
 SearchResult SearchLine(Session& session, const SearchOptions& options);
+
+/// The same for a command that then works with the modules found. An exit code unless the search came to its
+/// end, which is told; throws `RuntimeFailure` when the port failed.
+int SearchModules(CliSession& cli, SearchOptions options);
 
 } // namespace kavro
