@@ -9,6 +9,7 @@
 #include "sim/demo_line.h"
 #include "sim/simulated_port.h"
 #include "terminal/terminal_form.h"
+#include "traffic/line_check_form.h"
 
 #include <QLocale>
 
@@ -55,6 +56,7 @@ DialogOpeners Program::Openers() {
     };
     openers.Monitor = [this](QWidget* parent) { MonitorForm(session_, messages_, parent).exec(); };
     openers.Traffic = [this] { ShowTraffic(); };
+    openers.LineCheck = [this](QWidget* parent) { LineCheckForm(session_, messages_, parent).exec(); };
     openers.ReadMap = ReadMapFile;
     return openers;
 }

@@ -144,6 +144,7 @@ void KavroForm::BuildMenus() {
     AddItem(*network, "mnuRefresh", "&Refresh", &KavroForm::Refresh, Qt::Key_F5);
     auto* traffic = network->addAction("&Traffic...", this, [this] { openers_.Traffic(); });
     traffic->setObjectName("mnuTraffic");
+    AddItem(*network, "mnuLineCheck", "&Line Check...", &KavroForm::CheckLine);
     auto* operation = menuBar()->addMenu("&Operation");
     AddItem(*operation, "mnuTerminal", "&Terminal...", &KavroForm::Terminal);
     AddItem(*operation, "mnuConfiguration", "&Configuration...", &KavroForm::Configuration);
@@ -277,6 +278,10 @@ void KavroForm::Search() {
 
 void KavroForm::Refresh() {
     network_->Refresh(this);
+}
+
+void KavroForm::CheckLine() {
+    openers_.LineCheck(this);
 }
 
 void KavroForm::OpenMap() {

@@ -31,6 +31,7 @@ struct DialogOpeners {
     std::function<void(QWidget* parent)> Monitor = [](QWidget*) {};
     /// Brings the traffic window up, which is no dialog: it returns at once, and may be called at any time.
     std::function<void()> Traffic = [] {};
+    std::function<void(QWidget* parent)> LineCheck = [](QWidget*) {};
     /// Reads a map file. Throws `RuntimeFailure` when it is none.
     std::function<ModuleMap(const std::string& path)> ReadMap = [](const std::string&) {
         return ModuleMap{};
@@ -73,6 +74,7 @@ private:
     void Search();
     void Refresh();
     void OpenMap();
+    void CheckLine();
     void TrySimulatedLine();
     void Terminal();
     void Configuration();

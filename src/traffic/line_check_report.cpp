@@ -2,6 +2,7 @@
 
 #include "link/text.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace kavro {
@@ -12,7 +13,6 @@ constexpr std::size_t Width = 100;
 constexpr const char* Heading =
     "Address  Model     Sent  Complete  Silent  Damaged  Refused  Stray    Least   Median     95 %     Most";
 constexpr std::size_t CountWidth = 9;
-constexpr const char* NothingWrong = "Nothing is wrong.";
 
 std::string ModuleLine(const ModuleCheck& module) {
     std::string line = PadLeft(std::to_string(module.Address), 7) + "  " + FixedText(module.Model, 6);
@@ -38,6 +38,12 @@ void AddWrapped(std::vector<std::string>& lines, std::string text) {
 }
 
 } // namespace
+
+const char* NoFindingsText(const LineCheckResult& result) {
+    const bool asked =
+        std::ranges::any_of(result.Modules, [](const ModuleCheck& module) { return module.Sent > 0; });
+    return asked ? "Nothing is wrong." : "No module was asked.";
+}
 
 std::string MsText(double milliseconds) {
     return FormatNumber(milliseconds, 1, 1);
@@ -78,7 +84,7 @@ std::vector<std::string> ReportLines(const LineCheckResult& result,
     for (const LineFinding& finding : findings)
         AddWrapped(lines, FindingText(finding));
     if (findings.empty())
-        lines.emplace_back(NothingWrong);
+        lines.emplace_back(NoFindingsText(result));
     return lines;
 }
 

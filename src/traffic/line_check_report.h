@@ -23,6 +23,9 @@ std::string LineText(const LineCheckResult& result);
 /// How far it came, when it did not come to its end; else empty.
 std::string UnfinishedText(const LineCheckResult& result);
 
+/// What is said when there are no findings.
+const char* NoFindingsText(const LineCheckResult& result);
+
 /// Milliseconds as they are shown: "16.2".
 std::string MsText(double milliseconds);
 
