@@ -148,11 +148,12 @@ CommandAction PrepareCheck(const QCommandLineParser& parser) {
     if (hasMap)
         UseMap(cli->Session, parser.value("map").toStdString());
     return [=] {
-        cli->OpenPort();
-        if (!hasMap)
-            if (const int exit = SearchModules(*cli, search); exit != ExitSuccess)
-                return exit;
-        return CheckModules(cli->Session, passes, json);
+        return cli->Run([&] {
+            if (!hasMap)
+                if (const int exit = SearchModules(*cli, search); exit != ExitSuccess)
+                    return exit;
+            return CheckModules(cli->Session, passes, json);
+        });
     };
 }
 
