@@ -145,7 +145,7 @@ struct Bench {
         session.ReplaceFile = [](const std::string&, const std::string&) {};
         const NoDevices devices;
         const double before = ResidentMb();
-        TrafficForm form(session, devices, Log);
+        TrafficForm form(session, devices, Log, [] { return false; });
         const auto rows = [&form] { return form.findChild<QAbstractItemView*>()->model()->rowCount(); };
         const auto quiet = [&form] { return !Find<QWidget>(form, "Progress").isVisible(); };
         Turns(

@@ -2,6 +2,7 @@
 
 #include "app/module_dialogs.h"
 #include "diag/monitor_form.h"
+#include "link/network_address.h"
 #include "ports/map_reader.h"
 #include "ports/preferences_file.h"
 #include "ports/replace_file.h"
@@ -10,6 +11,7 @@
 #include "sim/simulated_port.h"
 #include "terminal/terminal_form.h"
 #include "traffic/line_check_form.h"
+#include "traffic/listen_form.h"
 
 #include <QLocale>
 
@@ -57,6 +59,10 @@ DialogOpeners Program::Openers() {
     openers.Monitor = [this](QWidget* parent) { MonitorForm(session_, messages_, parent).exec(); };
     openers.Traffic = [this] { ShowTraffic(); };
     openers.LineCheck = [this](QWidget* parent) { LineCheckForm(session_, messages_, parent).exec(); };
+    openers.Listen = [this](QWidget* parent) {
+        const bool rateIsFixed = RateIsFixed(registry_.Device(session_.Line.CurrentPort));
+        ListenForm(session_, messages_, rateIsFixed, parent).exec();
+    };
     openers.ReadMap = ReadMapFile;
     return openers;
 }
@@ -78,7 +84,7 @@ void Program::BeginRecording() {
 
 void Program::ShowTraffic() {
     if (!trafficForm_)
-        trafficForm_ = std::make_unique<TrafficForm>(session_, registry_, traffic_);
+        trafficForm_ = std::make_unique<TrafficForm>(session_, registry_, traffic_, [this] { return form_.ListenOnly(); });
     trafficForm_->BringUp();
 }
 

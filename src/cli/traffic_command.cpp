@@ -24,7 +24,7 @@ KnownModules ModulesOf(const std::string& mapPath) {
     return KnownModules(session);
 }
 
-int PrintTraffic(const Recording& recording, const KnownModules& known, const TrafficFilter& filter,
+int PrintTraffic(const Recording& recording, const KnownModules& known, const PrintFilter& filter,
                  bool json) {
     TrafficPrinter printer(json, known, filter);
     for (const LineTraffic& traffic : recording.Traffic)
@@ -57,7 +57,7 @@ CommandAction PrepareTraffic(const QCommandLineParser& parser) {
     const QStringList arguments = parser.positionalArguments();
     if (arguments.isEmpty())
         throw RuntimeFailure("Give the recording to print. See kavroctl traffic --help.");
-    TrafficFilter filter;
+    PrintFilter filter;
     filter.Failures = parser.isSet("failures");
     if (parser.isSet("address"))
         filter.Address = ParseAddress(parser.value("address").toStdString());

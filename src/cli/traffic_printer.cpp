@@ -48,7 +48,7 @@ std::string JsonRow(const LineTraffic& traffic, bool tellEcho, const ExchangeWor
 
 } // namespace
 
-TrafficPrinter::TrafficPrinter(bool json, KnownModules known, const TrafficFilter& filter)
+TrafficPrinter::TrafficPrinter(bool json, KnownModules known, const PrintFilter& filter)
     : json_(json), known_(std::move(known)), filter_(filter), rows_(json) {}
 
 void TrafficPrinter::Print(const LineTraffic& traffic) {

@@ -9,7 +9,7 @@
 namespace kavro {
 
 /// What is printed of the traffic on a line.
-struct TrafficFilter {
+struct PrintFilter {
     std::optional<int> Address; ///< nothing: all
     bool Failures = false;      ///< only what is amiss
 };
@@ -18,7 +18,7 @@ struct TrafficFilter {
 /// objects as a recording has them, with "address", "asked" and "answered" behind.
 class TrafficPrinter {
 public:
-    TrafficPrinter(bool json, KnownModules known, const TrafficFilter& filter = {});
+    TrafficPrinter(bool json, KnownModules known, const PrintFilter& filter = {});
 
     /// Throws `RuntimeFailure` when standard output cannot be written.
     void Print(const LineTraffic& traffic);
@@ -32,7 +32,7 @@ public:
 private:
     const bool json_;
     KnownModules known_; // learns from what passes
-    const TrafficFilter filter_;
+    const PrintFilter filter_;
     RowPrinter rows_;
     bool echoTold_ = false;
 };

@@ -284,6 +284,17 @@ void KavroForm::CheckLine() {
     openers_.LineCheck(this);
 }
 
+void KavroForm::Listen() {
+    openers_.Listen(this);
+}
+
+bool KavroForm::ListenOnly() {
+    if (running_)
+        return false;
+    Run(&KavroForm::Listen);
+    return true;
+}
+
 void KavroForm::OpenMap() {
     network_->Open(this);
 }

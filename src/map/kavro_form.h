@@ -32,6 +32,7 @@ struct DialogOpeners {
     /// Brings the traffic window up, which is no dialog: it returns at once, and may be called at any time.
     std::function<void()> Traffic = [] {};
     std::function<void(QWidget* parent)> LineCheck = [](QWidget*) {};
+    std::function<void(QWidget* parent)> Listen = [](QWidget*) {};
     /// Reads a map file. Throws `RuntimeFailure` when it is none.
     std::function<ModuleMap(const std::string& path)> ReadMap = [](const std::string&) {
         return ModuleMap{};
@@ -47,6 +48,10 @@ public:
     /// The start-up: reads COM.CFG and opens the port (or `startPort` in place of the port that the file
     /// names), with its messages and, on failure, the COM Port dialog.
     void Load(std::optional<std::int16_t> startPort);
+
+    /// Only listens to the line, in a dialog of its own; returns when that has closed. False when an
+    /// operation is going on, as nothing else may use the line meanwhile.
+    bool ListenOnly();
 
     /// Whether an operation, or the start-up, is going on.
     bool Running() const { return running_; }
@@ -75,6 +80,7 @@ private:
     void Refresh();
     void OpenMap();
     void CheckLine();
+    void Listen();
     void TrySimulatedLine();
     void Terminal();
     void Configuration();

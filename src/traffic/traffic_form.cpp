@@ -27,6 +27,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace kavro {
 
@@ -61,8 +62,9 @@ void TrafficForm::Notice::Show(const std::string& text, const std::string& /*tit
     Place->Tell(QString::fromStdString(text));
 }
 
-TrafficForm::TrafficForm(Session& session, const PortDevices& devices, TrafficLog& log)
-    : session_(session), devices_(devices), log_(log) {
+TrafficForm::TrafficForm(Session& session, const PortDevices& devices, TrafficLog& log,
+                         std::function<bool()> listenOnly)
+    : session_(session), devices_(devices), log_(log), listenOnly_(std::move(listenOnly)) {
     setObjectName("TrafficForm");
     setWindowTitle("Traffic");
     model_ = new TrafficModel(session, log);
@@ -129,6 +131,8 @@ QHBoxLayout* TrafficForm::BuildTools() {
     save_ = AddTool(*toolRow_, "SaveBtn", "&Save...", &TrafficForm::Save);
     save_->setToolTip("The rows that are shown, to a file.");
     clear_ = AddTool(*toolRow_, "ClearBtn", "C&lear", &TrafficForm::Clear);
+    AddTool(*toolRow_, "ListenOnlyBtn", "Listen &Only...", &TrafficForm::ListenOnly)
+        ->setToolTip("Show what another master and its modules say, and send nothing.");
     toolRow_->addWidget(&record_->Place());
     toolRow_->addStretch(1);
     return toolRow_;
@@ -175,6 +179,11 @@ QHBoxLayout* TrafficForm::BuildFoot() {
     row->addWidget(progress_);
     row->addWidget(close);
     return row;
+}
+
+void TrafficForm::ListenOnly() {
+    if (!listenOnly_())
+        notice_.Show("The line is in use. Close the other windows of the program first.", {});
 }
 
 void TrafficForm::BringUp() {

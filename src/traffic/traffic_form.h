@@ -9,6 +9,7 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <functional>
 #include <optional>
 
 class QComboBox;
@@ -33,8 +34,10 @@ class TrafficTable;
 /// slices between turns of the event loop.
 class TrafficForm : public QWidget {
 public:
-    /// `log` must outlive the window.
-    TrafficForm(Session& session, const PortDevices& devices, TrafficLog& log);
+    /// `log` must outlive the window. `listenOnly` opens the dialog that only listens to the line, and returns
+    /// when it has closed; false when something else uses the line.
+    TrafficForm(Session& session, const PortDevices& devices, TrafficLog& log,
+                std::function<bool()> listenOnly);
     ~TrafficForm() override;
 
     /// Shows the window, where it stood before, and in front of the others.
@@ -66,12 +69,14 @@ private:
     void SaveAs(TrafficFile file);
     void SaveTo(const QString& path, TrafficFile file);
     void Clear();
+    void ListenOnly();
     void OfferAddresses();
     void ShowState(bool caughtUp);
 
     Session& session_;
     const PortDevices& devices_;
     TrafficLog& log_;
+    std::function<bool()> listenOnly_;
     Notice notice_;
     QTimer ticks_;
     TrafficModel* model_ = nullptr;

@@ -28,7 +28,7 @@ TEST(WindowBlocking, LeavesTheTrafficWindowUsable) {
     MessageBoxes boxes;
     TrafficLog log;
     KavroForm main(test.Session, boxes, devices, {});
-    TrafficForm traffic(test.Session, devices, log);
+    TrafficForm traffic(test.Session, devices, log, [] { return true; });
     main.show();
     traffic.BringUp();
     const Blocking mainState(main), trafficState(traffic);

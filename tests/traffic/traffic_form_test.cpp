@@ -18,7 +18,7 @@ struct TrafficFormTest : testing::Test {
         Test.Session.Line.Listeners.push_back(&Log);
         for (int i = 0; i < 100; ++i)
             Pass(i);
-        Form.emplace(Test.Session, Devices, Log);
+        Form.emplace(Test.Session, Devices, Log, [this] { return !LineInUse; });
         Form->BringUp();
         EXPECT_TRUE(Wait([this] { return Rows() == 100; }));
     }
@@ -63,6 +63,7 @@ struct TrafficFormTest : testing::Test {
     SimulatedSession Test;
     FakeDevices Devices;
     TrafficLog Log;
+    bool LineInUse = false;
     std::optional<TrafficForm> Form;
 };
 
@@ -106,6 +107,14 @@ TEST_F(TrafficFormTest, FollowsFiltersAndPauses) {
     Form->close();
     Click(*Form, "ClearBtn");
     EXPECT_EQ(Rows(), 0);
+}
+
+TEST_F(TrafficFormTest, ListensOnlyWhileNothingElseUsesTheLine) {
+    for (const bool inUse : {true, false}) {
+        LineInUse = inUse;
+        Click(*Form, "ListenOnlyBtn");
+        EXPECT_EQ(Find<QLabel>(*Form, "Notice").text().startsWith("The line is in use."), inUse);
+    }
 }
 
 TEST_F(TrafficFormTest, CopiesSavesAndRecords) {
