@@ -216,7 +216,6 @@ void TrafficForm::closeEvent(QCloseEvent* event) {
 
 void TrafficForm::Tick() {
     const bool caughtUp = table_->Advance(SliceMs);
-    record_->Look();
     OfferAddresses();
     ShowState(caughtUp);
     ticks_.start(caughtUp ? LookMs : 0);

@@ -38,14 +38,20 @@ void RecordButton::Start(const QString& path) {
                                                          .Port = port,
                                                          .Device = devices_.Device(port)},
                                            RecorderOptions{.Overwrite = true});
+    // Told between transactions; a message in a window that is closed would not be seen.
+    recorder_->Failed = [this] { QMetaObject::invokeMethod(this, [this] { Fail(); }, Qt::QueuedConnection); };
     session_.Line.Listeners.push_back(recorder_.get());
     Show();
 }
 
 void RecordButton::Stop() {
     std::erase(session_.Line.Listeners, recorder_.get());
+    recorder_->End();
+    const std::string failure = recorder_->Failure();
     recorder_.reset();
     Show();
+    if (!failure.empty())
+        messages_.Show(failure, "Error");
 }
 
 void RecordButton::Show() {
@@ -55,12 +61,11 @@ void RecordButton::Show() {
     place_->setText(recorder_ ? "Recording to " + QString::fromStdString(recorder_->Path()) : "");
 }
 
-void RecordButton::Look() {
+void RecordButton::Fail() {
     if (!recorder_ || recorder_->Failure().empty())
-        return;
-    const std::string failure = recorder_->Failure();
+        return; // it was stopped meanwhile, and has told it then
+    window()->show();
     Stop();
-    messages_.Show(failure, "Error");
 }
 
 bool RecordButton::Records(const QString& path) const {

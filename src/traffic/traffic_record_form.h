@@ -23,9 +23,6 @@ public:
     /// The file that is being recorded to, which stands in the window: for its layout.
     QLabel& Place() { return *place_; }
 
-    /// To be called now and then: tells when the file has failed.
-    void Look();
-
     /// Whether that is the file being written.
     bool Records(const QString& path) const;
 
@@ -33,6 +30,7 @@ private:
     void Toggle();
     void Start(const QString& path);
     void Stop();
+    void Fail();
     void Show();
 
     Session& session_;
