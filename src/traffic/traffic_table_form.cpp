@@ -22,7 +22,7 @@ constexpr std::array<const char*, 8> Samples = {"00:00:00.000", "+000.000",     
 constexpr int CellMargins = 12; // pixels
 constexpr int RowMargins = 4;
 constexpr int ShownRows = 20;
-constexpr int WordsColumns = 46; // characters
+constexpr int WordsColumns = 60; // characters
 
 } // namespace
 
