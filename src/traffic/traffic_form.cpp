@@ -23,6 +23,7 @@
 #include <QMenu>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QShortcut>
 #include <QVBoxLayout>
 
@@ -75,7 +76,9 @@ TrafficForm::TrafficForm(Session& session, const PortDevices& devices, TrafficLo
     connect(close, &QShortcut::activated, this, &QWidget::close);
     auto* find = new QShortcut(QKeySequence::Find, this);
     connect(find, &QShortcut::activated, this, [this] { text_->setFocus(); });
+    setMinimumWidth(std::min(sizeHint().width(), screen()->availableSize().width() * 9 / 10));
     CenterForm(*this);
+    setMinimumWidth(0); // so wide at first, as a window takes two thirds of the screen by itself
 }
 
 TrafficForm::~TrafficForm() = default;
@@ -147,7 +150,7 @@ QHBoxLayout* TrafficForm::BuildFilter() {
     outcome_->addItems({"everything", "only what failed"});
     connect(outcome_, &QComboBox::currentIndexChanged, this, [this] { ApplyFilter(); });
     text_ = Named(new QLineEdit, "TextFilter", "Text in commands, replies or words");
-    text_->setPlaceholderText("text in commands, replies or words");
+    text_->setToolTip("Text in commands, replies or words.");
     text_->setClearButtonEnabled(true);
     connect(text_, &QLineEdit::textChanged, this, [this] { ApplyFilter(); });
     auto* hex = Named(new QCheckBox("He&xadecimal"), "HexCheck", "Hexadecimal");
@@ -159,6 +162,7 @@ QHBoxLayout* TrafficForm::BuildFilter() {
     row->addWidget(new QLabel("Show:"));
     row->addWidget(address_);
     row->addWidget(outcome_);
+    row->addWidget(new QLabel("Text:"));
     row->addWidget(text_, 1);
     row->addWidget(hex);
     return row;

@@ -39,7 +39,10 @@ void RecordButton::Start(const QString& path) {
                                                          .Device = devices_.Device(port)},
                                            RecorderOptions{.Overwrite = true});
     // Told between transactions; a message in a window that is closed would not be seen.
-    recorder_->Failed = [this] { QMetaObject::invokeMethod(this, [this] { Fail(); }, Qt::QueuedConnection); };
+    recorder_->Failed = [this] {
+        QMetaObject::invokeMethod(
+            this, [this] { Fail(); }, Qt::QueuedConnection);
+    };
     session_.Line.Listeners.push_back(recorder_.get());
     Show();
 }

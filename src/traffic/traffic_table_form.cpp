@@ -41,7 +41,6 @@ TrafficTable::TrafficTable(TrafficModel& model) : model_(model) {
     verticalHeader()->setDefaultSectionSize(std::max(metrics.height(), QFontMetrics(font()).height()) +
                                             RowMargins);
     horizontalHeader()->setHighlightSections(false);
-    horizontalHeader()->setStretchLastSection(true);
     int width = 0;
     for (std::size_t i = 0; i < Samples.size(); ++i) {
         setColumnWidth(static_cast<int>(i), metrics.horizontalAdvance(Samples[i]) + CellMargins);
@@ -55,6 +54,14 @@ TrafficTable::TrafficTable(TrafficModel& model) : model_(model) {
         if (!moving_)
             following_ = value == verticalScrollBar()->maximum();
     });
+}
+
+// The words take what is left, but never less than they need.
+void TrafficTable::resizeEvent(QResizeEvent* event) {
+    const int last = model_.columnCount() - 1;
+    const int left = viewport()->width() - columnViewportPosition(last) - horizontalOffset();
+    setColumnWidth(last, std::max(left, fontMetrics().averageCharWidth() * WordsColumns));
+    QTableView::resizeEvent(event);
 }
 
 bool TrafficTable::Advance(int milliseconds) {

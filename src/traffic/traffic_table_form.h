@@ -30,6 +30,9 @@ public:
 
     QSize sizeHint() const override { return preferred_; }
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     void GoTo(int row);
     void Return();
