@@ -14,7 +14,7 @@ char LowerCase(char character) {
 
 bool Holds(const std::string& text, const std::string& part) {
     const auto same = [](char left, char right) { return LowerCase(left) == LowerCase(right); };
-    return !std::ranges::search(text, part, same).empty();
+    return std::search(text.begin(), text.end(), part.begin(), part.end(), same) != text.end();
 }
 
 } // namespace

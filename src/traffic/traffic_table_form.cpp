@@ -48,7 +48,8 @@ TrafficTable::TrafficTable(TrafficModel& model) : model_(model) {
     }
     setMinimumSize(fontMetrics().averageCharWidth() * WordsColumns,
                    verticalHeader()->defaultSectionSize() * 5);
-    preferred_ = {width + fontMetrics().averageCharWidth() * WordsColumns,
+    preferred_ = {width + verticalScrollBar()->sizeHint().width() + 2 * frameWidth() +
+                      fontMetrics().averageCharWidth() * WordsColumns,
                   verticalHeader()->defaultSectionSize() * ShownRows};
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this, [this](int value) {
         if (!moving_)

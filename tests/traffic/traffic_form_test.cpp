@@ -48,6 +48,7 @@ struct TrafficFormTest : testing::Test {
 
     // Answers the file dialog that `button`, or an entry of the menu behind it, brings up.
     void Choose(const QString& button, const QString& entry, const std::string& path) {
+        EXPECT_TRUE(Wait([&] { return Find<QWidget>(*Form, button).isEnabled(); })); // nothing is being saved
         Click(*Form, button);
         if (!entry.isEmpty()) {
             Trigger(*Form, entry);
