@@ -122,9 +122,8 @@ void AddCheckOptions(QCommandLineParser& parser) {
         "Asks every module of a map again and again, by commands that change nothing, and tells what came\n"
         "and what is wrong with the line. Without --map the line is searched first. It listens for a second\n"
         "before it begins, and waits while others talk. Ctrl+C ends it with what was counted so far.\n\n"
-        "Exit codes: 0 all is good, 1 something is wrong, 2 wrong use, 3 port trouble, 4 no module found, "
-        "or\n"
-        "Ctrl+C came in the search.");
+        "Exit codes: 0 all is good, 1 something is wrong, 2 wrong use, 3 port trouble, 4 no module found,\n"
+        "or Ctrl+C came in the search.");
     parser.addOption({"map", "Check the modules of FILE, a map printed by kavroctl search --json.", "FILE"});
     AddSearchRangeOptions(parser);
     parser.addOptions({

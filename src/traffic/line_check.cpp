@@ -2,6 +2,7 @@
 
 #include "link/baud.h"
 #include "link/text.h"
+#include "map/list_line.h"
 #include "map/module_access.h"
 #include "map/module_command.h"
 #include "map/search_times.h"
@@ -59,7 +60,7 @@ std::vector<ModuleCheck> ModulesOf(const Session& session) {
         const ModuleRecord& record = session.ModuleTable[index];
         ModuleCheck module{.Index = index,
                            .Address = record.Address,
-                           .Model = Trim(record.Model),
+                           .Model = Trim(ShownModel(record.Model)),
                            .Baud = BaudFromCode(ModuleBaudCode(session, index)),
                            .Checksum = ModuleChecksum(session, index) == 1};
         for (CheckCommand& command : CheckCommandsOf(session, index))
@@ -172,18 +173,28 @@ void LineCheck::Passed(const LineTraffic& traffic) {
         traffic_ = traffic;
 }
 
+JudgedReply LineCheck::Exchange(const ModuleCheck& module, const CheckCommand& command, int timeoutMs) {
+    ExchangeWithModule(session_, module.Index, CommandFor(session_, module.Index, command.Lead, command.Tail),
+                       timeoutMs);
+    return JudgeReply(traffic_, module.Checksum, command.Form, MeasureOf(session_, module.Index));
+}
+
 // One command and what comes behind its reply; false when the line does not fall silent.
 bool LineCheck::Ask(ModuleCheck& module, int pass) {
     const std::size_t turn = static_cast<std::size_t>(pass) % module.Tallies.size();
     const CheckCommand command = module.Tallies[turn].Command;
     const bool givenUp = module.Dead() && module.Sent >= TriesWithPatience;
-    ExchangeWithModule(session_, module.Index, CommandFor(session_, module.Index, command.Lead, command.Tail),
-                       givenUp ? result_.ReplyTimeoutMs : result_.LongTimeoutMs);
-    if (ModuleCheck* babbler = std::exchange(babbler_, nullptr))
+    const int timeoutMs = givenUp ? result_.ReplyTimeoutMs : result_.LongTimeoutMs;
+    ModuleCheck* const babbler = std::exchange(babbler_, nullptr);
+    JudgedReply reply = Exchange(module, command, timeoutMs);
+    if (babbler && reply.Verdict == Verdict::Damaged) { // by the end of the babble: it has done its service
+        Quiet(LongestBabbleMs);
+        stray_ += reply.Text;
+        reply = Exchange(module, command, timeoutMs);
+    }
+    if (babbler)
         babbler->Stray += static_cast<std::int64_t>(std::exchange(stray_, {}).size());
     NoteForeign(); // what had come in front of the command
-    JudgedReply reply =
-        JudgeReply(traffic_, module.Checksum, command.Form, MeasureOf(session_, module.Index));
     if (reply.Verdict == Verdict::Damaged && HoldsCommand(reply.Text + '\r') &&
         !IsReply(module, module.Tallies[turn], command.Form.front() + reply.Text.substr(1) + '\r')) {
         stray_ = reply.Text + '\r'; // another master's, not a reply

@@ -73,6 +73,7 @@ private:
     bool Listen();
     void AskAll();
     bool Ask(ModuleCheck& module, int pass);
+    JudgedReply Exchange(const ModuleCheck& module, const CheckCommand& command, int timeoutMs);
     void NoteTimes(ModuleCheck& module, const JudgedReply& reply) const;
     bool HearOut(ModuleCheck& module, const CommandTally& tally, int pass);
     bool HearRest(ModuleCheck& module, const CommandTally& tally, bool silent);
