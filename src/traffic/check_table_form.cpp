@@ -32,6 +32,7 @@ constexpr int WordCharacters = 26;
 constexpr int Room = 4; // pixels around it
 constexpr int RowRoom = 9;
 constexpr int UsualRows = 10;
+constexpr int FewestRows = 4;                                      // in sight, with a scroll bar below
 constexpr QRgb Tints[] = {0x13783A, 0x7A7A7A, 0xB3261E, 0x7B3FA0}; // complete, silent, damaged, refused
 
 int CharacterWidth(const QFontMetrics& font) {
@@ -102,6 +103,8 @@ CheckTable::CheckTable(std::string decimalSeparator) : decimalSeparator_(std::mo
     setSelectionMode(SingleSelection);
     setWordWrap(false);
     setTabKeyNavigation(false); // Tab goes on to the next control
+    setMinimumHeight(horizontalHeader()->sizeHint().height() +
+                     FewestRows * verticalHeader()->defaultSectionSize());
     setItemDelegateForColumn(OutcomeColumn, new OutcomeBar(this));
 }
 

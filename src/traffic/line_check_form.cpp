@@ -30,7 +30,7 @@ namespace kavro {
 namespace {
 
 constexpr int ProgressSteps = 1000;
-constexpr int FindingRows = 7;
+constexpr int FindingRows = 4;
 constexpr const char* NoModules =
     "No modules are known yet. Search first: close this window and choose Network > "
     "Search.";

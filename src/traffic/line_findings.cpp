@@ -78,11 +78,11 @@ enum class Whose : std::uint8_t { EachModules, LinesIfTwo, LinesIfAll, LinesOnly
 
 /// A finding of a module (`Holds`) or of the line alone (`LineHolds`).
 struct Rule {
-    const char* Finding;
-    bool (*Holds)(const View& view, const ModuleCheck& module);
-    Whose Belongs;
-    std::string (*ModuleText)(const LineCheckResult& result, const ModuleCheck& module);
-    std::string (*LineText)(const LineCheckResult& result, const ModuleChecks& modules);
+    const char* Finding = "";
+    bool (*Holds)(const View& view, const ModuleCheck& module) = nullptr;
+    Whose Belongs = Whose::EachModules;
+    std::string (*ModuleText)(const LineCheckResult& result, const ModuleCheck& module) = nullptr;
+    std::string (*LineText)(const LineCheckResult& result, const ModuleChecks& modules) = nullptr;
     bool IsLoss =
         false; // about missing or damaged replies: the first one that holds for a module explains them
     bool (*LineHolds)(const View& view) = nullptr;
