@@ -27,7 +27,9 @@ protected:
 };
 
 TEST_F(RecordingReader, ReadsWhatIsWritten) {
-    LineTraffic traffic = {.Utc = 1'772'460'309'120'345, .Baud = 1200};
+    LineTraffic traffic;
+    traffic.Utc = 1'772'460'309'120'345;
+    traffic.Baud = 1200;
     for (int code = 0; code < 256; ++code)
         traffic.Sent += static_cast<char>(code);
     traffic.Sent += '\r';
