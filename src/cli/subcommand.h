@@ -22,13 +22,13 @@ using CommandAction = std::function<int()>;
 
 /// One command of `kavroctl`. Help is added to each, and the options of a line where it uses one.
 struct Subcommand {
-    const char* Name;
-    const char* Help;  ///< one line
-    int MostArguments; ///< arguments that may stand beside the options
+    const char* Name = "";
+    const char* Help = ""; ///< one line
+    int MostArguments = 0; ///< arguments that may stand beside the options
     /// Adds the command's own options and arguments.
-    void (*AddOptions)(QCommandLineParser& parser);
+    void (*AddOptions)(QCommandLineParser& parser) = nullptr;
     /// Turns options into work, without doing any of it. A `RuntimeFailure` stands for `ExitWrongUse`.
-    CommandAction (*Prepare)(const QCommandLineParser& parser);
+    CommandAction (*Prepare)(const QCommandLineParser& parser) = nullptr;
     bool UsesLine = true; ///< takes the options of `AddLineOptions`
 };
 

@@ -11,13 +11,11 @@ namespace {
 const std::string Head = R"({"format":"kavro-recording","version":1,"time":"2026-03-02T14:05:09Z",)"
                          R"("program":"4.01","port":2,"device":"demo"})"
                          "\n";
-const std::string Start = R"({"time":"2026-03-02T14:05:09.5Z","baud":9600,)";
-
-// An exchange with these in place of the usual keys.
-std::string Line(const std::string& keys) {
-    return Start + keys + "}\n";
-}
-const std::string Silent = Line(R"("sent":"$012\r","received":"","outcome":"silent")");
+const std::string Silent =
+    R"({"time":"2026-03-02T14:05:09.5Z","baud":9600,"sent":"$012\r","received":"","outcome":"silent"})"
+    "\n";
+const std::string Stray = R"({"time":"2026-03-02T14:05:09Z","baud":9600,"stray":"x","new":[{}],"received":7})"
+                          "\n";
 
 class RecordingReader : public testing::Test {
 protected:
@@ -56,53 +54,50 @@ TEST_F(RecordingReader, PassesOverWhatWasNotEnded) {
     for (std::size_t length = 0; length <= Head.size() + Silent.size(); ++length)
         EXPECT_EQ(Read((Head + Silent).substr(0, length)).Traffic.size(),
                   length == Head.size() + Silent.size() ? 1u : 0u);
-    EXPECT_EQ(Read(Head + Line(R"("stray":"x","new":[{}],"received":7)")).Traffic.at(0).Received, "x");
+    EXPECT_EQ(Read(Head + Stray).Traffic.at(0).Received, "x");
 }
 
+// What of a recording is replaced by what, and the words for it.
+struct Fault {
+    std::string Good, Bad;
+    const char* Told;
+};
+
 TEST_F(RecordingReader, SaysWhatIsWrong) {
-    std::string newer = Head, nested(2000, '[');
-    newer.replace(newer.find(":1,"), 3, ":2,");
-    const auto exchange = [](const std::string& sent, const std::string& received,
-                             const std::string& rest = R"("outcome":"complete")") {
-        return Head + Line("\"sent\":" + sent + ",\"received\":" + received + "," + rest);
-    };
-    const auto timed = [&](const std::string& times) {
-        return exchange(R"("$\r")", R"("!\r")", times + R"(,"outcome":"complete")");
-    };
-    const auto at = [](const std::string& time, const std::string& baud) {
-        return Head + "{\"time\":" + time + ",\"baud\":" + baud + ",\"stray\":\"x\"}\n";
-    };
-    const std::pair<std::string, const char*> cases[] = {
-        {"hello", "line 1: it is no recording"},
-        {"{}", "line 1: it is no recording"},
-        {R"({"format":"kavro-recording"})"
-         "\n",
-         "line 1: \"version\" must be"},
-        {newer, "line 1: it is of format version 2, and this program knows 1 at most. Update"},
-        {Head + "\n" + Silent, "line 2: it is not JSON"},
-        {Head + Silent + "[]\n", "line 3: it must hold one object"},
-        {Head + Silent.substr(0, 30) + "\n" + Silent, "line 2: it is not JSON"},
-        {Head + nested + "\n", "line 2: it is not JSON"},
-        {Head + std::string(1'000'001, 'x'), "line 2: it is longer than 1000000 bytes"},
-        {Head + Line("\"stray\":\"\xFF\xFE\""), "line 2: it is not JSON"},
-        {Head + Line(R"("stray":"\u0100")"), "line 2: \"stray\" must be a text of bytes"},
-        {exchange(R"("$012")", R"("!\r")"), "\"sent\" must end with \\r"},
-        {exchange(R"("$012\r")", "null"), "\"received\" must be a text."},
-        {exchange(R"("$012\r")", R"("!01")"), "\"received\" must end with \\r"},
-        {exchange(R"("$\r")", R"("!\r")", R"("outcome":"stray")"), "\"outcome\" must be complete, silent"},
-        {exchange(R"("$\r")", R"("!\r")", R"("outcome":"complete","echo":1)"), "\"echo\" must be true"},
-        {timed(R"("first_ms":1)"), "\"ms\" must be a number"},
-        {timed(R"("first_ms":-1,"ms":1)"), "\"first_ms\" must be a number"},
-        {timed(R"("first_ms":1,"ms":1e999)"), "line 2: "},
-        {timed(R"("first_ms":2,"ms":1.5)"), "\"ms\" must not be less"},
-        {at(R"("2026-03-02T14:05:09.1234567Z")", "9600"), "\"time\" must be a time in UTC"},
-        {at(R"("2026-03-02T14:05:09+01:00")", "9600"), "\"time\" must be a time in UTC"},
-        {at(R"("2026-02-30T14:05:09Z")", "9600"), "\"time\" must be a time in UTC"},
-        {at(R"("2026-03-02T14:05:09Z")", "0"), "\"baud\" must be a whole number from 1"},
-        {at(R"("2026-03-02T14:05:09Z")", "9600.5"), "\"baud\" must be a whole number"},
-    };
-    for (const auto& [content, piece] : cases)
-        EXPECT_TRUE(Contains(FailureText([&, &text = content] { Read(text); }), piece));
+    const std::string good = Head + Silent +
+                             R"({"time":"2026-03-02T14:05:10Z","baud":1200,"sent":"#\r","received":">1\r",)"
+                             R"("first_ms":1.5,"ms":2.5,"outcome":"complete","echo":false})"
+                             "\n" +
+                             Stray;
+    EXPECT_EQ(Read(good).Traffic.size(), 3u);
+    const Fault faults[] = {
+        {good, "hello", "line 1: it is no recording"},
+        {"kavro-recording", "other", "line 1: it is no recording"},
+        {":1,", ":2,", "line 1: it is of format version 2, and this program knows 1 at most. Update"},
+        {"\"port\":2", "\"port\":9", "line 1: \"port\" must be a whole number from 1 to 8"},
+        {Silent, "\n", "line 2: it is not JSON"},
+        {Silent, "[]\n", "line 2: it must hold one object"},
+        {Silent, Silent.substr(0, 30) + "\n", "line 2: it is not JSON"},
+        {Silent, std::string(2000, '[') + "\n", "line 2: it is not JSON"},
+        {Silent, std::string(1'000'001, 'x'), "line 2: it is longer than 1000000 bytes"},
+        {R"("x")", "\"\xFF\xFE\"", "line 4: it is not JSON"},
+        {R"("x")", R"("\u0100")", "line 4: \"stray\" must be a text of bytes"},
+        {R"(#\r)", "#", "line 3: \"sent\" must end with \\r"},
+        {R"(>1\r)", ">1", "line 3: \"received\" must end with \\r"},
+        {"complete", "stray", "line 3: \"outcome\" must be complete, silent"},
+        {"false", "1", "line 3: \"echo\" must be true"},
+        {",\"ms\":2.5", "", "line 3: \"ms\" must be a number"},
+        {"1.5", "-1", "line 3: \"first_ms\" must be a number"},
+        {"2.5", "1e999", "line 3: "},
+        {"2.5", "1", "line 3: \"ms\" must not be less"},
+        {"10Z", "10.1234567Z", "line 3: \"time\" must be a time in UTC"},
+        {"03-02T14:05:10Z", "02-30T14:05:10Z", "line 3: \"time\" must be a time in UTC"},
+        {"1200", "1e300", "line 3: \"baud\" must be a whole number from 1"}};
+    for (const auto& [part, bad, told] : faults) {
+        std::string text = good;
+        text.replace(text.find(part), part.size(), bad);
+        EXPECT_TRUE(Contains(FailureText([&] { Read(text); }), told));
+    }
     for (const std::string& path : {Folder.Path(), Folder.Path("none"), std::string("/dev/zero")})
         EXPECT_TRUE(Contains(FailureText([&] { ReadRecording(path); }), "\"" + path + "\" cannot be used"));
 }

@@ -1,5 +1,6 @@
-#include "support/full_disk.h"
 #include "traffic/recorder.h"
+
+#include "terminal/test_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -62,20 +63,6 @@ TEST(Recorder, RefusesWhatItMustNotReplace) {
     EXPECT_EQ(folder.Read("old.1"), "mine");
     Recorder(folder.Path("old.1"), Head, {.Overwrite = true});
     EXPECT_EQ(folder.Read("old.1"), RecordingHeadLine(Head));
-}
-
-TEST(Recorder, EndsOnAFullDiskAndTellsItOnce) {
-    FullDisk disk;
-    Recorder recorder(disk.Path("line"), Head, {});
-    int told = 0;
-    recorder.Failed = [&] { ++told; };
-    disk.Fill();
-    for (int i = 0; i < 100; ++i) // as the file's last block has room
-        recorder.Passed(Exchange("!01" + std::string(1000, '\x01') + "\r"));
-    disk.MakeRoom();
-    EXPECT_EQ(told, 1);
-    EXPECT_TRUE(Contains(recorder.Failure(), disk.Path("line")));
-    EXPECT_TRUE(Contains(recorder.Failure(), disk.Reason()));
 }
 
 } // namespace
