@@ -124,8 +124,7 @@ void AddCheckOptions(QCommandLineParser& parser) {
         "before it begins, and waits while others talk. Ctrl+C ends it with what was counted so far.\n\n"
         "Exit codes: 0 all is good, 1 something is wrong, 2 wrong use, 3 port trouble, 4 no module found,\n"
         "or Ctrl+C came in the search.");
-    parser.addOption({"map", "Check the modules of FILE, a map printed by kavroctl search --json.", "FILE"});
-    AddSearchRangeOptions(parser);
+    AddWholeLineOptions(parser, "Check the modules of FILE, a map printed by kavroctl search --json.");
     parser.addOptions({
         {"passes", "Ask each module N times; 50 unless given.", "N"},
         {"json", "Print what was found as JSON."},
@@ -136,23 +135,10 @@ CommandAction PrepareCheck(const QCommandLineParser& parser) {
     const int passes = parser.isSet("passes") ? ParseWholeNumber(parser.value("passes").toStdString(),
                                                                  "a number of passes", 1, MostCheckPasses)
                                               : LineCheckOptions{}.Passes;
-    const bool hasMap = parser.isSet("map");
-    if (hasMap)
-        RefuseSearchRange(parser, "With --map nothing is searched.");
-    const SearchOptions search = ReadSearchRange(parser);
     const bool json = parser.isSet("json");
-    const auto cli = std::make_shared<CliSession>(ReadLineOptions(parser));
-    if (search.TimeoutMs)
-        SetTimeouts(cli->Session.Line, *search.TimeoutMs);
-    if (hasMap)
-        UseMap(cli->Session, parser.value("map").toStdString());
+    const WholeLine line = ReadWholeLine(parser);
     return [=] {
-        return cli->Run([&] {
-            if (!hasMap)
-                if (const int exit = SearchModules(*cli, search); exit != ExitSuccess)
-                    return exit;
-            return CheckModules(cli->Session, passes, json);
-        });
+        return RunOnModules(line, [&](Session& session) { return CheckModules(session, passes, json); });
     };
 }
 

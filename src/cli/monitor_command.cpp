@@ -70,9 +70,7 @@ void AddMonitorOptions(QCommandLineParser& parser) {
         "Exit codes: 0 all rounds were made, 2 wrong use, 3 port trouble, 4 no module found, a value of the\n"
         "last of the rounds that were asked for could not be read, or Ctrl+C came in the search or before "
         "it.");
-    parser.addOption(
-        {"map", "Monitor the modules of FILE, a map printed by kavroctl search --json.", "FILE"});
-    AddSearchRangeOptions(parser);
+    AddWholeLineOptions(parser, "Monitor the modules of FILE, a map printed by kavroctl search --json.");
     parser.addOptions({
         {"interval", "Read the next module every MS milliseconds; 500 unless given.", "MS"},
         {"count", "End after N rounds; without it only Ctrl+C ends it.", "N"},
@@ -86,22 +84,9 @@ CommandAction PrepareMonitor(const QCommandLineParser& parser) {
     if (rounds.Turns.value_or(1) > MostRounds)
         throw RuntimeFailure("--count is at most " + std::to_string(MostRounds) + " rounds.");
     const ValueForm form = ReadValueForm(parser);
-    const bool hasMap = parser.isSet("map");
-    if (hasMap)
-        RefuseSearchRange(parser, "With --map nothing is searched.");
-    const SearchOptions search = ReadSearchRange(parser);
-    const auto cli = std::make_shared<CliSession>(ReadLineOptions(parser));
-    if (search.TimeoutMs)
-        SetTimeouts(cli->Session.Line, *search.TimeoutMs);
-    if (hasMap)
-        UseMap(cli->Session, parser.value("map").toStdString());
+    const WholeLine line = ReadWholeLine(parser);
     return [=] {
-        return cli->Run([&] {
-            if (!hasMap)
-                if (const int exit = SearchModules(*cli, search); exit != ExitSuccess)
-                    return exit;
-            return MonitorModules(cli->Session, rounds, form);
-        });
+        return RunOnModules(line, [&](Session& session) { return MonitorModules(session, rounds, form); });
     };
 }
 

@@ -10,6 +10,8 @@
 #include "link/runtime_failure.h"
 #include "map/search_times.h"
 
+#include <QCommandLineParser>
+
 #include <memory>
 #include <optional>
 
@@ -103,16 +105,47 @@ SearchResult SearchLine(Session& session, const SearchOptions& options) {
     return result;
 }
 
+namespace {
+
+// An exit code unless the search came to its end.
 int SearchModules(CliSession& cli, SearchOptions options) {
-    Session& session = cli.Session;
     options.OneRate = RateIsFixed(cli.Device());
-    const SearchResult result = SearchLine(session, options);
+    const SearchResult result = SearchLine(cli.Session, options);
     if (!result.PortFailure.empty())
         throw RuntimeFailure(result.PortFailure);
     if (result.CameToItsEnd())
         return ExitSuccess;
     PrintNote("Stopped while searching the line.");
     return ExitNothingFound;
+}
+
+} // namespace
+
+void AddWholeLineOptions(QCommandLineParser& parser, const char* mapHelp) {
+    parser.addOption({"map", mapHelp, "FILE"});
+    AddSearchRangeOptions(parser);
+}
+
+WholeLine ReadWholeLine(const QCommandLineParser& parser) {
+    const bool hasMap = parser.isSet("map");
+    if (hasMap)
+        RefuseSearchRange(parser, "With --map nothing is searched.");
+    const SearchOptions search = ReadSearchRange(parser);
+    const auto cli = std::make_shared<CliSession>(ReadLineOptions(parser));
+    if (search.TimeoutMs)
+        SetTimeouts(cli->Session.Line, *search.TimeoutMs);
+    if (hasMap)
+        UseMap(cli->Session, parser.value("map").toStdString());
+    return {cli, search, hasMap};
+}
+
+int RunOnModules(const WholeLine& line, const std::function<int(Session& session)>& work) {
+    return line.Cli->Run([&] {
+        if (!line.HasMap)
+            if (const int exit = SearchModules(*line.Cli, line.Search); exit != ExitSuccess)
+                return exit;
+        return work(line.Cli->Session);
+    });
 }
 
 } // namespace kavro

@@ -3,23 +3,13 @@
 #include "link/json_text.h"
 #include "link/text.h"
 #include "traffic/recording.h"
-
-#include <QDateTime>
+#include "traffic/traffic_text.h"
 
 #include <utility>
 
 namespace kavro {
 
 namespace {
-
-// "14:05:09.120", local time.
-std::string TimeOfDay(std::int64_t utc) {
-    return QDateTime::fromMSecsSinceEpoch(utc / 1000).toString("HH:mm:ss.zzz").toStdString();
-}
-
-std::string ReplyTime(const LineTraffic& traffic) {
-    return traffic.LastUs < 0 ? "" : FormatNumber(static_cast<double>(traffic.LastUs) / 1000, 1, 1) + " ms";
-}
 
 std::string Words(const ExchangeWords& words) {
     const bool both = !words.Asked.empty() && !words.Answered.empty();
@@ -31,9 +21,11 @@ std::string TextRow(const LineTraffic& traffic, const ExchangeWords& words) {
     const std::string bytes = traffic.Outcome == TrafficOutcome::Stray
                                   ? VisibleText(traffic.Received)
                                   : VisibleText(traffic.Sent) + " -> " + VisibleText(traffic.Received);
+    const std::string ms = MillisecondsText(traffic.LastUs);
     const std::string row = TimeOfDay(traffic.Utc) + "  " + FixedText(address, 2) + " " +
-                            PadLeft(std::to_string(traffic.Baud), 6) + " " + PadLeft(ReplyTime(traffic), 10) +
-                            "  " + FixedText(OutcomeName(traffic.Outcome), 10) + "  " + bytes;
+                            PadLeft(std::to_string(traffic.Baud), 6) + " " +
+                            PadLeft(ms.empty() ? "" : ms + " ms", 10) + "  " +
+                            FixedText(OutcomeWord(RowOf(traffic)), 10) + "  " + bytes;
     const std::string text = Words(words);
     return row + (text.empty() ? "" : "  " + text) + "\n";
 }
@@ -54,8 +46,8 @@ TrafficPrinter::TrafficPrinter(bool json, KnownModules known, const PrintFilter&
 void TrafficPrinter::Print(const LineTraffic& traffic) {
     known_.Learn(traffic.Sent, traffic.Received);
     const ExchangeWords words = WordsOf(traffic.Sent, traffic.Received, known_);
-    if ((filter_.Address && words.Address != filter_.Address) || (filter_.Failures && !IsFailure(traffic)) ||
-        rows_.Abandoned())
+    if ((filter_.Address && words.Address != filter_.Address) ||
+        (filter_.Failures && !RowOf(traffic).Failed()) || rows_.Abandoned())
         return;
     const bool tellEcho = traffic.Echo && !echoTold_;
     echoTold_ = echoTold_ || traffic.Echo;

@@ -21,15 +21,6 @@ std::string Digits(std::int64_t value, std::size_t width) {
     return PadLeft(std::to_string(value), width, '0');
 }
 
-std::string Field(const std::string& text) {
-    if (text.find_first_of(",\"\r\n") == std::string::npos)
-        return text;
-    std::string quoted = "\"";
-    for (const char character : text)
-        quoted += character == '"' ? std::string("\"\"") : std::string(1, character);
-    return quoted + "\"";
-}
-
 // Puts whole lines on disk, or none of them; then false, with the reason in errno.
 bool PutOnDisk(int file, std::string_view lines) {
     const off_t before = lseek(file, 0, SEEK_CUR);
@@ -72,12 +63,12 @@ std::string CsvLines(const Session& session, int index, const std::vector<Channe
                      const WallTime& time) {
     const ModuleRecord& record = session.ModuleTable[index];
     const std::string start = IsoTime(time) + "," + std::to_string(record.Address) + "," +
-                              Field(Trim(ShownModel(record.Model))) + ",";
+                              CsvField(Trim(ShownModel(record.Model))) + ",";
     std::string lines;
     for (const ChannelValue& value : values)
         if (value.State != ValueState::Disabled)
-            lines += start + Field(value.Channel) + "," + Field(value.Text) + "," + Field(value.Unit) + "," +
-                     StateText(value.State) + "\n";
+            lines += start + CsvField(value.Channel) + "," + CsvField(value.Text) + "," +
+                     CsvField(value.Unit) + "," + StateText(value.State) + "\n";
     return lines;
 }
 

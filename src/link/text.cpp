@@ -194,6 +194,15 @@ std::string FormatNumber(double value, int minIntegerDigits, int decimals) {
     return (negative ? "-" : "") + whole + (decimals > 0 ? "." + digits.substr(point) : std::string());
 }
 
+std::string CsvField(const std::string& text) {
+    if (text.find_first_of(",\"\r\n") == std::string::npos)
+        return text;
+    std::string quoted = "\"";
+    for (const char character : text)
+        quoted += character == '"' ? "\"\"" : std::string(1, character);
+    return quoted + '"';
+}
+
 std::string ShownNumber(std::string text, const std::string& separator) {
     if (const auto point = text.find('.'); point != std::string::npos)
         text.replace(point, 1, separator);

@@ -59,6 +59,9 @@ std::int16_t ToInt16(std::int64_t value, std::string_view what);
 /// negative value.
 std::string FormatNumber(double value, int minIntegerDigits, int decimals);
 
+/// A text as a field of a CSV file (RFC 4180).
+std::string CsvField(const std::string& text);
+
 /// A number with a "." as it is shown to the user: with `separator`, the decimal separator of the locale.
 std::string ShownNumber(std::string text, const std::string& separator);
 

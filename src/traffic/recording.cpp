@@ -28,16 +28,6 @@ std::string_view OutcomeName(TrafficOutcome outcome) {
     return OutcomeNames[static_cast<std::size_t>(outcome)];
 }
 
-std::string_view ReplyOf(const LineTraffic& traffic) {
-    const std::string_view received = traffic.Received;
-    return traffic.Echo && received.starts_with(traffic.Sent) ? received.substr(traffic.Sent.size())
-                                                              : received;
-}
-
-bool IsFailure(const LineTraffic& traffic) {
-    return traffic.Outcome != TrafficOutcome::Complete || ReplyOf(traffic).starts_with('?');
-}
-
 std::string UtcText(std::int64_t utc) {
     using namespace std::chrono;
     const sys_time<microseconds> moment{microseconds(utc)};

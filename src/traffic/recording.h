@@ -37,12 +37,6 @@ std::string RecordingLine(const LineTraffic& traffic, bool tellEcho);
 /// How an exchange ended, in a word, as recordings and tables have it.
 std::string_view OutcomeName(TrafficOutcome outcome);
 
-/// What came without the echo in front of it.
-std::string_view ReplyOf(const LineTraffic& traffic);
-
-/// Whether something is amiss: not a complete reply, stray characters, or a reply that refuses ("?").
-bool IsFailure(const LineTraffic& traffic);
-
 /// A moment as recordings have it: "2026-03-02T14:05:09.120345Z".
 std::string UtcText(std::int64_t utc);
 

@@ -34,8 +34,8 @@ class TrafficTable;
 /// slices between turns of the event loop.
 class TrafficForm : public QWidget {
 public:
-    /// `log` must outlive the window. `listenOnly` opens the dialog that only listens to the line, and returns
-    /// when it has closed; false when something else uses the line.
+    /// `log` must outlive the window. `listenOnly` opens the dialog that only listens to the line, and
+    /// returns when it has closed; false when something else uses the line.
     TrafficForm(Session& session, const PortDevices& devices, TrafficLog& log,
                 std::function<bool()> listenOnly);
     ~TrafficForm() override;

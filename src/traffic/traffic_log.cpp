@@ -18,18 +18,6 @@ std::int32_t Time32(std::int64_t us) {
 
 } // namespace
 
-LineTraffic TrafficOf(const TrafficRow& row) {
-    return {.Utc = row.Utc,
-            .Port = row.Port,
-            .Baud = row.Baud,
-            .Sent = std::string(row.Sent),
-            .Received = std::string(row.Received),
-            .FirstUs = row.FirstUs,
-            .LastUs = row.LastUs,
-            .Outcome = row.Outcome,
-            .Echo = row.Echo};
-}
-
 void TrafficLog::Passed(const LineTraffic& traffic) {
     if (blocks_.empty() || blocks_.back().Rows.size() == BlockRows ||
         blocks_.back().Text.size() >= BlockTextBytes)

@@ -1,39 +1,14 @@
 #pragma once
 
-#include "link/line_listener.h"
+#include "traffic/traffic_row.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace kavro {
-
-/// A row of the log: as `LineTraffic`, but its texts lie in the log. Good until the log changes.
-struct TrafficRow {
-    std::int64_t Utc = 0;
-    std::int16_t Port = 0;
-    std::int32_t Baud = 0;
-    std::string_view Sent;
-    std::string_view Received;
-    std::int64_t FirstUs = -1;
-    std::int64_t LastUs = -1;
-    TrafficOutcome Outcome = TrafficOutcome::Complete;
-    bool Echo = false;
-
-    /// What came behind an echo.
-    std::string_view Reply() const {
-        return Received.substr(Echo && Received.starts_with(Sent) ? Sent.size() : 0);
-    }
-    /// A whole reply with which the module refuses its command.
-    bool Refused() const { return Outcome == TrafficOutcome::Complete && Reply().starts_with('?'); }
-    bool Failed() const { return Outcome != TrafficOutcome::Complete || Refused(); }
-};
-
-/// A row as listeners are told of it.
-LineTraffic TrafficOf(const TrafficRow& row);
 
 /// The last million rows of what passed on the line, in memory: 40 bytes a row and its texts. The texts of
 /// all rows together take 64 MiB at most; where replies are so long that a million do not fit, fewer rows are

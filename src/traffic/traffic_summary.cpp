@@ -2,6 +2,7 @@
 
 #include "link/line.h"
 #include "link/text.h"
+#include "traffic/traffic_text.h"
 
 #include <algorithm>
 #include <utility>
@@ -28,10 +29,6 @@ void Count(ModuleTraffic& module, const LineTraffic& traffic) {
     module.MostUs = std::max(module.MostUs, traffic.LastUs);
 }
 
-std::string Ms(std::int64_t us) {
-    return FormatNumber(static_cast<double>(us) / 1000, 1, 1);
-}
-
 std::string TextOf(int address, const ModuleTraffic& module) {
     std::string text = ToHex(address, 2) + ": " + std::to_string(module.Asked) +
                        (module.Asked == 1 ? " command, " : " commands, ") +
@@ -42,7 +39,8 @@ std::string TextOf(int address, const ModuleTraffic& module) {
         if (count > 0)
             text += ", " + std::to_string(count) + what;
     if (module.MostUs >= 0)
-        text += "; replies within " + Ms(module.LeastUs) + " to " + Ms(module.MostUs) + " ms";
+        text += "; replies within " + MillisecondsText(module.LeastUs) + " to " +
+                MillisecondsText(module.MostUs) + " ms";
     return text;
 }
 

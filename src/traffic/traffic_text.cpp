@@ -30,10 +30,6 @@ std::string LocalTime(std::int64_t utc, const char* format) {
     return text.data() + ("." + PadLeft(std::to_string(utc % UsPerSecond / UsPerMs), 3, '0'));
 }
 
-std::string Milliseconds(std::int64_t us) {
-    return us < 0 ? "" : FormatNumber(static_cast<double>(us) / UsPerMs, 1, 1);
-}
-
 // "+0.016"; less than nothing where the clock was put back.
 std::string SinceText(const TrafficView& view, std::int64_t number) {
     if (number == view.Log.First())
@@ -41,15 +37,6 @@ std::string SinceText(const TrafficView& view, std::int64_t number) {
     const std::int64_t us = view.Log.Row(number).Utc - view.Log.Row(number - 1).Utc;
     const std::string text = FormatNumber(static_cast<double>(us) / UsPerSecond, 1, 3);
     return us < 0 ? text : "+" + text;
-}
-
-std::string CsvField(const std::string& text) {
-    if (text.find_first_of(",\"\r\n") == std::string::npos)
-        return text;
-    std::string quoted = "\"";
-    for (const char character : text)
-        quoted += character == '"' ? "\"\"" : std::string(1, character);
-    return quoted + '"';
 }
 
 // In characters, not bytes: words and the locale's separator are UTF-8.
@@ -92,26 +79,16 @@ std::string BytesText(std::string_view bytes, bool hex) {
     return text;
 }
 
-std::string AddressText(int address) {
-    return std::to_string(address) + " (" + ToHex(address, 2) + "H)";
+std::string TimeOfDay(std::int64_t utc) {
+    return LocalTime(utc, "%H:%M:%S");
 }
 
-const char* OutcomeWord(const TrafficRow& row) {
-    switch (row.Outcome) {
-    case TrafficOutcome::Complete:
-        return row.Refused() ? "refused" : "complete";
-    case TrafficOutcome::Silent:
-        return "silent";
-    case TrafficOutcome::Incomplete:
-        return "incomplete";
-    case TrafficOutcome::Damaged:
-        return "damaged";
-    case TrafficOutcome::Lost:
-        return "lost";
-    case TrafficOutcome::Stray:
-        break;
-    }
-    return "stray";
+std::string MillisecondsText(std::int64_t us) {
+    return us < 0 ? "" : FormatNumber(static_cast<double>(us) / UsPerMs, 1, 1);
+}
+
+std::string AddressText(int address) {
+    return std::to_string(address) + " (" + ToHex(address, 2) + "H)";
 }
 
 std::string WordsText(const TrafficRow& row, const KnownModules& known) {
@@ -128,7 +105,7 @@ std::string ColumnText(const TrafficView& view, std::int64_t number, TrafficColu
     };
     switch (column) {
     case TrafficColumn::Time:
-        return LocalTime(row.Utc, "%H:%M:%S");
+        return TimeOfDay(row.Utc);
     case TrafficColumn::Since:
         return shown(SinceText(view, number));
     case TrafficColumn::Address: {
@@ -142,9 +119,9 @@ std::string ColumnText(const TrafficView& view, std::int64_t number, TrafficColu
     case TrafficColumn::Reply:
         return BytesText(row.Received, view.Style.Hex);
     case TrafficColumn::ReplyTime:
-        return shown(Milliseconds(row.LastUs));
+        return shown(MillisecondsText(row.LastUs));
     case TrafficColumn::Outcome:
-        return OutcomeWord(row);
+        return std::string(OutcomeWord(row));
     case TrafficColumn::Words:
         break;
     }
@@ -181,9 +158,9 @@ std::string TrafficCsvLine(const TrafficView& view, std::int64_t number) {
                                   address ? std::to_string(*address) : "",
                                   BytesText(row.Sent, false),
                                   BytesText(row.Received, false),
-                                  Milliseconds(row.FirstUs),
-                                  Milliseconds(row.LastUs),
-                                  OutcomeWord(row),
+                                  MillisecondsText(row.FirstUs),
+                                  MillisecondsText(row.LastUs),
+                                  std::string(OutcomeWord(row)),
                                   words.Asked,
                                   words.Answered};
     std::string line;

@@ -25,11 +25,14 @@ struct TrafficStyle {
 /// Bytes as they are shown.
 std::string BytesText(std::string_view bytes, bool hex);
 
+/// "14:05:09.120", local time.
+std::string TimeOfDay(std::int64_t utc);
+
+/// Microseconds in milliseconds, "16.2"; empty below zero, for a time that is not known.
+std::string MillisecondsText(std::int64_t us);
+
 /// "11 (0BH)".
 std::string AddressText(int address);
-
-/// "complete", "refused", "silent", "incomplete", "damaged", "lost" or "stray".
-const char* OutcomeWord(const TrafficRow& row);
 
 /// What was asked, and behind an arrow what was answered; empty when nothing is understood.
 std::string WordsText(const TrafficRow& row, const KnownModules& known);
