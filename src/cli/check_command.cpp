@@ -7,6 +7,7 @@
 #include "cli/search_options.h"
 #include "cli/search_progress.h"
 #include "cli/search_run.h"
+#include "link/entered_values.h"
 #include "link/runtime_failure.h"
 #include "traffic/line_check_report.h"
 

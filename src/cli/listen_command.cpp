@@ -6,6 +6,7 @@
 #include "cli/interrupt.h"
 #include "cli/traffic_printer.h"
 #include "link/baud.h"
+#include "link/entered_values.h"
 #include "link/network_address.h"
 #include "link/runtime_failure.h"
 #include "traffic/listening.h"

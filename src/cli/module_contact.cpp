@@ -3,6 +3,7 @@
 #include "cli/cli_options.h"
 #include "cli/cli_text.h"
 #include "link/baud.h"
+#include "link/entered_values.h"
 #include "link/runtime_failure.h"
 #include "map/module_access.h"
 

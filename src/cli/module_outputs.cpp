@@ -1,6 +1,5 @@
 #include "cli/module_outputs.h"
 
-#include "cli/named_settings.h"
 #include "diag/alarm_panel.h"
 #include "diag/analog_output_panel.h"
 #include "diag/digital_panel.h"

@@ -1,9 +1,9 @@
 #include "cli/named_settings.h"
 
-#include "cli/cli_text.h"
 #include "config/number_text.h"
 #include "link/baud.h"
 #include "link/codes.h"
+#include "link/entered_values.h"
 #include "link/model_choices.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
@@ -100,20 +100,6 @@ std::optional<double> ReadRange(const std::string& text, const std::vector<std::
 
 bool SameValue(const NamedSetting& left, const NamedSetting& right) {
     return left.Value() == right.Value() || (!left.Sent().empty() && left.Sent() == right.Sent());
-}
-
-bool SameText(std::string_view left, std::string_view right) {
-    const auto view = [](std::string_view text) {
-        return QString::fromUtf8(text.data(), static_cast<int>(text.size()));
-    };
-    return view(left).compare(view(right), Qt::CaseInsensitive) == 0;
-}
-
-std::string Listed(const std::vector<std::string>& texts) {
-    std::string list;
-    for (const std::string& text : texts)
-        list += (list.empty() ? "" : ", ") + text;
-    return list;
 }
 
 NumberField NumberField::Bit(unsigned& mask, int bit) {

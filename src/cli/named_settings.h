@@ -28,12 +28,6 @@ struct NamedSetting {
     static std::string NoText() { return {}; }
 };
 
-/// Whether two texts differ in case at most.
-bool SameText(std::string_view left, std::string_view right);
-
-/// Texts behind one another, with ", " between them.
-std::string Listed(const std::vector<std::string>& texts);
-
 /// The value as text, for example "on", "0,1,4" or "08 (+/- 10V)".
 std::string SettingText(const NamedSetting& setting);
 

@@ -3,7 +3,6 @@
 #include "cli/cli_text.h"
 #include "cli/exchange_printer.h"
 #include "cli/module_outputs.h"
-#include "cli/named_settings.h"
 #include "link/baud.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"

@@ -3,6 +3,7 @@
 #include "cli/cli_text.h"
 #include "cli/interrupt.h"
 #include "diag/line_recovery.h"
+#include "link/entered_values.h"
 #include "link/runtime_failure.h"
 
 #include <QCommandLineParser>

@@ -1,9 +1,9 @@
 #include "cli/read_command.h"
 
 #include "cli/cli_text.h"
-#include "cli/named_settings.h"
 #include "link/codes.h"
 #include "link/runtime_failure.h"
+#include "link/text.h"
 #include "map/list_line.h"
 #include "map/module_access.h"
 #include "map/module_command.h"

@@ -1,6 +1,7 @@
 #include "cli/search_options.h"
 
 #include "cli/cli_text.h"
+#include "link/entered_values.h"
 #include "link/runtime_failure.h"
 #include "map/search_times.h"
 

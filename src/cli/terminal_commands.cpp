@@ -4,6 +4,7 @@
 #include "cli/cli_session.h"
 #include "cli/cli_text.h"
 #include "cli/command_sender.h"
+#include "link/entered_values.h"
 #include "link/runtime_failure.h"
 #include "terminal/batch_file.h"
 

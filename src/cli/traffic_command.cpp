@@ -1,7 +1,7 @@
 #include "cli/traffic_command.h"
 
-#include "cli/cli_text.h"
 #include "cli/traffic_printer.h"
+#include "link/entered_values.h"
 #include "link/runtime_failure.h"
 #include "map/exchange_words.h"
 #include "map/module_map.h"

@@ -92,6 +92,18 @@ std::string PadLeft(std::string_view text, std::size_t width, char fill) {
     return std::string(width > text.size() ? width - text.size() : 0, fill) + std::string(text);
 }
 
+bool SameText(std::string_view left, std::string_view right) {
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; };
+    return std::ranges::equal(left, right, {}, lower, lower);
+}
+
+std::string Listed(const std::vector<std::string>& texts) {
+    std::string list;
+    for (const std::string& text : texts)
+        list += (list.empty() ? "" : ", ") + text;
+    return list;
+}
+
 std::string ToHex(std::int32_t value, std::int16_t digits) {
     char buffer[16];
     std::snprintf(buffer, sizeof buffer, "%X", static_cast<unsigned>(value));

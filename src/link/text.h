@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kavro {
 
@@ -19,6 +20,12 @@ std::string FixedText(std::string_view text, std::size_t width);
 
 /// `text` padded on the left with `fill` to at least `width` characters.
 std::string PadLeft(std::string_view text, std::size_t width, char fill = ' ');
+
+/// Whether two texts differ in the case of ASCII letters at most.
+bool SameText(std::string_view left, std::string_view right);
+
+/// Texts behind one another, with ", " between them.
+std::string Listed(const std::vector<std::string>& texts);
 
 /// Upper-case hexadecimal of `value`, padded with "0" on the left to `digits` characters and never cut:
 /// a longer number keeps all its digits, a negative one gives eight.
