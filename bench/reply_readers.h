@@ -85,7 +85,7 @@ inline void ReadConfigOfModule(ReaderContext& context) {
 }
 
 /// Some of the values that can be given for a setting, some that cannot.
-inline std::string SettingValue(const NamedSetting& setting, Dice& dice) {
+inline std::string AnyValue(const NamedSetting& setting, Dice& dice) {
     const char* const values[] = {"0",    "1",     "2",         "3",       "5",    "on",        "off",
                                   "08",   "none",  "all",       "0x13",    "0,2",  "normal",    "inverted",
                                   "-1",   "0.5",   "1000000",   "latch",   "even", "input",     "output",
@@ -100,7 +100,7 @@ inline void ReadAndWriteConfig(ReaderContext& context) {
     for (NamedSetting& setting : config->Settings)
         if (context.Dice.Chance(0.3)) {
             try {
-                setting.Take(SettingValue(setting, context.Dice));
+                setting.Take(AnyValue(setting, context.Dice));
             } catch (const RuntimeFailure&) { // does not fit
             }
         }
@@ -115,7 +115,7 @@ inline void ShowSettings(ReaderContext& context) {
 inline void SetSetting(ReaderContext& context) {
     const auto names = SettingNames();
     const NamedSetting any = FixedSetting("any", "1");
-    SetConfig(context.Session, context.Contact, {{context.Dice.Of(names), SettingValue(any, context.Dice)}});
+    SetConfig(context.Session, context.Contact, {{context.Dice.Of(names), AnyValue(any, context.Dice)}});
 }
 
 inline void ReadAllValues(ReaderContext& context) {

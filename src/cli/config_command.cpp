@@ -3,6 +3,7 @@
 #include "cli/cli_text.h"
 #include "cli/config_doubts.h"
 #include "cli/config_names.h"
+#include "cli/setting_json.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
 #include "map/identify.h"
@@ -85,8 +86,8 @@ std::optional<NamedConfig> ReadBack(Session& session, std::int16_t wantedAddress
 
 // Whether the module has the settings that it was to get; tells those that it has not.
 bool HasTaken(Session& session, const NamedConfig& wanted) {
-    const auto address = std::ranges::find(wanted.Settings, "address", &NamedSetting::Name)->Value().toInt();
-    const auto present = ReadBack(session, static_cast<std::int16_t>(address));
+    const auto address = std::ranges::find(wanted.Settings, "address", &NamedSetting::Name)->Value();
+    const auto present = ReadBack(session, static_cast<std::int16_t>(std::get<double>(address)));
     // A name that is damaged may still be that of another model, which has other settings.
     if (!present || !std::ranges::equal(wanted.Settings, present->Settings, {}, &NamedSetting::Name,
                                         &NamedSetting::Name)) {
@@ -118,7 +119,7 @@ std::string ConfigText(const NamedConfig& config) {
 std::string ConfigJson(const NamedConfig& config) {
     QJsonObject object;
     for (const NamedSetting& setting : config.Settings)
-        object[QString::fromStdString(setting.Name)] = setting.Value();
+        object[QString::fromStdString(setting.Name)] = ToJson(setting.Value());
     return QJsonDocument(object).toJson().toStdString();
 }
 
@@ -134,7 +135,7 @@ NamedSetting& SettingNamed(NamedConfig& config, const std::string& name) {
 
 // A value as it is shown is always taken, even one that could not be chosen: it changes nothing.
 bool Change(NamedSetting& setting, const std::string& text) {
-    const QJsonValue before = setting.Value();
+    const SettingValue before = setting.Value();
     if (!SameText(text, SettingText(setting)))
         setting.Take(text);
     return setting.Value() != before;

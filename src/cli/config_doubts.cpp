@@ -14,7 +14,7 @@ namespace kavro {
 namespace {
 
 double NumberOf(const NamedConfig& config, const char* name) {
-    return std::ranges::find(config.Settings, name, &NamedSetting::Name)->Value().toDouble();
+    return std::get<double>(std::ranges::find(config.Settings, name, &NamedSetting::Name)->Value());
 }
 
 bool IsAmong(const std::vector<std::string>& names, const char* name) {

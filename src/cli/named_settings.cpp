@@ -8,10 +8,8 @@
 #include "link/runtime_failure.h"
 #include "link/text.h"
 
-#include <QJsonArray>
-#include <QString>
-
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <optional>
 
@@ -21,16 +19,14 @@ namespace {
 
 constexpr double RoundingError = 1e-6;
 
-QString Q(const std::string& text) {
-    return QString::fromStdString(text);
-}
-
-// A whole number of decimal digits alone.
-std::optional<int> Digits(const std::string& text) {
-    const bool digits = !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
-    bool fits = false;
-    const int number = Q(text).toInt(&fits);
-    return digits && fits ? std::optional(number) : std::nullopt;
+// The whole text as a number; an exponent is allowed.
+std::optional<double> ReadNumber(std::string text) {
+    text = Trim(text);
+    const bool plus = text.size() > 1 && text[0] == '+' && text[1] != '-';
+    const char* const end = text.data() + text.size();
+    double value = 0;
+    const auto [rest, error] = std::from_chars(text.data() + (plus ? 1 : 0), end, value);
+    return error == std::errc() && rest == end ? std::optional(value) : std::nullopt;
 }
 
 // Turns a text into a number; nothing when it does not fit.
@@ -46,26 +42,6 @@ std::function<void(const std::string&)> Taking(const std::string& name, const st
     };
 }
 
-std::string ArrayText(const QJsonArray& numbers) {
-    std::string text;
-    for (const auto& number : numbers)
-        text += (text.empty() ? "" : ",") + std::to_string(number.toInt());
-    return text.empty() ? "none" : text;
-}
-
-std::string ValueText(const QJsonValue& value) {
-    switch (value.type()) {
-    case QJsonValue::Bool:
-        return value.toBool() ? "on" : "off";
-    case QJsonValue::Double:
-        return ShortestText(value.toDouble());
-    case QJsonValue::Array:
-        return ArrayText(value.toArray());
-    default:
-        return value.toString().toStdString();
-    }
-}
-
 std::optional<double> ReadMask(const std::string& text, unsigned all) {
     if (SameText(text, "all") || SameText(text, "none"))
         return SameText(text, "all") ? all : 0;
@@ -74,11 +50,13 @@ std::optional<double> ReadMask(const std::string& text, unsigned all) {
         return mask && *mask <= all ? std::optional<double>(*mask) : std::nullopt;
     }
     unsigned mask = 0;
-    for (const QString& part : Q(text).split(',')) {
-        const auto bit = Digits(part.trimmed().toStdString());
+    for (std::size_t start = 0; start <= text.size();) {
+        const auto end = std::min(text.find(',', start), text.size());
+        const auto bit = CappedNumber(Trim(std::string_view(text).substr(start, end - start)));
         if (!bit || *bit > 31 || (1U << *bit & all) == 0)
             return std::nullopt;
         mask |= 1U << *bit;
+        start = end + 1;
     }
     return mask;
 }
@@ -132,17 +110,17 @@ NamedSetting AddressSetting(const std::string& name, const NumberField& field) {
 NamedSetting BaudSetting(const std::string& name, const NumberField& field) {
     const auto take = [field](const std::string& text) { field.Set(ParseBaud(text)); };
     return {name, Listed({BaudNames.begin(), BaudNames.end()}),
-            [field] { return BaudFromCode(static_cast<std::int16_t>(field.Get())); }, take};
+            [field] { return static_cast<double>(BaudFromCode(static_cast<std::int16_t>(field.Get()))); },
+            take};
 }
 
 NamedSetting NumberSetting(const std::string& name, const NumberField& field, const NumberBounds& bounds) {
     const double step = std::pow(10, bounds.Decimals);
     const auto read = [bounds, step](const std::string& text) -> std::optional<double> {
-        bool isNumber = false;
-        const double value = Q(text).toDouble(&isNumber);
-        const bool fits = isNumber && value >= bounds.Low && value <= bounds.High &&
-                          std::fabs(value * step - std::round(value * step)) < RoundingError;
-        return fits ? std::optional(value) : std::nullopt;
+        const auto value = ReadNumber(text);
+        const bool fits = value && *value >= bounds.Low && *value <= bounds.High &&
+                          std::fabs(*value * step - std::round(*value * step)) < RoundingError;
+        return fits ? value : std::nullopt;
     };
     std::string values = bounds.Values;
     if (values.empty())
@@ -164,11 +142,11 @@ NamedSetting CodeSetting(const std::string& name, const NumberField& field,
         names.push_back(choice.Name);
     const auto value = [field, choices] {
         const auto found = std::ranges::find(choices, field.Get(), &SettingChoice::Code);
-        return found == choices.end() ? QJsonValue(field.Get()) : QJsonValue(Q(found->Name));
+        return found == choices.end() ? SettingValue(field.Get()) : SettingValue(found->Name);
     };
     const auto read = [choices](const std::string& text) -> std::optional<double> {
         const auto found = std::ranges::find_if(choices, [&](const SettingChoice& choice) {
-            return SameText(text, choice.Name) || Digits(text) == choice.Code;
+            return SameText(text, choice.Name) || CappedNumber(text) == choice.Code;
         });
         return found == choices.end() ? std::nullopt : std::optional<double>(found->Code);
     };
@@ -196,7 +174,7 @@ NamedSetting RangeSetting(const std::string& name, const NumberField& field, con
     const auto read = [codes](const std::string& text) { return ReadRange(text, codes); };
     return {.Name = name,
             .Values = values,
-            .Value = [code] { return Q(ToHex(code(), 2)); },
+            .Value = [code] { return ToHex(code(), 2); },
             .Take = Taking(name, values, field, read),
             .Remark = [code] { return Trim(RangeName(code())); },
             .Hint = "code in hexadecimal, or name, as 08 or \"+/- 10V\""};
@@ -205,10 +183,10 @@ NamedSetting RangeSetting(const std::string& name, const NumberField& field, con
 NamedSetting BitsSetting(const std::string& name, const NumberField& field, int count) {
     const unsigned all = (1U << count) - 1;
     const auto value = [field, count] {
-        QJsonArray bits;
+        std::vector<int> bits;
         for (int bit = 0; bit < count; ++bit)
             if ((static_cast<unsigned>(field.Get()) >> bit & 1U) != 0)
-                bits.append(bit);
+                bits.push_back(bit);
         return bits;
     };
     const auto read = [all](const std::string& text) { return ReadMask(text, all); };
@@ -222,7 +200,7 @@ NamedSetting FixedSetting(const std::string& name, const std::string& text) {
     const auto take = [name](const std::string&) {
         throw RuntimeFailure("The " + name + " of a module cannot be changed.");
     };
-    return {name, "shown only", [text] { return Q(text); }, take};
+    return {name, "shown only", [text] { return text; }, take};
 }
 
 NamedSetting LockedWhile(NamedSetting setting, std::function<bool()> locked, const std::string& reason) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QJsonValue>
+#include "cli/setting_value.h"
 
 #include <cstdint>
 #include <functional>
@@ -16,8 +16,8 @@ namespace kavro {
 /// settings struct, which must live as long.
 struct NamedSetting {
     std::string Name;
-    std::string Values;                                ///< what can be given, for people: "0 to 255"
-    std::function<QJsonValue()> Value;                 ///< as JSON has it
+    std::string Values; ///< what can be given, for people: "0 to 255"
+    std::function<SettingValue()> Value;
     std::function<void(const std::string& text)> Take; ///< throws `RuntimeFailure` when the text does not fit
     std::function<std::string()> Remark = NoText;      ///< what a text has behind the value
     std::function<std::string()> Locked = NoText;      ///< why it cannot be changed; empty when it can
@@ -85,10 +85,11 @@ struct NumberBounds {
 };
 NamedSetting NumberSetting(const std::string& name, const NumberField& field, const NumberBounds& bounds);
 
-/// On (1) or off (0); JSON has true or false.
+/// On (1) or off (0); the value is true or false.
 NamedSetting SwitchSetting(const std::string& name, const NumberField& field);
 
-/// One of `choices`, given by name or by code in decimal; JSON has the name.
+/// One of `choices`, given by name or by code in decimal; the value is the name,
+/// of a code that is none of them the code.
 NamedSetting CodeSetting(const std::string& name, const NumberField& field,
                          const std::vector<SettingChoice>& choices);
 /// The same with the codes 0 and following.
@@ -96,11 +97,11 @@ NamedSetting ChoiceSetting(const std::string& name, const NumberField& field,
                            const std::vector<std::string>& names);
 
 /// A range code of a model, given in hexadecimal or by name; of two codes with one name that is the first.
-/// JSON has the code.
+/// The value is the code.
 NamedSetting RangeSetting(const std::string& name, const NumberField& field, const std::string& model);
 
-/// The bits of a mask, given as the numbers of those that are set, as "all", "none" or as a mask "0x13". JSON
-/// has a list of numbers.
+/// The bits of a mask, given as the numbers of those that are set, as "all", "none" or as a mask "0x13". The
+/// value is the list of numbers.
 NamedSetting BitsSetting(const std::string& name, const NumberField& field, int count);
 
 /// A text that cannot be changed.
