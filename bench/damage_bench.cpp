@@ -211,7 +211,7 @@ Statements RunOperation(const Operation& operation, BenchModule& target, Capture
                         const std::function<void(const std::string&, std::string&)>& tamper) {
     BenchRun run(target, output);
     if (operation.Known)
-        FindModule(run.Session, run.Contact());
+        TryContact(run.Session, run.Contact());
     run.Port().Tamper = tamper;
     Statements said;
     operation.Run(run, operation.Change, said);

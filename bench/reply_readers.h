@@ -59,7 +59,7 @@ struct ReaderContext {
         Session.ModuleCount = 1;
         Session.SelectedModule = 0;
         Session.ScanIndex = initialising ? 0 : -1;
-        Found = FindModule(Session, Contact);
+        Found = FindModule(Session, Contact, {Messages, {"the bench", "the bench", "a search"}});
     }
 
     const ModuleRecord& Record() const { return Session.ModuleTable[0]; }

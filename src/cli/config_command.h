@@ -1,6 +1,7 @@
 #pragma once
 
-#include "cli/module_contact.h"
+#include "cli/contact_options.h"
+#include "cli/setting_changes.h"
 #include "cli/subcommand.h"
 #include "map/session.h"
 
@@ -8,12 +9,6 @@
 #include <vector>
 
 namespace kavro {
-
-/// A setting and the value that it is to have.
-struct Assignment {
-    std::string Name;
-    std::string Value;
-};
 
 /// Reads the settings of a module on the open port and prints them. Returns the exit code.
 int ShowConfig(Session& session, const Contact& contact, bool json);

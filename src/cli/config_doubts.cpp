@@ -14,7 +14,7 @@ namespace kavro {
 namespace {
 
 double NumberOf(const NamedConfig& config, const char* name) {
-    return std::get<double>(std::ranges::find(config.Settings, name, &NamedSetting::Name)->Value());
+    return std::get<double>(FindSetting(config, name)->Value());
 }
 
 bool IsAmong(const std::vector<std::string>& names, const char* name) {
@@ -64,7 +64,7 @@ std::string AddressDoubt(Session& session, const NamedConfig& config,
 
 } // namespace
 
-std::vector<ModuleRecord> KnownModules(const Session& session) {
+std::vector<ModuleRecord> ModulesOfList(const Session& session) {
     std::vector<ModuleRecord> modules;
     modules.reserve(static_cast<std::size_t>(session.ModuleCount));
     for (int index = 0; index < session.ModuleCount; ++index)

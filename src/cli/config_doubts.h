@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/config_names.h"
+#include "cli/setting_changes.h"
 #include "map/session.h"
 
 #include <string>
@@ -9,7 +9,7 @@
 namespace kavro {
 
 /// The modules that the session knows; to be kept before `FindModule`, which leaves one of them.
-std::vector<ModuleRecord> KnownModules(const Session& session);
+std::vector<ModuleRecord> ModulesOfList(const Session& session);
 
 /// Why the settings of the selected entry, of which those named in `changed` differ from the module's, are
 /// hardly meant: an address that one of the modules `known` has or at which something answers, or a low alarm

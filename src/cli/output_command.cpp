@@ -3,6 +3,7 @@
 #include "cli/cli_text.h"
 #include "cli/exchange_printer.h"
 #include "cli/module_outputs.h"
+#include "cli/notes.h"
 #include "link/baud.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
@@ -66,7 +67,8 @@ OutputChange ParseChange(const std::string& text) {
 
 int DriveOutputs(Session& session, const Contact& contact, const std::vector<OutputChange>& changes,
                  bool json) {
-    if (FindModule(session, contact) == Identified::No)
+    Notes notes;
+    if (FindModule(session, contact, notes.InWords()) == Identified::No)
         return ExitNotAccepted;
     const auto outputs = OutputsOf(session);
     if (!outputs) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/module_contact.h"
+#include "cli/contact_options.h"
 #include "cli/subcommand.h"
 
 #include <string>

@@ -1,6 +1,7 @@
 #include "cli/read_command.h"
 
 #include "cli/cli_text.h"
+#include "cli/notes.h"
 #include "link/codes.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
@@ -98,7 +99,8 @@ private:
 } // namespace
 
 int ReadValues(Session& session, const Contact& contact, const ReadOptions& options) {
-    if (FindModule(session, contact) == Identified::No)
+    Notes notes;
+    if (FindModule(session, contact, notes.InWords()) == Identified::No)
         return ExitReplyMissing;
     return ValueReader(session, options).Run();
 }

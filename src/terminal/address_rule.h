@@ -1,5 +1,6 @@
 #pragma once
 
+#include "map/module_contact.h"
 #include "map/session.h"
 
 #include <cstdint>
@@ -7,14 +8,6 @@
 #include <string>
 
 namespace kavro {
-
-/// How a command is sent.
-struct SendSettings {
-    std::int16_t Checksum = 0; ///< 1 = with checksum, 0 = without
-    std::int16_t BaudCode = 3; ///< 0 to 7
-
-    bool operator==(const SendSettings&) const = default;
-};
 
 /// The address that a command names in its 2nd and, if present, 3rd character; nothing when these are no
 /// hexadecimal digits or the command has but one character.
