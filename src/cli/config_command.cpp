@@ -1,10 +1,10 @@
 #include "cli/config_command.h"
 
 #include "cli/cli_text.h"
-#include "cli/config_doubts.h"
-#include "cli/config_exchange.h"
 #include "cli/notes.h"
 #include "cli/setting_json.h"
+#include "config/config_doubts.h"
+#include "config/config_exchange.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "cli/contact_options.h"
-#include "cli/setting_changes.h"
 #include "cli/subcommand.h"
+#include "config/setting_changes.h"
 #include "map/session.h"
 
 #include <string>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/setting_value.h"
+#include "config/setting_value.h"
 
 #include <QJsonValue>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cli/named_settings.h"
 #include "config/config_commands.h"
+#include "config/named_settings.h"
 #include "link/messages.h"
 #include "map/identify.h"
 #include "map/session.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cli/config_names.h"
-#include "cli/setting_changes.h"
+#include "config/config_names.h"
+#include "config/setting_changes.h"
 #include "map/module_contact.h"
 
 #include <optional>

@@ -1,4 +1,4 @@
-#include "cli/setting_changes.h"
+#include "config/setting_changes.h"
 
 #include "link/runtime_failure.h"
 #include "link/text.h"

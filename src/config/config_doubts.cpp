@@ -1,4 +1,4 @@
-#include "cli/config_doubts.h"
+#include "config/config_doubts.h"
 
 #include "config/number_text.h"
 #include "link/baud.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/setting_changes.h"
+#include "config/setting_changes.h"
 #include "map/session.h"
 
 #include <string>

@@ -1,4 +1,4 @@
-#include "cli/setting_value.h"
+#include "config/setting_value.h"
 
 #include "config/number_text.h"
 

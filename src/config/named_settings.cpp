@@ -1,4 +1,4 @@
-#include "cli/named_settings.h"
+#include "config/named_settings.h"
 
 #include "config/number_text.h"
 #include "link/baud.h"

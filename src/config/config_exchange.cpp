@@ -1,4 +1,4 @@
-#include "cli/config_exchange.h"
+#include "config/config_exchange.h"
 
 #include "link/text.h"
 #include "map/list_line.h"

@@ -1,4 +1,4 @@
-#include "cli/config_names.h"
+#include "config/config_names.h"
 
 #include "config/alarm_input_config.h"
 #include "config/analog_input_config.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/config_names.h"
+#include "config/config_names.h"
 
 #include <string>
 #include <string_view>
