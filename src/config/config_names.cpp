@@ -40,6 +40,7 @@ NamedSetting FormatSetting(const NumberField& field, const std::string& model) {
 }
 
 NamedSetting OnlyInitialising(NamedSetting setting, const Subject& subject) {
+    setting.When = Writable::Initialising;
     return LockedWhile(
         std::move(setting), [locked = !subject.Initialising] { return locked; },
         "can be changed only while the module is in its initialisation state. Switch it on in "

@@ -200,7 +200,11 @@ NamedSetting FixedSetting(const std::string& name, const std::string& text) {
     const auto take = [name](const std::string&) {
         throw RuntimeFailure("The " + name + " of a module cannot be changed.");
     };
-    return {name, "shown only", [text] { return text; }, take};
+    return {.Name = name,
+            .Values = "shown only",
+            .Value = [text] { return text; },
+            .Take = take,
+            .When = Writable::Never};
 }
 
 NamedSetting LockedWhile(NamedSetting setting, std::function<bool()> locked, const std::string& reason) {

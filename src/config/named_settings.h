@@ -12,8 +12,15 @@
 
 namespace kavro {
 
-/// One setting of a module under the name that the command line has for it. It reads and changes a field of a
-/// settings struct, which must live as long.
+/// When a setting can be written.
+enum class Writable {
+    Always,       ///< unless other settings lock it
+    Initialising, ///< while the module is in its initialisation state only
+    Never,
+};
+
+/// One setting of a module under the name that command line and files have for it. It reads and changes a
+/// field of a settings struct, which must live as long.
 struct NamedSetting {
     std::string Name;
     std::string Values; ///< what can be given, for people: "0 to 255"
@@ -24,6 +31,7 @@ struct NamedSetting {
     std::string Hint = {};                             ///< `Values` of all models together, when they differ
     std::function<std::string()> Sent =
         NoText; ///< as the module gets it, where that is less exact; else empty
+    Writable When = Writable::Always;
 
     static std::string NoText() { return {}; }
 };

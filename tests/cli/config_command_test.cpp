@@ -1,5 +1,6 @@
 #include "cli/captured.h"
 #include "cli/config_command.h"
+#include "cli/setting_json.h"
 #include "link/text.h"
 
 #include <QJsonDocument>
@@ -100,6 +101,15 @@ TEST(ConfigCommand, PrintsJsonWithTypedValues) {
     EXPECT_EQ(json.object(), QJsonDocument::fromJson(R"({"model": "8250", "address": 7, "baud": 9600,
         "checksum": false, "range": "09", "format": "Two's complement", "channels": [0, 1, 3, 4, 5]})")
                                  .object());
+}
+
+TEST(ConfigCommand, ValuesGoThroughJsonUnchanged) {
+    const SettingValue values[] = {true,       4294967295.0,           -1.5,
+                                   "% of FSR", std::vector<int>{0, 7}, std::vector<int>()};
+    for (const SettingValue& value : values)
+        EXPECT_EQ(FromJson(ToJson(value)), value);
+    for (const char* json : {"[null]", "[{}]", "[[1.5]]", "[[-1]]", "[[\"1\"]]"})
+        EXPECT_THROW(FromJson(QJsonDocument::fromJson(json)[0]), RuntimeFailure) << json;
 }
 
 TEST(ConfigCommand, WrongValuesAreToldBeforeAnythingIsWritten) {
@@ -208,29 +218,6 @@ TEST(ConfigCommand, ReadsBackAnotherModelWithoutBelievingIt) {
     const Captured set = demo.Set(15, {"port-a=output"});
     EXPECT_EQ(set.Exit, ExitNotAccepted);
     EXPECT_TRUE(Contains(set.Err, "What was written could not be read back."));
-}
-
-TEST(ConfigCommand, SpeaksToTheModuleAsMapAndOptionsSay) {
-    ScriptedSession test;
-    Session& session = test.Session;
-    session.ModuleTable[0] = {.Address = 6, .BaudCode = 4, .Checksum = 1};
-    session.ModuleTable[1] = {.Address = 7, .BaudCode = 6};
-    session.ModuleTable[2] = {.Address = 22, .BaudCode = 5, .Checksum = 1};
-    session.ModuleCount = 3;
-    session.ScanIndex = 2;
-    using Ways = std::vector<SendSettings>;
-    const auto ways = [&](std::int16_t address, const ContactOptions& options) {
-        return ContactOf(session, address, options).Ways;
-    };
-    EXPECT_EQ(ways(5, {}), (Ways{{0, 3}, {1, 3}}));
-    EXPECT_EQ(ways(5, {.BaudCode = 4}), (Ways{{0, 4}, {1, 4}}));
-    EXPECT_EQ(ways(5, {.BaudCode = {}, .Checksum = true}), (Ways{{1, 3}}));
-    EXPECT_EQ(ways(6, {}), (Ways{{1, 4}}));
-    EXPECT_EQ(ways(7, {}), (Ways{{0, 6}}));
-    EXPECT_EQ(ways(7, {.BaudCode = 0, .Checksum = true}), (Ways{{1, 0}}));
-    EXPECT_EQ(ContactOf(session, 22, {}).Address, 0);
-    EXPECT_EQ(ways(22, {}), (Ways{{0, 3}}));
-    EXPECT_TRUE(Contains(FailureText([&] { ways(0, {.BaudCode = 4}); }), "Leave --baud"));
 }
 
 TEST(ConfigCommand, WrongUseIsToldInOneLine) {
