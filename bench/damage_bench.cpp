@@ -13,7 +13,7 @@
 #include "bench/tampered_port.h"
 #include "cli/config_command.h"
 #include "cli/read_command.h"
-#include "cli/search_command.h"
+#include "cli/search_run.h"
 #include "diag/alarm_panel.h"
 #include "diag/counter_panel.h"
 #include "diag/digital_panel.h"

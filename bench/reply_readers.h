@@ -9,7 +9,7 @@
 #include "cli/monitor_command.h"
 #include "cli/output_command.h"
 #include "cli/read_command.h"
-#include "cli/search_command.h"
+#include "cli/search_run.h"
 #include "config/config_names.h"
 #include "diag/alarm_panel.h"
 #include "diag/analog_input_panel.h"
