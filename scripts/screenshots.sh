@@ -112,6 +112,7 @@ line_windows() {
     done
     shot "terminal$1"
     press Escape
+    traffic_windows "$1"
     open m
     xdotool getactivewindow windowsize 1150 640
     press Right Right space Down Down space Down Down Right space # ticks three values
@@ -119,6 +120,25 @@ line_windows() {
     shot "monitor$1"
     press Escape
     finish
+}
+
+# What passed so far, a line check of it, and the window that only listens.
+traffic_windows() {
+    press alt+n t
+    xdotool getactivewindow windowsize 1150 640
+    shot "traffic$1"
+    press alt+o
+    shot "listen-only$1"
+    press Escape
+    xdotool search --name '^Traffic$' windowactivate --sync
+    press Escape
+    press alt+n l
+    press Return
+    sleep 45
+    shot "line-check$1"
+    press Escape
+    sleep 1
+    [ "$(xdotool getactivewindow getwindowname)" != "Line Check" ] || press Escape
 }
 
 # The line in the list of a search up to address 24, and the pictures of that module's dialogs.
