@@ -16,7 +16,7 @@ std::string Words(const ExchangeWords& words) {
     return words.Asked + (both ? " -> " : "") + words.Answered;
 }
 
-std::string TextRow(const LineTraffic& traffic, const ExchangeWords& words) {
+std::string TextRow(const LineTraffic& traffic, const ExchangeWords& words, const KnownModules& known) {
     const std::string address = words.Address ? ToHex(*words.Address, 2) : "";
     const std::string bytes = traffic.Outcome == TrafficOutcome::Stray
                                   ? VisibleText(traffic.Received)
@@ -25,7 +25,7 @@ std::string TextRow(const LineTraffic& traffic, const ExchangeWords& words) {
     const std::string row = TimeOfDay(traffic.Utc) + "  " + FixedText(address, 2) + " " +
                             PadLeft(std::to_string(traffic.Baud), 6) + " " +
                             PadLeft(ms.empty() ? "" : ms + " ms", 10) + "  " +
-                            FixedText(OutcomeWord(RowOf(traffic)), 10) + "  " + bytes;
+                            FixedText(OutcomeWord(RowOf(traffic), known), 10) + "  " + bytes;
     const std::string text = Words(words);
     return row + (text.empty() ? "" : "  " + text) + "\n";
 }
@@ -47,11 +47,11 @@ void TrafficPrinter::Print(const LineTraffic& traffic) {
     known_.Learn(traffic.Sent, traffic.Received);
     const ExchangeWords words = WordsOf(traffic.Sent, traffic.Received, known_);
     if ((filter_.Address && words.Address != filter_.Address) ||
-        (filter_.Failures && !RowOf(traffic).Failed()) || rows_.Abandoned())
+        (filter_.Failures && !HasFailed(RowOf(traffic), known_)) || rows_.Abandoned())
         return;
     const bool tellEcho = traffic.Echo && !echoTold_;
     echoTold_ = echoTold_ || traffic.Echo;
-    rows_.Print(json_ ? JsonRow(traffic, tellEcho, words) : TextRow(traffic, words));
+    rows_.Print(json_ ? JsonRow(traffic, tellEcho, words) : TextRow(traffic, words, known_));
 }
 
 } // namespace kavro

@@ -90,6 +90,7 @@ public:
         std::string asked;
         std::string answered;
         bool answersDiffer = false;
+        bool fits = texts_.Reply.empty();
         const std::string_view tail = texts_.Command.substr(HeadLength);
         for (const CommandForm* row : RowsOf(context_.Model, texts_.Command.front(), tail)) {
             const auto asks = FilledIn(row->Asks, WrittenPart(*row, tail), context_);
@@ -98,7 +99,9 @@ public:
             if (!asked.empty() && asked != *asks)
                 return false;
             asked = *asks;
-            const std::string answer = AnswerOf(*row);
+            const auto fitting = AnswerOf(*row);
+            const std::string answer = fitting.value_or("");
+            fits = fits || fitting;
             answersDiffer |= !answer.empty() && !answered.empty() && answer != answered;
             answered = answer.empty() ? answered : answer;
         }
@@ -106,11 +109,13 @@ public:
             return false;
         words.Asked = std::string(context_.Address) + ": " + asked;
         words.Answered = answersDiffer ? "" : answered;
+        words.Unexpected = !fits;
         return true;
     }
 
 private:
-    std::string AnswerOf(const CommandForm& row) const {
+    // Nothing when the reply is none to the row's command.
+    std::optional<std::string> AnswerOf(const CommandForm& row) const {
         const std::size_t head = NamesAddress(row.Reply) ? HeadLength : ClassLength;
         const std::string_view data = row.Reply.substr(head);
         // Where the range or the model is not known, the fields alone tell what is good.
@@ -122,7 +127,7 @@ private:
         if (row.Lead == '%')
             measure.Address = measure.OwnAddress; // the old one names a module that has not moved
         if (!FitsForm(texts_.Reply, form, measure))
-            return {};
+            return std::nullopt;
         const std::string_view pattern = row.Answers.empty() ? LetterWords(data) : row.Answers;
         return FilledIn(pattern, texts_.Reply.substr(head), context_).value_or("");
     }
@@ -135,8 +140,10 @@ private:
 bool Explain(const Texts& texts, const KnownModules& known, ExchangeWords& words) {
     const Explainer explainer(texts, *words.Address, known);
     const bool understood = explainer.Explain(words);
-    if (explainer.Refused())
+    if (explainer.Refused()) {
         words.Answered = "refused by " + Middle(texts.Reply, 2, 2);
+        words.Unexpected = false;
+    }
     return understood;
 }
 
@@ -178,7 +185,7 @@ std::string_view KnownModules::Model(int address) const {
 
 ExchangeWords WordsOf(std::string_view sent, std::string_view received, const KnownModules& known) {
     const Texts texts = TextsOf(sent, received);
-    ExchangeWords words{AddressIn(texts.Command), {}, {}};
+    ExchangeWords words{.Address = AddressIn(texts.Command), .Asked = {}, .Answered = {}};
     if (!words.Address || texts.Command.size() > LongestUnderstood || texts.Reply.size() > LongestUnderstood)
         return words;
     const bool checked = HasCommandChecksum(texts);
@@ -186,11 +193,14 @@ ExchangeWords WordsOf(std::string_view sent, std::string_view received, const Kn
     if (checked && (texts.Reply.empty() || HasChecksum(texts.Reply)) &&
         Explain({command, WithoutChecksum(texts.Reply)}, known, words))
         return words;
-    if (Explain(texts, known, words) || !checked)
+    const bool understood = Explain(texts, known, words);
+    if (!checked || (understood && !words.Answered.empty()))
+        return words; // what looks like a checksum is none, as the reply tells
+    ExchangeWords asked{.Address = words.Address, .Asked = {}, .Answered = {}};
+    if (!Explain({command, {}}, known, asked))
         return words;
-    if (Explain({command, {}}, known, words)) // the reply's checksum is wrong
-        words.Answered.clear();
-    return words;
+    asked.Unexpected = !texts.Reply.empty(); // its checksum is wrong, or missing
+    return asked;
 }
 
 } // namespace kavro

@@ -38,6 +38,7 @@ struct ExchangeWords {
     std::string Asked;          ///< "05: read configuration"; empty when the command is not known
     std::string Answered;       ///< "8250: +/- 10V, Engineering Units, 9600 baud, no checksum", "5.123 V",
                                 ///< "refused by 05"; empty when nothing came, or it is not understood
+    bool Unexpected = false;    ///< a whole reply came that is not one to this command
 };
 
 /// The words for a command and what came back, as they went over the line: an echo in front of the reply,

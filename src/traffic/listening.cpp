@@ -68,6 +68,7 @@ void Listening::ApplyRate() {
     const int pause = std::exchange(line_.BaudChangePauseMs, 0); // nobody is spoken to
     try {
         line_.SetPortBaud(line_.CurrentPort, rates_[place_], 0, 8, 0);
+        line_.Hear(0); // what came at another rate tells nothing of this one
         applied_ = true;
     } catch (const RateRefused&) {
         line_.BaudChangePauseMs = pause;

@@ -20,7 +20,7 @@ bool Holds(const std::string& text, const std::string& part) {
 } // namespace
 
 bool Passes(const TrafficFilter& filter, const TrafficRow& row, const KnownModules& known, bool hex) {
-    if (filter.OnlyFailed && !row.Failed())
+    if (filter.OnlyFailed && !HasFailed(row, known))
         return false;
     if (filter.Address && AddressIn(row.Sent) != filter.Address)
         return false;

@@ -130,6 +130,7 @@ QHBoxLayout* TrafficForm::BuildTools() {
     next->setShortcut(Qt::Key_F3);
     next->setToolTip("F3");
     record_ = new RecordButton(session_, devices_, notice_);
+    connect(record_, &QPushButton::pressed, this, [this] { notice_.Place->Tell({}); });
     toolRow_->addWidget(record_);
     save_ = AddTool(*toolRow_, "SaveBtn", "&Save...", &TrafficForm::Save);
     save_->setToolTip("The rows that are shown, to a file.");
@@ -155,7 +156,8 @@ QHBoxLayout* TrafficForm::BuildFilter() {
     connect(text_, &QLineEdit::textChanged, this, [this] { ApplyFilter(); });
     auto* hex = Named(new QCheckBox("He&xadecimal"), "HexCheck", "Hexadecimal");
     connect(hex, &QCheckBox::toggled, this, [this](bool on) {
-        model_->SetHex(on);
+        notice_.Place->Tell({});
+        table_->SetHex(on);
         Tick();
     });
     auto* row = new QHBoxLayout;
@@ -226,6 +228,7 @@ void TrafficForm::Tick() {
 }
 
 void TrafficForm::ApplyFilter() {
+    notice_.Place->Tell({});
     told_.clear();
     TrafficFilter filter{
         .Address = {}, .OnlyFailed = outcome_->currentIndex() == 1, .Text = text_->text().toStdString()};
@@ -256,7 +259,10 @@ void TrafficForm::Pause() {
 }
 
 void TrafficForm::NextFailure() {
-    told_ = table_->GoToNextFailure() ? "" : "There is no further failure among the rows shown.";
+    const auto [row, failed] = table_->GoToNextFailure();
+    told_ = failed    ? ""
+            : row < 0 ? "There is no further failure among the rows shown."
+                      : "No failure up to this row; go on from here.";
     Tick();
 }
 

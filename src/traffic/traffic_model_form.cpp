@@ -40,10 +40,10 @@ QVariant Alignment(TrafficColumn column) {
 }
 
 // On a white background; a dark one lightens them.
-QColor OutcomeColour(const TrafficRow& row) {
+QColor OutcomeColour(const TrafficRow& row, const KnownModules& known) {
     switch (row.Outcome) {
     case TrafficOutcome::Complete:
-        return row.Refused() ? QColor(0x8A5A00) : QColor();
+        return row.Refused() ? QColor(0x8A5A00) : HasFailed(row, known) ? QColor(0xB00020) : QColor();
     case TrafficOutcome::Stray:
         return {0x6A3DB0};
     default:
@@ -74,7 +74,7 @@ QString TrafficModel::CellText(int row, TrafficColumn column) const {
 }
 
 QVariant TrafficModel::Colour(const TrafficRow& row) const {
-    const QColor colour = OutcomeColour(row);
+    const QColor colour = OutcomeColour(row, known_);
     if (!colour.isValid())
         return {};
     return Readable(colour, QApplication::palette().color(QPalette::Base));
@@ -191,11 +191,14 @@ int TrafficModel::RowOf(std::int64_t number) const {
     return static_cast<int>(std::ranges::lower_bound(numbers_, number) - numbers_.begin());
 }
 
-int TrafficModel::NextFailure(int row) const {
-    for (++row; row < rowCount(); ++row)
-        if (Number(row) >= log_.First() && log_.Row(Number(row)).Failed())
-            return row;
-    return -1;
+TrafficModel::Place TrafficModel::NextFailure(int row, int milliseconds) const {
+    TimeSlice slice(milliseconds);
+    for (++row; row < rowCount(); ++row) {
+        const bool failed = Number(row) >= log_.First() && HasFailed(log_.Row(Number(row)), known_);
+        if (failed || slice.Over())
+            return {row, failed};
+    }
+    return {};
 }
 
 } // namespace kavro

@@ -50,8 +50,13 @@ public:
     std::vector<std::int64_t> Numbers() const { return {numbers_.begin(), numbers_.end()}; }
     /// The row that shows this number, or the next one after it.
     int RowOf(std::int64_t number) const;
-    /// The first row after `row` that has failed; -1 when there is none.
-    int NextFailure(int row) const;
+    /// Where a look for a failure has ended.
+    struct Place {
+        int Row = -1;        ///< -1: there is none
+        bool Failed = false; ///< else the time was up
+    };
+    /// The first row after `row` that has failed, or as far as a look of some milliseconds leads.
+    Place NextFailure(int row, int milliseconds) const;
 
     /// The whole text of a cell.
     QString CellText(int row, TrafficColumn column) const;

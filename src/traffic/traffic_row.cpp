@@ -28,8 +28,16 @@ TrafficRow RowOf(const LineTraffic& traffic) {
             .Echo = traffic.Echo};
 }
 
-std::string_view OutcomeWord(const TrafficRow& row) {
-    return row.Refused() ? "refused" : OutcomeName(row.Outcome);
+bool HasFailed(const TrafficRow& row, const KnownModules& known) {
+    return row.Outcome != TrafficOutcome::Complete || row.Refused() ||
+           WordsOf(row.Sent, row.Received, known).Unexpected;
+}
+
+std::string_view OutcomeWord(const TrafficRow& row, const KnownModules& known) {
+    if (row.Refused())
+        return "refused";
+    const bool unexpected = row.Outcome == TrafficOutcome::Complete && HasFailed(row, known);
+    return unexpected ? "unexpected" : OutcomeName(row.Outcome);
 }
 
 } // namespace kavro

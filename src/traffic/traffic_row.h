@@ -1,6 +1,7 @@
 #pragma once
 
 #include "link/line_listener.h"
+#include "map/exchange_words.h"
 
 #include <cstdint>
 #include <string_view>
@@ -25,7 +26,6 @@ struct TrafficRow {
     }
     /// A whole reply with which the module refuses its command.
     bool Refused() const { return Outcome == TrafficOutcome::Complete && Reply().starts_with('?'); }
-    bool Failed() const { return Outcome != TrafficOutcome::Complete || Refused(); }
 };
 
 /// A row as listeners are told of it.
@@ -34,7 +34,11 @@ LineTraffic TrafficOf(const TrafficRow& row);
 /// The row of what a listener was told; its texts lie there.
 TrafficRow RowOf(const LineTraffic& traffic);
 
-/// "complete", "refused", "silent", "incomplete", "damaged", "lost" or "stray".
-std::string_view OutcomeWord(const TrafficRow& row);
+/// Whether something is amiss: anything but a whole reply that answers its command, as far as that is known.
+bool HasFailed(const TrafficRow& row, const KnownModules& known);
+
+/// "complete", "refused", "unexpected" (a whole reply, but none to this command), "silent", "incomplete",
+/// "damaged", "lost" or "stray".
+std::string_view OutcomeWord(const TrafficRow& row, const KnownModules& known);
 
 } // namespace kavro

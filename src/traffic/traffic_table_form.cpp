@@ -21,7 +21,9 @@ constexpr std::array<const char*, 8> Samples = {"00:00:00.000", "+000.000",     
                                                 "0000.0",       "incomplete"};
 constexpr int CellMargins = 12; // pixels
 constexpr int RowMargins = 4;
+constexpr const char* HexSample = "21 30 31 30 38 30 36 30 30 0D"; // a configuration
 constexpr int ShownRows = 20;
+constexpr int LookMs = 50;       // for the next failure, in one go
 constexpr int WordsColumns = 60; // characters
 
 } // namespace
@@ -101,11 +103,21 @@ void TrafficTable::GoTo(int row) {
     scrollTo(currentIndex(), PositionAtCenter);
 }
 
-bool TrafficTable::GoToNextFailure() {
-    const int row = model_.NextFailure(currentIndex().isValid() ? currentIndex().row() : -1);
-    if (row >= 0)
-        GoTo(row);
-    return row >= 0;
+TrafficModel::Place TrafficTable::GoToNextFailure() {
+    const auto place = model_.NextFailure(currentIndex().isValid() ? currentIndex().row() : -1, LookMs);
+    if (place.Row >= 0)
+        GoTo(place.Row);
+    return place;
+}
+
+void TrafficTable::SetHex(bool hex) {
+    const QFontMetrics metrics(FixedFont());
+    for (const auto column : {TrafficColumn::Command, TrafficColumn::Reply}) {
+        const auto i = static_cast<std::size_t>(column);
+        const int width = metrics.horizontalAdvance(hex ? HexSample : Samples[i]);
+        setColumnWidth(static_cast<int>(i), width + CellMargins);
+    }
+    model_.SetHex(hex);
 }
 
 int TrafficTable::SelectedCount() const {

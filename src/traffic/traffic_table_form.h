@@ -20,8 +20,11 @@ public:
     /// Filters anew; the current row stays the current one when it is still shown.
     void SetFilter(const TrafficFilter& filter);
 
-    /// Goes to the next failure after the current row; false when there is none.
-    bool GoToNextFailure();
+    /// Goes to the next failure after the current row, or as far as a short look for it leads.
+    TrafficModel::Place GoToNextFailure();
+
+    /// Makes room for bytes in hexadecimal, or as texts.
+    void SetHex(bool hex);
 
     /// The selected rows, tab separated, a line each; at most `MostCopied`.
     QString SelectedText() const;

@@ -121,7 +121,7 @@ std::string ColumnText(const TrafficView& view, std::int64_t number, TrafficColu
     case TrafficColumn::ReplyTime:
         return shown(MillisecondsText(row.LastUs));
     case TrafficColumn::Outcome:
-        return std::string(OutcomeWord(row));
+        return std::string(OutcomeWord(row, view.Known));
     case TrafficColumn::Words:
         break;
     }
@@ -160,7 +160,7 @@ std::string TrafficCsvLine(const TrafficView& view, std::int64_t number) {
                                   BytesText(row.Received, false),
                                   MillisecondsText(row.FirstUs),
                                   MillisecondsText(row.LastUs),
-                                  std::string(OutcomeWord(row)),
+                                  std::string(OutcomeWord(row, view.Known)),
                                   words.Asked,
                                   words.Answered};
     std::string line;
