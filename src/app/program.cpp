@@ -84,7 +84,8 @@ void Program::BeginRecording() {
 
 void Program::ShowTraffic() {
     if (!trafficForm_)
-        trafficForm_ = std::make_unique<TrafficForm>(session_, registry_, traffic_, [this] { return form_.ListenOnly(); });
+        trafficForm_ = std::make_unique<TrafficForm>(session_, registry_, traffic_,
+                                                     [this] { return form_.ListenOnly(); });
     trafficForm_->BringUp();
 }
 

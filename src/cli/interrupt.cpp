@@ -41,6 +41,7 @@ bool InterruptWatch::Interrupted() const {
 void IgnoreClosedPipes() {
 #ifdef SIGPIPE
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow fails like a full disk
 #endif
 }
 

@@ -23,6 +23,7 @@ constexpr int InterruptionGraceMs = 300;   // in which the work at hand may stil
 constexpr std::size_t LongestSummed = 128; // the codes of more characters can exceed the checksum
 constexpr int ShortestSilenceMs = 400;     // by then replies that were late have come
 constexpr int LongestSilenceMs = 1000;
+constexpr int StrayEndMs = 50; // a pause of that length ends a line of strays
 
 std::size_t PortIndex(int port) {
     if (port < 1 || port > PortTotal)
@@ -76,14 +77,23 @@ void Line::SetPortBaud(std::int16_t port, std::int16_t baudCode, std::int16_t /*
 
 void Line::SendCommand(const std::string& command, std::int16_t checksumOn, std::int16_t baudCode) {
     const PortSettingsRecord& settings = SettingsOf(CurrentPort);
-    SetPortBaud(CurrentPort, baudCode, settings.Parity, settings.DataBits, settings.StopBits);
-    if (Discard())
-        ++StrayCount;
+    const bool open = CommPort(CurrentPort).PortOpen();
+    try {
+        SetPortBaud(CurrentPort, baudCode, settings.Parity, settings.DataBits, settings.StopBits);
+        if (Discard())
+            ++StrayCount;
+    } catch (const RuntimeFailure&) {
+        if (open && !CommPort(CurrentPort).PortOpen())
+            TellLost(Trim(command) + CarriageReturn);
+        throw;
+    }
+    TellStray();
     std::string text = Trim(command);
     if (checksumOn == 1)
         text += ChecksumOf(text);
     sentLine_ = text + CarriageReturn;
-    BeginTraffic();
+    BeginTraffic(sentLine_);
+    checksumOn_ = checksumOn == 1;
     try {
         CommPort(CurrentPort).Output(sentLine_);
     } catch (const RuntimeFailure&) {
@@ -91,6 +101,8 @@ void Line::SendCommand(const std::string& command, std::int16_t checksumOn, std:
         throw;
     }
     sentAt_ = clock_.Microseconds();
+    if (underWay_)
+        traffic_.Utc = clock_.UtcMicroseconds();
     FirstCharacterUs = -1;
 }
 
@@ -98,30 +110,65 @@ void Line::SendCommand(const std::string& command, std::int16_t checksumOn, std:
 // wait for one, if there is such a command.
 bool Line::Discard() {
     const std::string text = CommPort(CurrentPort).EmptyInBuffer();
-    if (underWay_) {
+    if (underWay_ && traffic_.Port == CurrentPort) {
         traffic_.Received = text;
-        EndTraffic(text.empty()                    ? TrafficOutcome::Silent
-                   : text.back() == CarriageReturn ? TrafficOutcome::Complete
-                                                   : TrafficOutcome::Incomplete);
-    } else if (!text.empty() && !Listeners.empty()) {
-        Tell({.Utc = clock_.UtcMicroseconds(),
-              .Port = CurrentPort,
-              .Baud = BaudInUse(),
-              .Sent = {},
-              .Received = text,
-              .Outcome = TrafficOutcome::Stray});
+        EndTraffic(OutcomeOfUnread());
+    } else {
+        EndTraffic(TrafficOutcome::Silent); // on another port nobody listens any more
+        KeepStray(text);
     }
     return !text.empty();
 }
 
-void Line::BeginTraffic() {
+TrafficOutcome Line::OutcomeOfUnread() {
+    std::string_view reply = traffic_.Received;
+    traffic_.Echo = reply.starts_with(traffic_.Sent);
+    reply.remove_prefix(traffic_.Echo ? traffic_.Sent.size() : 0);
+    if (reply.empty())
+        return TrafficOutcome::Silent;
+    if (reply.back() != CarriageReturn)
+        return TrafficOutcome::Incomplete;
+    reply.remove_suffix(1);
+    return checksumOn_ && !HasChecksum(reply) ? TrafficOutcome::Damaged : TrafficOutcome::Complete;
+}
+
+// Characters come one by one where silence is awaited: they are told a line at a time, or as far as they go.
+void Line::KeepStray(const std::string& text) {
+    if (text.empty() || Listeners.empty())
+        return;
+    if (stray_.Received.empty()) {
+        stray_.Outcome = TrafficOutcome::Stray;
+        stray_.Utc = clock_.UtcMicroseconds();
+        stray_.Port = CurrentPort;
+        stray_.Baud = BaudInUse();
+    }
+    stray_.Received += text;
+    if (text.back() == CarriageReturn || stray_.Received.size() >= LongestReply)
+        TellStray();
+}
+
+void Line::TellStray() {
+    if (!stray_.Received.empty())
+        Tell(stray_);
+    stray_.Received.clear();
+}
+
+// The port failed before a command had gone out, and perhaps while one was under way.
+void Line::TellLost(const std::string& line) {
+    TellStray();
+    EndTraffic(TrafficOutcome::Lost);
+    BeginTraffic(line);
+    EndTraffic(TrafficOutcome::Lost);
+}
+
+void Line::BeginTraffic(const std::string& line) {
     underWay_ = !Listeners.empty();
     if (!underWay_)
         return;
     traffic_.Utc = clock_.UtcMicroseconds();
     traffic_.Port = CurrentPort;
     traffic_.Baud = BaudInUse();
-    traffic_.Sent = sentLine_;
+    traffic_.Sent = line;
     traffic_.Received.clear();
     traffic_.FirstUs = traffic_.LastUs = -1;
     traffic_.Echo = false;
@@ -321,6 +368,8 @@ bool Line::FallenSilent() {
         heardAt_ = now;
     }
     const bool silent = now - heardAt_ >= SilenceMs();
+    if (now - heardAt_ >= StrayEndMs)
+        TellStray();
     if (!silent && now - incompleteAt_ < LongestBoundedMs)
         return false;
     awaitedFor_ = IncompleteCount;

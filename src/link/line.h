@@ -181,7 +181,11 @@ private:
     void NoteEcho(bool echo);
     void NoteHeard(char character);
     bool Discard();
-    void BeginTraffic();
+    TrafficOutcome OutcomeOfUnread();
+    void KeepStray(const std::string& text);
+    void TellStray();
+    void TellLost(const std::string& line);
+    void BeginTraffic(const std::string& line);
     void EndTraffic(TrafficOutcome outcome);
 
     SerialPorts ports_;
@@ -189,6 +193,8 @@ private:
     std::string sentLine_;           // until its echo, or another line, has come
     std::int64_t sentAt_ = 0;        // us
     LineTraffic traffic_;            // of the exchange going on
+    bool checksumOn_ = false;        // in it
+    LineTraffic stray_;              // come so far
     bool underWay_ = false;          // there is one whose end the listeners wait for
     bool waited_ = false;            // for the last character
     std::int64_t interruptedAt_ = 0; // ms, when `Interrupted` was last asked and said no

@@ -11,7 +11,7 @@ enum class TrafficOutcome : std::uint8_t {
     Silent,     ///< not one character came but for an echo
     Incomplete, ///< characters came, but no carriage return within the time-out
     Damaged,    ///< a whole reply with a wrong checksum
-    Lost,       ///< the port failed
+    Lost,       ///< the port failed, maybe before the command had gone out
     Stray,      ///< no exchange: characters that came while nobody had asked
 };
 

@@ -1,5 +1,6 @@
 #include "map/exchange_words.h"
 
+#include "link/codes.h"
 #include "link/line.h"
 #include "link/text.h"
 #include "map/command_forms.h"
@@ -17,6 +18,7 @@ constexpr std::size_t LongestUnderstood = 64; // far more than any command or re
 constexpr std::size_t HeadLength = 3;         // class or lead, and address
 constexpr std::size_t ClassLength = 1;
 constexpr std::size_t ChecksumLength = 2;
+constexpr std::size_t WrittenSetup = 8; // new address, range, rate and format
 
 // What passed, without echo and carriage returns.
 struct Texts {
@@ -156,19 +158,49 @@ KnownModules::KnownModules(const Session& session) {
 }
 
 void KnownModules::Learn(std::string_view sent, std::string_view received) {
-    if (sent.size() <= HeadLength || sent[0] != '$' || sent[HeadLength] != 'M')
+    if (sent.size() <= HeadLength || (sent[0] != '%' && sent[0] != '$') ||
+        (sent[0] == '$' && sent[HeadLength] != 'M' && sent[HeadLength] != '2'))
         return;
     Texts texts = TextsOf(sent, received);
     if (HasCommandChecksum(texts) && HasChecksum(texts.Reply))
         texts = {WithoutChecksum(texts.Command), WithoutChecksum(texts.Reply)};
     const auto address = AddressIn(texts.Command);
-    if (!address || texts.Command.size() != HeadLength + 1 || Record(*address))
+    if (!address)
         return;
-    const ReplyMeasure measure{std::string(texts.Command.substr(1, 2)),
-                               NamedAddress(texts, *address, nullptr)};
-    const std::string_view form = ReplyFormOf({}, '$', "M");
-    if (FitsForm(texts.Reply, form, measure))
-        learned_[static_cast<std::size_t>(*address)] = ReplyData(texts.Reply, form);
+    const std::string_view tail = texts.Command.substr(HeadLength);
+    const std::string own = NamedAddress(texts, *address, nullptr);
+    const ReplyMeasure measure{texts.Command[0] == '%' ? own : std::string(texts.Command.substr(1, 2)), own};
+    const bool tells = texts.Command[0] == '$';
+    if (tells && tail == "M" && FitsForm(texts.Reply, "!AAM", measure))
+        LearnModel(*address, ReplyData(texts.Reply, "!AAM"));
+    else if (tells && tail == "2" && FitsForm(texts.Reply, "!AAhhhhhh", measure))
+        LearnSetup(*address, ReplyData(texts.Reply, "!AAhhhhhh"));
+    else if (!tells && tail.size() == WrittenSetup && FitsForm(texts.Reply, "!AA", measure))
+        LearnSetup(*address, tail.substr(2));
+}
+
+void KnownModules::LearnModel(int address, const std::string& model) {
+    const auto index = static_cast<std::size_t>(address);
+    if (records_[index] && Trim(records_[index]->Model) == model)
+        return;
+    records_[index].reset();
+    learned_[index] = model;
+}
+
+// What contradicts the map makes its range nothing to go by. Codes are "TTCCFF".
+void KnownModules::LearnSetup(int address, std::string_view codes) {
+    const auto index = static_cast<std::size_t>(address);
+    if (!records_[index])
+        return;
+    const ModuleRecord& record = *records_[index];
+    const bool counts = ModuleFamily(record.Model) == CounterFrequency; // whose format is its gate time
+    const auto type = HexNumber(codes.substr(0, 2));
+    const auto format = HexNumber(codes.substr(4, 2));
+    if (type && format && static_cast<int>(*type) == record.InputRange &&
+        (counts || static_cast<int>(*format & 3U) == record.DataFormat))
+        return;
+    learned_[index] = Trim(record.Model);
+    records_[index].reset();
 }
 
 const ModuleRecord* KnownModules::Record(int address) const {
@@ -190,9 +222,11 @@ ExchangeWords WordsOf(std::string_view sent, std::string_view received, const Kn
         return words;
     const bool checked = HasCommandChecksum(texts);
     const std::string_view command = checked ? WithoutChecksum(texts.Command) : texts.Command;
-    if (checked && (texts.Reply.empty() || HasChecksum(texts.Reply)) &&
-        Explain({command, WithoutChecksum(texts.Reply)}, known, words))
+    if (checked && (texts.Reply.empty() || HasChecksum(texts.Reply))) {
+        Explain({command, WithoutChecksum(texts.Reply)}, known,
+                words); // else a checksum would be read as data
         return words;
+    }
     const bool understood = Explain(texts, known, words);
     if (!checked || (understood && !words.Answered.empty()))
         return words; // what looks like a checksum is none, as the reply tells

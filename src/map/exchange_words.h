@@ -18,8 +18,8 @@ public:
     /// The modules of the session's list.
     explicit KnownModules(const Session& session);
 
-    /// Takes the model from a reply to "$AAM" of a module that no map tells of; anything else changes
-    /// nothing. Bytes as they went over the line.
+    /// Takes the model from a reply to "$AAM", and forgets the range of a module that tells another one than
+    /// the map, or has just been given it; anything else changes nothing. Bytes as they went over the line.
     void Learn(std::string_view sent, std::string_view received);
 
     /// The record of a map; null when no map tells of the module.
@@ -28,6 +28,9 @@ public:
     std::string_view Model(int address) const;
 
 private:
+    void LearnModel(int address, const std::string& model);
+    void LearnSetup(int address, std::string_view codes);
+
     std::array<std::optional<ModuleRecord>, ModuleTable::Size> records_{};
     std::array<std::string, ModuleTable::Size> learned_{};
 };

@@ -3,6 +3,7 @@
 #include "link/codes.h"
 #include "link/digital_channels.h"
 #include "link/text.h"
+#include "map/reply_forms.h"
 #include "map/setup_words.h"
 
 #include <algorithm>
@@ -69,6 +70,17 @@ Words Measured(const FieldText& field, std::int16_t dataFormat) {
 
 Words InDataFormat(const FieldText& field) {
     return Measured(field, field.Known.Record ? field.Known.Record->DataFormat : std::int16_t{0});
+}
+
+// Written in another data format, as a calibration does, a number has no unit to go by.
+Words AsOutput(const FieldText& field) {
+    const ModuleRecord* record = field.Known.Record;
+    if (!record)
+        return InDataFormat(field);
+    const ReplyMeasure measure{
+        .Address = {}, .OwnAddress = {}, .InputRange = record->InputRange, .DataFormat = record->DataFormat};
+    const bool fits = FitsForm(">" + std::string(field.Text), ">O", measure);
+    return fits ? InDataFormat(field) : AsItStands(IsNumber(field.Text), field.Text);
 }
 
 Words InEngineeringUnits(const FieldText& field) {
@@ -187,7 +199,7 @@ constexpr FieldKind Kinds[] = {
     {'T', Rest, Text},
     {'V', Rest, InDataFormat},
     {'E', Rest, InEngineeringUnits},
-    {'O', Rest, InDataFormat},
+    {'O', Rest, AsOutput},
     {'P', Rest, [](const FieldText& field) { return InUnit(field.Text, "V"); }},
     {'K', Rest, [](const FieldText& field) { return InUnit(field.Text, "C"); }},
     {'F', Rest, CountOrFrequency},

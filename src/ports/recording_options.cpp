@@ -54,7 +54,8 @@ RecordingChoice ReadRecordingOptions(const QCommandLineParser& parser,
     if (parser.isSet("record-limit"))
         choice.Options.LimitBytes = LimitOf(parser.value("record-limit").toStdString());
     for (const auto& [port, device] : devices)
-        if (IsReplay(device) && SameFile(ReplayPath(device), choice.Path))
+        if (IsReplay(device) && (SameFile(ReplayPath(device), choice.Path) ||
+                                 SameFile(ReplayPath(device), PathBefore(choice.Path))))
             throw RuntimeFailure(
                 "The recording that is played would be overwritten. Record to another file.");
     RequireRecordable(choice.Path, choice.Options);

@@ -20,17 +20,13 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t LongestStray = 65536; // bytes a line
 
-std::string PathBefore(const std::string& path) {
-    return path + ".1";
-}
-
 std::string Subject(const std::string& path) {
     return "The recording \"" + path + "\" cannot be written: ";
 }
 
 [[noreturn]] void ThrowReason(const std::string& path) {
     throw RuntimeFailure(Subject(path) + std::generic_category().message(errno) +
-                         ". Free space, or choose another file.");
+                         ". Look at the folder and its free space, or choose another file.");
 }
 
 void RequireFree(const std::string& path, bool overwrite) {
@@ -46,6 +42,10 @@ void RequireFree(const std::string& path, bool overwrite) {
 }
 
 } // namespace
+
+std::string PathBefore(const std::string& path) {
+    return path + ".1";
+}
 
 void RequireRecordable(const std::string& path, const RecorderOptions& options) {
     RequireFree(path, options.Overwrite);

@@ -16,6 +16,9 @@ struct RecorderOptions {
         0; ///< a file that would grow beyond it becomes FILE.1, in place of the one before; 0: none
 };
 
+/// Where a file goes that has become full: "FILE.1".
+std::string PathBefore(const std::string& path);
+
 /// Throws `RuntimeFailure` when a recording must not be written there: something is there already (FILE.1
 /// too, when the length is limited) that may not be overwritten, or is no file. Touches nothing.
 void RequireRecordable(const std::string& path, const RecorderOptions& options);

@@ -138,6 +138,12 @@ void TrafficModel::RefreshKnown() {
     knownUntil_ = now + KnownFor;
     known_ = KnownModules(session_);
     for (const auto& [sent, received] : learned_)
+        Learn(sent, received);
+}
+
+// The session's list is newer than old rows are.
+void TrafficModel::Learn(std::string_view sent, std::string_view received) {
+    if (const auto address = AddressIn(sent); address && !known_.Record(*address))
         known_.Learn(sent, received);
 }
 
@@ -146,7 +152,7 @@ void TrafficModel::See(const TrafficRow& row) {
         addresses_[static_cast<std::size_t>(*address)] = true;
     if (row.Outcome != TrafficOutcome::Complete || !TellsModel(row.Sent))
         return;
-    known_.Learn(row.Sent, row.Received);
+    Learn(row.Sent, row.Received);
     learned_.insert_or_assign(std::string(row.Sent), std::string(row.Received));
 }
 

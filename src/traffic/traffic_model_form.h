@@ -70,6 +70,7 @@ private:
     void BeginAnew();
     void See(const TrafficRow& row);
     void RefreshKnown();
+    void Learn(std::string_view sent, std::string_view received);
     QVariant Colour(const TrafficRow& row) const;
 
     const Session& session_;

@@ -271,5 +271,27 @@ TEST_F(LineTest, ListenersAreToldOfWhatNobodyAwaited) {
             << i;
 }
 
+// What comes late, character by character, is one line; a port that fails between two commands is told too.
+TEST_F(LineTest, ListenersAreToldOfStraysByTheLine) {
+    HeardTraffic heard;
+    TestLine.Listeners.push_back(&heard);
+    Test.Port().Queue = {{"", 0}, {"!03\r"}};
+    TestLine.Exchange("$012", 0, 3, 100);
+    Test.Port().Receive({"!0182\r!0", 50, 3});
+    EXPECT_TRUE(TestLine.AwaitSilence());
+    TestLine.Exchange("$032", 0, 3, 100);
+    Test.Port().PortOpen(false);
+    EXPECT_THROW(TestLine.Exchange("$042", 0, 3, 100), RuntimeFailure); // closed before: not lost
+    const std::tuple<const char*, const char*, TrafficOutcome> expected[] = {
+        {"$012\r", "", TrafficOutcome::Silent},
+        {"", "!0182\r", TrafficOutcome::Stray},
+        {"", "!0", TrafficOutcome::Stray},
+        {"$032\r", "!03\r", TrafficOutcome::Complete}};
+    ASSERT_EQ(heard.All.size(), std::size(expected));
+    for (std::size_t i = 0; i < heard.All.size(); ++i)
+        EXPECT_EQ(std::tuple(heard.All[i].Sent, heard.All[i].Received, heard.All[i].Outcome), expected[i])
+            << i;
+}
+
 } // namespace
 } // namespace kavro

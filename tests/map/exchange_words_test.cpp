@@ -161,6 +161,39 @@ TEST(ExchangeWords, OfUnknownModulesAreThoseOfAllFamilies) {
     }
 }
 
+// A checksum is never read as data, and a range that the line contradicts is not believed.
+TEST_F(ExchangeWordsTest, SayNothingRatherThanWhatIsWrong) {
+    const Exchange unknown[] = {{"$125BC\r", "!1210E5\r", "", ""}, {"$125BC\r", "", "", ""}};
+    for (const auto& [sent, received, asked, answered] : unknown) {
+        const ExchangeWords words = WordsOf(sent, received, {});
+        EXPECT_EQ(std::tuple(words.Asked, words.Answered), std::tuple(asked, answered)) << sent;
+    }
+    EXPECT_EQ(WordsOf("#0250B8\r", ">+05.1239Z\r", KnownModules(Session)).Asked, "");
+    const std::pair<Exchange, Exchange> contradicted[] = {
+        {{"$012\r", "!010D0600\r", "", ""}, {"#013\r", ">+05.123\r", "01: read channel 3", "+05.123"}},
+        {{"%01010D0600\r", "!01\r", "", ""}, {"#013\r", ">+05.123\r", "01: read channel 3", "+05.123"}},
+        {{"%01010D0600\r", "?01\r", "", ""}, {"#013\r", ">+05.123\r", "01: read channel 3", "5.123 V"}},
+        {{"$012\r", "!01080600\r", "", ""}, {"#013\r", ">+05.123\r", "01: read channel 3", "5.123 V"}},
+        {{"$01M\r", "!018260\r", "", ""}, {"#013\r", ">+05.123\r", "01: read channel 3", "+05.123"}},
+        {{}, {"#03+050.00\r", ">\r", "03: set output to +050.00", "done"}}, // of another data format
+    };
+    for (const auto& [before, exchange] : contradicted) {
+        KnownModules known(Session);
+        known.Learn(before.Sent, before.Received);
+        const ExchangeWords words = WordsOf(exchange.Sent, exchange.Received, known);
+        EXPECT_EQ(words.Asked, exchange.Asked) << before.Sent << before.Received;
+        EXPECT_EQ(words.Answered, exchange.Answered) << before.Sent << before.Received;
+    }
+    const std::tuple<const char*, const char*, bool> replies[] = {{"$012\r", "!01080600\r", false},
+                                                                  {"$012\r", "!02080600\r", true},
+                                                                  {"$012\r", "\x01!01080600\r", true},
+                                                                  {"$012\r", "?01\r", false},
+                                                                  {"$012\r", "", false},
+                                                                  {"$01ZZ\r", "!01\r", false}};
+    for (const auto& [sent, received, unexpected] : replies)
+        EXPECT_EQ(WordsOf(sent, received, KnownModules(Session)).Unexpected, unexpected) << received;
+}
+
 TEST_F(ExchangeWordsTest, BearWhateverComes) {
     const KnownModules known(Session);
     const std::string endless(1'000'000, '0');

@@ -23,7 +23,8 @@ TEST(TrafficLog, KeepsTheLastMillionRowsUnderTheirNumbers) {
     }
     log.Clear();
     EXPECT_EQ(log.First(), passed);
-    log.Passed({.Sent = {}, .Received = "late", .FirstUs = std::int64_t{1} << 40, .Outcome = TrafficOutcome::Stray});
+    log.Passed(
+        {.Sent = {}, .Received = "late", .FirstUs = std::int64_t{1} << 40, .Outcome = TrafficOutcome::Stray});
     EXPECT_EQ(log.Row(passed).Received, "late");
     EXPECT_EQ(log.Row(passed).FirstUs, 2'147'483'647);
     EXPECT_EQ(log.Row(passed).LastUs, -1);
