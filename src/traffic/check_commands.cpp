@@ -29,7 +29,30 @@ CheckCommand Command(const std::string& model, char lead, std::string_view tail,
     return {lead, std::string(tail), ReplyFormOf(model, lead, tail), lasting};
 }
 
+// Of the configuration "TTCCFF" only what the replies depend on: a rate or a checksum setting that is not the
+// list's may be waiting for the next power-up. Ranges go by their names, as an old list may hold no more.
+bool IsListedSetup(const ModuleRecord& record, std::string_view data) {
+    constexpr std::size_t FormatStart = 4;
+    const std::string range = RangeName(record.InputRange);
+    const std::int16_t family = ModuleFamily(record.Model);
+    if (family == DigitalIo || family == Converter || range.empty())
+        return true;
+    const auto format = HexNumber(data.substr(FormatStart)).value_or(0) % 4;
+    return RangeName(static_cast<std::int16_t>(HexNumber(data.substr(0, 2)).value_or(0))) == range &&
+           (family == CounterFrequency || format == static_cast<unsigned>(record.DataFormat));
+}
+
 } // namespace
+
+bool IsAsListed(const Session& session, int index, const CheckCommand& command, std::string_view reply) {
+    const ModuleRecord& record = session.ModuleTable[index];
+    const std::string data = ReplyData(reply, command.Form);
+    if (command.Lead != '$' || ModuleFamily(record.Model) == UnknownFamily)
+        return true;
+    if (command.Tail == "M")
+        return data == Trim(record.Model);
+    return command.Tail != "2" || IsListedSetup(record, data);
+}
 
 std::vector<CheckCommand> CheckCommandsOf(const Session& session, int index) {
     const std::string& model = session.ModuleTable[index].Model;

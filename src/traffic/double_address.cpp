@@ -27,7 +27,6 @@ bool HasTwoNatures(const CommandTally& tally) {
     return std::ranges::count_if(tally.Good, [&](const auto& text) { return text.second >= fewest; }) >= 2;
 }
 
-// Replies that no longer fit the list, as the module has another format now, are clean and not too long.
 bool IsGarbled(const CommandTally& tally, double share) {
     return IsKnown(tally) && Share(tally.Garbled, tally.Answered) >= share &&
            (Share(tally.Unclean, tally.Garbled) >= Often || Share(tally.Overlong, tally.Garbled) >= Often);
@@ -75,8 +74,11 @@ bool IsTooLong(const ModuleCheck& module) {
 
 bool LooksLikeTwo(const ModuleCheck& module) {
     const bool behind = module.Behind >= 3 && Share(module.Behind, module.Complete) >= Often;
-    return behind || std::ranges::any_of(module.Tallies, HasTwoNatures) || DependsOnTheCommand(module) ||
-           DependsOnThePlace(module) || IsTooLong(module);
+    if (behind || std::ranges::any_of(module.Tallies, HasTwoNatures))
+        return true;
+    // One other module alone answers some commands well and others at greater length, too.
+    return !module.IsAnother() &&
+           (DependsOnTheCommand(module) || DependsOnThePlace(module) || IsTooLong(module));
 }
 
 } // namespace kavro

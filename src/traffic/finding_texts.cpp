@@ -32,6 +32,9 @@ constexpr DamageWords Words[DamageCount] = {
      "at both ends."},
 };
 
+constexpr const char* RefreshAdvice =
+    "Search, or choose Network > Refresh, to bring the list up to date; then check again.";
+
 std::string Count(std::int64_t part, std::int64_t whole) {
     return std::to_string(part) + " of " + std::to_string(whole);
 }
@@ -50,6 +53,18 @@ std::string KindsOf(const std::array<int, DamageCount>& damages) {
         if (damages[kind] > 0)
             text += (text.empty() ? " (" : ", ") + std::to_string(damages[kind]) + " " + Words[kind].Seen;
     return text.empty() ? text : text + ")";
+}
+
+// The model that the module tells, when it is not the list's.
+std::string ToldInstead(const ModuleCheck& module) {
+    constexpr std::size_t HeadLength = 3;
+    for (const CommandTally& tally : module.Tallies)
+        if (tally.Command.Tail == "M" && 2 * tally.Other > tally.Complete)
+            return ": it tells the model " +
+                   std::ranges::max_element(tally.Good, {}, [](const auto& text) { return text.second; })
+                       ->first.substr(HeadLength) +
+                   ", the list " + module.Model;
+    return {};
 }
 
 template <class Modules>
@@ -127,6 +142,18 @@ std::string ModuleDamagedText(const LineCheckResult&, const ModuleCheck& module)
            Words[worst].Advice;
 }
 
+std::string ModuleAnotherText(const LineCheckResult&, const ModuleCheck& module) {
+    return "The replies are clean, but those of another module than in the list, or of one that is set "
+           "otherwise" +
+           ToldInstead(module) + ". " + RefreshAdvice;
+}
+
+std::string LineAnotherText(const LineCheckResult&, const ModuleChecks& modules) {
+    return "The replies of all modules are clean, but those of other modules than in the list, or of modules "
+           "that are set otherwise: addresses " +
+           Addresses(modules) + ". " + RefreshAdvice;
+}
+
 std::string LineDamagedText(const LineCheckResult& result, const ModuleChecks& modules) {
     std::array<int, DamageCount> damages{};
     for (const ModuleCheck* module : modules)
@@ -142,16 +169,23 @@ std::string LineDamagedText(const LineCheckResult& result, const ModuleChecks& m
 }
 
 std::string ModuleRefusedText(const LineCheckResult&, const ModuleCheck& module) {
-    return "The module refused (\"?\") " + Count(module.Refused, module.Sent) + " commands that a module " +
-           (module.Model.empty() ? "of its kind" : module.Model) +
-           " must know. It may be another model, or set otherwise, than the list says: choose Network > "
-           "Refresh. Else power it off and on, or exchange it.";
+    const std::string seen = "The module refused (\"?\") " + Count(module.Refused, module.Sent) +
+                             " commands that a module " +
+                             (module.Model.empty() ? "of its kind" : module.Model) + " must know. ";
+    if (module.IsAnother())
+        return seen + "It is another module than in the list, or set otherwise" + ToldInstead(module) + ". " +
+               RefreshAdvice;
+    return seen + "It may be another module than in the list, or set otherwise: search, or choose Network > "
+                  "Refresh, then check again. Else power it off and on, or exchange it.";
 }
 
 std::string LineRefusedText(const LineCheckResult&, const ModuleChecks& modules) {
+    const auto another = std::ranges::count_if(modules, &ModuleCheck::IsAnother);
     return "All modules refuse (\"?\") commands that they must know: " +
            Count(Sum(modules, &ModuleCheck::Refused), Sum(modules, &ModuleCheck::Sent)) +
-           ". The list may be that of another line: search again.";
+           (2 * another > std::ssize(modules)
+                ? std::string(". They are other modules than in the list, or set otherwise. ") + RefreshAdvice
+                : std::string(". The list may be that of another line: search, then check again."));
 }
 
 std::string ModuleSlowText(const LineCheckResult& result, const ModuleCheck& module) {

@@ -15,6 +15,9 @@ std::string LineSilentText(const LineCheckResult& result, const ModuleChecks& mo
 std::string ModuleSilentText(const LineCheckResult& result, const ModuleCheck& module);
 std::string DoubleAddressText(const LineCheckResult& result, const ModuleCheck& module);
 std::string ModuleDamagedText(const LineCheckResult& result, const ModuleCheck& module);
+/// Of modules whose clean replies do not suit the list.
+std::string ModuleAnotherText(const LineCheckResult& result, const ModuleCheck& module);
+std::string LineAnotherText(const LineCheckResult& result, const ModuleChecks& modules);
 /// Says whether the damage grows with the rate, or along the list.
 std::string LineDamagedText(const LineCheckResult& result, const ModuleChecks& modules);
 std::string ModuleRefusedText(const LineCheckResult& result, const ModuleCheck& module);

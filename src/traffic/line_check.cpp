@@ -70,10 +70,6 @@ std::vector<ModuleCheck> ModulesOf(const Session& session) {
     return modules;
 }
 
-bool IsPrintable(char character) {
-    return character >= ' ' && character <= '~';
-}
-
 // Whether there is a line that a master sends and no module.
 bool HoldsCommand(std::string_view characters) {
     constexpr std::size_t HeadLength = 3; // leading character and address
@@ -83,7 +79,7 @@ bool HoldsCommand(std::string_view characters) {
         const std::string_view line = characters.substr(0, end);
         if (std::string_view("$#@~%").find(characters.front()) != std::string_view::npos &&
             line.size() >= HeadLength && line.size() <= LongestCommand &&
-            HexNumber(line.substr(1, HeadLength - 1)) && std::ranges::all_of(line, IsPrintable))
+            HexNumber(line.substr(1, HeadLength - 1)) && IsClean(line))
             return true;
     }
     return false;
@@ -176,7 +172,11 @@ void LineCheck::Passed(const LineTraffic& traffic) {
 JudgedReply LineCheck::Exchange(const ModuleCheck& module, const CheckCommand& command, int timeoutMs) {
     ExchangeWithModule(session_, module.Index, CommandFor(session_, module.Index, command.Lead, command.Tail),
                        timeoutMs);
-    return JudgeReply(traffic_, module.Checksum, command.Form, MeasureOf(session_, module.Index));
+    JudgedReply reply =
+        JudgeReply(traffic_, module.Checksum, command.Form, MeasureOf(session_, module.Index));
+    reply.AsListed =
+        reply.Verdict != Verdict::Complete || IsAsListed(session_, module.Index, command, reply.Text);
+    return reply;
 }
 
 // One command and what comes behind its reply; false when the line does not fall silent.

@@ -27,7 +27,7 @@ View::View(const LineCheckResult& result) : Result(result) {
         if (module.Sent == 0)
             continue;
         Asked.push_back(&module);
-        if (module.Silent - module.Late < module.Sent)
+        if (module.Silent - module.Late < module.Sent && !module.IsAnother())
             trouble += module.Damaged + module.Silent - module.Late;
         if (LooksLikeTwo(module))
             Twofold.insert(&module);
@@ -46,8 +46,13 @@ bool IsTwofold(const View& view, const ModuleCheck& module) {
     return view.Twofold.contains(&module);
 }
 
+// Such a module may refuse as well; that is then the finding.
+bool IsAnother(const View&, const ModuleCheck& module) {
+    return module.IsAnother() && module.Refused == 0;
+}
+
 bool IsDamaged(const View& view, const ModuleCheck& module) {
-    return module.Damaged > 0 && !view.ForeignDisturbs;
+    return module.Damaged > 0 && !view.ForeignDisturbs && !module.IsAnother();
 }
 
 // What came late was slow, not silent.
@@ -91,6 +96,7 @@ struct Rule {
 constexpr Rule Rules[] = {
     {"line-silent", IsDead, Whose::LinesOnly, nullptr, LineSilentText, true},
     {"double-address", IsTwofold, Whose::EachModules, DoubleAddressText, nullptr, true},
+    {"damaged", IsAnother, Whose::LinesIfAll, ModuleAnotherText, LineAnotherText, true},
     {"damaged", IsDamaged, Whose::LinesIfTwo, ModuleDamagedText, LineDamagedText, true},
     {"line-silent", IsSilent, Whose::LinesOnly, nullptr, LineSilentText, true},
     {"module-silent", IsSilent, Whose::EachModules, ModuleSilentText, nullptr, true},

@@ -13,8 +13,33 @@ std::size_t CommonStart(std::string_view first, std::string_view second) {
     return static_cast<std::size_t>(std::ranges::mismatch(first, second).in1 - first.begin());
 }
 
-bool HasUncleanCharacter(std::string_view text) {
-    return std::ranges::any_of(text, [](char character) { return character < ' ' || character > '~'; });
+// The text with all digits, hexadecimal ones too, and all signs alike: what does not change with the values.
+std::string ShapeOf(std::string text) {
+    constexpr std::string_view Digits = "0123456789ABCDEF";
+    for (char& character : text)
+        character = Digits.find(character) != std::string_view::npos ? '0'
+                    : character == '-'                               ? '+'
+                                                                     : character;
+    return text;
+}
+
+void CountText(std::map<std::string, int>& texts, const std::string& text) {
+    if (texts.size() < MostTexts || texts.contains(text))
+        ++texts[text];
+}
+
+bool TellsAnother(const CommandTally& tally) {
+    return 2 * tally.Other > tally.Complete;
+}
+
+// Never what the list lets expect, but mostly of one other form. Chance damages a reply in many ways.
+bool HasAnotherForm(const CommandTally& tally) {
+    constexpr int Fewest = 2;
+    constexpr double Mostly = 0.6;
+    int most = 0;
+    for (const auto& [shape, count] : tally.OtherShapes)
+        most = std::max(most, count);
+    return tally.Complete == 0 && most >= Fewest && most >= Mostly * tally.Garbled;
 }
 
 void NoteGarbled(CommandTally& tally, const std::string& text, bool checksum) {
@@ -23,7 +48,7 @@ void NoteGarbled(CommandTally& tally, const std::string& text, bool checksum) {
     else
         tally.CommonStart = std::min(tally.CommonStart, CommonStart(tally.GarbledText, text));
     tally.Overlong += text.size() >= LongestReply(tally.Command.Form, checksum) + 2 ? 1 : 0;
-    tally.Unclean += HasUncleanCharacter(text) ? 1 : 0;
+    tally.Unclean += IsClean(text) ? 0 : 1;
 }
 
 // The value that this share of them does not exceed.
@@ -49,8 +74,9 @@ void ModuleCheck::Note(std::size_t command, const JudgedReply& reply) {
     case Verdict::Complete:
         ++Complete;
         ++tally.Complete;
-        if (tally.Command.Lasting && (tally.Good.size() < MostTexts || tally.Good.contains(reply.Text)))
-            ++tally.Good[reply.Text];
+        tally.Other += reply.AsListed ? 0 : 1;
+        if (tally.Command.Lasting)
+            CountText(tally.Good, reply.Text);
         return;
     case Verdict::Damaged:
         break;
@@ -59,6 +85,14 @@ void ModuleCheck::Note(std::size_t command, const JudgedReply& reply) {
     ++Damages[static_cast<std::size_t>(reply.Damage)];
     if (reply.Damage == Damage::Cut || reply.Damage == Damage::OtherForm || reply.Damage == Damage::Garbled)
         NoteGarbled(tally, reply.Text, Checksum);
+    if (reply.Damage == Damage::OtherForm) {
+        ++tally.OtherForm;
+        CountText(tally.OtherShapes, ShapeOf(reply.Text));
+    }
+}
+
+bool ModuleCheck::IsAnother() const {
+    return std::ranges::any_of(Tallies, TellsAnother) || std::ranges::any_of(Tallies, HasAnotherForm);
 }
 
 std::optional<ReplyMs> TimesOf(const ModuleCheck& module) {

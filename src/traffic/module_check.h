@@ -18,11 +18,14 @@ struct CommandTally {
     int Asked = 0;
     int Answered = 0; ///< not silent
     int Complete = 0;
+    int Other = 0;                               ///< of these with another model or set-up than the list's
+    int OtherForm = 0;                           ///< clean lines that are not what the command asks for
     int Garbled = 0;                             ///< damaged in a way that two replies at once may look like
     int Overlong = 0;                            ///< of these with more than one character too many
     int Unclean = 0;                             ///< of these with characters that no module sends
     std::size_t CommonStart = std::string::npos; ///< characters that all garbled replies begin with alike
     std::string GarbledText{};                   ///< one of them
+    std::map<std::string, int> OtherShapes{};    ///< of clean lines of another form, all digits alike
     std::map<std::string, int> Good{};           ///< complete replies, when they are to stay the same
 };
 
@@ -52,6 +55,10 @@ struct ModuleCheck {
 
     /// Never answered, not even late.
     bool Dead() const { return Sent > 0 && Silent == Sent && Late == 0 && Stray == 0; }
+
+    /// Its clean replies tell, most of the time and in the same way, that it is another model than in the
+    /// list, or set otherwise.
+    bool IsAnother() const;
 
     /// Counts a reply to `Tallies[command]`.
     void Note(std::size_t command, const JudgedReply& reply);

@@ -45,10 +45,6 @@ struct Ruler {
     }
 };
 
-bool IsClean(std::string_view text) {
-    return std::ranges::all_of(text, [](char character) { return character >= ' ' && character <= '~'; });
-}
-
 // It would be good if the module had the address that it names.
 bool NamesAnother(std::string_view bare, const Ruler& ruler) {
     if (bare.size() < AddressEnd)
@@ -109,6 +105,10 @@ JudgedReply JudgeReply(const LineTraffic& traffic, bool checksum, std::string_vi
     if (const auto bare = whole ? ruler.Bare(text) : std::nullopt; bare && ruler.Answers(*bare))
         return {ruler.Fits(*bare) ? Verdict::Complete : Verdict::Refused, {}, std::string(*bare)};
     return {Verdict::Damaged, DamageOf(text, whole, ruler), std::string(text)};
+}
+
+bool IsClean(std::string_view text) {
+    return std::ranges::all_of(text, [](char character) { return character >= ' ' && character <= '~'; });
 }
 
 bool HoldsReply(std::string_view characters, bool checksum, std::string_view form,

@@ -29,11 +29,15 @@ struct JudgedReply {
     kavro::Verdict Verdict = Verdict::Silent;
     kavro::Damage Damage = Damage::Garbled; ///< of a damaged one
     std::string Text;                       ///< without echo and carriage return, a good one without checksum
+    bool AsListed = true; ///< a complete one tells no other model or set-up than the list, as far as is known
 };
 
 /// Judges what came of a command whose good reply is of this form.
 JudgedReply JudgeReply(const LineTraffic& traffic, bool checksum, std::string_view form,
                        const ReplyMeasure& measure);
+
+/// Whether all of it are characters that modules send.
+bool IsClean(std::string_view text);
 
 /// Whether the characters, carriage returns included, hold a whole good reply, or a refusal, of the module.
 bool HoldsReply(std::string_view characters, bool checksum, std::string_view form,

@@ -116,6 +116,17 @@ Faults& At(CheckedSession& test, int address) {
     return test.Line.ModuleAt(address).OwnFaults;
 }
 
+// Modules that the list has otherwise: another model, or another type and data format.
+void Exchange(CheckedSession& test, int address, std::string_view model, int format = -1) {
+    ModuleSettings settings = FactorySettings(model);
+    settings.Address = address;
+    settings.Checksum = address == 2 || address == 3;
+    if (format >= 0)
+        settings.DataFormat = format;
+    At(test, address).Unplugged = true;
+    test.Line.Add(MakeModule(settings));
+}
+
 const FaultyLine FaultyLines[] = {
     {"good", "", [](CheckedSession&) {}},
     {"adapter with latency", "", [](CheckedSession& test) { test.Line.LineFaults.LatencyMs = 16; }},
@@ -133,6 +144,18 @@ const FaultyLine FaultyLines[] = {
     {"damage 50%", "damaged 3", [](CheckedSession& test) { At(test, 3).DamageShare = 0.5; }},
     {"damage 100%", "damaged 1", [](CheckedSession& test) { At(test, 1).DamageShare = 1; }},
     {"damage all", "damaged", [](CheckedSession& test) { test.Line.LineFaults.DamageShare = 0.2; }},
+    {"other models", "damaged 1, damaged 2, refused 3, refused 4",
+     [](CheckedSession& test) {
+         const char* const models[] = {"8410", "8250", "8510", "8210"};
+         for (int address = 1; const char* model : models)
+             Exchange(test, address++, model);
+     }},
+    {"another converter", "refused 1", [](CheckedSession& test) { Exchange(test, 1, "8610"); }},
+    {"other data formats", "damaged 1, damaged 3",
+     [](CheckedSession& test) {
+         Exchange(test, 1, "8250", 2);
+         Exchange(test, 3, "8210", 1);
+     }},
     {"refuse", "refused 3", [](CheckedSession& test) { At(test, 3).Refuse = true; }},
     {"refuse all", "refused", [](CheckedSession& test) { test.Line.LineFaults.Refuse = true; }},
     {"slow", "slow 3", [](CheckedSession& test) { At(test, 3).DelayMs = 80; }},
