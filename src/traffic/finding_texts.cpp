@@ -1,6 +1,7 @@
 #include "traffic/finding_texts.h"
 
 #include <algorithm>
+#include <functional>
 #include <span>
 
 namespace kavro {
@@ -47,7 +48,20 @@ std::string Addresses(const ModuleChecks& modules) {
     return modules.size() > MostNamed ? text + ", ..." : text;
 }
 
-std::string KindsOf(const std::array<int, DamageCount>& damages) {
+using DamageCounts = std::array<int, DamageCount>;
+
+// A clean line of another form is mere damage where the same command came complete at other times.
+DamageCounts DamagesOf(const ModuleCheck& module) {
+    DamageCounts damages = module.Damages;
+    for (const CommandTally& tally : module.Tallies)
+        if (tally.Complete > 0) {
+            damages[static_cast<std::size_t>(Damage::OtherForm)] -= tally.OtherForm;
+            damages[static_cast<std::size_t>(Damage::Garbled)] += tally.OtherForm;
+        }
+    return damages;
+}
+
+std::string KindsOf(const DamageCounts& damages) {
     std::string text;
     for (std::size_t kind = 0; kind < DamageCount; ++kind)
         if (damages[kind] > 0)
@@ -113,7 +127,8 @@ std::string LineSilentText(const LineCheckResult&, const ModuleChecks& modules) 
                " commands. Check the adapter, the supply of the modules and the two wires where they leave "
                "the "
                "adapter.";
-    return "No module answers. Check whether the wires A and B are swapped, the baud rate, the adapter, and "
+    return "No module answers. Check whether the wires A and B are swapped, the baud rate and checksum, the "
+           "adapter, and "
            "the "
            "power of the modules.";
 }
@@ -137,8 +152,9 @@ std::string DoubleAddressText(const LineCheckResult&, const ModuleCheck& module)
 }
 
 std::string ModuleDamagedText(const LineCheckResult&, const ModuleCheck& module) {
-    const auto worst = std::ranges::max_element(module.Damages) - module.Damages.begin();
-    return Count(module.Damaged, module.Sent) + " replies are damaged" + KindsOf(module.Damages) + ". " +
+    const DamageCounts damages = DamagesOf(module);
+    const auto worst = std::ranges::max_element(damages) - damages.begin();
+    return Count(module.Damaged, module.Sent) + " replies are damaged" + KindsOf(damages) + ". " +
            Words[worst].Advice;
 }
 
@@ -155,10 +171,9 @@ std::string LineAnotherText(const LineCheckResult&, const ModuleChecks& modules)
 }
 
 std::string LineDamagedText(const LineCheckResult& result, const ModuleChecks& modules) {
-    std::array<int, DamageCount> damages{};
+    DamageCounts damages{};
     for (const ModuleCheck* module : modules)
-        for (std::size_t kind = 0; kind < DamageCount; ++kind)
-            damages[kind] += module->Damages[kind];
+        std::ranges::transform(damages, DamagesOf(*module), damages.begin(), std::plus<>());
     const std::string whose =
         modules.size() == result.Modules.size() ? "all modules" : "addresses " + Addresses(modules);
     return Count(Sum(modules, &ModuleCheck::Damaged), Sum(modules, &ModuleCheck::Sent)) + " replies of " +

@@ -106,6 +106,7 @@ struct FaultyLine {
     const char* Findings;
     std::function<void(CheckedSession& test)> Break; // after the search
     int Passes = 50;
+    const char* NotSaid = nullptr;
 };
 
 void ShareAddress3(CheckedSession& test, std::string_view model, int delayMs = 0) {
@@ -141,6 +142,7 @@ const FaultyLine FaultyLines[] = {
     {"wrong address", "damaged 1", [](CheckedSession& test) { At(test, 1).WrongAddress = true; }},
     {"babble", "damaged 3", [](CheckedSession& test) { At(test, 3).Babble = true; }, 6},
     {"damage 5%", "damaged 1", [](CheckedSession& test) { At(test, 1).DamageShare = 0.05; }},
+    {"damage 20%", "damaged 1", [](CheckedSession& test) { At(test, 1).DamageShare = 0.2; }, 50, "Refresh"},
     {"damage 50%", "damaged 3", [](CheckedSession& test) { At(test, 3).DamageShare = 0.5; }},
     {"damage 100%", "damaged 1", [](CheckedSession& test) { At(test, 1).DamageShare = 1; }},
     {"damage all", "damaged", [](CheckedSession& test) { test.Line.LineFaults.DamageShare = 0.2; }},
@@ -207,6 +209,8 @@ TEST(LineCheck, NamesEachFault) {
             line.Break(test);
             EXPECT_EQ(test.Check(line.Passes), line.Findings) << line.Name << ", seed " << seed << "\n"
                                                               << test.Report();
+            EXPECT_FALSE(line.NotSaid && Contains(test.Report(), line.NotSaid)) << line.Name << "\n"
+                                                                                << test.Report();
         }
     }
 }
