@@ -19,8 +19,8 @@ namespace {
 constexpr int ListenMs = 1000;
 constexpr int LongestWaitMs = 5000;   // for others to end
 constexpr int LongestBabbleMs = 3000; // a module that babbles may well wait for the next command
-constexpr int NapMs = 100;
-constexpr int ShortGuardMs = 10; // listened between two commands
+constexpr int NapMs = 50;             // the windows wait no longer for a sign of life
+constexpr int ShortGuardMs = 10;      // listened between two commands
 constexpr int GuardCharacters = 3;
 constexpr int LongestFirstGuardMs = 1000;
 constexpr int TriesWithPatience = 3; // then a module that never made a sound gets the usual time-out
@@ -204,7 +204,7 @@ bool LineCheck::Ask(ModuleCheck& module, int pass) {
     NoteTimes(module, reply);
     const CommandTally& tally = module.Tallies[turn];
     if (reply.Verdict == Verdict::Silent && givenUp)
-        return line_.StaysSilent(GuardMs(module, pass)) || HearRest(module, tally, true);
+        return StaysSilent(GuardMs(module, pass)) || HearRest(module, tally, true);
     if (reply.Verdict == Verdict::Silent || reply.Verdict == Verdict::Damaged)
         return HearRest(module, tally, reply.Verdict == Verdict::Silent);
     const bool quiet = HearOut(module, tally, pass);
@@ -237,7 +237,7 @@ std::int64_t LineCheck::GuardMs(const ModuleCheck& module, int pass) const {
 // foreign.
 bool LineCheck::HearOut(ModuleCheck& module, const CommandTally& tally, int pass) {
     const std::int64_t begin = line_.Time().GetTickCount();
-    if (line_.StaysSilent(GuardMs(module, pass)))
+    if (StaysSilent(GuardMs(module, pass)))
         return true;
     const bool atOnce = line_.Time().GetTickCount() - begin <= TailMs;
     const bool quiet = Quiet(LongestWaitMs);
@@ -281,7 +281,7 @@ bool LineCheck::Quiet(int milliseconds) {
         if (!line_.FallenSilent())
             line_.StaysSilent(NapMs);
         else if (line_.AwaitSilence() &&
-                 line_.StaysSilent(line_.ReplyTimeout > LongestFirstGuardMs ? line_.ReplyTimeout : 0))
+                 StaysSilent(line_.ReplyTimeout > LongestFirstGuardMs ? line_.ReplyTimeout : 0))
             quiet = true;
         else
             line_.NoteStray();
@@ -289,6 +289,19 @@ bool LineCheck::Quiet(int milliseconds) {
     }
     Enter(before);
     return quiet;
+}
+
+// Listens nap by nap, so that the windows live on; true, too, when it is stopped before a character came.
+bool LineCheck::StaysSilent(std::int64_t milliseconds) {
+    const std::int64_t end = line_.Time().GetTickCount() + milliseconds;
+    for (std::int64_t left = milliseconds; left > 0 && !stopRequested_;
+         left = end - line_.Time().GetTickCount()) {
+        if (!line_.StaysSilent(std::min<std::int64_t>(left, NapMs)))
+            return false;
+        if (left > NapMs)
+            events_.Yield();
+    }
+    return true;
 }
 
 void LineCheck::Enter(CheckStage stage) {

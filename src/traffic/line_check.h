@@ -78,6 +78,7 @@ private:
     bool HearOut(ModuleCheck& module, const CommandTally& tally, int pass);
     bool HearRest(ModuleCheck& module, const CommandTally& tally, bool silent);
     bool Quiet(int milliseconds);
+    bool StaysSilent(std::int64_t milliseconds);
     bool IsReply(const ModuleCheck& module, const CommandTally& tally, std::string_view characters) const;
     void NoteForeign();
     void Enter(CheckStage stage);
