@@ -8,6 +8,7 @@
 #include "map/search_times.h"
 
 #include <algorithm>
+#include <functional>
 #include <numeric>
 #include <string_view>
 #include <utility>
@@ -26,8 +27,9 @@ constexpr int LongestFirstGuardMs = 1000;
 constexpr int TriesWithPatience = 3; // then a module that never made a sound gets the usual time-out
 constexpr int TailMs = 20;           // within which a character too many follows its reply
 constexpr std::size_t LongestTail = 2;
-constexpr double AskMs = 30;      // about what it takes; the forecast follows what it really does
-constexpr double SlowShare = 0.7; // of the time-out in use
+constexpr double AnswerMs = 10;      // until a module begins to answer
+constexpr double AskCharacters = 20; // of a command and its reply
+constexpr double SlowShare = 0.7;    // of the time-out in use
 constexpr double BitsPerCharacter = 10;
 constexpr double UsPerSecond = 1e6;
 
@@ -70,6 +72,11 @@ std::vector<ModuleCheck> ModulesOf(const Session& session) {
     return modules;
 }
 
+// About what a command takes with its reply; the forecast follows what they really take.
+double AskMs(const ModuleCheck& module) {
+    return AnswerMs + AskCharacters * BitsPerCharacter * 1000 / module.Baud + ShortGuardMs;
+}
+
 // Whether there is a line that a master sends and no module.
 bool HoldsCommand(std::string_view characters) {
     constexpr std::size_t HeadLength = 3; // leading character and address
@@ -94,7 +101,9 @@ LineCheck::LineCheck(Session& session, LineCheckOptions options, LineCheckEvents
     result_.Passes = options.Passes;
     result_.ReplyTimeoutMs = line_.ReplyTimeout;
     result_.LongTimeoutMs = std::max(line_.LongReplyTimeout, line_.ReplyTimeout);
-    forecast_.Begin(AskMs * options_.Passes * static_cast<double>(result_.Modules.size()));
+    for (const ModuleCheck& module : result_.Modules)
+        laterMs_.push_back(AskMs(module));
+    BeginForecast();
 }
 
 void LineCheck::Run() {
@@ -137,7 +146,7 @@ std::vector<std::size_t> LineCheck::Order() const {
 void LineCheck::AskAll() {
     Enter(CheckStage::Asking);
     const std::vector<std::size_t> order = Order();
-    forecast_.Begin(AskMs * options_.Passes * static_cast<double>(order.size()));
+    BeginForecast();
     wireUs_ = 0;
     beganAt_ = line_.Time().Microseconds();
     for (int pass = 0; pass < options_.Passes; ++pass, ++result_.PassesMade) {
@@ -145,10 +154,12 @@ void LineCheck::AskAll() {
             if (stopRequested_)
                 return;
             const bool on = Ask(result_.Modules[place], pass);
+            if (pass == 0) // a silent module soon costs no more than the usual time-out
+                laterMs_[place] = std::min<double>(askedMs_, result_.ReplyTimeoutMs) + ShortGuardMs;
             const auto elapsedUs = static_cast<double>(line_.Time().Microseconds() - beganAt_);
             result_.Load = std::min(wireUs_ / std::max(elapsedUs, 1.0), 1.0);
             result_.Echo = line_.Echo;
-            forecast_.Step(AskMs, false);
+            forecast_.Step(pass == 0 ? FirstAskMs(result_.Modules[place]) : laterMs_[place], false);
             events_.Asked(static_cast<int>(place));
             events_.Yield();
             if (!on && !stopRequested_) {
@@ -156,7 +167,24 @@ void LineCheck::AskAll() {
                 return;
             }
         }
+        if (pass == 0) { // which, as the first step, sets no pace for the later ones
+            BeginForecast();
+            forecast_.Step(FirstPassMs(), false);
+        }
     }
+}
+
+double LineCheck::FirstAskMs(const ModuleCheck& module) const {
+    return AskMs(module) + static_cast<double>(GuardMs(module, 0));
+}
+
+double LineCheck::FirstPassMs() const {
+    return std::transform_reduce(result_.Modules.begin(), result_.Modules.end(), 0.0, std::plus<>(),
+                                 [this](const ModuleCheck& module) { return FirstAskMs(module); });
+}
+
+void LineCheck::BeginForecast() {
+    forecast_.Begin(FirstPassMs() + (options_.Passes - 1) * std::reduce(laterMs_.begin(), laterMs_.end()));
 }
 
 void LineCheck::Passed(const LineTraffic& traffic) {
@@ -170,8 +198,10 @@ void LineCheck::Passed(const LineTraffic& traffic) {
 }
 
 JudgedReply LineCheck::Exchange(const ModuleCheck& module, const CheckCommand& command, int timeoutMs) {
+    const std::int64_t beganAt = line_.Time().Microseconds();
     ExchangeWithModule(session_, module.Index, CommandFor(session_, module.Index, command.Lead, command.Tail),
                        timeoutMs);
+    askedMs_ = static_cast<double>(line_.Time().Microseconds() - beganAt) / 1000;
     JudgedReply reply =
         JudgeReply(traffic_, module.Checksum, command.Form, MeasureOf(session_, module.Index));
     reply.AsListed =

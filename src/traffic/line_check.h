@@ -70,6 +70,9 @@ public:
 private:
     void Passed(const LineTraffic& traffic) override;
     std::vector<std::size_t> Order() const;
+    double FirstAskMs(const ModuleCheck& module) const;
+    double FirstPassMs() const;
+    void BeginForecast();
     bool Listen();
     void AskAll();
     bool Ask(ModuleCheck& module, int pass);
@@ -90,8 +93,10 @@ private:
     LineCheckEvents events_;
     LineCheckResult result_;
     SearchForecast forecast_;
-    LineTraffic traffic_;            // the last exchange
-    std::string stray_;              // what came unasked, until it is known whose it is
+    std::vector<double> laterMs_; // that each module takes in a pass behind the first, whose guards are long
+    double askedMs_ = 0;          // that the last exchange took
+    LineTraffic traffic_;         // the last exchange
+    std::string stray_;           // what came unasked, until it is known whose it is
     ModuleCheck* babbler_ = nullptr; // what comes in front of the next command is still its
     double wireUs_ = 0;              // characters on the wires since the asking began
     std::int64_t beganAt_ = 0;       // us, the asking
