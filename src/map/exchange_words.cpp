@@ -233,7 +233,7 @@ ExchangeWords WordsOf(std::string_view sent, std::string_view received, const Kn
     ExchangeWords asked{.Address = words.Address, .Asked = {}, .Answered = {}};
     if (!Explain({command, {}}, known, asked))
         return words;
-    asked.Unexpected = !texts.Reply.empty(); // its checksum is wrong, or missing
+    asked.Unexpected = false; // the reply is damaged, its checksum wrong or missing
     return asked;
 }
 

@@ -29,7 +29,7 @@ struct TrafficFormTest : testing::Test {
         const bool silent = i % 10 == 9;
         Test.Session.Line.Tell({.Utc = i * std::int64_t{1000},
                                 .Baud = 9600,
-                                .Sent = silent ? "$072\r" : "#05" + std::to_string(i) + "\r",
+                                .Sent = silent ? "$072\r" : "#05" + std::to_string(i % 100) + "\r",
                                 .Received = silent ? "" : ">+01.000\r",
                                 .Outcome = silent ? TrafficOutcome::Silent : TrafficOutcome::Complete});
     }
