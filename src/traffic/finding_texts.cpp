@@ -73,7 +73,7 @@ std::string KindsOf(const DamageCounts& damages) {
 std::string ToldInstead(const ModuleCheck& module) {
     constexpr std::size_t HeadLength = 3;
     for (const CommandTally& tally : module.Tallies)
-        if (tally.Command.Tail == "M" && 2 * tally.Other > tally.Complete)
+        if (tally.Command.Tail == "M" && tally.TellsAnother())
             return ": it tells the model " +
                    std::ranges::max_element(tally.Good, {}, [](const auto& text) { return text.second; })
                        ->first.substr(HeadLength) +

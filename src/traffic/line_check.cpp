@@ -159,7 +159,7 @@ void LineCheck::AskAll() {
             const auto elapsedUs = static_cast<double>(line_.Time().Microseconds() - beganAt_);
             result_.Load = std::min(wireUs_ / std::max(elapsedUs, 1.0), 1.0);
             result_.Echo = line_.Echo;
-            forecast_.Step(pass == 0 ? FirstAskMs(result_.Modules[place]) : laterMs_[place], false);
+            forecast_.Step(pass == 0 ? FirstAskMs(result_.Modules[place]) : LaterAskMs(place, pass), false);
             events_.Asked(static_cast<int>(place));
             events_.Yield();
             if (!on && !stopRequested_) {
@@ -183,8 +183,18 @@ double LineCheck::FirstPassMs() const {
                                  [this](const ModuleCheck& module) { return FirstAskMs(module); });
 }
 
+// In a pass behind the first. For a silent module the line must fall silent, too, before it is given up.
+double LineCheck::LaterAskMs(std::size_t place, int pass) const {
+    const bool patient = pass < TriesWithPatience && result_.Modules[place].Dead();
+    return laterMs_[place] + (patient ? 2 * result_.LongTimeoutMs - result_.ReplyTimeoutMs : 0);
+}
+
 void LineCheck::BeginForecast() {
-    forecast_.Begin(FirstPassMs() + (options_.Passes - 1) * std::reduce(laterMs_.begin(), laterMs_.end()));
+    double ms = FirstPassMs();
+    for (int pass = 1; pass < options_.Passes; ++pass)
+        for (std::size_t place = 0; place < laterMs_.size(); ++place)
+            ms += LaterAskMs(place, pass);
+    forecast_.Begin(ms);
 }
 
 void LineCheck::Passed(const LineTraffic& traffic) {

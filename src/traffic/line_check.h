@@ -72,6 +72,7 @@ private:
     std::vector<std::size_t> Order() const;
     double FirstAskMs(const ModuleCheck& module) const;
     double FirstPassMs() const;
+    double LaterAskMs(std::size_t place, int pass) const;
     void BeginForecast();
     bool Listen();
     void AskAll();

@@ -28,10 +28,6 @@ void CountText(std::map<std::string, int>& texts, const std::string& text) {
         ++texts[text];
 }
 
-bool TellsAnother(const CommandTally& tally) {
-    return 2 * tally.Other > tally.Complete;
-}
-
 // Never what the list lets expect, but mostly of one other form. Chance damages a reply in many ways.
 bool HasAnotherForm(const CommandTally& tally) {
     constexpr int Fewest = 2;
@@ -92,7 +88,8 @@ void ModuleCheck::Note(std::size_t command, const JudgedReply& reply) {
 }
 
 bool ModuleCheck::IsAnother() const {
-    return std::ranges::any_of(Tallies, TellsAnother) || std::ranges::any_of(Tallies, HasAnotherForm);
+    return std::ranges::any_of(Tallies, &CommandTally::TellsAnother) ||
+           std::ranges::any_of(Tallies, HasAnotherForm);
 }
 
 std::optional<ReplyMs> TimesOf(const ModuleCheck& module) {

@@ -27,6 +27,9 @@ struct CommandTally {
     std::string GarbledText{};                   ///< one of them
     std::map<std::string, int> OtherShapes{};    ///< of clean lines of another form, all digits alike
     std::map<std::string, int> Good{};           ///< complete replies, when they are to stay the same
+
+    /// Most of the replies tell another model or set-up than the list.
+    bool TellsAnother() const { return 2 * Other > Answered; }
 };
 
 /// Reply times in milliseconds, from the end of sending to the last character.
