@@ -133,7 +133,7 @@ traffic_windows() {
     xdotool search --name '^Traffic$' windowactivate --sync
     press Escape
     press alt+n l
-    press Return
+    press alt+s
     sleep 45
     shot "line-check$1"
     press Escape

@@ -62,6 +62,8 @@ void ListenForm::Build(bool rateIsFixed) {
     state_ = Named(new QLabel, "State", {});
     modules_ = Named(new QPlainTextEdit, "Modules", "What passed, by module");
     modules_->setReadOnly(true);
+    modules_->setPlaceholderText(
+        "What passes is counted here by module; the traffic window shows each exchange.");
     modules_->setFont(FixedFont());
     const QFontMetrics metrics(modules_->font());
     modules_->setMinimumSize(metrics.horizontalAdvance(' ') * SummaryColumns,
