@@ -65,6 +65,9 @@ void TrafficTable::resizeEvent(QResizeEvent* event) {
     const int left = viewport()->width() - columnViewportPosition(last) - horizontalOffset();
     setColumnWidth(last, std::max(left, fontMetrics().averageCharWidth() * WordsColumns));
     QTableView::resizeEvent(event);
+    const QScopedValueRollback moves(moving_, true);
+    if (following_)
+        scrollToBottom();
 }
 
 bool TrafficTable::Advance(int milliseconds) {
