@@ -153,60 +153,59 @@ std::string HelpText(const QCommandLineParser& parser) {
     return "Usage: kavrosim [options]" + text.mid(text.indexOf('\n')).trimmed().prepend('\n').toStdString();
 }
 
-KavrosimOptions ParseOptions(const QStringList& arguments) {
-    const QCommandLineOption lineFile(
-        "line", "Line described in the JSON file <file>; without it the demo line.", "file");
-    const QCommandLineOption replay(
-        "replay",
-        "Play the recording <file>: each command gets the replies that it got then, in their order, the last "
-        "one for ever.",
-        "file");
-    const QCommandLineOption noDelays("no-delays", "With --replay: reply at once.");
-    const QCommandLineOption link("link", "Make the symbolic link <path> to the device.", "path");
-    const QCommandLineOption seed("seed", "Seed of the random noise, 0 to 4294967295.", "number");
-    const QCommandLineOption log("log", "Print every command and its reply with time and baud rate.");
-    const QCommandLineOption listen(
-        "listen",
-        "Serve the line over TCP in place of a pseudo-terminal, raw, at <[host:]port>; without a host for "
-        "this computer alone, at port 0 at any that is free.",
-        "[host:]port");
-    const QCommandLineOption listenRfc2217(
-        "listen-rfc2217", "The same with RFC 2217, with which the client sets the rate.", "[host:]port");
-    const QCommandLineOption baud(
-        "baud", "Rate of a line served over TCP; 9600 unless given. With RFC 2217 it is the first one.",
-        "rate");
-    const QCommandLineOption help({"h", "help"}, "Print this help and end.");
-    const QCommandLineOption version({"v", "version"}, "Print the version and end.");
-    QCommandLineParser parser;
+void AddOptions(QCommandLineParser& parser) {
     parser.setApplicationDescription(
         "Serves a line of simulated modules on a pseudo-terminal, or over TCP. The first line "
         "printed is the device to open; Ctrl+C ends.");
-    parser.addOptions(
-        {lineFile, replay, noDelays, link, listen, listenRfc2217, baud, seed, log, help, version});
+    parser.addOptions({
+        {"line", "Line described in the JSON file <file>; without it the demo line.", "file"},
+        {"replay",
+         "Play the recording <file>: each command gets the replies that it got then, in their order, the "
+         "last one for ever.",
+         "file"},
+        {"no-delays", "With --replay: reply at once."},
+        {"link", "Make the symbolic link <path> to the device.", "path"},
+        {"listen",
+         "Serve the line over TCP in place of a pseudo-terminal, raw, at <[host:]port>; without a host for "
+         "this computer alone, at port 0 at any that is free.",
+         "[host:]port"},
+        {"listen-rfc2217", "The same with RFC 2217, with which the client sets the rate.", "[host:]port"},
+        {"baud", "Rate of a line served over TCP; 9600 unless given. With RFC 2217 it is the first one.",
+         "rate"},
+        {"seed", "Seed of the random noise, 0 to 4294967295.", "number"},
+        {"log", "Print every command and its reply with time and baud rate."},
+        {{"h", "help"}, "Print this help and end."},
+        {{"v", "version"}, "Print the version and end."},
+    });
+}
+
+KavrosimOptions ParseOptions(const QStringList& arguments) {
+    QCommandLineParser parser;
+    AddOptions(parser);
     if (!parser.parse(arguments))
         throw RuntimeFailure(parser.errorText().toStdString() + " See kavrosim --help.");
 
     KavrosimOptions options;
-    if (parser.isSet(help) || parser.isSet(version)) {
+    if (parser.isSet("help") || parser.isSet("version")) {
         options.Information =
-            parser.isSet(help) ? HelpText(parser) : std::string("kavrosim ") + ProductVersion;
+            parser.isSet("help") ? HelpText(parser) : std::string("kavrosim ") + ProductVersion;
         return options;
     }
     const QStringList others = parser.positionalArguments();
     if (!others.isEmpty())
         throw RuntimeFailure("\"" + others.first().toStdString() +
                              "\" is not understood: kavrosim takes options only. See kavrosim --help.");
-    options.LineFile = parser.value(lineFile).toStdString();
-    options.LinkPath = parser.value(link).toStdString();
-    options.Log = parser.isSet(log);
-    if (parser.isSet(lineFile) && options.LineFile.empty())
+    options.LineFile = parser.value("line").toStdString();
+    options.LinkPath = parser.value("link").toStdString();
+    options.Log = parser.isSet("log");
+    if (parser.isSet("line") && options.LineFile.empty())
         throw RuntimeFailure("--line needs the path of a file.");
-    if (parser.isSet(link) && options.LinkPath.empty())
+    if (parser.isSet("link") && options.LinkPath.empty())
         throw RuntimeFailure("--link needs a path.");
     ReadReplay(parser, options);
     ReadListening(parser, options);
-    if (parser.isSet(seed))
-        options.Seed = SeedOf(parser.value(seed));
+    if (parser.isSet("seed"))
+        options.Seed = SeedOf(parser.value("seed"));
     return options;
 }
 

@@ -6,6 +6,7 @@
 #include "cli/command_sender.h"
 #include "link/entered_values.h"
 #include "link/runtime_failure.h"
+#include "link/same_file.h"
 #include "terminal/batch_file.h"
 
 #include <QCommandLineParser>

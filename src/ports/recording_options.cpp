@@ -2,8 +2,8 @@
 
 #include "link/port_devices.h"
 #include "link/runtime_failure.h"
+#include "link/same_file.h"
 #include "link/text.h"
-#include "terminal/batch_file.h"
 
 #include <QCommandLineParser>
 

@@ -95,9 +95,4 @@ void BatchFile::RequireOpen() const {
         throw RuntimeFailure("No batch file is open. Choose it again.");
 }
 
-bool SameFile(const std::string& first, const std::string& second) {
-    std::error_code error;
-    return std::filesystem::equivalent(first, second, error);
-}
-
 } // namespace kavro

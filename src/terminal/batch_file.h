@@ -42,7 +42,4 @@ private:
     std::string path_;
 };
 
-/// Whether two paths lead to the same existing file.
-bool SameFile(const std::string& first, const std::string& second);
-
 } // namespace kavro

@@ -1,6 +1,7 @@
 #include "terminal/batch_panel_form.h"
 
 #include "link/runtime_failure.h"
+#include "link/same_file.h"
 #include "link/text.h"
 #include "terminal/disp_batch_form.h"
 #include "terminal/file_chooser_form.h"

@@ -1,8 +1,8 @@
 #include "terminal/log_panel_form.h"
 
 #include "link/runtime_failure.h"
+#include "link/same_file.h"
 #include "link/text.h"
-#include "terminal/batch_file.h"
 #include "terminal/file_chooser_form.h"
 #include "ui/named.h"
 

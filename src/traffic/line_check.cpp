@@ -6,6 +6,7 @@
 #include "map/module_access.h"
 #include "map/module_command.h"
 #include "map/search_times.h"
+#include "traffic/wire_cutter.h"
 
 #include <algorithm>
 #include <functional>
@@ -79,14 +80,11 @@ double AskMs(const ModuleCheck& module) {
 
 // Whether there is a line that a master sends and no module.
 bool HoldsCommand(std::string_view characters) {
-    constexpr std::size_t HeadLength = 3; // leading character and address
     constexpr std::size_t LongestCommand = 32;
     for (std::size_t end = 0; (end = characters.find('\r')) != std::string_view::npos;
          characters.remove_prefix(end + 1)) {
         const std::string_view line = characters.substr(0, end);
-        if (std::string_view("$#@~%").find(characters.front()) != std::string_view::npos &&
-            line.size() >= HeadLength && line.size() <= LongestCommand &&
-            HexNumber(line.substr(1, HeadLength - 1)) && IsClean(line))
+        if (line.size() <= LongestCommand && IsCommand(line))
             return true;
     }
     return false;

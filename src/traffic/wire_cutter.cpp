@@ -1,6 +1,7 @@
 #include "traffic/wire_cutter.h"
 
 #include "link/line.h"
+#include "traffic/reply_verdict.h"
 
 #include <algorithm>
 #include <utility>
@@ -61,7 +62,7 @@ void WireCutter::End() {
 // A line, or what there is of it.
 void WireCutter::TakeLine() {
     const bool whole = line_.ends_with(CarriageReturn);
-    if (whole && BeginsWith(line_, CommandLeads) && MakesSense(WithoutEnd(line_))) {
+    if (whole && IsCommand(WithoutEnd(line_))) {
         if (!exchange_.Sent.empty())
             EndExchange(TrafficOutcome::Silent);
         exchange_.Sent = std::exchange(line_, {});
@@ -114,11 +115,12 @@ void WireCutter::TellStray() {
     told_(stray);
 }
 
+bool IsCommand(std::string_view line) {
+    return BeginsWith(line, CommandLeads) && AddressIn(line) && IsClean(line);
+}
+
 bool MakesSense(std::string_view line) {
-    const auto printable = [](char character) { return character >= ' ' && character <= '~'; };
-    if (!std::ranges::all_of(line, printable))
-        return false;
-    return BeginsWith(line, CommandLeads) ? AddressIn(line).has_value() : BeginsWith(line, ReplyClasses);
+    return IsCommand(line) || (BeginsWith(line, ReplyClasses) && IsClean(line));
 }
 
 } // namespace kavro

@@ -45,7 +45,10 @@ private:
     std::array<bool, 256> withoutChecksum_{}; // by address: a command without one was answered
 };
 
-/// Whether a line, without its carriage return, is a command or a reply as modules have them.
+/// Whether a line, without its carriage return, is a command as masters send them.
+bool IsCommand(std::string_view line);
+
+/// Whether it is a command, or a reply as modules send them.
 bool MakesSense(std::string_view line);
 
 } // namespace kavro
