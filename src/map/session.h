@@ -3,6 +3,7 @@
 #include "link/line.h"
 #include "link/text.h"
 #include "map/module_record.h"
+#include "map/module_tags.h"
 #include "map/preferences.h"
 
 #include <array>
@@ -52,6 +53,8 @@ struct Session {
     std::string MapFilePath = "admin.map"; ///< of the map that is kept when the program ends
     std::string DecimalSeparator = ".";    ///< of the user's locale, UTF-8
     FileReplacer ReplaceFile;              ///< how files are saved
+
+    LineTags Tags; ///< of the line file that is open
 
     kavro::Preferences Preferences;
     /// Keeps `Preferences` for the next start. Throws `RuntimeFailure` when they cannot be saved.
