@@ -32,14 +32,16 @@ AnalogInputConfig ReadAnalogInputConfig(Session& session, int index) {
     return config;
 }
 
-std::optional<AnalogInputConfig> ReadAnalogInputConfigWell(Session& session, int index) {
+AnalogInputConfig ReadAnalogInputConfigWell(Session& session, int index) {
     const ModuleReply reply = AskModuleTwice(session, index, '$', "6");
-    if (reply.Answer != Answer::Ok)
-        return std::nullopt;
-    const ModuleRecord& record = session.ModuleTable[index];
-    const unsigned channels = reply.Digits(0, 2) & AllChannels(record);
-    return AnalogInputConfig{LinkSettingsOf(record), record.InputRange, record.DataFormat, channels,
-                             channels};
+    ModuleRecord& record = session.ModuleTable[index];
+    AnalogInputConfig config{LinkSettingsOf(record), record.InputRange, record.DataFormat};
+    config.ChannelsKnown = reply.Answer == Answer::Ok;
+    if (config.ChannelsKnown)
+        config.PresentChannels = config.EnabledChannels = reply.Digits(0, 2) & AllChannels(record);
+    else
+        record.Unread.emplace_back("$6");
+    return config;
 }
 
 ConfigOutcome ApplyAnalogInputConfig(Session& session, int index, const AnalogInputConfig& config,

@@ -24,9 +24,9 @@ struct AnalogInputConfig {
 /// answer. A reply that is not "!AAVV" is used as far as it goes, but does not make them known.
 AnalogInputConfig ReadAnalogInputConfig(Session& session, int index);
 
-/// The same, believing what `AskModule` believes, and with `PresentChannels`; nothing when the module does
-/// not tell its channels twice alike.
-std::optional<AnalogInputConfig> ReadAnalogInputConfigWell(Session& session, int index);
+/// The same, believing what `AskModule` believes, and with `PresentChannels`. When the module does not tell
+/// its channels twice alike they are not known, and the entry's `Unread` says so.
+AnalogInputConfig ReadAnalogInputConfigWell(Session& session, int index);
 
 /// Writes the settings: the module configuration when it differs from the entry, then the enabled channels
 /// ("$AA5VV"). Tells every failure and the success, keeps in the entry what the module accepted, and

@@ -28,27 +28,32 @@ std::optional<NamedConfig> ReadBack(Session& session, std::int16_t wantedAddress
 
 } // namespace
 
-std::optional<NamedConfig> ReadConfig(Session& session, const Contact& contact, const Teller& tell) {
-    const std::string place = "address " + ShownAddress(contact.Address);
+std::optional<NamedConfig> ReadToldConfig(Session& session, const Contact& contact, const Teller& tell) {
     const Identified identified = FindModule(session, contact, tell);
     if (identified == Identified::No)
         return std::nullopt;
     auto config = ReadNamedConfig(session, identified);
     if (!config)
-        tell("The module " + Trim(ShownModel(session.ModuleTable[0].Model)) + " at " + place +
-             " has no settings that " + tell.Words.Name + " knows.");
-    else if (!config->Known) {
-        tell("The module at " + place + " did not tell all of its settings. Try again.");
-        return std::nullopt;
-    }
+        tell("The module " + Trim(ShownModel(session.ModuleTable[0].Model)) + " at address " +
+             ShownAddress(contact.Address) + " has no settings that " + tell.Words.Name + " knows.");
     return config;
 }
 
-std::optional<NamedConfig> ReadConfigTwice(Session& session, const Contact& contact, const Teller& tell) {
-    auto before = ReadConfig(session, contact, tell);
+std::optional<NamedConfig> ReadConfig(Session& session, const Contact& contact, const Teller& tell) {
+    auto config = ReadToldConfig(session, contact, tell);
+    if (!config || config->Known)
+        return config;
+    tell("The module at address " + ShownAddress(contact.Address) +
+         " did not tell all of its settings. Try again.");
+    return std::nullopt;
+}
+
+std::optional<NamedConfig> ReadConfigTwice(Session& session, const Contact& contact, const Teller& tell,
+                                           ConfigReader* read) {
+    auto before = read(session, contact, tell);
     for (int tries = 0; tries < 2 && before; ++tries) {
         const ModuleRecord record = session.ModuleTable[0];
-        auto config = ReadConfig(session, contact, tell);
+        auto config = read(session, contact, tell);
         if (!config || (SameSetup(session.ModuleTable[0], record) && SameSettings(*before, *config)))
             return config;
         before = std::move(config);

@@ -14,9 +14,16 @@ namespace kavro {
 /// Throws `RuntimeFailure` when the port fails, as all of these do.
 std::optional<NamedConfig> ReadConfig(Session& session, const Contact& contact, const Teller& tell);
 
+/// One of these two functions.
+using ConfigReader = std::optional<NamedConfig>(Session& session, const Contact& contact, const Teller& tell);
+
+/// The same of a module that may not tell everything: `Known`, and `Told` of each setting, say what it did.
+std::optional<NamedConfig> ReadToldConfig(Session& session, const Contact& contact, const Teller& tell);
+
 /// The same as the module tells it twice alike: for what is written back, as one digit of a reply may be
 /// wrong and still make sense.
-std::optional<NamedConfig> ReadConfigTwice(Session& session, const Contact& contact, const Teller& tell);
+std::optional<NamedConfig> ReadConfigTwice(Session& session, const Contact& contact, const Teller& tell,
+                                           ConfigReader* read = ReadConfig);
 
 /// Writes the settings of the selected entry as the module's dialog does, and tells what that tells.
 ConfigOutcome WriteConfig(Session& session, const NamedConfig& config, Messages& messages);

@@ -55,13 +55,14 @@ Settings LinkNames(LinkSettings& link, const Subject& subject) {
 }
 
 NamedSetting Polarity(const std::string& name, const NumberField& inverted) {
-    return ChoiceSetting(name, inverted, {"normal", "inverted"});
+    return ReadBy("~CR", ChoiceSetting(name, inverted, {"normal", "inverted"}));
 }
 
 Settings AnalogInputNames(AnalogInputConfig& settings, const Subject& subject) {
     return {RangeSetting("range", settings.InputRange, subject.Model),
             FormatSetting(settings.DataFormat, subject.Model),
-            BitsSetting("channels", settings.EnabledChannels, ChannelCount(subject.Model).value_or(0))};
+            ReadBy("$6", BitsSetting("channels", settings.EnabledChannels,
+                                     ChannelCount(subject.Model).value_or(0)))};
 }
 
 Settings AlarmInputNames(AlarmInputConfig& settings, const Subject& subject) {
@@ -72,10 +73,12 @@ Settings AlarmInputNames(AlarmInputConfig& settings, const Subject& subject) {
         setting.Sent = [&settings, &text] { return FormatReading(text, settings.InputRange); };
         return setting;
     };
-    return {RangeSetting("range", settings.InputRange, subject.Model),
-            FormatSetting(settings.DataFormat, subject.Model),
-            ChoiceSetting("alarm-mode", settings.AlarmMode, {"disabled", "momentary", "latch"}),
-            limit("low-alarm", settings.LowAlarm), limit("high-alarm", settings.HighAlarm)};
+    return {
+        RangeSetting("range", settings.InputRange, subject.Model),
+        FormatSetting(settings.DataFormat, subject.Model),
+        ReadBy("@DI", ChoiceSetting("alarm-mode", settings.AlarmMode, {"disabled", "momentary", "latch"})),
+        ReadBy("@RL", limit("low-alarm", settings.LowAlarm)),
+        ReadBy("@RH", limit("high-alarm", settings.HighAlarm))};
 }
 
 Settings AnalogOutputNames(AnalogOutputConfig& settings, const Subject& subject) {
@@ -95,8 +98,8 @@ Settings PortNames(PortDirectionConfig& settings, const Subject& /*subject*/) {
     Settings names;
     int bit = 3;
     for (const char* port : {"port-a", "port-b", "port-ch", "port-cl"})
-        names.push_back(
-            ChoiceSetting(port, NumberField::Bit(settings.InputPorts, bit--), {"output", "input"}));
+        names.push_back(ReadBy(
+            "$6", ChoiceSetting(port, NumberField::Bit(settings.InputPorts, bit--), {"output", "input"})));
     return names;
 }
 
@@ -112,23 +115,25 @@ Settings ConverterNames(ConverterConfig& settings, const Subject& subject) {
 Settings OneCounterNames(CounterSettings& values, std::size_t counter) {
     const NumberBounds count = {0, UINT32_MAX};
     const std::string n = "-" + std::to_string(counter);
-    return {ChoiceSetting("status" + n, values.CounterStatus[counter], {"stop", "start"}),
-            NumberSetting("max" + n, values.MaxValue[counter], count),
-            NumberSetting("initial" + n, values.InitialValue[counter], count),
-            SwitchSetting("alarm" + n, values.AlarmSetting[counter]),
-            NumberSetting("alarm-limit" + n, values.AlarmValue[counter], count)};
+    const char* const readMax = counter == 0 ? "$3" : "@G";
+    return {ReadBy("$5", ChoiceSetting("status" + n, values.CounterStatus[counter], {"stop", "start"})),
+            ReadBy(readMax, NumberSetting("max" + n, values.MaxValue[counter], count)),
+            ReadBy("@RP", NumberSetting("initial" + n, values.InitialValue[counter], count)),
+            ReadBy("@DI", SwitchSetting("alarm" + n, values.AlarmSetting[counter])),
+            ReadBy("@RA", NumberSetting("alarm-limit" + n, values.AlarmValue[counter], count))};
 }
 
 Settings CounterNames(CounterConfig& settings, const Subject& /*subject*/) {
     const NumberBounds microseconds = {0, 9999, 0, "0 to 9999 microseconds"};
     const NumberBounds volts = {0, 9.9, 1, "0 to 9.9 volts, at most one decimal"};
     CounterSettings& values = settings.Values;
-    Settings counting = {ChoiceSetting("gate-mode", values.GateMode, {"low", "high", "disabled"}),
-                         SwitchSetting("filter", values.DigitalFilter),
-                         NumberSetting("min-high", settings.MinAtHigh, microseconds),
-                         NumberSetting("min-low", settings.MinAtLow, microseconds),
-                         NumberSetting("ttl-high", settings.TtlAtHigh, volts),
-                         NumberSetting("ttl-low", settings.TtlAtLow, volts)};
+    Settings counting = {
+        ReadBy("$A", ChoiceSetting("gate-mode", values.GateMode, {"low", "high", "disabled"})),
+        ReadBy("$4", SwitchSetting("filter", values.DigitalFilter)),
+        ReadBy("$0H", NumberSetting("min-high", settings.MinAtHigh, microseconds)),
+        ReadBy("$0L", NumberSetting("min-low", settings.MinAtLow, microseconds)),
+        ReadBy("$1H", NumberSetting("ttl-high", settings.TtlAtHigh, volts)),
+        ReadBy("$1L", NumberSetting("ttl-low", settings.TtlAtLow, volts))};
     for (const std::size_t counter : {0U, 1U})
         std::ranges::move(OneCounterNames(values, counter), std::back_inserter(counting));
 
@@ -137,31 +142,65 @@ Settings CounterNames(CounterConfig& settings, const Subject& /*subject*/) {
     Settings names = {CodeSetting("type", settings.TypeCode, types),
                       LockedWhile(ChoiceSetting("gate-time", values.GateTime, {"0.1s", "1s"}), counts,
                                   "can be changed only while the type is frequency"),
-                      ChoiceSetting("input-mode", values.InputMode, {"TTL", "photo-isolated"})};
+                      ReadBy("$B", ChoiceSetting("input-mode", values.InputMode, {"TTL", "photo-isolated"}))};
     for (NamedSetting& setting : counting)
         names.push_back(LockedWhile(std::move(setting), std::not_fn(counts),
                                     "can be changed only while the type is counter"));
     return names;
 }
 
+// Whether it was told by the module, whose reads that failed stand in the entry.
+void NoteTold(NamedSetting& setting, const ModuleRecord& record) {
+    setting.Told = std::ranges::find(record.Unread, setting.ReadBy) == record.Unread.end();
+}
+
 template <class Config>
-NamedConfig Bound(Session& session, int index, std::optional<Config> config,
+Settings AllNames(Config& config, const Subject& subject, Settings (*names)(Config&, const Subject&)) {
+    Settings all = LinkNames(config.Link, subject);
+    std::ranges::move(names(config, subject), std::back_inserter(all));
+    return all;
+}
+
+template <class Config>
+NamedConfig Bound(Session& session, int index, const Config& config,
                   Settings (*names)(Config&, const Subject&),
                   ConfigOutcome (*apply)(Session&, int, const Config&, Messages&)) {
-    const bool known = config.has_value();
-    const auto kept = std::make_shared<Config>(std::move(config).value_or(Config()));
-    const Subject subject = {session.ModuleTable[index].Model, index == session.ScanIndex};
-    Settings all = LinkNames(kept->Link, subject);
-    std::ranges::move(names(*kept, subject), std::back_inserter(all));
+    const auto kept = std::make_shared<Config>(config);
+    const ModuleRecord& record = session.ModuleTable[index];
+    const Subject subject = {record.Model, index == session.ScanIndex};
+    Settings all = AllNames(*kept, subject, names);
+    for (NamedSetting& setting : all)
+        NoteTold(setting, record);
     const auto write = [kept, &session, index, apply](Messages& messages) {
         return apply(session, index, *kept, messages);
     };
-    return {std::move(all), known, write};
+    return {std::move(all), std::ranges::all_of(all, &NamedSetting::Told), write};
 }
 
 template <auto Read, auto Names, auto Apply>
 NamedConfig Open(Session& session, int index) {
-    return Bound(session, index, std::optional(Read(session, index)), Names, Apply);
+    return Bound(session, index, Read(session, index), Names, Apply);
+}
+
+// Settings that are no module's; they cannot be written.
+template <class Config>
+NamedConfig Unbound(const Subject& subject, Settings (*names)(Config&, const Subject&)) {
+    const auto kept = std::make_shared<Config>();
+    return {AllNames(*kept, subject, names), false, [kept](Messages&) { return ConfigOutcome::Refused; }};
+}
+
+template <class Config, Settings (*Names)(Config&, const Subject&)>
+NamedConfig Blank(const std::string& model) {
+    return Unbound<Config>({model, true}, Names);
+}
+
+// What every module has, of a model without a configuration.
+struct LinkConfig {
+    LinkSettings Link;
+};
+
+Settings NoNames(LinkConfig& /*settings*/, const Subject& /*subject*/) {
+    return {};
 }
 
 // Calls `use` with the names of a model's settings, which live only as long as the call.
@@ -180,28 +219,31 @@ struct ConfigFamily {
     bool NeedsFamilyReads; // the settings that the search reads are among those of the dialog
     NamedConfig (*Open)(Session& session, int index);
     void (*WithNames)(const char* model, const NamesUser& use);
+    NamedConfig (*Blank)(const std::string& model);
 };
 
 constexpr ConfigFamily Families[] = {
     {ModuleDialog::MultiConfigForm, "8210, 8220, 8240", "8210", true,
      Open<AlarmInputConfigOf, AlarmInputNames, ApplyAlarmInputConfig>,
-     WithNames<AlarmInputConfig, AlarmInputNames>},
+     WithNames<AlarmInputConfig, AlarmInputNames>, Blank<AlarmInputConfig, AlarmInputNames>},
     {ModuleDialog::AdConfigForm, "8230, 8250, 8260", "8260", true,
      Open<ReadAnalogInputConfigWell, AnalogInputNames, ApplyAnalogInputConfig>,
-     WithNames<AnalogInputConfig, AnalogInputNames>},
+     WithNames<AnalogInputConfig, AnalogInputNames>, Blank<AnalogInputConfig, AnalogInputNames>},
     {ModuleDialog::DaConfigForm, "8310, 8320 (input-polarity: 8320 only)", "8320", true,
      Open<AnalogOutputConfigOf, AnalogOutputNames, ApplyAnalogOutputConfig>,
-     WithNames<AnalogOutputConfig, AnalogOutputNames>},
+     WithNames<AnalogOutputConfig, AnalogOutputNames>, Blank<AnalogOutputConfig, AnalogOutputNames>},
     {ModuleDialog::DioConfigForm, "8410, 8420, 8430, 8440, 8450, 8470, 8480, 8490", "8410", true,
-     Open<DigitalConfigOf, DigitalNames, ApplyDigitalConfig>, WithNames<DigitalConfig, DigitalNames>},
+     Open<DigitalConfigOf, DigitalNames, ApplyDigitalConfig>, WithNames<DigitalConfig, DigitalNames>,
+     Blank<DigitalConfig, DigitalNames>},
     {ModuleDialog::N46ConfigForm, "8460", "8460", false,
      Open<ReadPortDirectionConfigWell, PortNames, ApplyPortDirectionConfig>,
-     WithNames<PortDirectionConfig, PortNames>},
+     WithNames<PortDirectionConfig, PortNames>, Blank<PortDirectionConfig, PortNames>},
     {ModuleDialog::CtrConfigForm, "8510", "8510", true,
-     Open<CounterConfigOf, CounterNames, ApplyCounterConfig>, WithNames<CounterConfig, CounterNames>},
+     Open<CounterConfigOf, CounterNames, ApplyCounterConfig>, WithNames<CounterConfig, CounterNames>,
+     Blank<CounterConfig, CounterNames>},
     {ModuleDialog::N8610ConfigForm, "8610, 8620", "8610", true,
      Open<ConverterConfigOf, ConverterNames, ApplyConverterConfig>,
-     WithNames<ConverterConfig, ConverterNames>},
+     WithNames<ConverterConfig, ConverterNames>, Blank<ConverterConfig, ConverterNames>},
 };
 
 std::string HelpLines(const char* models, const Settings& settings) {
@@ -221,6 +263,12 @@ void ForEachFamily(const std::function<void(const char* models, const Settings& 
 }
 
 } // namespace
+
+NamedConfig BlankConfig(const std::string& model) {
+    const ModuleDialog dialog = DispatchModel(model, 0, Operation::Configuration).Dialog;
+    const auto* family = std::ranges::find(Families, dialog, &ConfigFamily::Dialog);
+    return family == std::end(Families) ? Blank<LinkConfig, NoNames>(model) : family->Blank(model);
+}
 
 std::optional<NamedConfig> ReadNamedConfig(Session& session, Identified identified) {
     const ModuleDialog dialog = DispatchModule(session, Operation::Configuration).Dialog;

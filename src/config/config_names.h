@@ -24,6 +24,11 @@ struct NamedConfig {
 /// from the module now. Nothing for a model without a configuration.
 std::optional<NamedConfig> ReadNamedConfig(Session& session, Identified identified);
 
+/// The settings of a model, of no module: for looking at what they are and what they can be. What every
+/// module has of a model without a configuration. All can be given that its modules take in their
+/// initialisation state.
+NamedConfig BlankConfig(const std::string& model);
+
 /// The names of every family's settings and what can be given for each, one line each under the family's
 /// models.
 std::string SettingsHelp();

@@ -77,7 +77,10 @@ std::optional<double> ReadRange(const std::string& text, const std::vector<std::
 } // namespace
 
 bool SameValue(const NamedSetting& left, const NamedSetting& right) {
-    return left.Value() == right.Value() || (!left.Sent().empty() && left.Sent() == right.Sent());
+    if (left.Told != right.Told)
+        return false;
+    return !left.Told || left.Value() == right.Value() ||
+           (!left.Sent().empty() && left.Sent() == right.Sent());
 }
 
 NumberField NumberField::Bit(unsigned& mask, int bit) {
@@ -205,6 +208,11 @@ NamedSetting FixedSetting(const std::string& name, const std::string& text) {
             .Value = [text] { return text; },
             .Take = take,
             .When = Writable::Never};
+}
+
+NamedSetting ReadBy(const std::string& command, NamedSetting setting) {
+    setting.ReadBy = command;
+    return setting;
 }
 
 NamedSetting LockedWhile(NamedSetting setting, std::function<bool()> locked, const std::string& reason) {

@@ -32,6 +32,9 @@ struct NamedSetting {
     std::function<std::string()> Sent =
         NoText; ///< as the module gets it, where that is less exact; else empty
     Writable When = Writable::Always;
+    std::string ReadBy = {}; ///< the command that reads it, without address: "@RL"; empty: the one that
+                             ///< identifies the module
+    bool Told = true;        ///< the module has told it; else it has a value of no meaning
 
     static std::string NoText() { return {}; }
 };
@@ -39,7 +42,7 @@ struct NamedSetting {
 /// The value as text, for example "on", "0,1,4" or "08 (+/- 10V)".
 std::string SettingText(const NamedSetting& setting);
 
-/// Whether two readings of one setting are the same for the module.
+/// Whether two readings of one setting are the same for the module; what was not told has no value.
 bool SameValue(const NamedSetting& left, const NamedSetting& right);
 
 /// A number in a settings struct, of whatever type it is there.
@@ -114,6 +117,9 @@ NamedSetting BitsSetting(const std::string& name, const NumberField& field, int 
 
 /// A text that cannot be changed.
 NamedSetting FixedSetting(const std::string& name, const std::string& text);
+
+/// The setting, read by `command`.
+NamedSetting ReadBy(const std::string& command, NamedSetting setting);
 
 /// The setting, locked for `reason` while `locked`.
 NamedSetting LockedWhile(NamedSetting setting, std::function<bool()> locked, const std::string& reason);

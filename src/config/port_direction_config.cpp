@@ -21,12 +21,15 @@ PortDirectionConfig ReadPortDirectionConfig(Session& session, int index) {
             LastAnswer(session, index, '$', "6") == Answer::Ok};
 }
 
-std::optional<PortDirectionConfig> ReadPortDirectionConfigWell(Session& session, int index) {
+PortDirectionConfig ReadPortDirectionConfigWell(Session& session, int index) {
     const ModuleReply reply = AskModuleTwice(session, index, '$', "6");
-    if (reply.Answer != Answer::Ok)
-        return std::nullopt;
-    const unsigned inputs = reply.Digits(0, 2);
-    return PortDirectionConfig{LinkSettingsOf(session.ModuleTable[index]), inputs, inputs};
+    ModuleRecord& record = session.ModuleTable[index];
+    PortDirectionConfig config{LinkSettingsOf(record), AllPorts, std::nullopt, reply.Answer == Answer::Ok};
+    if (reply.Answer == Answer::Ok)
+        config.PresentInputs = config.InputPorts = reply.Digits(0, 2);
+    else
+        record.Unread.emplace_back("$6");
+    return config;
 }
 
 ConfigOutcome ApplyPortDirectionConfig(Session& session, int index, const PortDirectionConfig& config,

@@ -22,9 +22,9 @@ struct PortDirectionConfig {
 /// but a reply that is not "!MM00" does not make them known.
 PortDirectionConfig ReadPortDirectionConfig(Session& session, int index);
 
-/// The same, believing what `AskModule` believes, and with `PresentInputs`; nothing when the module does not
-/// tell its directions twice alike.
-std::optional<PortDirectionConfig> ReadPortDirectionConfigWell(Session& session, int index);
+/// The same, believing what `AskModule` believes, and with `PresentInputs`. When the module does not tell its
+/// directions twice alike they are not known, and the entry's `Unread` says so.
+PortDirectionConfig ReadPortDirectionConfigWell(Session& session, int index);
 
 /// Writes the module configuration when it differs from the entry, then the directions ("$AASMM").
 /// Tells every failure, and keeps in the entry what the module accepted. `ConfigResult` becomes 1 when the

@@ -4,6 +4,8 @@
 #include "link/text.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace kavro {
 
@@ -25,13 +27,15 @@ const NamedSetting* FindSetting(const NamedConfig& config, std::string_view name
     return found == config.Settings.end() ? nullptr : &*found;
 }
 
+NamedSetting* FindSetting(NamedConfig& config, std::string_view name) {
+    return const_cast<NamedSetting*>(FindSetting(std::as_const(config), name));
+}
+
 NamedSetting& SettingNamed(NamedConfig& config, const std::string& name) {
+    if (NamedSetting* const setting = FindSetting(config, name))
+        return *setting;
     std::vector<std::string> names;
-    for (NamedSetting& setting : config.Settings) {
-        if (SameText(setting.Name, name))
-            return setting;
-        names.push_back(setting.Name);
-    }
+    std::ranges::transform(config.Settings, std::back_inserter(names), &NamedSetting::Name);
     throw RuntimeFailure("This module has no setting '" + name + "'; it has " + Listed(names) + ".");
 }
 

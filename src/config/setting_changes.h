@@ -10,6 +10,7 @@ namespace kavro {
 
 /// The setting with that name, in whatever case; null when the module has none.
 const NamedSetting* FindSetting(const NamedConfig& config, std::string_view name);
+NamedSetting* FindSetting(NamedConfig& config, std::string_view name);
 
 /// The same. Throws `RuntimeFailure` with the names that there are.
 NamedSetting& SettingNamed(NamedConfig& config, const std::string& name);

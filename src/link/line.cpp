@@ -76,6 +76,8 @@ void Line::SetPortBaud(std::int16_t port, std::int16_t baudCode, std::int16_t /*
 }
 
 void Line::SendCommand(const std::string& command, std::int16_t checksumOn, std::int16_t baudCode) {
+    if (BeforeCommand)
+        BeforeCommand(command);
     const PortSettingsRecord& settings = SettingsOf(CurrentPort);
     const bool open = CommPort(CurrentPort).PortOpen();
     try {

@@ -94,9 +94,12 @@ public:
                            ///< overflows, is an incomplete one in place of a failure
     bool Awaiting = false; ///< `Exchange` begins with `AwaitSilence`
     std::function<bool()>
-        Interrupted;   ///< asked every tenth of a second in all waiting; when it has been true for
-                       ///< 0.3 s, the wait ends by throwing `Interruption`. May be empty
-    bool Echo = false; ///< the adapter hands back every character sent; found by itself
+        Interrupted; ///< asked every tenth of a second in all waiting; when it has been true for
+                     ///< 0.3 s, the wait ends by throwing `Interruption`. May be empty
+    /// Called with each command before anything of its transaction happens; what it throws ends the work at
+    /// hand. May let events run, as nothing is under way. May be empty
+    std::function<void(const std::string& command)> BeforeCommand;
+    bool Echo = false;                       ///< the adapter hands back every character sent; found by itself
     std::function<void()> EchoFound = [] {}; ///< called when `Echo` becomes true
     std::int64_t IncompleteCount = 0;        ///< transactions without a complete reply, since the start
     std::int64_t StrayCount = 0;        ///< commands before which something had come that nobody waited for

@@ -116,17 +116,14 @@ constexpr FamilyRead CounterReads[] = {
     {'@', "RA", [](Record& record, const Reply& reply) { StorePair(reply, record.Counter.AlarmValue); }},
 };
 
-// False when one of them was not answered well.
-bool SendReads(Line& line, std::span<const FamilyRead> reads, const ModuleContact& contact,
+void SendReads(Line& line, std::span<const FamilyRead> reads, const ModuleContact& contact,
                ModuleRecord& record) {
-    bool all = true;
     for (const FamilyRead& read : reads) {
         if (const auto reply = AskContact(line, contact, record.Model, read.Lead, read.Code))
             read.Store(record, *reply);
         else
-            all = false;
+            record.Unread.push_back(read.Lead + std::string(read.Code));
     }
-    return all;
 }
 
 std::int16_t BaudCodeAt(const std::string& reply, std::size_t position) {
@@ -192,16 +189,16 @@ bool ReadFamilySettings(Line& line, const std::string& model, const ModuleContac
                         ModuleRecord& record) {
     const std::string suffix = ModelSuffix(model);
     const std::int16_t family = ModuleFamily(model);
-    bool all = true;
+    record.Unread.clear();
     if (family == DigitalIo || suffix == "320")
-        all &= SendReads(line, PolarityReads, contact, record);
+        SendReads(line, PolarityReads, contact, record);
     if (family == AnalogInput)
-        all &= SendReads(line, AlarmReads, contact, record);
+        SendReads(line, AlarmReads, contact, record);
     if (suffix == "240")
-        all &= SendReads(line, Suffix240Reads, contact, record);
+        SendReads(line, Suffix240Reads, contact, record);
     if (family == CounterFrequency)
-        all &= SendReads(line, CounterReads, contact, record);
-    return all;
+        SendReads(line, CounterReads, contact, record);
+    return record.Unread.empty();
 }
 
 } // namespace kavro

@@ -53,20 +53,24 @@ constexpr DispatchRow Rows[] = {
 
 } // namespace
 
-Dispatch DispatchModule(const Session& session, Operation operation) {
-    if (session.SelectedModule < 0)
-        return {None, "No module selected.", "Error"};
-    const ModuleRecord& record = session.ModuleTable[session.SelectedModule];
-    const std::int16_t family = ModuleFamily(record.Model);
-    const std::string suffix = ModelSuffix(record.Model);
+Dispatch DispatchModel(std::string_view model, std::int16_t range, Operation operation) {
+    const std::int16_t family = ModuleFamily(model);
+    const std::string suffix = ModelSuffix(model);
     for (const DispatchRow& row : Rows) {
         const bool fits = row.For == operation && row.Family == family &&
                           (row.Suffix.empty() || row.Suffix == suffix) &&
-                          (row.Range == AnyRange || row.Range == record.InputRange);
+                          (row.Range == AnyRange || row.Range == range);
         if (fits)
             return row.Result;
     }
     return {};
+}
+
+Dispatch DispatchModule(const Session& session, Operation operation) {
+    if (session.SelectedModule < 0)
+        return {None, "No module selected.", "Error"};
+    const ModuleRecord& record = session.ModuleTable[session.SelectedModule];
+    return DispatchModel(record.Model, record.InputRange, operation);
 }
 
 } // namespace kavro

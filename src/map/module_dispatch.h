@@ -38,7 +38,10 @@ struct Dispatch {
     const char* Title = "";
 };
 
-/// Which dialog serves the selected module, by its model and range code.
+/// Which dialog serves a module, by its model and range code.
+Dispatch DispatchModel(std::string_view model, std::int16_t range, Operation operation);
+
+/// Which dialog serves the selected module.
 Dispatch DispatchModule(const Session& session, Operation operation);
 
 } // namespace kavro

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace kavro {
 
@@ -70,6 +71,7 @@ struct ModuleRecord {
     std::int16_t ConverterStopBits = 0;  ///< converter: stop bits = value + 1
     bool Complete = true;                ///< the search has read all that it asks such a module
     bool Answers = true;                 ///< it did when it was asked last
+    std::vector<std::string> Unread{};   ///< commands, without address, that were not answered well: "@RL"
 
     DigitalSettings Digital{};
     AlarmInputSettings AlarmInput{};

@@ -37,7 +37,4 @@ std::string RecordingLine(const LineTraffic& traffic, bool tellEcho);
 /// How an exchange ended, in a word, as recordings and tables have it.
 std::string_view OutcomeName(TrafficOutcome outcome);
 
-/// A moment as recordings have it: "2026-03-02T14:05:09.120345Z".
-std::string UtcText(std::int64_t utc);
-
 } // namespace kavro

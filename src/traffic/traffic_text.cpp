@@ -2,6 +2,7 @@
 
 #include "link/line.h"
 #include "link/text.h"
+#include "link/utc_text.h"
 #include "traffic/recording.h"
 
 #include <ctime>

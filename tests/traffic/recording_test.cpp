@@ -1,3 +1,4 @@
+#include "link/utc_text.h"
 #include "traffic/recorder.h"
 
 #include "terminal/test_folder.h"

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "map/session.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace kavro {
+
+/// Keeps the list of known modules while work makes one of them after the other the only entry of the session
+/// (`TryContact`), and puts it back at its end.
+class KeptList {
+public:
+    explicit KeptList(Session& session);
+    ~KeptList();
+    KeptList(const KeptList&) = delete;
+    KeptList& operator=(const KeptList&) = delete;
+
+    /// Exchanges the list of the session and the kept one: twice around what is to see the list, as windows
+    /// are.
+    void Swap();
+
+    /// The modules of the list.
+    const std::vector<ModuleRecord>& Modules() const { return modules_; }
+
+private:
+    Session& session_;
+    std::vector<ModuleRecord> modules_;
+    ModuleTable table_;
+    decltype(Session::BelievedSince) believedSince_;
+    std::int16_t count_, scanIndex_, selected_;
+};
+
+} // namespace kavro

@@ -1,0 +1,223 @@
+#include "project/saved_json.h"
+
+#include "config/number_text.h"
+#include "config/setting_changes.h"
+#include "link/json_text.h"
+#include "link/runtime_failure.h"
+#include "link/text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <variant>
+
+namespace kavro {
+
+namespace {
+
+constexpr int HighestAddress = 255;
+constexpr int HighestChannel = 255;
+
+std::string Indent(int depth) {
+    return "\n" + std::string(static_cast<std::size_t>(depth) * 2, ' ');
+}
+
+TagAndNote TagsIn(const JsonNode& object) {
+    return {TextIn(object, "tag"), TextIn(object, "note")};
+}
+
+void RequireObject(const JsonNode& node) {
+    if (node.Is != JsonNode::Kind::Object)
+        FailAt(node, "\"" + node.Name + "\" must be an object in braces.");
+}
+
+int ChannelNumber(const JsonNode& channel) {
+    const auto number = CappedNumber(channel.Name);
+    if (!number || *number > HighestChannel)
+        FailAt(channel, "'" + channel.Name + "' is no channel; channels are named by their number.");
+    return *number;
+}
+
+std::map<int, SavedChannel> ReadChannels(const JsonNode& module) {
+    std::map<int, SavedChannel> channels;
+    const JsonNode* const node = module.Member("channels");
+    if (!node)
+        return channels;
+    RequireObject(*node);
+    for (const JsonNode& each : node->Within) {
+        RequireObject(each);
+        channels[ChannelNumber(each)] = {TagsIn(each), OthersIn(each, {"tag", "note"})};
+    }
+    return channels;
+}
+
+SettingValue ValueOf(const JsonNode& node) {
+    switch (node.Is) {
+    case JsonNode::Kind::Switch:
+        return node.On;
+    case JsonNode::Kind::Number:
+        return node.Number;
+    case JsonNode::Kind::Text:
+        return node.Text;
+    case JsonNode::Kind::List:
+        break;
+    default:
+        FailAt(node, "the " + node.Name + " must be true or false, a number, a text or a list.");
+    }
+    std::vector<int> numbers;
+    for (const JsonNode& each : node.Within) {
+        const bool whole = each.Is == JsonNode::Kind::Number && each.Number >= 0 &&
+                           each.Number <= HighestChannel && std::trunc(each.Number) == each.Number;
+        if (!whole)
+            FailAt(each, "the " + node.Name + " must be a list of whole numbers from 0 on.");
+        numbers.push_back(static_cast<int>(each.Number));
+    }
+    return numbers;
+}
+
+bool IsKnownName(const std::string& name) {
+    return std::ranges::any_of(SettingNames(),
+                               [&](const std::string& known) { return SameText(known, name); });
+}
+
+// A module may report a code that cannot be chosen: a range without a name, a rate below 1200, a number
+// beyond what its setting takes.
+bool CanBeReported(const NamedSetting& setting, const SettingValue& value) {
+    const auto* const text = std::get_if<std::string>(&value);
+    if (setting.Name == "range" && text)
+        return text->size() == 2 && HexNumber(*text);
+    const auto* const number = std::get_if<double>(&value);
+    if (setting.Name == "baud" && number)
+        return *number == 150 || *number == 300 || *number == 600;
+    return number && !std::holds_alternative<bool>(setting.Value());
+}
+
+// The value must be one that the model's setting can have.
+void ReadSetting(const JsonNode& node, NamedConfig& blank, SavedModule& module) {
+    NamedSetting* const setting = FindSetting(blank, node.Name);
+    if (!setting || setting->When == Writable::Never || setting->Name == "address") {
+        if (setting || IsKnownName(node.Name))
+            FailAt(node, "a module " + module.Model + " has no setting \"" + node.Name + "\" here.");
+        module.OtherSettings.push_back({node.Name, JsonLine(node)});
+        return;
+    }
+    const SettingValue value = ValueOf(node);
+    try {
+        TakeValue(*setting, value);
+    } catch (const RuntimeFailure& failure) {
+        if (!CanBeReported(*setting, value))
+            FailAt(node, failure.what());
+    }
+    module.Settings.push_back({setting->Name, value});
+}
+
+struct ValueTexts {
+    std::string operator()(bool value) const { return value ? "true" : "false"; }
+    std::string operator()(double value) const { return ShortestText(value); }
+    std::string operator()(const std::string& value) const { return JsonText(value); }
+    std::string operator()(const std::vector<int>& numbers) const {
+        std::string text;
+        for (const int number : numbers)
+            text += (text.empty() ? "" : ", ") + std::to_string(number);
+        return "[" + text + "]";
+    }
+};
+
+} // namespace
+
+void FailAt(const JsonNode& node, const std::string& what) {
+    throw RuntimeFailure("line " + std::to_string(node.Line) + ": " + what);
+}
+
+std::string TextIn(const JsonNode& object, std::string_view name) {
+    const JsonNode* const node = object.Member(name);
+    if (!node)
+        return {};
+    if (node->Is != JsonNode::Kind::Text)
+        FailAt(*node, "\"" + node->Name + "\" must be a text.");
+    return node->Text;
+}
+
+int WholeIn(const JsonNode& object, std::string_view name, int low, int high) {
+    const JsonNode* const node = object.Member(name);
+    const bool fits = node && node->Is == JsonNode::Kind::Number && node->Number >= low &&
+                      node->Number <= high && std::trunc(node->Number) == node->Number;
+    if (!fits)
+        FailAt(node ? *node : object, "\"" + std::string(name) + "\" must be a whole number from " +
+                                          std::to_string(low) + " to " + std::to_string(high) + ".");
+    return static_cast<int>(node->Number);
+}
+
+UnknownKeys OthersIn(const JsonNode& object, std::initializer_list<std::string_view> known) {
+    UnknownKeys others;
+    for (const JsonNode& each : object.Within)
+        if (std::ranges::find(known, each.Name) == known.end())
+            others.push_back({each.Name, JsonLine(each)});
+    return others;
+}
+
+SavedModule ReadSavedModule(const JsonNode& node) {
+    if (node.Is != JsonNode::Kind::Object)
+        FailAt(node, "a module must be an object in braces.");
+    SavedModule module;
+    module.Address = static_cast<std::int16_t>(WholeIn(node, "address", 0, HighestAddress));
+    module.Model = TextIn(node, "model");
+    module.Firmware = TextIn(node, "firmware");
+    module.Tags = TagsIn(node);
+    module.Channels = ReadChannels(node);
+    module.Others = OthersIn(node, {"address", "model", "firmware", "tag", "note", "channels", "settings"});
+    if (const JsonNode* const settings = node.Member("settings")) {
+        RequireObject(*settings);
+        NamedConfig blank = BlankConfig(module.Model);
+        for (const JsonNode& each : settings->Within)
+            ReadSetting(each, blank, module);
+    }
+    return module;
+}
+
+std::string ValueJson(const SettingValue& value) {
+    return std::visit(ValueTexts(), value);
+}
+
+void JsonObject::Add(std::string_view name, const std::string& json) {
+    const std::string before = depth_ >= 0 ? Indent(depth_ + 1) : members_.empty() ? "" : " ";
+    members_ += (members_.empty() ? "" : ",") + before + JsonText(name) + ": " + json;
+}
+
+void JsonObject::Add(const UnknownKeys& others) {
+    for (const UnknownKey& other : others)
+        Add(other.Name, other.Json);
+}
+
+std::string JsonObject::Text() const {
+    return "{" + members_ + (depth_ >= 0 && !members_.empty() ? Indent(depth_) : "") + "}";
+}
+
+std::string SavedModuleJson(const SavedModule& module, int depth) {
+    const int within = depth < 0 ? depth : depth + 1;
+    JsonObject object(depth);
+    object.Add("address", std::to_string(module.Address));
+    object.Add("model", JsonText(module.Model));
+    object.Add("firmware", JsonText(module.Firmware));
+    object.Add("tag", JsonText(module.Tags.Tag));
+    object.Add("note", JsonText(module.Tags.Note));
+    if (!module.Channels.empty()) {
+        JsonObject channels(within);
+        for (const auto& [number, saved] : module.Channels) {
+            JsonObject channel(-1);
+            channel.Add("tag", JsonText(saved.Tags.Tag));
+            channel.Add("note", JsonText(saved.Tags.Note));
+            channel.Add(saved.Others);
+            channels.Add(std::to_string(number), channel.Text());
+        }
+        object.Add("channels", channels.Text());
+    }
+    JsonObject settings(within);
+    for (const SavedSetting& setting : module.Settings)
+        settings.Add(setting.Name, ValueJson(setting.Value));
+    settings.Add(module.OtherSettings);
+    object.Add("settings", settings.Text());
+    object.Add(module.Others);
+    return object.Text();
+}
+
+} // namespace kavro
