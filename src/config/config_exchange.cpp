@@ -32,19 +32,19 @@ std::optional<NamedConfig> ReadToldConfig(Session& session, const Contact& conta
     const Identified identified = FindModule(session, contact, tell);
     if (identified == Identified::No)
         return std::nullopt;
-    auto config = ReadNamedConfig(session, identified);
-    if (!config)
-        tell("The module " + Trim(ShownModel(session.ModuleTable[0].Model)) + " at address " +
-             ShownAddress(contact.Address) + " has no settings that " + tell.Words.Name + " knows.");
-    return config;
+    return ReadNamedConfig(session, identified);
 }
 
 std::optional<NamedConfig> ReadConfig(Session& session, const Contact& contact, const Teller& tell) {
     auto config = ReadToldConfig(session, contact, tell);
-    if (!config || config->Known)
+    const std::string place = " at address " + ShownAddress(contact.Address);
+    if (config && !config->Writable)
+        tell("The module " + Trim(ShownModel(session.ModuleTable[0].Model)) + place +
+             " has no settings that " + tell.Words.Name + " knows.");
+    else if (config && !config->Known)
+        tell("The module" + place + " did not tell all of its settings. Try again.");
+    else
         return config;
-    tell("The module at address " + ShownAddress(contact.Address) +
-         " did not tell all of its settings. Try again.");
     return std::nullopt;
 }
 

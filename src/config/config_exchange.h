@@ -17,7 +17,8 @@ std::optional<NamedConfig> ReadConfig(Session& session, const Contact& contact, 
 /// One of these two functions.
 using ConfigReader = std::optional<NamedConfig>(Session& session, const Contact& contact, const Teller& tell);
 
-/// The same of a module that may not tell everything: `Known`, and `Told` of each setting, say what it did.
+/// The same of any module, be it without a configuration, that may not tell everything: `Writable`, `Known`,
+/// and `Told` of each setting, say what it did.
 std::optional<NamedConfig> ReadToldConfig(Session& session, const Contact& contact, const Teller& tell);
 
 /// The same as the module tells it twice alike: for what is written back, as one digit of a reply may be

@@ -184,9 +184,11 @@ NamedConfig Open(Session& session, int index) {
 
 // Settings that are no module's; they cannot be written.
 template <class Config>
-NamedConfig Unbound(const Subject& subject, Settings (*names)(Config&, const Subject&)) {
-    const auto kept = std::make_shared<Config>();
-    return {AllNames(*kept, subject, names), false, [kept](Messages&) { return ConfigOutcome::Refused; }};
+NamedConfig Unbound(const Subject& subject, Settings (*names)(Config&, const Subject&),
+                    const Config& config = {}) {
+    const auto kept = std::make_shared<Config>(config);
+    return {AllNames(*kept, subject, names), false, [kept](Messages&) { return ConfigOutcome::Refused; },
+            false};
 }
 
 template <class Config, Settings (*Names)(Config&, const Subject&)>
@@ -201,6 +203,13 @@ struct LinkConfig {
 
 Settings NoNames(LinkConfig& /*settings*/, const Subject& /*subject*/) {
     return {};
+}
+
+NamedConfig OpenLink(Session& session, int index) {
+    const LinkConfig config{LinkSettingsOf(session.ModuleTable[index])};
+    NamedConfig named = Unbound<LinkConfig>({session.ModuleTable[index].Model}, NoNames, config);
+    named.Known = true;
+    return named;
 }
 
 // Calls `use` with the names of a model's settings, which live only as long as the call.
@@ -270,11 +279,11 @@ NamedConfig BlankConfig(const std::string& model) {
     return family == std::end(Families) ? Blank<LinkConfig, NoNames>(model) : family->Blank(model);
 }
 
-std::optional<NamedConfig> ReadNamedConfig(Session& session, Identified identified) {
+NamedConfig ReadNamedConfig(Session& session, Identified identified) {
     const ModuleDialog dialog = DispatchModule(session, Operation::Configuration).Dialog;
     const auto* family = std::ranges::find(Families, dialog, &ConfigFamily::Dialog);
     if (family == std::end(Families))
-        return std::nullopt;
+        return OpenLink(session, session.SelectedModule);
     NamedConfig config = family->Open(session, session.SelectedModule);
     config.Known &= identified == Identified::Fully || !family->NeedsFamilyReads;
     return config;

@@ -18,11 +18,12 @@ struct NamedConfig {
     std::vector<NamedSetting> Settings;                     ///< in the order in which they are shown
     bool Known = false;                                     ///< the module has told every one of them
     std::function<ConfigOutcome(Messages& messages)> Apply; ///< writes them, as the module's dialog does
+    bool Writable = true; ///< false of a model without a configuration
 };
 
 /// The settings of the selected entry, which was identified like that; what a search does not read is read
-/// from the module now. Nothing for a model without a configuration.
-std::optional<NamedConfig> ReadNamedConfig(Session& session, Identified identified);
+/// from the module now. Of a model without a configuration what every module has, which cannot be written.
+NamedConfig ReadNamedConfig(Session& session, Identified identified);
 
 /// The settings of a model, of no module: for looking at what they are and what they can be. What every
 /// module has of a model without a configuration. All can be given that its modules take in their

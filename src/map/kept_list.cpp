@@ -6,10 +6,7 @@ namespace kavro {
 
 KeptList::KeptList(Session& session)
     : session_(session), table_(session.ModuleTable), believedSince_(session.BelievedSince),
-      count_(session.ModuleCount), scanIndex_(session.ScanIndex), selected_(session.SelectedModule) {
-    for (int index = 0; index < count_; ++index)
-        modules_.push_back(table_[index]);
-}
+      count_(session.ModuleCount), scanIndex_(session.ScanIndex), selected_(session.SelectedModule) {}
 
 KeptList::~KeptList() {
     Swap();

@@ -3,8 +3,6 @@
 #include "map/session.h"
 
 #include <cstdint>
-#include <string>
-#include <vector>
 
 namespace kavro {
 
@@ -21,12 +19,8 @@ public:
     /// are.
     void Swap();
 
-    /// The modules of the list.
-    const std::vector<ModuleRecord>& Modules() const { return modules_; }
-
 private:
     Session& session_;
-    std::vector<ModuleRecord> modules_;
     ModuleTable table_;
     decltype(Session::BelievedSince) believedSince_;
     std::int16_t count_, scanIndex_, selected_;

@@ -1,0 +1,53 @@
+#include "project/open_line_file.h"
+
+#include "link/runtime_failure.h"
+#include "map/module_access.h"
+
+namespace kavro {
+
+namespace {
+
+ModuleTags TagsIn(const SavedModule& module) {
+    ModuleTags tags{module.Model, module.Tags};
+    for (const auto& [number, channel] : module.Channels)
+        if (channel.Tags != TagAndNote())
+            tags.Channels[number] = channel.Tags;
+    return tags;
+}
+
+// A channel without tag and note stays while there is something else about it.
+void Give(SavedModule& module, const ModuleTags& tags) {
+    module.Tags = tags.Module;
+    for (auto& [number, channel] : module.Channels)
+        channel.Tags = {};
+    for (const auto& [number, tag] : tags.Channels)
+        module.Channels[number].Tags = tag;
+    std::erase_if(module.Channels, [](const auto& each) {
+        return each.second.Tags == TagAndNote() && each.second.Others.empty();
+    });
+}
+
+} // namespace
+
+void ShowTagsOf(Session& session, const std::string& path, const LineFile& file) {
+    session.Tags = {path, file.Name};
+    for (const SavedModule& module : file.Modules)
+        session.Tags.Modules[module.Address] = TagsIn(module);
+    session.Tags.Keep = [&session, path](std::int16_t address, const ModuleTags& tags) {
+        WriteTags(session, path, address, tags);
+        session.Tags.Modules[address] = tags;
+    };
+}
+
+void WriteTags(const Session& session, const std::string& path, std::int16_t address,
+               const ModuleTags& tags) {
+    LineFile file = LoadLineFile(path);
+    SavedModule* const module = ModuleIn(file, address);
+    if (!module)
+        throw RuntimeFailure("The line file \"" + path + "\" no longer has a module at address " +
+                             ShownAddress(address) + ". Back up the line again.");
+    Give(*module, tags);
+    session.ReplaceFile(path, LineFileText(file));
+}
+
+} // namespace kavro

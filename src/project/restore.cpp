@@ -1,0 +1,79 @@
+#include "project/restore.h"
+
+#include <algorithm>
+
+namespace kavro {
+
+namespace {
+
+void Give(SavedModule& module, const std::string& name, const SettingValue& value) {
+    const auto found = std::ranges::find(module.Settings, name, &SavedSetting::Name);
+    if (found != module.Settings.end())
+        found->Value = value;
+}
+
+} // namespace
+
+bool CanBeWritten(const ModuleComparison& module, const LineDifference& difference) {
+    return difference.When == Writable::Always ||
+           (difference.When == Writable::Initialising && module.Line.Way.Address == 0);
+}
+
+std::string LeftAloneText(const ModuleComparison& module) {
+    const std::string the = "The " + ShownModule(module.File);
+    if (module.Line.Is == Presence::Silent)
+        return the + " does not answer.";
+    if (module.Line.Is == Presence::Unclear)
+        return the + " cannot be believed. " + module.Line.Trouble;
+    if (module.OtherModel())
+        return the + " is a " + module.Line.Module.Model + " on the line; it is left alone.";
+    if (!module.Line.Writable && !module.Differences.empty())
+        return the + " has no settings that can be written.";
+    return {};
+}
+
+std::vector<WriteTarget> TargetsOf(const LineComparison& comparison, const Choice& choice) {
+    std::vector<WriteTarget> targets;
+    for (const ModuleComparison& module : comparison.Modules) {
+        if (!LeftAloneText(module).empty())
+            continue;
+        WriteTarget target{module.Line.Module, module.Line.Way};
+        target.Wanted.Tags = module.File.Tags;
+        bool any = false;
+        for (const LineDifference& difference : module.Differences)
+            if (CanBeWritten(module, difference) && choice(module.File, difference)) {
+                Give(target.Wanted, difference.Setting, difference.File.Value);
+                any = true;
+            }
+        if (any)
+            targets.push_back(std::move(target));
+    }
+    return targets;
+}
+
+WrittenLine RestoreLine(const LineWork& work, const std::vector<WriteTarget>& targets,
+                        const std::string& path) {
+    WrittenLine written;
+    if (targets.empty())
+        return written;
+    std::vector<SavedModule> wanted;
+    for (const WriteTarget& target : targets)
+        wanted.push_back(target.Wanted);
+    RestoreJournal journal(work.Session, JournalPath(path), wanted);
+    for (const WriteTarget& target : targets) {
+        work.Progress("Writing " + ShownModule(target.Wanted), static_cast<int>(written.size()),
+                      static_cast<int>(targets.size()));
+        written.push_back(WriteModule(work, target, [&](int address, const std::function<void()>& write) {
+            journal.Writing(address, write);
+        }));
+        journal.Done(target.Wanted.Address, written.back().AsWanted());
+    }
+    journal.Finish();
+    return written;
+}
+
+LineFile FileOf(const CutOffRestore& cutOff) {
+    return {.Modules = cutOff.Wanted};
+}
+
+} // namespace kavro

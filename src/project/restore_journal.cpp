@@ -1,0 +1,218 @@
+#include "project/restore_journal.h"
+
+#include "link/json_text.h"
+#include "link/runtime_failure.h"
+#include "link/text.h"
+#include "link/utc_text.h"
+#include "link/write_through.h"
+#include "map/product.h"
+#include "project/saved_json.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+#include <utility>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace kavro {
+
+namespace {
+
+constexpr std::string_view Format = "kavro-restore-journal";
+constexpr int Version = 1;
+constexpr int HighestVersion = 1'000'000;
+constexpr int HighestAddress = 255;
+constexpr std::string_view Unreadable = "unreadable reply";
+
+std::string Head(const Line& line, const std::vector<SavedModule>& wanted) {
+    std::string modules;
+    for (const SavedModule& module : wanted)
+        modules += (modules.empty() ? "" : ", ") + SavedModuleJson(module, -1);
+    JsonObject head(-1);
+    head.Add("format", JsonText(Format));
+    head.Add("version", std::to_string(Version));
+    head.Add("time", JsonText(UtcText(line.Time().UtcMicroseconds())));
+    head.Add("program", JsonText(ProductVersion));
+    head.Add("modules", "[" + modules + "]");
+    return head.Text() + "\n";
+}
+
+// How the configuration dialogs tell an acknowledgement from a refusal.
+std::string OutcomeOf(const LineTraffic& traffic) {
+    const std::string reply = traffic.Received.substr(traffic.Echo ? traffic.Sent.size() : 0);
+    if (reply.empty())
+        return "no reply";
+    if (traffic.Outcome != TrafficOutcome::Complete)
+        return std::string(Unreadable);
+    return reply.starts_with('!') ? "accepted" : reply.starts_with('?') ? "refused" : std::string(Unreadable);
+}
+
+[[noreturn]] void ThrowReason(const std::string& path, const char* what) {
+    throw RuntimeFailure("The journal \"" + path + "\" cannot be " + what + ": " +
+                         std::generic_category().message(errno) +
+                         ". Look at the folder and its free space, then try again.");
+}
+
+void ReadHead(const JsonNode& head, CutOffRestore& cutOff) {
+    const JsonNode* const format = head.Member("format");
+    const JsonNode* const modules = head.Member("modules");
+    if (!format || format->Text != Format || !modules)
+        FailAt(head, "this is no journal of a restore.");
+    if (WholeIn(head, "version", 1, HighestVersion) > Version)
+        FailAt(head, "a newer version of this program wrote it. Update the program to go on.");
+    for (const JsonNode& module : modules->Within)
+        cutOff.Wanted.push_back(ReadSavedModule(module));
+}
+
+void ReadEntry(const JsonNode& entry, CutOffRestore& cutOff) {
+    const int address = WholeIn(entry, "address", 0, HighestAddress);
+    const std::string event = TextIn(entry, "event");
+    if (event == "begin") {
+        cutOff.InWork = address;
+        cutOff.LastCommand.clear();
+    } else if (event == "send") {
+        cutOff.LastCommand = TextIn(entry, "command");
+        cutOff.LastOutcome.clear();
+    } else if (event == "outcome") {
+        cutOff.LastOutcome = TextIn(entry, "outcome");
+    } else if (event == "end") {
+        const JsonNode* const asWanted = entry.Member("as_wanted");
+        (asWanted && asWanted->On ? cutOff.Done : cutOff.NotDone).push_back(address);
+        cutOff.InWork.reset();
+    }
+}
+
+std::string Entry(const char* event, int address) {
+    return "{\"event\": \"" + std::string(event) + "\", \"address\": " + std::to_string(address);
+}
+
+std::string InWorkText(const CutOffRestore& cutOff) {
+    const auto found = std::ranges::find(cutOff.Wanted, *cutOff.InWork, &SavedModule::Address);
+    const std::string module =
+        found == cutOff.Wanted.end() ? "module at " + std::to_string(*cutOff.InWork) : ShownModule(*found);
+    std::string text = " The " + module + " was being written";
+    if (cutOff.LastCommand.empty())
+        return text + "; nothing had been sent to it.";
+    text += "; last it was sent " + cutOff.LastCommand;
+    return text + (cutOff.LastOutcome.empty() ? ", and what came of that is not known."
+                                              : " (" + cutOff.LastOutcome + ").");
+}
+
+} // namespace
+
+std::string JournalPath(const std::string& path) {
+    return path + ".journal";
+}
+
+RestoreJournal::RestoreJournal(Session& session, const std::string& path,
+                               const std::vector<SavedModule>& wanted)
+    : session_(session), path_(path) {
+    session_.ReplaceFile(path_, Head(session_.Line, wanted));
+    file_ = open(path_.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
+    if (file_ < 0)
+        ThrowReason(path_, "written");
+}
+
+RestoreJournal::~RestoreJournal() {
+    if (file_ >= 0)
+        close(file_);
+}
+
+void RestoreJournal::Write(const std::string& line) {
+    if (!WriteThrough(file_, line + "}\n"))
+        ThrowReason(path_, "written");
+}
+
+void RestoreJournal::Writing(int address, const std::function<void()>& write) {
+    Write(Entry("begin", address));
+    Line& line = session_.Line;
+    const auto before = line.BeforeCommand;
+    const auto listeners = line.Listeners;
+    address_ = address;
+    line.Listeners.push_back(this);
+    line.BeforeCommand = [this, before](const std::string& command) {
+        if (before)
+            before(command);
+        if (!failure_.empty())
+            throw RuntimeFailure(failure_);
+        Write(Entry("send", address_) + ", \"command\": " + JsonText(command));
+    };
+    const auto stop = [&] {
+        line.BeforeCommand = before;
+        std::erase(line.Listeners, this);
+    };
+    try {
+        write();
+    } catch (...) {
+        stop();
+        throw;
+    }
+    stop();
+    if (!failure_.empty())
+        throw RuntimeFailure(failure_);
+}
+
+void RestoreJournal::Done(int address, bool asWanted) {
+    Write(Entry("end", address) + ", \"as_wanted\": " + (asWanted ? "true" : "false"));
+}
+
+void RestoreJournal::Finish() {
+    close(std::exchange(file_, -1));
+    DiscardJournal(path_);
+}
+
+void RestoreJournal::Passed(const LineTraffic& traffic) {
+    if (traffic.Outcome == TrafficOutcome::Stray || !failure_.empty())
+        return;
+    try {
+        Write(Entry("outcome", address_) + ", \"outcome\": " + JsonText(OutcomeOf(traffic)));
+    } catch (const RuntimeFailure& failure) {
+        failure_ = failure.what();
+    }
+}
+
+std::optional<CutOffRestore> ReadJournal(const std::string& path) {
+    std::error_code error;
+    const auto status = std::filesystem::status(std::filesystem::u8path(path), error);
+    if (!std::filesystem::exists(status))
+        return std::nullopt;
+    std::ifstream file(std::filesystem::u8path(path), std::ios::binary);
+    if (!std::filesystem::is_regular_file(status) || !file.is_open())
+        throw RuntimeFailure("The journal \"" + path + "\" cannot be read. Look at it, or remove it.");
+    CutOffRestore cutOff;
+    std::string line;
+    for (int number = 1; std::getline(file, line); ++number) {
+        if (file.eof())
+            break; // cut off in the middle of the line
+        try {
+            const JsonNode node = ReadJson(line);
+            number == 1 ? ReadHead(node, cutOff) : ReadEntry(node, cutOff);
+        } catch (const RuntimeFailure& failure) {
+            const std::string_view what = failure.what(); // "line 1: ..." of its own line
+            throw RuntimeFailure("The journal \"" + path + "\" cannot be understood: line " +
+                                 std::to_string(number) + std::string(what.substr(what.find(':'))) +
+                                 " --discard-journal, or removing the file, forgets it.");
+        }
+    }
+    return cutOff;
+}
+
+std::string CutOffText(const CutOffRestore& cutOff) {
+    const std::size_t read = cutOff.Done.size() + cutOff.NotDone.size();
+    std::string text = "A restore of this line was cut off: " + std::to_string(read) + " of " +
+                       std::to_string(cutOff.Wanted.size()) + " modules were written and read back";
+    if (!cutOff.NotDone.empty())
+        text += ", " + std::to_string(cutOff.NotDone.size()) + " of them without having everything";
+    return text + "." + (cutOff.InWork ? InWorkText(cutOff) : "");
+}
+
+void DiscardJournal(const std::string& path) {
+    if (unlink(path.c_str()) != 0 && errno != ENOENT)
+        ThrowReason(path, "removed");
+}
+
+} // namespace kavro
