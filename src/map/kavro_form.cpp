@@ -14,25 +14,19 @@
 #include "map/module_access.h"
 #include "map/network_operations_form.h"
 #include "map/operation_panel_form.h"
+#include "map/print_list_form.h"
 #include "map/product.h"
 #include "map/time_text.h"
 #include "ui/center_form.h"
 #include "ui/choose_file.h"
 #include "ui/fixed_font.h"
 #include "ui/named.h"
-#include "ui/print_lines.h"
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QDateTime>
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QLocale>
-#include <QMenuBar>
-#include <QPrintDialog>
-#include <QPrinter>
-#include <QShortcut>
 #include <QStatusBar>
 #include <QStyle>
 #include <QVBoxLayout>
@@ -132,41 +126,6 @@ QLayout* KavroForm::BuildListPlace() {
     return place;
 }
 
-void KavroForm::BuildMenus() {
-    auto* file = menuBar()->addMenu("&File");
-    AddItem(*file, "mnuOpen", "&Open...", &KavroForm::OpenMap, QKeySequence::Open);
-    AddItem(*file, "mnuSave", "&Save", &KavroForm::Save, QKeySequence::Save);
-    AddItem(*file, "mnuPrint", "&Print", &KavroForm::Print, QKeySequence::Print);
-    AddItem(*file, "mnuExit", "E&xit", &KavroForm::Exit, QKeySequence::Quit);
-    auto* network = menuBar()->addMenu("&Network");
-    AddItem(*network, "mnuComPort", "&ComPort...", &KavroForm::ComPort);
-    AddItem(*network, "mnuSearch", "&Search...", &KavroForm::Search, QKeySequence::Find);
-    AddItem(*network, "mnuRefresh", "&Refresh", &KavroForm::Refresh, Qt::Key_F5);
-    auto* traffic = network->addAction("&Traffic...", this, [this] { openers_.Traffic(); });
-    traffic->setObjectName("mnuTraffic");
-    AddItem(*network, "mnuLineCheck", "&Line Check...", &KavroForm::CheckLine);
-    auto* operation = menuBar()->addMenu("&Operation");
-    AddItem(*operation, "mnuTerminal", "&Terminal...", &KavroForm::Terminal);
-    AddItem(*operation, "mnuConfiguration", "&Configuration...", &KavroForm::Configuration);
-    AddItem(*operation, "mnuMonitor", "&Monitor...", &KavroForm::Monitor);
-    AddItem(*operation, "mnuDiagnostic", "&Diagnostic...", &KavroForm::Diagnostic);
-    AddItem(*operation, "mnuCalibration", "C&alibration...", &KavroForm::Calibration);
-    device_->addActions(operation->actions());
-    auto* about = menuBar()->addAction("&About!");
-    about->setObjectName("mnuAbout");
-    connect(about, &QAction::triggered, this, [this] { Run(&KavroForm::About); });
-    auto* help = new QShortcut(QKeySequence::HelpContents, this);
-    connect(help, &QShortcut::activated, this, [this] { Run(&KavroForm::Help); });
-}
-
-void KavroForm::AddItem(QMenu& menu, const char* name, const char* text, void (KavroForm::*operation)(),
-                        const QKeySequence& shortcut) {
-    auto* action = menu.addAction(text);
-    action->setObjectName(name);
-    action->setShortcut(shortcut);
-    connect(action, &QAction::triggered, this, [this, operation] { Run(operation); });
-}
-
 // Every operation runs here: guarded, one at a time, and the focus goes back to the list.
 void KavroForm::Run(void (KavroForm::*operation)()) {
     if (running_)
@@ -251,21 +210,7 @@ void KavroForm::Save() {
 }
 
 void KavroForm::Print() {
-    QPrinter printer(QPrinter::HighResolution);
-    QPrintDialog dialog(&printer, this);
-    dialog.setWindowTitle("Print");
-    if (dialog.exec() != QDialog::Accepted)
-        return;
-    Printout printout{.Title = QString(ApplicationTitle) + ": modules",
-                      .Details = status_->PortText() + ", " +
-                                 QLocale().toString(QDateTime::currentDateTime(), QLocale::ShortFormat),
-                      .Heading = ListHeading};
-    for (const std::string& line : session_.Device)
-        printout.Lines << QString::fromStdString(line);
-    if (!printer.outputFileName().isEmpty())
-        session_.ReplaceFile(printer.outputFileName().toStdString(), PdfOf(printer, printout));
-    else if (!PrintLines(printer, printout))
-        throw RuntimeFailure("The list could not be printed. Check the printer.");
+    PrintList(this, session_, status_->PortText());
 }
 
 void KavroForm::ComPort() {
