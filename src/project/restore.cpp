@@ -73,7 +73,9 @@ WrittenLine RestoreLine(const LineWork& work, const std::vector<WriteTarget>& ta
 }
 
 LineFile FileOf(const CutOffRestore& cutOff) {
-    return {.Modules = cutOff.Wanted};
+    LineFile file;
+    file.Modules = cutOff.Wanted;
+    return file;
 }
 
 } // namespace kavro

@@ -1,0 +1,64 @@
+#include "project/work_in_window_form.h"
+
+#include "map/module_access.h"
+#include "map/module_command.h"
+#include "map/product.h"
+
+#include <QCoreApplication>
+
+#include <utility>
+
+namespace kavro {
+
+namespace {
+
+constexpr ProgramWords Words = {ProductName, "Operation > Terminal", "Network > Search"};
+
+// A line's `BeforeCommand`, as long as it lives.
+class BeforeEachCommand {
+public:
+    BeforeEachCommand(Line& line, decltype(Line::BeforeCommand) call)
+        : line_(line), before_(std::exchange(line.BeforeCommand, std::move(call))) {}
+    ~BeforeEachCommand() { line_.BeforeCommand = std::move(before_); }
+    BeforeEachCommand(const BeforeEachCommand&) = delete;
+    BeforeEachCommand& operator=(const BeforeEachCommand&) = delete;
+
+private:
+    Line& line_;
+    decltype(Line::BeforeCommand) before_;
+};
+
+} // namespace
+
+void WorkInWindow::LetWindowsLive(KeptList& list) const {
+    list.Swap();
+    QCoreApplication::processEvents();
+    list.Swap();
+    if (stopping_)
+        throw Interruption();
+}
+
+WorkEnd WorkInWindow::Run(kavro::Messages& told, const decltype(LineWork::Progress)& progress,
+                          const std::function<void(const LineWork& work)>& work) {
+    if (running_)
+        return WorkEnd::Stopped;
+    running_ = true;
+    stopping_ = false;
+    WorkEnd end = WorkEnd::Failed;
+    Guard(messages_, [&] {
+        OpenPort(session_.Line);
+        KeptList list(session_);
+        const CarefulTransactions careful(session_.Line);
+        const BeforeEachCommand live(session_.Line, [&](const std::string&) { LetWindowsLive(list); });
+        try {
+            work({session_, {told, Words}, progress});
+            end = WorkEnd::Done;
+        } catch (const Interruption&) {
+            end = WorkEnd::Stopped;
+        }
+    });
+    running_ = false;
+    return end;
+}
+
+} // namespace kavro
