@@ -1,21 +1,16 @@
 #pragma once
 
+#include "cli/terminal_line.h"
 #include "map/search_forecast.h"
 
 #include <string>
 
 namespace kavro {
 
-/// The progress of a search, or of a check, as one line on standard error that is written anew; nothing when
-/// standard error is not a terminal.
+/// The progress of a search, or of a check, on the terminal.
 class SearchProgress {
 public:
-    explicit SearchProgress(const SearchForecast& forecast);
-
-    /// Takes the line off the terminal.
-    ~SearchProgress();
-    SearchProgress(const SearchProgress&) = delete;
-    SearchProgress& operator=(const SearchProgress&) = delete;
+    explicit SearchProgress(const SearchForecast& forecast) : forecast_(forecast) {}
 
     bool Stopping = false; ///< the search ends after this step, which is told in place of the time left
 
@@ -24,11 +19,9 @@ public:
 
 private:
     std::string TimeLeft() const;
-    void Write(const std::string& text);
 
     const SearchForecast& forecast_;
-    const bool isTerminal_;
-    std::size_t shownWidth_ = 0;
+    TerminalLine line_;
 };
 
 } // namespace kavro
