@@ -23,8 +23,6 @@ namespace kavro {
 
 namespace {
 
-constexpr int ExitFinding = 1;
-
 double Thousandths(double number) {
     return std::round(number * 1000) / 1000;
 }
@@ -115,7 +113,7 @@ int CheckModules(Session& session, int passes, bool json) {
         throw RuntimeFailure(portFailure);
     if (const std::string unfinished = UnfinishedText(check->Result()); json && !unfinished.empty())
         PrintNote(unfinished);
-    return findings.empty() ? ExitSuccess : ExitFinding;
+    return findings.empty() ? ExitSuccess : ExitDifference;
 }
 
 void AddCheckOptions(QCommandLineParser& parser) {

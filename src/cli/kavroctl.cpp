@@ -1,14 +1,17 @@
 #include "cli/kavroctl.h"
 
+#include "cli/backup_command.h"
 #include "cli/check_command.h"
 #include "cli/cli_options.h"
 #include "cli/cli_text.h"
+#include "cli/compare_command.h"
 #include "cli/config_command.h"
 #include "cli/interrupt.h"
 #include "cli/listen_command.h"
 #include "cli/monitor_command.h"
 #include "cli/output_command.h"
 #include "cli/read_command.h"
+#include "cli/restore_command.h"
 #include "cli/search_command.h"
 #include "cli/subcommand.h"
 #include "cli/terminal_commands.h"
@@ -38,6 +41,9 @@ constexpr Subcommand Subcommands[] = {
     {"monitor", "Read the modules of a line in rounds.", 0, AddMonitorOptions, PrepareMonitor},
     {"check", "Ask the modules of a line again and again, and tell what is wrong.", 0, AddCheckOptions,
      PrepareCheck},
+    {"backup", "Read all settings of a line into a file.", 1, AddBackupOptions, PrepareBackup},
+    {"compare", "Compare a line with its file.", 1, AddCompareOptions, PrepareCompare},
+    {"restore", "Write the settings of a file back to the line.", 1, AddRestoreOptions, PrepareRestore},
     {"output", "Drive outputs of a module.", INT_MAX, AddOutputOptions, PrepareOutput},
     {"listen", "Show what another master says, and send nothing.", 0, AddListenOptions, PrepareListen},
     {"traffic", "Print a recording of a line in words.", 1, AddTrafficOptions, PrepareTraffic, false},

@@ -9,6 +9,7 @@ namespace kavro {
 /// Exit codes of `kavroctl`.
 enum ExitCode : int {
     ExitSuccess = 0,
+    ExitDifference = 1,   ///< a line that was checked or compared is not as it should be
     ExitWrongUse = 2,     ///< the command line is wrong; one line on standard error says what
     ExitPortTrouble = 3,  ///< the port, standard output or a file being written failed
     ExitNothingFound = 4, ///< a search that found no module, or did not come to its end

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace kavro {
@@ -18,6 +19,20 @@ struct LineWork {
     /// Told before each module: how many are done of how many.
     std::function<void(const std::string& doing, int done, int total)> Progress = [](const std::string&, int,
                                                                                      int) {};
+};
+
+/// A line's `BeforeCommand`, as long as it lives.
+class BeforeEachCommand {
+public:
+    BeforeEachCommand(Line& line, decltype(Line::BeforeCommand) call)
+        : line_(line), before_(std::exchange(line.BeforeCommand, std::move(call))) {}
+    ~BeforeEachCommand() { line_.BeforeCommand = std::move(before_); }
+    BeforeEachCommand(const BeforeEachCommand&) = delete;
+    BeforeEachCommand& operator=(const BeforeEachCommand&) = delete;
+
+private:
+    Line& line_;
+    decltype(Line::BeforeCommand) before_;
 };
 
 /// Whether a module is there.

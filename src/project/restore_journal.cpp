@@ -6,6 +6,7 @@
 #include "link/utc_text.h"
 #include "link/write_through.h"
 #include "map/product.h"
+#include "project/module_reading.h"
 #include "project/saved_json.h"
 
 #include <algorithm>
@@ -50,6 +51,21 @@ std::string OutcomeOf(const LineTraffic& traffic) {
         return std::string(Unreadable);
     return reply.starts_with('!') ? "accepted" : reply.starts_with('?') ? "refused" : std::string(Unreadable);
 }
+
+// Is told of the line's exchanges as long as it lives.
+class Listening {
+public:
+    Listening(Line& line, LineListener& listener) : line_(line), listener_(listener) {
+        line_.Listeners.push_back(&listener_);
+    }
+    ~Listening() { std::erase(line_.Listeners, &listener_); }
+    Listening(const Listening&) = delete;
+    Listening& operator=(const Listening&) = delete;
+
+private:
+    Line& line_;
+    LineListener& listener_;
+};
 
 [[noreturn]] void ThrowReason(const std::string& path, const char* what) {
     throw RuntimeFailure("The journal \"" + path + "\" cannot be " + what + ": " +
@@ -130,28 +146,17 @@ void RestoreJournal::Write(const std::string& line) {
 void RestoreJournal::Writing(int address, const std::function<void()>& write) {
     Write(Entry("begin", address));
     Line& line = session_.Line;
-    const auto before = line.BeforeCommand;
-    const auto listeners = line.Listeners;
     address_ = address;
-    line.Listeners.push_back(this);
-    line.BeforeCommand = [this, before](const std::string& command) {
+    const auto before = line.BeforeCommand;
+    const BeforeEachCommand journal(line, [&](const std::string& command) {
         if (before)
             before(command);
         if (!failure_.empty())
             throw RuntimeFailure(failure_);
         Write(Entry("send", address_) + ", \"command\": " + JsonText(command));
-    };
-    const auto stop = [&] {
-        line.BeforeCommand = before;
-        std::erase(line.Listeners, this);
-    };
-    try {
-        write();
-    } catch (...) {
-        stop();
-        throw;
-    }
-    stop();
+    });
+    const Listening listening(line, *this);
+    write();
     if (!failure_.empty())
         throw RuntimeFailure(failure_);
 }

@@ -6,27 +6,11 @@
 
 #include <QCoreApplication>
 
-#include <utility>
-
 namespace kavro {
 
 namespace {
 
 constexpr ProgramWords Words = {ProductName, "Operation > Terminal", "Network > Search"};
-
-// A line's `BeforeCommand`, as long as it lives.
-class BeforeEachCommand {
-public:
-    BeforeEachCommand(Line& line, decltype(Line::BeforeCommand) call)
-        : line_(line), before_(std::exchange(line.BeforeCommand, std::move(call))) {}
-    ~BeforeEachCommand() { line_.BeforeCommand = std::move(before_); }
-    BeforeEachCommand(const BeforeEachCommand&) = delete;
-    BeforeEachCommand& operator=(const BeforeEachCommand&) = delete;
-
-private:
-    Line& line_;
-    decltype(Line::BeforeCommand) before_;
-};
 
 } // namespace
 
