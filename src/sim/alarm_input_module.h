@@ -24,6 +24,7 @@ public:
 
 protected:
     std::optional<std::string> AnswerOwn(std::string_view command, std::int64_t moment) override;
+    void Forget() override { DigitalOutputs = 0; }
 
 private:
     void DriveOutputs(std::int64_t moment);

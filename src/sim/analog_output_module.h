@@ -21,6 +21,7 @@ public:
 
 protected:
     std::optional<std::string> AnswerOwn(std::string_view command, std::int64_t moment) override;
+    void Forget() override { output_ = trim_ = 0; }
     void KeepFormat(int bits) override;
 
 private:

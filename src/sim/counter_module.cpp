@@ -110,6 +110,17 @@ void SimulatedCounter::CountUntil(std::int64_t moment, int pulsesPerSecond) {
     }
 }
 
+void SimulatedCounter::Clear() {
+    Count = InitialCount;
+    Overflow = false;
+}
+
+void SimulatedCounter::Restart() {
+    Clear();
+    CountedFrom.reset();
+    Pulses = 0;
+}
+
 std::optional<std::string> CounterModule::AnswerOwn(std::string_view command, std::int64_t moment) {
     static constexpr CommandEntry<Self> Commands[] = {
         {"#AAd", [](Self& module, const Request& request) { return module.ReadInput(request); }},
@@ -142,6 +153,11 @@ std::optional<std::string> CounterModule::AnswerOwn(std::string_view command, st
         reply = AnswerFrom(SettingCommands, *this, command, moment);
     CountUntil(moment); // a counter started just now counts from now on
     return reply;
+}
+
+void CounterModule::Forget() {
+    for (SimulatedCounter& counter : Counters)
+        counter.Restart();
 }
 
 bool CounterModule::HasTypeCode(int typeCode) const {
@@ -179,8 +195,7 @@ std::string CounterModule::Clear(const Request& request) {
     const std::uint32_t number = FromWireHex(request.Arguments);
     if (number >= Counters.size())
         return Refusal();
-    Counters[number].Count = Counters[number].InitialCount;
-    Counters[number].Overflow = false;
+    Counters[number].Clear();
     return Valid();
 }
 

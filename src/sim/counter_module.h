@@ -24,6 +24,12 @@ struct SimulatedCounter {
     /// Counts what has come in by `moment` (microseconds) at that many pulses a second.
     void CountUntil(std::int64_t moment, int pulsesPerSecond);
 
+    /// Back to the initial count, without overflow.
+    void Clear();
+
+    /// Goes back there and, where it is started, counts from the next command on.
+    void Restart();
+
     /// Whether the alarm is enabled and the count has reached its limit.
     bool AlarmActive() const { return AlarmEnabled && Count >= AlarmLimit; }
 };
@@ -44,6 +50,7 @@ public:
 
 protected:
     std::optional<std::string> AnswerOwn(std::string_view command, std::int64_t moment) override;
+    void Forget() override;
     bool HasTypeCode(int typeCode) const override;
     bool HasFormat(int bits) const override { return (bits & ~LongGateBit) == 0; }
     void KeepFormat(int bits) override { LongGateTime = bits != 0; }

@@ -19,6 +19,7 @@ public:
 
 protected:
     std::optional<std::string> AnswerOwn(std::string_view command, std::int64_t moment) override;
+    void Forget() override { Commanded = 0; }
 
 private:
     std::string SetPolarity(const Request& request);

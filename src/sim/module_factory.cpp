@@ -56,6 +56,10 @@ ModuleSettings FactorySettings(std::string_view model) {
     return {.Model = std::string(model), .TypeCode = entry.TypeCode, .DataFormat = entry.DataFormat};
 }
 
+bool IsSimulatedModel(std::string_view model) {
+    return &EntryOf(model) != &AnyOtherModel;
+}
+
 std::unique_ptr<SimulatedModule> MakeModule(ModuleSettings settings) {
     const ModelEntry& entry = EntryOf(settings.Model);
     return entry.Make(std::move(settings));

@@ -11,6 +11,9 @@ namespace kavro {
 /// checksum.
 ModuleSettings FactorySettings(std::string_view model);
 
+/// Whether there is such a model; any other name gives a module that answers what all modules answer.
+bool IsSimulatedModel(std::string_view model);
+
 /// A module of the class that belongs to `settings.Model`; an unknown model gives an `UnknownModule`.
 /// Throws `RuntimeFailure` for an address or a baud rate that no module can have.
 std::unique_ptr<SimulatedModule> MakeModule(ModuleSettings settings);

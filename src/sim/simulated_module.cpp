@@ -52,9 +52,20 @@ Faults SimulatedModule::FaultsAt(std::string_view command) const {
     return CommandFaults ? Combined(OwnFaults, CommandFaults(command)) : OwnFaults;
 }
 
+void SimulatedModule::PowerDown() {
+    powered_ = false;
+    Forget();
+}
+
+void SimulatedModule::PowerUp(PowerOn state) {
+    PowerDown();
+    powered_ = true;
+    Settings.Initialisation = state == PowerOn::Initialising;
+}
+
 std::optional<std::string> SimulatedModule::Hear(std::string_view line, int baud, std::int64_t moment,
                                                  const Faults& faults) {
-    if (faults.Silent || faults.Unplugged)
+    if (!powered_ || faults.Silent || faults.Unplugged)
         return std::nullopt;
     if (baud != (Settings.Initialisation ? InitialisationBaud : Settings.Baud))
         return std::nullopt;

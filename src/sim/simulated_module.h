@@ -53,13 +53,18 @@ std::optional<std::string> AnswerFrom(const CommandEntry<Module> (&table)[Size],
     return std::nullopt;
 }
 
+/// How a module comes up when it gets power.
+enum class PowerOn { Normal, Initialising };
+
 /// A module of the simulated line. Each family is a class with a table of its own commands; what all modules
 /// answer (configuration, name, firmware revision) is answered here. What a command sets is kept as long as
-/// the module lives.
+/// the module lives, without power too, but for what only goes on while it has power: outputs, latched
+/// alarms, counts.
 ///
 /// A module in its initialisation state answers at address 00, 9600 baud, without checksum, whatever its own
 /// settings are, and reports its own address and settings in its replies. Only there can its baud rate and
-/// checksum be changed.
+/// checksum be changed; it answers by them, and at its own address, once it has lost its power and come up
+/// without that state.
 class SimulatedModule {
 public:
     explicit SimulatedModule(ModuleSettings settings);
@@ -74,12 +79,19 @@ public:
     /// its checksum), whether it is for this module or not.
     std::function<Faults(std::string_view command)> CommandFaults;
 
+    /// Takes the module's power: it hears nothing. A reply that is already on the line still arrives.
+    void PowerDown();
+    /// Gives the module power; one that has it loses it first.
+    void PowerUp(PowerOn state = PowerOn::Normal);
+    /// Whether the module has power, as it has at first.
+    bool Powered() const { return powered_; }
+
     /// The module's own faults and those at this command.
     Faults FaultsAt(std::string_view command) const;
 
     /// Reply to a command line (without carriage return, as the reply) heard at `baud`; nothing when the
-    /// module stays silent: another address, baud rate or checksum, or a fault. `faults` are the module's own
-    /// joined with the line's. `moment` in microseconds.
+    /// module stays silent: no power, another address, baud rate or checksum, or a fault. `faults` are the
+    /// module's own joined with the line's. `moment` in microseconds.
     std::optional<std::string> Hear(std::string_view line, int baud, std::int64_t moment,
                                     const Faults& faults = {});
 
@@ -95,6 +107,9 @@ public:
 protected:
     /// Answers the family's own commands; nothing for all others.
     virtual std::optional<std::string> AnswerOwn(std::string_view command, std::int64_t moment);
+
+    /// Brings what is not kept without power to the state of a module that has just come up: here nothing.
+    virtual void Forget() {}
 
     /// Whether the configuration command may set this type (range) code: here the present one alone.
     virtual bool HasTypeCode(int typeCode) const;
@@ -127,6 +142,7 @@ private:
     std::string Configure(std::string_view digits);
     std::string Answer(std::string_view command, std::int64_t moment);
 
+    bool powered_ = true;
     bool wrongAddress_ = false; // in the reply under way
 };
 

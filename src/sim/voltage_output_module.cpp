@@ -39,6 +39,11 @@ std::optional<std::string> VoltageOutputModule::AnswerOwn(std::string_view comma
     return AnswerFrom(Commands, *this, command, moment);
 }
 
+void VoltageOutputModule::Forget() {
+    outputs_ = {};
+    trim_ = 0;
+}
+
 void VoltageOutputModule::KeepFormat(int bits) {
     AnalogModule::KeepFormat(bits);
     trim_ = 0;
