@@ -193,12 +193,13 @@ void PtyServer::Device::MakeRaw() const {
 PtyServer::PtyServer(SimulatedLine& line, Clock& clock, const std::string& linkPath)
     : device_(std::make_unique<Device>(linkPath)), transmission_(line), clock_(clock) {}
 
-void PtyServer::Run(int stopDescriptor) {
-    std::array<pollfd, 4> waits = {{{device_->Master, POLLIN, 0},
-                                    {device_->StopEvent, POLLIN, 0},
-                                    {stopDescriptor, POLLIN, 0},
-                                    {device_->Watch, POLLIN, 0}}};
+void PtyServer::Run(int stopDescriptor, SideInput input) {
     while (true) {
+        std::array<pollfd, 5> waits = {{{device_->Master, POLLIN, 0},
+                                        {device_->StopEvent, POLLIN, 0},
+                                        {stopDescriptor, POLLIN, 0},
+                                        {device_->Watch, POLLIN, 0},
+                                        {input.Descriptor, POLLIN, 0}}};
         timespec pause{};
         const auto next = transmission_.NextMoment();
         if (next) {
@@ -209,6 +210,8 @@ void PtyServer::Run(int stopDescriptor) {
             Fail("The pseudo-terminal cannot be waited for");
         if (waits[1].revents != 0 || waits[2].revents != 0)
             return;
+        if (waits[4].revents != 0)
+            TakeFrom(input);
         // Before reading and writing: what follows belongs to the program that has the device now.
         if (device_->OwnerChanged())
             transmission_.Clear();
@@ -238,7 +241,7 @@ PtyServer::PtyServer(SimulatedLine& line, Clock& clock, const std::string&)
     throw RuntimeFailure("This system has no pseudo-terminals. Use the simulated line inside the program.");
 }
 
-void PtyServer::Run(int) {}
+void PtyServer::Run(int, SideInput) {}
 
 void PtyServer::Stop() {}
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "link/clock.h"
+#include "ports/side_input.h"
 #include "sim/transmission.h"
 
 #include <memory>
@@ -26,9 +27,10 @@ public:
     /// Path of the device for the other side.
     const std::string& DevicePath() const;
 
-    /// Serves until `Stop` is called or `stopDescriptor` (ignored when negative) becomes readable. Sleeps
-    /// whenever there is nothing to do. Throws `RuntimeFailure` when the pseudo-terminal fails.
-    void Run(int stopDescriptor = -1);
+    /// Serves until `Stop` is called or `stopDescriptor` (ignored when negative) becomes readable. Takes
+    /// what comes at `input` meanwhile, whose end changes nothing. Sleeps whenever there is nothing to do.
+    /// Throws `RuntimeFailure` when the pseudo-terminal fails.
+    void Run(int stopDescriptor = -1, SideInput input = {});
 
     /// Makes `Run` return; may be called from any thread, and before `Run`.
     void Stop();

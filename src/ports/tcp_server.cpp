@@ -134,12 +134,13 @@ void TcpServer::Speak() {
     Send(address_.Kind == NetworkKind::Raw ? text : TelnetEscaped(text));
 }
 
-void TcpServer::Run(int stopDescriptor) {
+void TcpServer::Run(int stopDescriptor, SideInput input) {
     while (true) {
-        std::array<pollfd, 4> waits = {{{listener_->Socket, POLLIN, 0},
+        std::array<pollfd, 5> waits = {{{listener_->Socket, POLLIN, 0},
                                         {listener_->StopEvent, POLLIN, 0},
                                         {stopDescriptor, POLLIN, 0},
-                                        {listener_->Client ? int(*listener_->Client) : -1, POLLIN, 0}}};
+                                        {listener_->Client ? int(*listener_->Client) : -1, POLLIN, 0},
+                                        {input.Descriptor, POLLIN, 0}}};
         timespec pause{};
         const auto next = transmission_.NextMoment();
         if (next) {
@@ -150,6 +151,8 @@ void TcpServer::Run(int stopDescriptor) {
             continue; // a signal
         if (waits[1].revents != 0 || waits[2].revents != 0)
             return;
+        if (waits[4].revents != 0)
+            TakeFrom(input);
         if (waits[3].revents != 0)
             Hear();
         if (waits[0].revents != 0)
@@ -172,7 +175,7 @@ TcpServer::TcpServer(SimulatedLine& line, Clock& clock, const NetworkAddress& ad
                          "program.");
 }
 
-void TcpServer::Run(int) {}
+void TcpServer::Run(int, SideInput) {}
 
 void TcpServer::Stop() {}
 

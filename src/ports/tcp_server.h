@@ -2,6 +2,7 @@
 
 #include "link/clock.h"
 #include "link/network_address.h"
+#include "ports/side_input.h"
 #include "sim/transmission.h"
 
 #include <memory>
@@ -24,9 +25,9 @@ public:
     /// What a client on this computer opens: "tcp://127.0.0.1:5000".
     std::string Device() const;
 
-    /// Serves until `Stop` is called or `stopDescriptor` (ignored when negative) becomes readable. Sleeps
-    /// whenever there is nothing to do.
-    void Run(int stopDescriptor = -1);
+    /// Serves until `Stop` is called or `stopDescriptor` (ignored when negative) becomes readable. Takes
+    /// what comes at `input` meanwhile, whose end changes nothing. Sleeps whenever there is nothing to do.
+    void Run(int stopDescriptor = -1, SideInput input = {});
 
     /// Makes `Run` return; may be called from any thread, and before `Run`.
     void Stop();
