@@ -1,5 +1,6 @@
 #include "cli/kavrosim.h"
 
+#include "cli/line_control.h"
 #include "link/baud.h"
 #include "link/network_address.h"
 #include "link/port_devices.h"
@@ -26,6 +27,7 @@ namespace {
 
 constexpr int WrongUse = 2;
 constexpr int PortTrouble = 3;
+constexpr int StandardInput = 0;
 
 struct KavrosimOptions {
     std::string LineFile;                 // empty: the demo line
@@ -36,6 +38,7 @@ struct KavrosimOptions {
     int Baud = 9600;                      // where the client cannot set it
     std::optional<std::uint32_t> Seed;
     bool Log = false;
+    bool Control = false;    // by lines on standard input
     std::string Information; // help or version to print instead of serving
 };
 
@@ -53,26 +56,35 @@ int Complain(int exitCode, std::string what) {
 }
 
 template <class Server>
-void Run(Server& server, const std::string& device, SimulatedLine& line, bool log, int stopDescriptor) {
+void Run(Server& server, const std::string& device, SimulatedLine& line, const KavrosimOptions& options,
+         int stopDescriptor) {
     const std::int64_t start = SteadyClock().Microseconds();
-    if (log)
+    if (options.Log)
         line.Log = [&server, start](const LineEvent& event) {
             if (!Print(LogLine(event, start)))
                 server.Stop();
         };
     if (!Print(device))
         throw RuntimeFailure("The device path cannot be written to standard output.");
-    server.Run(stopDescriptor);
+    LineControl control(line);
+    SideInput input;
+    if (options.Control)
+        input = {StandardInput, [&](std::string_view text) {
+                     for (const std::string& answer : control.Take(text))
+                         if (!Print(answer))
+                             server.Stop();
+                 }};
+    server.Run(stopDescriptor, input);
 }
 
 void Serve(const KavrosimOptions& options, SimulatedLine& line, int stopDescriptor) {
     SteadyClock clock;
     if (options.Listen) {
         TcpServer server(line, clock, *options.Listen, options.Baud);
-        Run(server, server.Device(), line, options.Log, stopDescriptor);
+        Run(server, server.Device(), line, options, stopDescriptor);
     } else {
         PtyServer server(line, clock, options.LinkPath);
-        Run(server, server.DevicePath(), line, options.Log, stopDescriptor);
+        Run(server, server.DevicePath(), line, options, stopDescriptor);
     }
 }
 
@@ -143,8 +155,9 @@ void ReadReplay(const QCommandLineParser& parser, KavrosimOptions& options) {
         return;
     if (options.Recording.empty())
         throw RuntimeFailure("--replay needs the path of a recording.");
-    if (parser.isSet("line") || parser.isSet("seed"))
-        throw RuntimeFailure("--replay plays a recording, so that --line and --seed do not go with it.");
+    if (parser.isSet("line") || parser.isSet("seed") || parser.isSet("control"))
+        throw RuntimeFailure(
+            "--replay plays a recording, so that --line, --seed and --control do not go with it.");
 }
 
 // The parser begins with the path of the program and ends with an empty line.
@@ -173,6 +186,10 @@ void AddOptions(QCommandLineParser& parser) {
         {"baud", "Rate of a line served over TCP; 9600 unless given. With RFC 2217 it is the first one.",
          "rate"},
         {"seed", "Seed of the random noise, 0 to 4294967295.", "number"},
+        {"control",
+         "Take lines from standard input: off ADDRESS, on ADDRESS, init ADDRESS (on in its initialisation "
+         "state), new MODEL (another module, in that state), list. #NUMBER of the list stands for an "
+         "address too. Each is answered with ok or an error."},
         {"log", "Print every command and its reply with time and baud rate."},
         {{"h", "help"}, "Print this help and end."},
         {{"v", "version"}, "Print the version and end."},
@@ -198,6 +215,7 @@ KavrosimOptions ParseOptions(const QStringList& arguments) {
     options.LineFile = parser.value("line").toStdString();
     options.LinkPath = parser.value("link").toStdString();
     options.Log = parser.isSet("log");
+    options.Control = parser.isSet("control");
     if (parser.isSet("line") && options.LineFile.empty())
         throw RuntimeFailure("--line needs the path of a file.");
     if (parser.isSet("link") && options.LinkPath.empty())
