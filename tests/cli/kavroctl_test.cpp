@@ -177,6 +177,7 @@ TEST(Kavrosim, SaysInOneLineWhyItDoesNotStart) {
         {{"--line", "/nowhere.json"}, 3, "The line file \"/nowhere.json\" cannot be used"},
         {{"--no-delays"}, 2, "--no-delays goes with --replay."},
         {{"--replay", "a", "--line", "b"}, 2, "--replay plays a recording"},
+        {{"--replay", "a", "--control"}, 2, "--replay plays a recording"},
         {{"--replay", "/none"}, 3, "The recording \"/none\" cannot be used: there is no such file."},
         {{"--link", "/"}, 3, "The link \"/\" cannot be made"}};
     for (const auto& [arguments, exitCode, description] : cases) {
