@@ -101,5 +101,22 @@ TEST_F(PtyServerTest, TheLinkLivesAsLongAsTheServer) {
     EXPECT_THROW(PtyServer(Line, Time, Folder.filePath("no/port").toStdString()), RuntimeFailure);
 }
 
+TEST_F(PtyServerTest, TakesTextFromElsewhereToItsEnd) {
+    End();
+    int ends[2] = {};
+    ASSERT_EQ(pipe(ends), 0);
+    EXPECT_EQ(write(ends[1], "text", 4), 4);
+    close(ends[1]);
+    PtyServer server(Line, Time);
+    std::string texts;
+    server.Run(-1, {ends[0], [&](std::string_view text) {
+                        texts.append(text).append("|");
+                        if (text.empty())
+                            server.Stop();
+                    }});
+    close(ends[0]);
+    EXPECT_EQ(texts, "text||");
+}
+
 } // namespace
 } // namespace kavro
