@@ -174,7 +174,8 @@ NamedConfig Bound(Session& session, int index, const Config& config,
     const auto write = [kept, &session, index, apply](Messages& messages) {
         return apply(session, index, *kept, messages);
     };
-    return {std::move(all), std::ranges::all_of(all, &NamedSetting::Told), write};
+    const bool known = std::ranges::all_of(all, &NamedSetting::Told);
+    return {std::move(all), known, write};
 }
 
 template <auto Read, auto Names, auto Apply>

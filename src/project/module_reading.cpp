@@ -19,16 +19,11 @@ public:
     std::string Text;
 };
 
+constexpr int MostTries = 3; // a poor line damages one reply of a module that has many
+
 // What names the module stands above its settings.
 bool IsSavedSetting(const NamedSetting& setting) {
     return setting.When != Writable::Never && setting.Name != "address";
-}
-
-void ReadFirmware(Session& session, ModuleReading& reading) {
-    const ModuleReply reply = AskModuleTwice(session, session.SelectedModule, '$', "F");
-    reading.Module.Firmware = Trim(reply.Data);
-    if (reply.Answer == Answer::NoReply || reply.Answer == Answer::Garbled)
-        reading.Untold.emplace_back("firmware");
 }
 
 } // namespace
@@ -41,7 +36,16 @@ SavedModule SavedModuleOf(const ModuleRecord& record, const NamedConfig& config)
     return module;
 }
 
-ModuleReading ReadModuleAt(Session& session, const Contact& contact, const ProgramWords& words) {
+namespace {
+
+void ReadFirmware(Session& session, ModuleReading& reading) {
+    const ModuleReply reply = AskModuleTwice(session, session.SelectedModule, '$', "F");
+    reading.Module.Firmware = Trim(reply.Data);
+    if (reply.Answer == Answer::NoReply || reply.Answer == Answer::Garbled)
+        reading.Untold.emplace_back("firmware");
+}
+
+ModuleReading ReadOnce(Session& session, const Contact& contact, const ProgramWords& words) {
     LastTold told;
     const std::int64_t characters = session.Line.Statistics.Silent;
     const std::int64_t transactions = session.Line.Statistics.Transactions;
@@ -66,6 +70,22 @@ ModuleReading ReadModuleAt(Session& session, const Contact& contact, const Progr
             reading.Untold.push_back(setting.Name);
     ReadFirmware(session, reading);
     return reading;
+}
+
+bool ToldAll(const ModuleReading& reading) {
+    return reading.Is == Presence::Answers && reading.Untold.empty();
+}
+
+} // namespace
+
+ModuleReading ReadModuleAt(Session& session, const Contact& contact, const ProgramWords& words) {
+    ModuleReading best = ReadOnce(session, contact, words);
+    for (int tries = 1; tries < MostTries && best.Is != Presence::Silent && !ToldAll(best); ++tries) {
+        ModuleReading next = ReadOnce(session, contact, words);
+        if (next.Is > best.Is || (next.Is == best.Is && next.Untold.size() < best.Untold.size()))
+            best = std::move(next);
+    }
+    return best;
 }
 
 Contact ContactOfEntry(const Session& session, int index) {

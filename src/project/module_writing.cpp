@@ -13,6 +13,7 @@ namespace {
 
 // A first round may lose something again, and a counter module that is to measure frequencies counts first.
 constexpr int MostRounds = 5;
+constexpr int MostTries = 3;     // to read it on a poor line
 constexpr int MostUnchanged = 2; // a command that noise has destroyed is worth another try
 
 // Keeps what is told but for the success of each part.
@@ -72,9 +73,16 @@ struct Writer {
                (difference.When == Writable::Initialising && InInitialisation());
     }
 
+    std::optional<NamedConfig> ReadPatiently() {
+        std::optional<NamedConfig> config;
+        for (int tries = 0; tries < MostTries && !config; ++tries)
+            config = ReadConfigTwice(Work.Session, Target.Way, {Told, Work.Tell.Words});
+        return config;
+    }
+
     // Reads the module and what it has otherwise; nothing, with the reason told, when it cannot be read.
     std::optional<NamedConfig> Read(std::vector<LineDifference>& differences, bool& otherAddress) {
-        auto config = ReadConfigTwice(Work.Session, Target.Way, {Told, Work.Tell.Words});
+        auto config = ReadPatiently();
         if (!config || IsOtherModel())
             return std::nullopt;
         const SavedModule present = SavedModuleOf(Work.Session.ModuleTable[0], *config);
