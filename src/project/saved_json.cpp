@@ -79,6 +79,15 @@ bool IsKnownName(const std::string& name) {
                                [&](const std::string& known) { return SameText(known, name); });
 }
 
+bool CanBeTaken(const NamedSetting& setting, const std::string& text) {
+    try {
+        setting.Take(text);
+        return true;
+    } catch (const RuntimeFailure&) {
+        return false;
+    }
+}
+
 // A module may report a code that cannot be chosen: a range without a name, a rate below 1200, a number
 // beyond what its setting takes.
 bool CanBeReported(const NamedSetting& setting, const SettingValue& value) {
@@ -88,7 +97,11 @@ bool CanBeReported(const NamedSetting& setting, const SettingValue& value) {
     const auto* const number = std::get_if<double>(&value);
     if (setting.Name == "baud" && number)
         return *number == 150 || *number == 300 || *number == 600;
-    return number && !std::holds_alternative<bool>(setting.Value());
+    if (!number || std::holds_alternative<double>(setting.Value()))
+        return number != nullptr;
+    // A code without a name; one that has a name is to be called by it.
+    return setting.Name != "range" && std::holds_alternative<std::string>(setting.Value()) &&
+           !CanBeTaken(setting, ValueText(value));
 }
 
 // The value must be one that the model's setting can have.
