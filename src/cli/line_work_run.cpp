@@ -4,8 +4,6 @@
 #include "cli/notes.h"
 #include "cli/terminal_line.h"
 #include "link/runtime_failure.h"
-#include "map/kept_list.h"
-#include "map/module_command.h"
 
 namespace kavro {
 
@@ -30,8 +28,7 @@ private:
 bool RunLineWork(Session& session, const std::function<void(const LineWork& work)>& work) {
     TerminalLine line;
     NotesAboveLine notes(line);
-    const KeptList list(session);
-    const CarefulTransactions careful(session.Line);
+    const LineWorkScope scope(session);
     const InterruptWatch watch(session.Line);
     const BeforeEachCommand stop(session.Line, [&](const std::string&) {
         if (watch.Interrupted())

@@ -1,11 +1,9 @@
 #pragma once
 
-#include "project/module_reading.h"
+#include "project/line_work.h"
 
 #include <functional>
 #include <string>
-
-class QCommandLineParser;
 
 namespace kavro {
 

@@ -4,27 +4,10 @@
 #include "map/module_access.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace kavro {
 
 namespace {
-
-constexpr int ShortPauseMs = 100; // after a change of the rate, as modules do not notice it
-
-// The line's pause after a change of the rate, short as long as it lives.
-class ShortBaudPause {
-public:
-    explicit ShortBaudPause(Line& line)
-        : line_(line), before_(std::exchange(line.BaudChangePauseMs, ShortPauseMs)) {}
-    ~ShortBaudPause() { line_.BaudChangePauseMs = before_; }
-    ShortBaudPause(const ShortBaudPause&) = delete;
-    ShortBaudPause& operator=(const ShortBaudPause&) = delete;
-
-private:
-    Line& line_;
-    const int before_;
-};
 
 // As the file has it, then as the list has it, then at the same rate with the other checksum setting.
 Contact KnownContact(const SavedModule& module, const Contact& listed) {
@@ -71,7 +54,6 @@ struct Search {
     }
 
     void LookEverywhere() const {
-        const ShortBaudPause pause(Work.Session.Line);
         for (std::int16_t baudCode = 0; baudCode < BaudCodeCount && !Over(); ++baudCode) {
             Work.Progress("Looking for silent modules at " + std::to_string(BaudFromCode(baudCode)) + " baud",
                           baudCode, BaudCodeCount);

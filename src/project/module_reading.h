@@ -1,39 +1,12 @@
 #pragma once
 
-#include "map/module_contact.h"
-#include "map/session.h"
 #include "project/line_file.h"
+#include "project/line_work.h"
 
-#include <functional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace kavro {
-
-/// Work on all modules of a line: where it is done and told. What the session's list is to be afterwards is
-/// kept by who starts it (`KeptList`).
-struct LineWork {
-    kavro::Session& Session;
-    Teller Tell;
-    /// Told before each module: how many are done of how many.
-    std::function<void(const std::string& doing, int done, int total)> Progress = [](const std::string&, int,
-                                                                                     int) {};
-};
-
-/// A line's `BeforeCommand`, as long as it lives.
-class BeforeEachCommand {
-public:
-    BeforeEachCommand(Line& line, decltype(Line::BeforeCommand) call)
-        : line_(line), before_(std::exchange(line.BeforeCommand, std::move(call))) {}
-    ~BeforeEachCommand() { line_.BeforeCommand = std::move(before_); }
-    BeforeEachCommand(const BeforeEachCommand&) = delete;
-    BeforeEachCommand& operator=(const BeforeEachCommand&) = delete;
-
-private:
-    Line& line_;
-    decltype(Line::BeforeCommand) before_;
-};
 
 /// Whether a module is there.
 enum class Presence {

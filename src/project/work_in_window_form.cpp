@@ -1,7 +1,6 @@
 #include "project/work_in_window_form.h"
 
 #include "map/module_access.h"
-#include "map/module_command.h"
 #include "map/product.h"
 
 #include <QCoreApplication>
@@ -31,9 +30,8 @@ WorkEnd WorkInWindow::Run(kavro::Messages& told, const decltype(LineWork::Progre
     WorkEnd end = WorkEnd::Failed;
     Guard(messages_, [&] {
         OpenPort(session_.Line);
-        KeptList list(session_);
-        const CarefulTransactions careful(session_.Line);
-        const BeforeEachCommand live(session_.Line, [&](const std::string&) { LetWindowsLive(list); });
+        LineWorkScope scope(session_);
+        const BeforeEachCommand live(session_.Line, [&](const std::string&) { LetWindowsLive(scope.List); });
         try {
             work({session_, {told, Words}, progress});
             end = WorkEnd::Done;

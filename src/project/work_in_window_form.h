@@ -1,7 +1,6 @@
 #pragma once
 
-#include "map/kept_list.h"
-#include "project/module_reading.h"
+#include "project/line_work.h"
 
 #include <functional>
 

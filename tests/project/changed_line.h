@@ -2,7 +2,6 @@
 
 #include "config/config_exchange.h"
 #include "link/baud.h"
-#include "map/module_command.h"
 #include "project/line_comparison.h"
 #include "sim/module_factory.h"
 #include "support/test_session.h"
@@ -35,7 +34,7 @@ struct WorkOnLine : SimulatedSession {
         }
     }
 
-    CarefulTransactions Careful{Session.Line}; // as whoever starts such work
+    LineWorkScope Scope{Session}; // as whoever starts such work
     LineWork Work = {Session, {Messages, {"the program", "the terminal", "a search"}}};
 };
 
