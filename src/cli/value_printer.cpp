@@ -75,7 +75,7 @@ bool ValuePrinter::Print(int index, const std::vector<ChannelValue>& values) {
     const WallTime now = wallClock_();
     const bool first = !std::exchange(begun_, true);
     if (form_ == ValueForm::Csv) {
-        rows_.Print((first ? CsvHeader : "") + CsvLines(session_, index, values, now));
+        rows_.Print((first ? CsvHeading(session_) : std::string()) + CsvLines(session_, index, values, now));
         return !rows_.Abandoned();
     }
     if (first && form_ == ValueForm::Text)

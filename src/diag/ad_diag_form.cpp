@@ -83,6 +83,10 @@ void AdDiagForm::ShowOpenStatus() {
         readings_->ShowOpen(channel, Enabled(channel) && (*open >> channel & 1U) != 0);
 }
 
+void AdDiagForm::ShowChannelTags() {
+    readings_->ShowTags(ChannelTags(0, channelCount_));
+}
+
 void AdDiagForm::ShowStale(bool stale) {
     if (!stale)
         return; // what is read again has become fresh by that

@@ -18,6 +18,7 @@ public:
 protected:
     void Tick() override;
     void ShowStale(bool stale) override;
+    void ShowChannelTags() override;
 
 private:
     void Build();

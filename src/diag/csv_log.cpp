@@ -21,6 +21,15 @@ std::string Digits(std::int64_t value, std::size_t width) {
     return PadLeft(std::to_string(value), width, '0');
 }
 
+// The last field with its comma; nothing while no line file is open.
+std::string TagField(const Session& session, int index, const ChannelValue& value) {
+    if (session.Tags.Path.empty())
+        return {};
+    const ModuleTags* const tags = TagsOf(session, index);
+    const std::string channel = TagOfValue(session, index, value).Tag;
+    return "," + CsvField(channel.empty() && tags ? tags->Module.Tag : channel);
+}
+
 // Puts whole lines on disk, or none of them; then false, with the reason in errno.
 bool PutOnDisk(int file, std::string_view lines) {
     const off_t before = lseek(file, 0, SEEK_CUR);
@@ -59,6 +68,11 @@ std::string IsoTime(const WallTime& time) {
            Digits(offset / 60, 2) + ":" + Digits(offset % 60, 2);
 }
 
+std::string CsvHeading(const Session& session) {
+    const std::string heading = CsvHeader;
+    return session.Tags.Path.empty() ? heading : heading.substr(0, heading.size() - 1) + ",tag\n";
+}
+
 std::string CsvLines(const Session& session, int index, const std::vector<ChannelValue>& values,
                      const WallTime& time) {
     const ModuleRecord& record = session.ModuleTable[index];
@@ -68,11 +82,12 @@ std::string CsvLines(const Session& session, int index, const std::vector<Channe
     for (const ChannelValue& value : values)
         if (value.State != ValueState::Disabled)
             lines += start + CsvField(value.Channel) + "," + CsvField(value.Text) + "," +
-                     CsvField(value.Unit) + "," + StateText(value.State) + "\n";
+                     CsvField(value.Unit) + "," + StateText(value.State) + TagField(session, index, value) +
+                     "\n";
     return lines;
 }
 
-void CsvLog::Open(const std::string& path) {
+void CsvLog::Open(const std::string& path, const std::string& heading) {
     Close();
     // Not blocking, as a pipe that nobody reads would keep the program waiting.
     file_ = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666);
@@ -80,7 +95,7 @@ void CsvLog::Open(const std::string& path) {
         throw RuntimeFailure("The log file " + path + " cannot be opened: " + std::strerror(errno) +
                              ". Choose another file.");
     path_ = path;
-    Write(CsvHeader);
+    Write(heading);
 }
 
 void CsvLog::Close() {

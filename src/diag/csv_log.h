@@ -29,8 +29,13 @@ std::string IsoTime(const WallTime& time);
 /// The first line of a log of values, with its line end.
 inline constexpr const char* CsvHeader = "time,address,model,channel,value,unit,state\n";
 
+/// The first line of a log that begins now: `CsvHeader`, with "tag" as the last column while a line file is
+/// open.
+std::string CsvHeading(const Session& session);
+
 /// A log line for each of the values of entry `index`, disabled channels excepted; the address is decimal,
-/// the value empty unless the state is "ok". A field is quoted where its text needs it.
+/// the value empty unless the state is "ok". A field is quoted where its text needs it. While a line file is
+/// open the tag of the channel stands behind it, or the module's where the channel has none.
 std::string CsvLines(const Session& session, int index, const std::vector<ChannelValue>& values,
                      const WallTime& time);
 
@@ -42,9 +47,9 @@ public:
     CsvLog(const CsvLog&) = delete;
     CsvLog& operator=(const CsvLog&) = delete;
 
-    /// Closes the file that is open, opens `path` for output, emptying an existing file, and writes the
-    /// header. Throws `RuntimeFailure` when that fails.
-    void Open(const std::string& path);
+    /// Closes the file that is open, opens `path` for output, emptying an existing file, and writes
+    /// `heading`. Throws `RuntimeFailure` when that fails.
+    void Open(const std::string& path, const std::string& heading = CsvHeader);
 
     void Close();
 

@@ -1,5 +1,6 @@
 #include "diag/ctr_diag_form.h"
 
+#include "map/tag_label_form.h"
 #include "ui/named.h"
 
 #include <QFormLayout>
@@ -12,6 +13,8 @@
 namespace kavro {
 
 namespace {
+
+constexpr int TagColumns = 24;
 
 QString AlarmText(const CounterAlarms& alarms, std::size_t number) {
     if (!alarms.Enabled[number])
@@ -41,6 +44,8 @@ QWidget* CtrDiagForm::BuildCounter(int number) {
         return label;
     };
     Counter& counter = counters_[static_cast<std::size_t>(number)];
+    if (Tagged())
+        rows->addRow("Tag:", counter.Tag = new TagLabel(QString("Tag_%1").arg(number), TagColumns));
     counter.Count = add("Count:", "Count");
     ShowLarge(*counter.Count, "4294967295");
     counter.Started = add("State:", "Started");
@@ -76,6 +81,12 @@ QLayout* CtrDiagForm::BuildButtons(int number) {
         row->addWidget(button);
     }
     return row;
+}
+
+void CtrDiagForm::ShowChannelTags() {
+    const auto tags = ChannelTags(0, CounterTotal);
+    for (std::size_t number = 0; number < tags.size(); ++number)
+        counters_[number].Tag->Show(tags[number]);
 }
 
 void CtrDiagForm::AddReads() {

@@ -10,10 +10,15 @@ class QFormLayout;
 
 namespace kavro {
 
+class TagLabel;
+
 /// Shows and drives both counters of a counter module that counts: 8510, type 50.
 class CtrDiagForm : public DriveForm {
 public:
     CtrDiagForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent = nullptr);
+
+protected:
+    void ShowChannelTags() override;
 
 private:
     struct Counter {
@@ -21,6 +26,7 @@ private:
         QLabel* Started;
         QLabel* Overflow;
         QLabel* Alarm;
+        TagLabel* Tag; // where tags are shown
     };
 
     QWidget* BuildCounter(int number);

@@ -66,6 +66,10 @@ void DaDiagForm::Tick() {
         Start();
 }
 
+void DaDiagForm::ShowChannelTags() {
+    output_->ShowTag(ChannelTags(0, 1).front());
+}
+
 void DaDiagForm::ShowStale(bool stale) {
     output_->ShowStale(stale);
 }

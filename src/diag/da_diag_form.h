@@ -17,6 +17,7 @@ public:
 protected:
     void Tick() override; // only while the port comes back
     void ShowStale(bool stale) override;
+    void ShowChannelTags() override;
 
 private:
     void Build();

@@ -41,6 +41,14 @@ void DioDiagForm::AddOutputs(int count) {
     Rows().addWidget(outputs_);
 }
 
+void DioDiagForm::ShowChannelTags() {
+    const DigitalChannels channels = DigitalChannelsOf(Record().Model);
+    if (inputs_)
+        inputs_->ShowTags(ChannelTags(0, channels.Inputs));
+    if (outputs_)
+        outputs_->ShowTags(ChannelTags(channels.Inputs, channels.Outputs));
+}
+
 void DioDiagForm::ShowStates(bool stale) {
     const auto show = [stale](LineGroup* group, unsigned states) {
         if (group && stale)

@@ -12,6 +12,9 @@ class DioDiagForm : public DriveForm {
 public:
     DioDiagForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent = nullptr);
 
+protected:
+    void ShowChannelTags() override;
+
 private:
     void AddInputs(int count);
     void AddOutputs(int count);

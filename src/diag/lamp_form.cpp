@@ -1,5 +1,7 @@
 #include "diag/lamp_form.h"
 
+#include "map/tag_label_form.h"
+
 #include <QPainter>
 
 namespace kavro {
@@ -58,9 +60,15 @@ void Lamp::SetStale(bool stale) {
     Describe();
 }
 
+void Lamp::ShowTag(const TagAndNote& tag) {
+    tag_ = ShownTag(tag);
+    setToolTip(TagTip(tag));
+    Describe();
+}
+
 void Lamp::Describe() {
-    setAccessibleName(caption_ + (picture_ == LampPicture::Bit1 ? ": on" : ": off") +
-                      (stale_ ? ", stale" : ""));
+    setAccessibleName(caption_ + (tag_.isEmpty() ? tag_ : ", " + tag_) +
+                      (picture_ == LampPicture::Bit1 ? ": on" : ": off") + (stale_ ? ", stale" : ""));
     update();
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "map/module_tags.h"
+
 #include <QFontMetrics>
 #include <QPalette>
 #include <QWidget>
@@ -29,6 +31,8 @@ public:
     LampPicture Shown() const { return picture_; }
     /// Whether what is shown is no longer up to date.
     void SetStale(bool stale);
+    /// Speaks of it with its tag, which its tooltip has too.
+    void ShowTag(const TagAndNote& tag);
 
     QSize sizeHint() const override;
 
@@ -39,6 +43,7 @@ private:
     void Describe();
 
     QString caption_;
+    QString tag_;
     LampPicture picture_ = LampPicture::Bit0;
     bool stale_ = false;
 };

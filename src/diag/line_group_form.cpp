@@ -1,6 +1,7 @@
 #include "diag/line_group_form.h"
 
 #include "diag/lamp_form.h"
+#include "map/tag_label_form.h"
 #include "ui/named.h"
 #include "ui/usable.h"
 
@@ -16,7 +17,9 @@ namespace kavro {
 namespace {
 
 constexpr int LinesPerRow = 8;
-constexpr int Border = 5; // of the button around its lamp
+constexpr int TagColumns = 9;
+constexpr int GridRows = 3; // of a row of lines: numbers, lamps, tags
+constexpr int Border = 5;   // of the button around its lamp
 
 } // namespace
 
@@ -42,8 +45,27 @@ void LineButton::SetStale() {
 
 void LineButton::Describe() {
     const QString state = !known_ ? ": unknown" : isChecked() ? ": on" : ": off";
-    setAccessibleName(caption_ + state + (known_ && stale_ ? ", stale" : ""));
+    const QString tag = ShownTag(tag_);
+    setAccessibleName(caption_ + (tag.isEmpty() ? tag : ", " + tag) + state +
+                      (known_ && stale_ ? ", stale" : ""));
     update();
+}
+
+void LineButton::SetSwitchable(bool switchable, const QString& whyNot) {
+    SetUsable(*this, switchable, whyNot);
+    whyNot_ = switchable ? QString() : whyNot;
+    ShowTip();
+}
+
+void LineButton::ShowTag(const TagAndNote& tag) {
+    tag_ = tag;
+    Describe();
+    ShowTip();
+}
+
+void LineButton::ShowTip() {
+    const bool tagged = tag_ != TagAndNote{};
+    setToolTip(tagged ? TagTip(tag_, whyNot_) : whyNot_);
 }
 
 QSize LineButton::sizeHint() const {
@@ -77,7 +99,7 @@ LineGroup::LineGroup(LineGroupNames names, int lines) : QGroupBox(names.Title), 
     for (int line = 0; line < lines; ++line) {
         const QString number = QString::number(line);
         auto* button = new LineButton(names_.Control + "_" + number, names_.Caption + " " + number);
-        const int row = line / LinesPerRow * 2;
+        const int row = line / LinesPerRow * GridRows;
         grid_->addWidget(new QLabel(number), row, line % LinesPerRow, Qt::AlignCenter);
         grid_->addWidget(button, row + 1, line % LinesPerRow, Qt::AlignCenter);
         lines_.push_back(button);
@@ -105,14 +127,27 @@ void LineGroup::AddAllButtons(const std::function<void(bool on)>& change) {
         all_.push_back(button);
     }
     row->addStretch();
-    grid_->addLayout(row, grid_->rowCount(), 0, 1, -1);
+    const int lines = static_cast<int>(lines_.size());
+    grid_->addLayout(row, (lines + LinesPerRow - 1) / LinesPerRow * GridRows, 0, 1, -1);
 }
 
 void LineGroup::SetSwitchable(bool switchable, const QString& whyNot) {
-    for (QAbstractButton* button : lines_)
-        SetUsable(*button, switchable, whyNot);
+    for (LineButton* line : lines_)
+        line->SetSwitchable(switchable, whyNot);
     for (QAbstractButton* button : all_)
         SetUsable(*button, switchable, whyNot);
+}
+
+void LineGroup::ShowTags(const std::vector<TagAndNote>& tags) {
+    for (int line = static_cast<int>(tags_.size()); line < static_cast<int>(lines_.size()); ++line) {
+        tags_.push_back(new TagLabel(names_.Control + "Tag_" + QString::number(line), TagColumns));
+        grid_->addWidget(tags_.back(), line / LinesPerRow * GridRows + 2, line % LinesPerRow,
+                         Qt::AlignCenter);
+    }
+    for (std::size_t line = 0; line < tags.size(); ++line) {
+        tags_[line]->Show(tags[line]);
+        lines_[line]->ShowTag(tags[line]);
+    }
 }
 
 void LineGroup::Show(unsigned states) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "map/module_tags.h"
+
 #include <QAbstractButton>
 #include <QGroupBox>
 #include <QString>
@@ -10,6 +12,8 @@
 class QGridLayout;
 
 namespace kavro {
+
+class TagLabel;
 
 /// A digital line: a lamp with its state, which is also the button that switches it while that is possible.
 /// It shows what it is told and never changes by itself.
@@ -22,6 +26,10 @@ public:
     void Show(bool on);
     /// Marks the state as no longer up to date.
     void SetStale();
+    /// Enables it, or disables it and says why in its tooltip.
+    void SetSwitchable(bool switchable, const QString& whyNot);
+    /// Speaks of the line with its tag, which its tooltip has too.
+    void ShowTag(const TagAndNote& tag);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
@@ -32,8 +40,11 @@ protected:
 
 private:
     void Describe();
+    void ShowTip();
 
     QString caption_;
+    QString whyNot_; // it cannot be switched
+    TagAndNote tag_;
     bool known_ = false; // the module has told it once
     bool stale_ = false;
 };
@@ -57,6 +68,9 @@ public:
     /// Enables the lines and the buttons, or disables them and says why.
     void SetSwitchable(bool switchable, const QString& whyNot);
 
+    /// Shows the tags of the lines below them.
+    void ShowTags(const std::vector<TagAndNote>& tags);
+
     /// Shows states that the module reports: bit n for line n.
     void Show(unsigned states);
     void SetStale();
@@ -64,6 +78,7 @@ public:
 private:
     LineGroupNames names_;
     std::vector<LineButton*> lines_;
+    std::vector<TagLabel*> tags_;       // as many, once there are tags
     std::vector<QAbstractButton*> all_; // "All on", "All off"
     QGridLayout* grid_ = nullptr;
 };

@@ -185,6 +185,13 @@ const char* StateText(ValueState state) {
     return texts[static_cast<std::size_t>(state)];
 }
 
+TagAndNote TagOfValue(const Session& session, int index, const ChannelValue& value) {
+    if (value.Unit == WordUnit || value.Channel.size() != 1)
+        return {};
+    const char name = value.Channel.front(); // outputs have letters
+    return ChannelTagOf(session, index, name >= 'A' ? name - 'A' : name - '0');
+}
+
 ModuleReader::ModuleReader(Session& session, int index, std::optional<unsigned>& enables)
     : session_(session), index_(index), enables_(enables) {
     const ModuleRecord& record = session.ModuleTable[index];

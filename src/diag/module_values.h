@@ -35,6 +35,10 @@ struct ChannelValue {
     ValueState State = ValueState::Ok;
 };
 
+/// Tag and note of the channel of entry `index` that a value is of; empty for a digital word, which is of
+/// many.
+TagAndNote TagOfValue(const Session& session, int index, const ChannelValue& value);
+
 /// Whether the value was asked for and did not come; an open sensor has none that could.
 inline bool IsMissing(const ChannelValue& value) {
     return value.State == ValueState::Error || value.State == ValueState::NoReply;

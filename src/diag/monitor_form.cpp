@@ -3,10 +3,12 @@
 #include "diag/monitor_grid_form.h"
 #include "diag/trend_view_form.h"
 #include "link/runtime_failure.h"
+#include "map/tag_form.h"
 #include "ui/choose_file.h"
 #include "ui/named.h"
 #include "ui/usable.h"
 
+#include <QAction>
 #include <QBuffer>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -83,12 +85,41 @@ QLayout* MonitorForm::BuildButtons() {
             [this] { Guard(Messages(), [this] { PictureBtn_Click(); }); });
     auto* row = new QHBoxLayout;
     row->addWidget(logState_, 1);
+    if (Tagged() && grid_)
+        row->addWidget(BuildTagsButton());
     for (QPushButton* button : {logBtn_, pictureBtn_}) {
         button->setAutoDefault(false);
         SetUsable(*button, grid_ != nullptr, "There are no values. Search for modules first.");
         row->addWidget(button);
     }
     return row;
+}
+
+// Of the module whose row is current; the menu of the row offers the same.
+QPushButton* MonitorForm::BuildTagsButton() {
+    auto* button = Named(new QPushButton("&Tags..."), "TagsBtn", "Tags of the module");
+    button->setAutoDefault(false);
+    const auto use = [this, button] {
+        SetUsable(*button, grid_->currentRow() >= 0, "Choose a module first: click its row.");
+    };
+    connect(button, &QPushButton::clicked, this, [this] { TagsBtn_Click(); });
+    connect(grid_, &QTableWidget::currentCellChanged, this, use);
+    use();
+    auto* action = new QAction("&Tags...", grid_);
+    action->setObjectName("mnuTags");
+    connect(action, &QAction::triggered, this, [this] { TagsBtn_Click(); });
+    grid_->addAction(action);
+    grid_->setContextMenuPolicy(Qt::ActionsContextMenu);
+    return button;
+}
+
+// Modules are read meanwhile.
+void MonitorForm::TagsBtn_Click() {
+    if (grid_->currentRow() < 0)
+        return;
+    EditTags(Session(), Messages(), grid_->currentRow(), this);
+    grid_->ShowTags();
+    ShowTrend();
 }
 
 // A question of the turn, then the next one. After a silent module the line may need longer than a turn.
@@ -165,7 +196,7 @@ void MonitorForm::LogBtn_Click() {
     const QString path = ChooseSaveFile(
         this, {.Title = "Log to File", .Kind = "CSV Files", .Suffix = "csv", .Name = "monitor.csv"});
     if (!path.isEmpty())
-        log_.Open(path.toStdString());
+        log_.Open(path.toStdString(), CsvHeading(Session()));
     ShowLogState();
 }
 

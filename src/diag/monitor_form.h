@@ -32,6 +32,8 @@ private:
     void ShowAges();
     void ShowTrend();
     void GiveTrendRoom(bool ticked);
+    QPushButton* BuildTagsButton();
+    void TagsBtn_Click();
     void LogBtn_Click();
     void PictureBtn_Click();
     void ShowLogState();

@@ -4,6 +4,7 @@
 #include "link/text.h"
 #include "map/list_line.h"
 #include "map/module_access.h"
+#include "map/tag_label_form.h"
 #include "ui/named.h"
 
 #include <QHeaderView>
@@ -23,6 +24,7 @@ constexpr int ShownRows = 28; // of the window as it opens
 constexpr int RowRoom = 9;    // pixels above and below the text
 constexpr int CellRoom = 14;
 constexpr int TickBoxRoom = 20;
+constexpr int TagColumns = 20; // of a heading
 
 // "5 (05H) 8250"
 QString ModuleText(const Session& session, int index) {
@@ -108,10 +110,32 @@ void MonitorGrid::FillRow(int index) {
         setItem(index, column, item);
     }
     // As the heading of the row it is in sight also when the values are scrolled.
-    auto* heading = new QTableWidgetItem(ModuleText(session_, index));
+    auto* heading = new QTableWidgetItem;
     heading->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     setVerticalHeaderItem(index, heading);
+    ShowHeading(index);
     SetText(index, StateColumn, QString::fromStdString(monitor_.State(index)));
+}
+
+// "5 (05H) 8250  Tank room"
+void MonitorGrid::ShowHeading(int index) {
+    const ModuleTags* const tags = TagsOf(session_, index);
+    const TagAndNote tag = tags ? tags->Module : TagAndNote{};
+    const QString shown = fontMetrics().elidedText(ShownTag(tag), Qt::ElideRight,
+                                                   fontMetrics().averageCharWidth() * TagColumns);
+    QTableWidgetItem* heading = verticalHeaderItem(index);
+    heading->setText(ModuleText(session_, index) + (shown.isEmpty() ? shown : "  " + shown));
+    heading->setToolTip(TagTip(tag));
+}
+
+TagAndNote MonitorGrid::TagAt(int index, int place) const {
+    return TagOfValue(session_, index, monitor_.Values(index)[static_cast<std::size_t>(place)].Value);
+}
+
+void MonitorGrid::ShowTags() {
+    for (int index = 0; index < rowCount(); ++index)
+        ShowHeading(index);
+    ShowAll();
 }
 
 void MonitorGrid::SetText(int row, int column, const QString& text) {
@@ -141,6 +165,8 @@ void MonitorGrid::ShowValue(int index, int place) {
         cell->setCheckState(Qt::Unchecked);
     }
     SetText(index, FirstValueColumn + place, ValueText(value, session_.DecimalSeparator));
+    if (const QString tag = ShownTag(TagAt(index, place)); !session_.Tags.Path.empty())
+        cell->setData(Qt::AccessibleTextRole, tag.isEmpty() ? QVariant() : tag + ": " + cell->text());
     // A value that may no longer be so is soft and slanted.
     QFont font = this->font();
     font.setItalic(!live && !disabled);
@@ -194,6 +220,8 @@ std::vector<TrendLine> MonitorGrid::TickedLines() const {
         const std::string channel = IsNumber(value.Channel) ? "ch " + value.Channel : value.Channel;
         TrendLine line;
         line.Name = ModuleText(session_, tick.Row) + " " + QString::fromStdString(channel);
+        if (const QString tag = ShownTag(TagOfValue(session_, tick.Row, value)); !tag.isEmpty())
+            line.Name += ", " + tag;
         line.Unit = QString::fromStdString(value.Unit);
         line.Word = value.Unit == WordUnit;
         line.Style = tick.Style;
@@ -210,8 +238,9 @@ bool MonitorGrid::viewportEvent(QEvent* event) {
         if (cell.isValid() && place < monitor_.Values(cell.row()).size()) {
             const QString age = AgeText(monitor_.AgeMs(cell.row(), place), session_.DecimalSeparator);
             const QSignalBlocker silent(this);
-            item(cell.row(), cell.column())
-                ->setToolTip(age.isEmpty() ? "Never read" : "Read " + age + " ago");
+            const QString read = age.isEmpty() ? QString("Never read") : "Read " + age + " ago";
+            const TagAndNote tag = TagAt(cell.row(), static_cast<int>(place));
+            item(cell.row(), cell.column())->setToolTip(tag == TagAndNote{} ? read : TagTip(tag, read));
         }
     }
     return QTableWidget::viewportEvent(event);

@@ -21,6 +21,9 @@ public:
     void ShowModule(int index);
 
     void ShowAll();
+    /// Shows the tags of the line file that is open: those of modules in their headings, those of channels to
+    /// screen readers, in tooltips and in the trend.
+    void ShowTags();
     /// Shows how old the values are by now.
     void ShowAges();
 
@@ -31,7 +34,7 @@ public:
 
 protected:
     void changeEvent(QEvent* event) override;
-    bool viewportEvent(QEvent* event) override; // the age of a value as its tool tip
+    bool viewportEvent(QEvent* event) override; // the tag and the age of a value as its tool tip
 
 private:
     struct Tick {
@@ -42,6 +45,8 @@ private:
 
     void Build();
     void FillRow(int index);
+    void ShowHeading(int index);
+    TagAndNote TagAt(int index, int place) const;
     void ShowValue(int index, int place);
     void TakeTick(QTableWidgetItem* item);
     int FreeStyle() const;

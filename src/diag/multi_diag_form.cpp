@@ -64,6 +64,13 @@ void MultiDiagForm::ShowStale(bool stale) {
         reading_->ShowStale();
 }
 
+// The channel, its outputs and its input, as their numbers follow each other.
+void MultiDiagForm::ShowChannelTags() {
+    reading_->ShowTags(ChannelTags(0, 1));
+    outputs_->ShowTags(ChannelTags(1, AlarmOutputTotal));
+    input_->ShowTags(ChannelTags(1 + AlarmOutputTotal, 1));
+}
+
 void MultiDiagForm::AddAlarm() {
     auto* frame = new QGroupBox("Alarm");
     auto* rows = new QFormLayout(frame);

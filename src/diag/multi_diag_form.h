@@ -21,6 +21,7 @@ public:
 
 protected:
     void ShowStale(bool stale) override;
+    void ShowChannelTags() override;
 
 private:
     void AddReading();

@@ -6,6 +6,7 @@
 #include "link/codes.h"
 #include "link/text.h"
 #include "map/module_access.h"
+#include "map/tag_label_form.h"
 #include "ui/named.h"
 
 #include <QGridLayout>
@@ -14,6 +15,8 @@
 namespace kavro {
 
 namespace {
+
+constexpr int TagColumns = 12;
 
 BarPosition BarAt(int position) {
     return {position, 2 * OutputBarSteps};
@@ -72,8 +75,23 @@ QWidget* N32DiagForm::BuildInputs() {
         grid->addWidget(lamp, 0, input, Qt::AlignCenter);
         grid->addWidget(Named(new QLabel("DI" + number), "Label_di7_" + number, {}), 1, input,
                         Qt::AlignCenter);
+        if (!Tagged())
+            continue;
+        inputTags_[static_cast<std::size_t>(input)] = new TagLabel("InputTag_" + number, TagColumns);
+        grid->addWidget(inputTags_[static_cast<std::size_t>(input)], 2, input, Qt::AlignCenter);
     }
     return frame;
+}
+
+void N32DiagForm::ShowChannelTags() {
+    const auto outputTags = ChannelTags(0, OutputPorts);
+    for (std::size_t port = 0; port < outputs_.size(); ++port)
+        outputs_[port]->ShowTag(outputTags[port]);
+    const auto inputTags = ChannelTags(OutputPorts, OutputModuleInputs); // behind the outputs
+    for (std::size_t input = 0; input < inputs_.size(); ++input) {
+        inputs_[input]->ShowTag(inputTags[input]);
+        inputTags_[input]->Show(inputTags[input]);
+    }
 }
 
 void N32DiagForm::Start() {

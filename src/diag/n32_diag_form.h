@@ -9,6 +9,7 @@ namespace kavro {
 
 class Lamp;
 class OutputControl;
+class TagLabel;
 
 /// Drives the four voltage outputs of a module by bars and shows its digital inputs. Opening it sets all
 /// outputs to 0; closing it leaves the last values.
@@ -21,6 +22,7 @@ public:
 protected:
     void Tick() override;
     void ShowStale(bool stale) override;
+    void ShowChannelTags() override;
 
 private:
     void Build();
@@ -32,7 +34,8 @@ private:
 
     std::array<OutputControl*, OutputPorts> outputs_{};
     std::array<Lamp*, OutputModuleInputs> inputs_{};
-    bool started_ = false; // the outputs have been set to 0
+    std::array<TagLabel*, OutputModuleInputs> inputTags_{}; // where tags are shown
+    bool started_ = false;                                  // the outputs have been set to 0
 };
 
 } // namespace kavro

@@ -63,6 +63,11 @@ void N46DiagForm::AddPorts() {
     Rows().addLayout(grid);
 }
 
+void N46DiagForm::ShowChannelTags() {
+    for (std::size_t i = 0; i < ports_.size(); ++i)
+        ports_[i]->ShowTags(ChannelTags(DigitalPorts[i].FirstLine, DigitalPorts[i].Lines));
+}
+
 void N46DiagForm::AddAllOutputs() {
     auto* row = new QHBoxLayout;
     for (const bool on : {true, false}) {

@@ -16,6 +16,9 @@ class N46DiagForm : public DriveForm {
 public:
     N46DiagForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent = nullptr);
 
+protected:
+    void ShowChannelTags() override;
+
 private:
     void AddPorts();
     void AddAllOutputs();

@@ -2,6 +2,7 @@
 
 #include "diag/output_bar_form.h"
 #include "diag/reading_rows_form.h"
+#include "map/tag_label_form.h"
 #include "ui/fixed_font.h"
 #include "ui/named.h"
 #include "ui/tinted_label.h"
@@ -12,6 +13,7 @@ namespace kavro {
 
 namespace {
 
+constexpr int TagColumns = 24;
 constexpr const char* WidestValue = "-00.000";
 
 TintedLabel* Label(const QString& name, const std::string& text) {
@@ -32,11 +34,11 @@ OutputControl::OutputControl(OutputDescription description)
     data_->setMinimumWidth(QFontMetrics(data_->font()).horizontalAdvance(WidestValue));
     unit_ = Label(output.UnitName.front(), output.Unit);
 
-    auto* value = new QHBoxLayout;
-    value->addWidget(new QLabel("D/A data:"));
-    value->addWidget(data_);
-    value->addWidget(unit_);
-    value->addStretch(1);
+    value_ = new QHBoxLayout;
+    value_->addWidget(new QLabel("D/A data:"));
+    value_->addWidget(data_);
+    value_->addWidget(unit_);
+    value_->addStretch(1);
     auto* range = new QHBoxLayout;
     range->addWidget(Label("LowRange" + output.NameEnd, output.Low));
     range->addWidget(bar_, 1);
@@ -44,8 +46,19 @@ OutputControl::OutputControl(OutputDescription description)
     if (output.UnitName.size() > 1)
         range->addWidget(Label(output.UnitName[1], output.Unit));
     auto* layout = new QVBoxLayout(this);
-    layout->addLayout(value);
+    layout->addLayout(value_);
     layout->addLayout(range);
+}
+
+void OutputControl::ShowTag(const TagAndNote& tag) {
+    if (!tag_) {
+        tag_ = new TagLabel("Tag" + description_.NameEnd, TagColumns);
+        value_->addWidget(tag_);
+    }
+    tag_->Show(tag);
+    const QString shown = ShownTag(tag);
+    bar_->setAccessibleName(description_.Title + (shown.isEmpty() ? shown : ", " + shown));
+    bar_->setToolTip(TagTip(tag));
 }
 
 void OutputControl::ShowValue(int position) {

@@ -1,13 +1,18 @@
 #pragma once
 
+#include "map/module_tags.h"
+
 #include <QGroupBox>
 
 #include <functional>
 #include <string>
 
+class QHBoxLayout;
+
 namespace kavro {
 
 class OutputBar;
+class TagLabel;
 class TintedLabel;
 
 /// How an output is shown and driven.
@@ -27,6 +32,8 @@ class OutputControl : public QGroupBox {
 public:
     explicit OutputControl(OutputDescription description);
 
+    /// Shows the tag of the output's channel beside its value.
+    void ShowTag(const TagAndNote& tag);
     /// Shows the value of a bar position.
     void ShowValue(int position);
     /// Sends a movement that has not been sent yet.
@@ -39,6 +46,8 @@ public:
 private:
     OutputDescription description_;
     OutputBar* bar_ = nullptr;
+    QHBoxLayout* value_ = nullptr;
+    TagLabel* tag_ = nullptr; // once there is one
     TintedLabel* data_ = nullptr;
     TintedLabel* unit_ = nullptr;
 };

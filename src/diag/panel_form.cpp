@@ -2,6 +2,8 @@
 
 #include "link/text.h"
 #include "map/module_access.h"
+#include "map/tag_form.h"
+#include "map/tag_label_form.h"
 #include "ui/center_form.h"
 #include "ui/named.h"
 
@@ -19,6 +21,7 @@ namespace kavro {
 namespace {
 
 constexpr int RecoveryTickMs = 500; // of a panel that does not poll
+constexpr int TagColumns = 36;
 constexpr const char* GoesOnText = " This window goes on by itself when the port is back.";
 constexpr const char* LostText = "\u26a0 The port has failed. Waiting for it to come back; values are stale.";
 
@@ -70,6 +73,8 @@ PanelForm::PanelForm(const char* name, const char* title, kavro::Session& sessio
 }
 
 void PanelForm::AddHead() {
+    if (Tagged())
+        AddTagLine();
     auto* head = new QFormLayout;
     rev_ = PlainLabel({}, "Rev");
     AddHeadRow(*head, "Label1",
@@ -78,6 +83,39 @@ void PanelForm::AddHead() {
                "Address:", PlainLabel(QString::fromStdString(ShownAddress(Record().Address)), "Addr"));
     AddHeadRow(*head, "Label11", "F/W rev.:", rev_);
     rows_->addLayout(head);
+}
+
+void PanelForm::AddTagLine() {
+    moduleTag_ = new TagLabel("ModuleTag", TagColumns);
+    QFont bold = font();
+    bold.setBold(true);
+    moduleTag_->setFont(bold);
+    auto* tags = Named(new QPushButton("&Tags..."), "TagsBtn", "Tags");
+    tags->setAutoDefault(false);
+    connect(tags, &QPushButton::clicked, this, [this] { TagsBtn_Click(); });
+    auto* row = new QHBoxLayout;
+    row->addWidget(moduleTag_, 1);
+    row->addWidget(tags);
+    rows_->addLayout(row);
+}
+
+// The panel goes on reading meanwhile, as below its messages.
+void PanelForm::TagsBtn_Click() {
+    EditTags(session_, messages_, Index(), this);
+    ShowTags();
+}
+
+void PanelForm::ShowTags() {
+    const ModuleTags* const tags = TagsOf(session_, Index());
+    moduleTag_->Show(tags ? tags->Module : TagAndNote{});
+    ShowChannelTags();
+}
+
+std::vector<TagAndNote> PanelForm::ChannelTags(int first, int count) const {
+    std::vector<TagAndNote> tags;
+    for (int channel = first; channel < first + count; ++channel)
+        tags.push_back(ChannelTagOf(session_, Index(), channel));
+    return tags;
 }
 
 void PanelForm::ReadRevision() {
@@ -104,6 +142,8 @@ void PanelForm::Finish() {
     foot->addWidget(statistics_, 1);
     foot->addWidget(exit);
     static_cast<QVBoxLayout*>(layout())->addLayout(foot);
+    if (moduleTag_)
+        ShowTags();
     exit->setFocus(); // not on an output, which a stray key would drive
     ShowStatistics();
     CenterForm(*this);

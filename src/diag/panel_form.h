@@ -9,12 +9,15 @@
 #include <deque>
 #include <functional>
 #include <string>
+#include <vector>
 
 class QLabel;
 class QTimer;
 class QVBoxLayout;
 
 namespace kavro {
+
+class TagLabel;
 
 /// What the panels share: the head with the module, the statistics of the line, Exit, the polling timer
 /// `Timer1`, and what happens when the port fails.
@@ -62,7 +65,15 @@ protected:
     /// One transaction with the module; true when the reply, now in the line's `ReplyText`, is complete.
     bool Ask(const std::string& command);
 
-    /// Adds `ModuleName`, `Addr` and `Rev`, which stays empty until `ReadRevision`.
+    /// Shows the tags of the channels anew; called while a line file is open.
+    virtual void ShowChannelTags() {}
+    /// Whether a line file is open, and tags are shown.
+    bool Tagged() const { return !session_.Tags.Path.empty(); }
+    /// The tags of `count` channels of the module, from number `first` on.
+    std::vector<TagAndNote> ChannelTags(int first, int count) const;
+
+    /// Adds `ModuleTag` and `TagsBtn`, where a line file is open, and `ModuleName`, `Addr` and `Rev`, which
+    /// stays empty until `ReadRevision`.
     void AddHead();
     /// The firmware revision, asked for now.
     virtual std::string Revision();
@@ -77,6 +88,9 @@ protected:
     void StartPolling(int intervalMs = 100);
 
 private:
+    void AddTagLine();
+    void TagsBtn_Click();
+    void ShowTags();
     void AskRevision();
     void Next();
     bool Run(const Step& operation);
@@ -99,6 +113,7 @@ private:
     QTimer* next_ = nullptr;
     QVBoxLayout* rows_ = nullptr;
     QLabel* rev_ = nullptr;
+    TagLabel* moduleTag_ = nullptr; // none where no tags are shown
     QLabel* lineState_ = nullptr;
     QLabel* statistics_ = nullptr;
 };

@@ -1,5 +1,6 @@
 #include "diag/reading_rows_form.h"
 
+#include "map/tag_label_form.h"
 #include "ui/fixed_font.h"
 #include "ui/named.h"
 #include "ui/tinted_label.h"
@@ -13,6 +14,8 @@ namespace {
 
 constexpr QRgb Red = 0xFF0000;
 constexpr QRgb Grey = 0x808080;
+constexpr int TagPlace = 4;
+constexpr int TagColumns = 24;
 constexpr int RowSpacing = 6;
 constexpr const char* WidestReading = "-000000.0000";
 constexpr const char* WidestUnit = "ohms (stale)";
@@ -77,6 +80,18 @@ void ReadingRows::ShowMissing(int row) {
     At(row).Caption->SetTint(QColor(Grey));
     At(row).Reading->clear();
     At(row).Unit->clear();
+}
+
+void ReadingRows::ShowTags(const std::vector<TagAndNote>& tags) {
+    auto* grid = static_cast<QGridLayout*>(layout());
+    for (int row = 0; row < static_cast<int>(tags.size()); ++row) {
+        TagLabel*& label = At(row).Tag;
+        if (!label) {
+            label = new TagLabel("Tag_" + QString::number(row), TagColumns);
+            grid->addWidget(label, row, TagPlace);
+        }
+        label->Show(tags[static_cast<std::size_t>(row)]);
+    }
 }
 
 void ReadingRows::ShowStale() {

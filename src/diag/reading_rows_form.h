@@ -1,5 +1,7 @@
 #pragma once
 
+#include "map/module_tags.h"
+
 #include <QColor>
 #include <QGroupBox>
 
@@ -10,6 +12,7 @@ class QLabel;
 
 namespace kavro {
 
+class TagLabel;
 class TintedLabel;
 
 /// What follows a text that is stale, and its colour before it is made readable.
@@ -35,6 +38,8 @@ public:
     void ShowDisabled(int row);
     /// Leaves a row empty, with its caption grey.
     void ShowMissing(int row);
+    /// Shows the tags of the first rows beside the readings.
+    void ShowTags(const std::vector<TagAndNote>& tags);
     /// Marks the readings that were shown as stale, until the next ones.
     void ShowStale();
 
@@ -45,6 +50,7 @@ private:
         TintedLabel* Unit;
         QLabel* Open;
         bool Live;
+        TagLabel* Tag = nullptr; // once there are tags
     };
 
     Row& At(int row) { return rows_[static_cast<std::size_t>(row)]; }

@@ -1,6 +1,8 @@
 #include "map/device_list_form.h"
 
 #include "map/list_line.h"
+#include "map/tag_delegate_form.h"
+#include "map/tag_label_form.h"
 #include "ui/fixed_font.h"
 #include "ui/named.h"
 
@@ -15,7 +17,8 @@ namespace kavro {
 
 namespace {
 
-constexpr int Columns = 75; // characters of a list line and of the dash lines of a map file
+constexpr int Columns = 75;       // characters of a list line and of the dash lines of a map file
+constexpr int TaggedColumns = 90; // with tags behind the lines
 constexpr int UsualLines = 18;
 constexpr int FewestLines = 4;
 
@@ -25,7 +28,8 @@ DeviceList::DeviceList(const Session& session, std::function<void()> open)
     : session_(session), open_(std::move(open)) {
     Named(this, "Device", "Modules");
     setFont(FixedFont());
-    setMinimumSize(QFontMetrics(font()).horizontalAdvance(' ') * Columns, Height(FewestLines));
+    setMinimumSize(Width(Columns), Height(FewestLines));
+    setItemDelegate(new TagDelegate(this));
     menu_ = Named(new QMenu(this), "DeviceMenu", "Operations of the module");
 }
 
@@ -37,15 +41,42 @@ void DeviceList::ShowAll() {
 
 void DeviceList::InsertEntry(int index) {
     insertItem(index, QString::fromStdString(ShownLine(session_, index)));
+    ShowTag(index);
 }
 
 void DeviceList::ShowEntry(int index) {
     if (QListWidgetItem* line = item(index))
         line->setText(QString::fromStdString(ShownLine(session_, index)));
+    ShowTag(index);
+}
+
+void DeviceList::ShowTags() {
+    setMinimumWidth(Width(session_.Tags.Path.empty() ? Columns : TaggedColumns));
+    for (int index = 0; index < count(); ++index)
+        ShowTag(index);
+}
+
+// The text of the item stays the line, as it is printed and copied.
+void DeviceList::ShowTag(int index) {
+    QListWidgetItem* line = item(index);
+    if (!line)
+        return;
+    const ModuleTags* const tags = TagsOf(session_, index);
+    const TagAndNote tag = tags ? tags->Module : TagAndNote{};
+    const QString shown = ShownTag(tag);
+    if (shown.isEmpty() && line->data(TagRole).toString().isEmpty())
+        return; // nor was there any before
+    line->setData(TagRole, shown);
+    line->setData(Qt::AccessibleTextRole, shown.isEmpty() ? QVariant() : line->text() + ", " + shown);
+    line->setToolTip(TagTip(tag));
 }
 
 int DeviceList::Height(int lines) const {
     return QFontMetrics(font()).lineSpacing() * lines;
+}
+
+int DeviceList::Width(int columns) const {
+    return QFontMetrics(font()).horizontalAdvance(' ') * columns;
 }
 
 QSize DeviceList::sizeHint() const {

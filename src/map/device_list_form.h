@@ -26,6 +26,9 @@ public:
     /// Shows an entry as it is now; selection and place stay.
     void ShowEntry(int index);
 
+    /// Shows the tags of the line file that is open beside the lines, for which the list is wider then.
+    void ShowTags();
+
     QSize sizeHint() const override;
 
 protected:
@@ -35,6 +38,8 @@ protected:
 
 private:
     int Height(int lines) const;
+    int Width(int columns) const;
+    void ShowTag(int index);
 
     const Session& session_;
     std::function<void()> open_;

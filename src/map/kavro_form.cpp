@@ -16,6 +16,8 @@
 #include "map/operation_panel_form.h"
 #include "map/print_list_form.h"
 #include "map/product.h"
+#include "map/tag_delegate_form.h"
+#include "map/tag_form.h"
 #include "map/time_text.h"
 #include "ui/center_form.h"
 #include "ui/choose_file.h"
@@ -80,11 +82,11 @@ void KavroForm::Build() {
         {"CalibBtn", "CalibPrompt", "Calibration", ":/icons/calibration.svg", runs(&KavroForm::Calibration)},
     });
 
-    auto* heading = Named(new QLabel(ListHeading), "Heading", {});
-    heading->setFont(FixedFont());
+    heading_ = Named(new QLabel(ListHeading), "Heading", {});
+    heading_->setFont(FixedFont());
     device_ = new DeviceList(session_, runs(&KavroForm::Configuration));
     // The columns of the lines stand under those of the heading.
-    heading->setIndent(device_->frameWidth() + style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1);
+    heading_->setIndent(device_->frameWidth() + style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1);
     connect(device_, &QListWidget::itemSelectionChanged, this, [this] {
         const auto rows = device_->selectionModel()->selectedRows();
         session_.SelectedModule = static_cast<std::int16_t>(rows.isEmpty() ? -1 : rows.first().row());
@@ -93,11 +95,11 @@ void KavroForm::Build() {
     auto* center = new QWidget;
     auto* layout = new QVBoxLayout(center);
     layout->addWidget(panel_);
-    layout->addWidget(heading);
+    layout->addWidget(heading_);
     layout->addLayout(BuildListPlace(), 1);
     setCentralWidget(center);
     for (QWidget* background :
-         {center, static_cast<QWidget*>(heading), device_->viewport(), static_cast<QWidget*>(emptyList_)}) {
+         {center, static_cast<QWidget*>(heading_), device_->viewport(), static_cast<QWidget*>(emptyList_)}) {
         background->setMouseTracking(true);
         background->installEventFilter(this);
     }
@@ -140,6 +142,7 @@ void KavroForm::Run(void (KavroForm::*operation)()) {
         operationNote_ = QString::fromStdString(session_.Note);
     if (const std::int64_t more = devices_.NotRecorded() - notRecorded; more > 0)
         operationNote_ = (operationNote_ + ' ' + NotRecordedText(more).c_str()).trimmed();
+    ShowTags();
     UpdateStatus();
     device_->setFocus();
     if (exitAsked_)
@@ -272,6 +275,18 @@ void KavroForm::Diagnostic() {
 
 void KavroForm::Calibration() {
     OpenModuleDialog(Operation::Calibration);
+}
+
+void KavroForm::Tags() {
+    EditTags(session_, messages_, session_.SelectedModule, this);
+}
+
+void KavroForm::ShowTags() {
+    const std::string heading = ListHeading;
+    const bool open = !session_.Tags.Path.empty();
+    heading_->setText(QString::fromStdString(open ? FixedText(heading, TagColumn) + "Tag" : heading));
+    device_->ShowTags();
+    status_->ShowLineFile();
 }
 
 void KavroForm::OpenModuleDialog(Operation operation) {

@@ -12,6 +12,7 @@
 #include <memory>
 #include <optional>
 
+class QLabel;
 class QLayout;
 class QMenu;
 
@@ -53,6 +54,10 @@ public:
     /// operation is going on, as nothing else may use the line meanwhile.
     bool ListenOnly();
 
+    /// Shows the tags of the line file that is open, and which it is. Every operation of this window ends
+    /// with it.
+    void ShowTags();
+
     /// Whether an operation, or the start-up, is going on.
     bool Running() const { return running_; }
     /// Saves the settings and ends the program, as after the exit question. Nothing may be running.
@@ -87,6 +92,7 @@ private:
     void Monitor();
     void Diagnostic();
     void Calibration();
+    void Tags();
     void About();
     void Help();
 
@@ -102,6 +108,7 @@ private:
     DialogOpeners openers_;
 
     OperationPanel* panel_ = nullptr;
+    QLabel* heading_ = nullptr; // of the list
     DeviceList* device_ = nullptr;
     EmptyListForm* emptyList_ = nullptr;
     std::unique_ptr<MainStatus> status_;

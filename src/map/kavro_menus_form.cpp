@@ -27,6 +27,7 @@ void KavroForm::BuildMenus() {
     AddItem(*operation, "mnuMonitor", "&Monitor...", &KavroForm::Monitor);
     AddItem(*operation, "mnuDiagnostic", "&Diagnostic...", &KavroForm::Diagnostic);
     AddItem(*operation, "mnuCalibration", "C&alibration...", &KavroForm::Calibration);
+    AddItem(*operation, "mnuTags", "Ta&gs...", &KavroForm::Tags, Qt::Key_F2);
     device_->addActions(operation->actions());
     auto* about = menuBar()->addAction("&About!");
     about->setObjectName("mnuAbout");

@@ -2,6 +2,7 @@
 
 #include "ui/named.h"
 
+#include <QFileInfo>
 #include <QLabel>
 #include <QStatusBar>
 #include <QTimer>
@@ -35,6 +36,9 @@ MainStatus::MainStatus(QStatusBar& bar, Session& session, const PortDevices& dev
     count_ = StatusLabel("CountStatus");
     bar.addWidget(activity_, 1);
     bar.addPermanentWidget(count_);
+    lineFile_ = StatusLabel("LineFileStatus");
+    bar.addPermanentWidget(lineFile_);
+    lineFile_->hide();
     bar.addPermanentWidget(port_);
     auto* watch = new QTimer(&bar); // a port is lost, and opened again, at any time and below any dialog
     QObject::connect(watch, &QTimer::timeout, &bar, [this] { ShowPort(); });
@@ -52,6 +56,13 @@ QString MainStatus::Activity() const {
 
 void MainStatus::ShowCount(int modules) {
     count_->setText(QString("Modules: %1").arg(modules));
+}
+
+void MainStatus::ShowLineFile() {
+    const QString path = QString::fromStdString(session_.Tags.Path);
+    lineFile_->setText("Line: " + QFileInfo(path).fileName());
+    lineFile_->setToolTip(path);
+    lineFile_->setHidden(path.isEmpty());
 }
 
 QString MainStatus::PortText() const {

@@ -11,7 +11,7 @@ class QStatusBar;
 namespace kavro {
 
 /// What stands in the status bar of the main window: what goes on or was told last, the number of modules,
-/// and the port.
+/// the line file, and the port.
 class MainStatus {
 public:
     /// Fills `bar`, which owns what is in it; looks at the port once a second from then on.
@@ -25,6 +25,9 @@ public:
 
     void ShowCount(int modules);
 
+    /// The line file that is open, when there is one.
+    void ShowLineFile();
+
     /// The port in use: whether it is open, and whether its adapter echoes.
     void ShowPort();
 
@@ -36,6 +39,7 @@ private:
     const PortDevices& devices_;
     QLabel* activity_ = nullptr;
     QLabel* count_ = nullptr;
+    QLabel* lineFile_ = nullptr;
     QLabel* port_ = nullptr;
 };
 

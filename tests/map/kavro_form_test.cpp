@@ -94,7 +94,7 @@ TEST_F(KavroFormTest, TheListOpensModulesByKeyAndMouse) {
         for (const QAction* action : menu.actions())
             offered << action->objectName();
         EXPECT_EQ(offered, (QStringList{"mnuTerminal", "mnuConfiguration", "mnuMonitor", "mnuDiagnostic",
-                                        "mnuCalibration"}));
+                                        "mnuCalibration", "mnuTags"}));
         menu.close();
     }
     EXPECT_TRUE(Messages.Shown.empty());
