@@ -17,6 +17,8 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace kavro {
 
 namespace {
@@ -99,12 +101,7 @@ QLayout* MonitorForm::BuildButtons() {
 QPushButton* MonitorForm::BuildTagsButton() {
     auto* button = Named(new QPushButton("&Tags..."), "TagsBtn", "Tags of the module");
     button->setAutoDefault(false);
-    const auto use = [this, button] {
-        SetUsable(*button, grid_->currentRow() >= 0, "Choose a module first: click its row.");
-    };
     connect(button, &QPushButton::clicked, this, [this] { TagsBtn_Click(); });
-    connect(grid_, &QTableWidget::currentCellChanged, this, use);
-    use();
     auto* action = new QAction("&Tags...", grid_);
     action->setObjectName("mnuTags");
     connect(action, &QAction::triggered, this, [this] { TagsBtn_Click(); });
@@ -115,9 +112,7 @@ QPushButton* MonitorForm::BuildTagsButton() {
 
 // Modules are read meanwhile.
 void MonitorForm::TagsBtn_Click() {
-    if (grid_->currentRow() < 0)
-        return;
-    EditTags(Session(), Messages(), grid_->currentRow(), this);
+    EditTags(Session(), Messages(), std::max(grid_->currentRow(), 0), this);
     grid_->ShowTags();
     ShowTrend();
 }

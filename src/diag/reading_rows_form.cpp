@@ -84,6 +84,8 @@ void ReadingRows::ShowMissing(int row) {
 
 void ReadingRows::ShowTags(const std::vector<TagAndNote>& tags) {
     auto* grid = static_cast<QGridLayout*>(layout());
+    grid->setColumnStretch(TagPlace - 1, 0);
+    grid->setColumnStretch(TagPlace, 1);
     for (int row = 0; row < static_cast<int>(tags.size()); ++row) {
         TagLabel*& label = At(row).Tag;
         if (!label) {

@@ -32,10 +32,10 @@ void TagDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     initStyleOption(&item, index);
     const QStyle& style = *item.widget->style();
     const int margin = style.pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, item.widget) + 1;
-    const int column = item.fontMetrics.horizontalAdvance(' ');
-    const int behind = item.fontMetrics.horizontalAdvance(item.text) + GapColumns * column;
+    const auto widthOf = [&item](const QString& text) { return item.fontMetrics.horizontalAdvance(text); };
+    const int behind = widthOf(item.text + QString(GapColumns, ' '));
     QRect place = style.subElementRect(QStyle::SE_ItemViewItemText, &item, item.widget);
-    place.setLeft(place.left() + margin + std::max(behind, TagColumn * column));
+    place.setLeft(place.left() + margin + std::max(behind, widthOf(QString(TagColumn, ' '))));
     place.setRight(item.rect.right() - margin);
     painter->save();
     painter->setFont(item.font);

@@ -28,7 +28,7 @@ enum Column { TagColumn, NoteColumn, ColumnCount };
 
 constexpr int NoteLines = 3;
 constexpr int MostRows = 8; // of the table as it opens
-constexpr int TagColumns = 22;
+constexpr int TagColumns = 26;
 constexpr int NoteColumns = 44;
 constexpr const char* Title = "Tags";
 constexpr const char* NoLineFile =

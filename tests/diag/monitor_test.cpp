@@ -111,6 +111,24 @@ TEST(CsvLog, ExactBytes) {
     }
 }
 
+TEST(CsvLog, TagsAreTheLastColumnWhileALineFileIsOpen) {
+    ScriptedSession test;
+    Select(test.Session, {.Model = "8320  "});
+    const std::vector<ChannelValue> values = {{"B", "1.000", 1, "V", ValueState::Ok},
+                                              {"C", "2.000", 2, "V", ValueState::Ok},
+                                              {"IN", "7F", 127, WordUnit, ValueState::Ok}};
+    test.Session.Tags.Modules[1] = {"8320", {"Valves", ""}, {{1, {"a,b", ""}}, {3, {"other", ""}}}};
+    EXPECT_EQ(CsvHeading(test.Session), CsvHeader);
+    const auto lines = [&] { return CsvHeading(test.Session) + CsvLines(test.Session, 0, values, {}); };
+    EXPECT_FALSE(Contains(lines(), "Valves"));
+    test.Session.Tags.Path = "line.kavro.json";
+    const std::string row = "1970-01-01T00:00:00.000+00:00,1,8320,";
+    EXPECT_EQ(lines(), "time,address,model,channel,value,unit,state,tag\n" + row + "B,1.000,V,ok,\"a,b\"\n" +
+                           row + "C,2.000,V,ok,Valves\n" + row + "IN,7F,hex,ok,Valves\n");
+    test.Session.ModuleTable[0].Model = "8310  ";
+    EXPECT_TRUE(lines().ends_with(",IN,7F,hex,ok,\n")) << "another model than that of the file";
+}
+
 TEST(TimeMarks, RoundMinutesWithTheDateWhereADayBegins) {
     const auto written = [](const std::vector<TimeMark>& marks) {
         std::string text;
