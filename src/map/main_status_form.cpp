@@ -17,6 +17,7 @@ constexpr const char* EchoText =
 constexpr const char* ReopensText = "The next operation opens the port by itself when its device is there.";
 constexpr int StatusMargin = 3;
 constexpr int PortColumns = 12;
+constexpr int LineFileColumns = 30; // at most
 
 QLabel* StatusLabel(const char* name) {
     auto* label = Named(new QLabel, name, {});
@@ -60,7 +61,9 @@ void MainStatus::ShowCount(int modules) {
 
 void MainStatus::ShowLineFile() {
     const QString path = QString::fromStdString(session_.Tags.Path);
-    lineFile_->setText("Line: " + QFileInfo(path).fileName());
+    const QFontMetrics metrics = lineFile_->fontMetrics();
+    lineFile_->setText("Line: " + metrics.elidedText(QFileInfo(path).fileName(), Qt::ElideMiddle,
+                                                     metrics.averageCharWidth() * LineFileColumns));
     lineFile_->setToolTip(path);
     lineFile_->setHidden(path.isEmpty());
 }

@@ -141,11 +141,11 @@ ModuleTags TagForm::Entered() const {
     ModuleTags tags;
     tags.Model = before_.Model;
     tags.Module = {OneLine(tag_->text()), Lines(note_->toPlainText())};
-    for (std::size_t row = 0; row < channels_.size(); ++row) {
-        const auto cell = [&](Column column) { return table_->item(static_cast<int>(row), column)->text(); };
+    for (int row = 0; table_ && row < table_->rowCount(); ++row) {
+        const auto cell = [&](Column column) { return table_->item(row, column)->text(); };
         const TagAndNote tag = {OneLine(cell(TagColumn)), Lines(cell(NoteColumn))};
         if (tag != TagAndNote{})
-            tags.Channels[channels_[row]] = tag;
+            tags.Channels[channels_[static_cast<std::size_t>(row)]] = tag;
     }
     return tags;
 }

@@ -189,11 +189,13 @@ TEST(MonitorCommand, GoesRoundOneModuleInEachInterval) {
               ExitSuccess);
     demo.ActAt = "$0A6";
     demo.Act = [&] { demo.Line.Unplug(); };
+    demo.Session.Tags.Path = "line.kavro.json";
+    demo.Session.Tags.Modules[10] = {"8410", {"Doors", ""}, {}};
     const Captured lost = Capture([&] {
         return MonitorModules(demo.Session, {500, 3, 2000}, ValueForm::Csv);
     });
     EXPECT_EQ(lost.Exit, ExitPortTrouble);
-    for (const char* row : {",10,8410,IN,,hex,line lost\n", ",5,8250,7,,V,line lost\n"})
+    for (const char* row : {"state,tag\n", ",10,8410,IN,,hex,line lost,Doors\n", ",5,8250,7,,V,line lost,\n"})
         EXPECT_TRUE(Contains(lost.Out, row));
     demo.Session.ModuleCount = 0;
     EXPECT_EQ(Capture([&] { return MonitorModules(demo.Session, {}, ValueForm::Csv); }).Exit,
