@@ -1,27 +1,13 @@
 #include "project/line_comparison.h"
 
-#include "link/runtime_failure.h"
 #include "project/find_modules.h"
+#include "project/saved_config.h"
 
 #include <algorithm>
 
 namespace kavro {
 
 namespace {
-
-// The settings with the values of a module, as far as they can be given; they show, and compare, as the
-// module gets them.
-NamedConfig ConfigOf(const SavedModule& module) {
-    NamedConfig config = BlankConfig(module.Model);
-    for (const SavedSetting& saved : module.Settings)
-        if (NamedSetting* const setting = FindSetting(config, saved.Name)) {
-            try {
-                TakeValue(*setting, saved.Value);
-            } catch (const RuntimeFailure&) { // a code that cannot be chosen is compared as it stands
-            }
-        }
-    return config;
-}
 
 ShownValue Shown(const NamedSetting& setting, const SettingValue& value) {
     return {value, setting.Value() == value ? SettingText(setting) : ValueText(value)};

@@ -6,12 +6,10 @@
 #include "link/runtime_failure.h"
 #include "link/text.h"
 #include "map/module_access.h"
+#include "project/file_content.h"
 #include "project/saved_json.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <set>
 
 namespace kavro {
@@ -21,7 +19,6 @@ namespace {
 constexpr std::string_view Format = "kavro-line";
 constexpr int Version = 1;
 constexpr int HighestVersion = 1'000'000;
-constexpr std::uintmax_t LargestFile = 16'000'000;
 constexpr std::size_t ModelWidth = 6;
 
 void RequireFormat(const JsonNode& root) {
@@ -47,26 +44,6 @@ std::vector<SavedModule> ReadModules(const JsonNode& root) {
                              "; one of them must go.");
     }
     return modules;
-}
-
-std::string FileContent(const std::string& path) {
-    namespace fs = std::filesystem;
-    std::error_code error;
-    const fs::path file = fs::u8path(path);
-    const fs::file_status status = fs::status(file, error);
-    if (!fs::exists(status))
-        throw RuntimeFailure("there is no such file.");
-    if (fs::is_directory(status))
-        throw RuntimeFailure("it is a folder; name a file.");
-    if (!fs::is_regular_file(status))
-        throw RuntimeFailure("it is not a regular file.");
-    if (fs::file_size(file, error) > LargestFile)
-        throw RuntimeFailure("it is larger than any line file.");
-    std::ifstream stream(file, std::ios::binary);
-    const std::string content((std::istreambuf_iterator<char>(stream)), {});
-    if (!stream.is_open() || stream.bad())
-        throw RuntimeFailure("it cannot be read. Check that you may read it.");
-    return content;
 }
 
 ModuleRecord RecordOf(const SavedModule& module) {
