@@ -11,6 +11,7 @@
 #include "cli/monitor_command.h"
 #include "cli/output_command.h"
 #include "cli/read_command.h"
+#include "cli/report_command.h"
 #include "cli/restore_command.h"
 #include "cli/search_command.h"
 #include "cli/subcommand.h"
@@ -44,6 +45,7 @@ constexpr Subcommand Subcommands[] = {
     {"backup", "Read all settings of a line into a file.", 1, AddBackupOptions, PrepareBackup},
     {"compare", "Compare a line with its file.", 1, AddCompareOptions, PrepareCompare},
     {"restore", "Write the settings of a file back to the line.", 1, AddRestoreOptions, PrepareRestore},
+    {"report", "Write the commissioning report of a line from its file.", 2, AddReportOptions, PrepareReport},
     {"output", "Drive outputs of a module.", INT_MAX, AddOutputOptions, PrepareOutput},
     {"listen", "Show what another master says, and send nothing.", 0, AddListenOptions, PrepareListen},
     {"traffic", "Print a recording of a line in words.", 1, AddTrafficOptions, PrepareTraffic, false},
@@ -117,6 +119,10 @@ CommandAction Prepare(const QStringList& arguments) {
 }
 
 } // namespace
+
+bool NeedsFonts(std::string_view command) {
+    return command == "report";
+}
 
 int RunKavroctl(const QStringList& arguments) {
     IgnoreClosedPipes();

@@ -1,8 +1,22 @@
 #include "cli/kavroctl.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
+
+#include <memory>
+
+namespace {
+
+// Only what draws needs fonts, and takes their time to start; it never needs a display.
+std::unique_ptr<QCoreApplication> Application(int& argc, char** argv) {
+    if (argc < 2 || !kavro::NeedsFonts(argv[1]))
+        return std::make_unique<QCoreApplication>(argc, argv);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    return std::make_unique<QGuiApplication>(argc, argv);
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
-    const QCoreApplication application(argc, argv);
+    const std::unique_ptr<QCoreApplication> application = Application(argc, argv);
     return kavro::RunKavroctl(QCoreApplication::arguments().mid(1));
 }
