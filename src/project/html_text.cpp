@@ -1,7 +1,5 @@
 #include "project/html_text.h"
 
-#include <utility>
-
 namespace kavro {
 
 namespace {
@@ -9,6 +7,8 @@ namespace {
 // Attributes where Qt's rich text knows no style; both print as thin lines.
 constexpr const char* TableBegin =
     "<table width=\"100%\" border=\"1\" cellspacing=\"0\" cellpadding=\"4\">\n";
+
+constexpr int NamePercent = 30;
 
 std::string Escaped(char character) {
     switch (character) {
@@ -28,11 +28,9 @@ std::string Escaped(char character) {
     }
 }
 
-std::string Row(const char* cell, const std::vector<std::string>& texts) {
-    std::string row = "<tr>";
-    for (const std::string& text : texts)
-        row += std::string("<") + cell + " align=\"left\">" + HtmlText(text) + "</" + cell + ">";
-    return row + "</tr>\n";
+std::string Cell(const std::string& tag, const std::string& text, int percent = 0) {
+    const std::string width = percent > 0 ? " width=\"" + std::to_string(percent) + "%\"" : "";
+    return "<" + tag + width + " align=\"left\">" + HtmlText(text) + "</" + tag + ">";
 }
 
 } // namespace
@@ -44,19 +42,25 @@ std::string HtmlText(std::string_view text) {
     return html;
 }
 
-std::string HtmlTable(const std::vector<std::string>& heading,
+std::string HtmlTable(const std::vector<HtmlColumn>& columns,
                       const std::vector<std::vector<std::string>>& rows) {
-    std::string html = TableBegin + ("<thead>" + Row("th", heading)) + "</thead>\n<tbody>\n";
-    for (const std::vector<std::string>& row : rows)
-        html += Row("td", row);
+    std::string html = std::string(TableBegin) + "<thead><tr>";
+    for (const auto& [name, percent] : columns)
+        html += Cell("th", name, percent);
+    html += "</tr></thead>\n<tbody>\n";
+    for (const std::vector<std::string>& row : rows) {
+        html += "<tr>";
+        for (const std::string& text : row)
+            html += Cell("td", text);
+        html += "</tr>\n";
+    }
     return html + "</tbody></table>\n";
 }
 
 std::string HtmlFacts(const std::vector<std::pair<std::string, std::string>>& facts) {
     std::string html = TableBegin;
     for (const auto& [name, text] : facts)
-        html += "<tr><th width=\"30%\" align=\"left\">" + HtmlText(name) + "</th><td>" + HtmlText(text) +
-                "</td></tr>\n";
+        html += "<tr>" + Cell("th", name, NamePercent) + Cell("td", text) + "</tr>\n";
     return html + "</table>\n";
 }
 

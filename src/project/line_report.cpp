@@ -23,12 +23,12 @@ constexpr const char* NotTold = "not told";
 // Qt's rich text does not know the rule that keeps a module together; who prints it by Qt does so itself.
 constexpr const char* Style =
     "body { font-family: sans-serif; font-size: 10pt; color: #000000; background-color: #ffffff; }\n"
-    "h1 { font-size: 16pt; page-break-before: always; }\n"
+    "h1 { font-size: 16pt; margin-bottom: 12px; page-break-before: always; }\n"
     "h1.title { font-size: 24pt; page-break-before: auto; }\n"
-    "h2 { font-size: 12pt; }\n"
+    "h2 { font-size: 12pt; margin-bottom: 8px; }\n"
     "table { border-collapse: collapse; border-color: #808080; }\n"
     "th { background-color: #e6e6e6; }\n"
-    "td, th { vertical-align: top; }\n"
+    "td, th { font-size: 9pt; vertical-align: top; }\n"
     ".module { page-break-inside: avoid; }\n";
 
 std::string NameOf(const LineFile& file, const ReportFacts& facts) {
@@ -83,7 +83,7 @@ std::string ModulesChapter(const LineFile& file) {
         rows.push_back({module.Tags.Tag, module.Model, module.Firmware.empty() ? NotTold : module.Firmware,
                         ShownAddress(module.Address), Told(module, "baud"), Told(module, "checksum")});
     return "<h1>Modules</h1>\n" +
-           HtmlTable({"Tag", "Model", "Firmware", "Address", "Baud rate", "Checksum"}, rows);
+           HtmlTable({{"Tag", 30}, {"Model"}, {"Firmware"}, {"Address"}, {"Baud rate"}, {"Checksum"}}, rows);
 }
 
 std::vector<Row> SettingRows(const SavedModule& module) {
@@ -107,7 +107,8 @@ std::string ChannelTable(const SavedModule& module) {
     for (const auto& [number, channel] : module.Channels)
         if (channel.Tags != TagAndNote{})
             rows.push_back({std::to_string(number), channel.Tags.Tag, channel.Tags.Note});
-    return rows.empty() ? std::string() : "<p></p>\n" + HtmlTable({"Channel", "Tag", "Note"}, rows);
+    return rows.empty() ? std::string()
+                        : "<p></p>\n" + HtmlTable({{"Channel", 15}, {"Tag", 35}, {"Note", 50}}, rows);
 }
 
 std::string ModuleBlock(const SavedModule& module) {
@@ -115,7 +116,7 @@ std::string ModuleBlock(const SavedModule& module) {
     if (!module.Tags.Note.empty())
         html += "<p>" + HtmlText(module.Tags.Note) + "</p>\n";
     html += module.Settings.empty() ? std::string("<p>The module has told none of its settings.</p>\n")
-                                    : HtmlTable({"Setting", "Value"}, SettingRows(module));
+                                    : HtmlTable({{"Setting", 50}, {"Value", 50}}, SettingRows(module));
     return html + ChannelTable(module) + "</div>\n";
 }
 
@@ -134,11 +135,20 @@ std::string FindingsChapter(const LineFile& file, const SavedCheck& check) {
                            std::to_string(each.Silent), std::to_string(each.Damaged),
                            std::to_string(each.Refused), time(each.MedianMs), time(each.MostMs)});
     return "<h1>Line check</h1>\n" +
-           (findings.empty() ? std::string("<p>Nothing is wrong.</p>\n")
-                             : HtmlTable({"Where", "Finding", "What was seen, and what to do"}, findings)) +
+           (findings.empty()
+                ? std::string("<p>Nothing is wrong.</p>\n")
+                : HtmlTable({{"Where", 25}, {"Finding", 15}, {"What was seen, and what to do", 60}},
+                            findings)) +
            "<h2>Replies of the modules</h2>\n" +
-           HtmlTable({"Address", "Model", "Sent", "Complete", "Silent", "Damaged", "Refused", "Median, ms",
-                      "Longest, ms"},
+           HtmlTable({{"Address", 13},
+                      {"Model", 9},
+                      {"Sent", 8},
+                      {"Complete", 13},
+                      {"Silent", 10},
+                      {"Damaged", 13},
+                      {"Refused", 12},
+                      {"Median ms", 11},
+                      {"Most ms", 11}},
                      modules);
 }
 
