@@ -7,6 +7,8 @@
 #include "ports/preferences_file.h"
 #include "ports/replace_file.h"
 #include "ports/settings_folder.h"
+#include "ports/user_name.h"
+#include "project/report_form.h"
 #include "sim/demo_line.h"
 #include "sim/simulated_port.h"
 #include "terminal/terminal_form.h"
@@ -63,6 +65,7 @@ DialogOpeners Program::Openers() {
         const bool rateIsFixed = RateIsFixed(registry_.Device(session_.Line.CurrentPort));
         ListenForm(session_, messages_, rateIsFixed, parent).exec();
     };
+    openers.Report = [this](QWidget* parent) { ShowReport(parent); };
     openers.ReadMap = ReadMapFile;
     return openers;
 }
@@ -87,6 +90,15 @@ void Program::ShowTraffic() {
         trafficForm_ = std::make_unique<TrafficForm>(session_, registry_, traffic_,
                                                      [this] { return form_.ListenOnly(); });
     trafficForm_->BringUp();
+}
+
+void Program::ShowReport(QWidget* parent) {
+    const int port = session_.Line.CurrentPort;
+    const std::string device = ShownDevice(registry_.Device(port));
+    const ReportFacts offered = {.Path = session_.Tags.Path,
+                                 .Port = "COM" + std::to_string(port) + ": " + device,
+                                 .Person = UserName()};
+    ReportForm(session_, messages_, offered, parent).exec();
 }
 
 void Program::Start() {

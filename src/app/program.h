@@ -31,6 +31,7 @@ private:
     DialogOpeners Openers();
     void BeginRecording();
     void ShowTraffic();
+    void ShowReport(QWidget* parent);
 
     Options options_;
     SteadyClock clock_;

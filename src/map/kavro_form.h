@@ -34,6 +34,7 @@ struct DialogOpeners {
     std::function<void()> Traffic = [] {};
     std::function<void(QWidget* parent)> LineCheck = [](QWidget*) {};
     std::function<void(QWidget* parent)> Listen = [](QWidget*) {};
+    std::function<void(QWidget* parent)> Report = [](QWidget*) {};
     /// Reads a map file. Throws `RuntimeFailure` when it is none.
     std::function<ModuleMap(const std::string& path)> ReadMap = [](const std::string&) {
         return ModuleMap{};
@@ -78,6 +79,7 @@ private:
 
     void Save();
     void Print();
+    void Report();
     void Exit();
     void Leave();
     void ComPort();

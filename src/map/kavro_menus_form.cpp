@@ -13,6 +13,7 @@ void KavroForm::BuildMenus() {
     AddItem(*file, "mnuOpen", "&Open...", &KavroForm::OpenMap, QKeySequence::Open);
     AddItem(*file, "mnuSave", "&Save", &KavroForm::Save, QKeySequence::Save);
     AddItem(*file, "mnuPrint", "&Print", &KavroForm::Print, QKeySequence::Print);
+    AddItem(*file, "mnuReport", "&Report...", &KavroForm::Report);
     AddItem(*file, "mnuExit", "E&xit", &KavroForm::Exit, QKeySequence::Quit);
     auto* network = menuBar()->addMenu("&Network");
     AddItem(*network, "mnuComPort", "&ComPort...", &KavroForm::ComPort);
@@ -42,6 +43,10 @@ void KavroForm::AddItem(QMenu& menu, const char* name, const char* text, void (K
     action->setObjectName(name);
     action->setShortcut(shortcut);
     connect(action, &QAction::triggered, this, [this, operation] { Run(operation); });
+}
+
+void KavroForm::Report() {
+    openers_.Report(this);
 }
 
 } // namespace kavro
