@@ -8,49 +8,18 @@
 #include "cli/search_progress.h"
 #include "cli/search_run.h"
 #include "link/entered_values.h"
+#include "link/printable.h"
 #include "link/runtime_failure.h"
+#include "ports/check_json.h"
 #include "traffic/line_check_report.h"
 
 #include <QCommandLineParser>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 
-#include <cmath>
 #include <memory>
 
 namespace kavro {
 
 namespace {
-
-double Thousandths(double number) {
-    return std::round(number * 1000) / 1000;
-}
-
-QJsonValue TimesValue(const ModuleCheck& module) {
-    const auto times = TimesOf(module);
-    if (!times)
-        return QJsonValue::Null;
-    return QJsonObject{{"min", Thousandths(times->Min)},
-                       {"median", Thousandths(times->Median)},
-                       {"p95", Thousandths(times->P95)},
-                       {"max", Thousandths(times->Max)}};
-}
-
-QJsonObject ModuleObject(const ModuleCheck& module) {
-    return {{"address", module.Address}, {"model", QString::fromStdString(Printable(module.Model))},
-            {"sent", module.Sent},       {"complete", module.Complete},
-            {"silent", module.Silent},   {"damaged", module.Damaged},
-            {"refused", module.Refused}, {"ms", TimesValue(module)}};
-}
-
-QJsonObject FindingObject(const LineFinding& finding) {
-    QJsonObject object = {{"finding", QString::fromStdString(finding.Finding)},
-                          {"text", QString::fromStdString(finding.Text)}};
-    if (finding.Address)
-        object["address"] = *finding.Address;
-    return object;
-}
 
 std::string CheckText(const LineCheckResult& result, const std::vector<LineFinding>& findings) {
     std::string text;
@@ -65,20 +34,6 @@ std::string Place(const LineCheckResult& result) {
 }
 
 } // namespace
-
-std::string CheckJson(const LineCheckResult& result, const std::vector<LineFinding>& findings) {
-    QJsonArray modules, found;
-    for (const ModuleCheck& module : result.Modules)
-        modules.append(ModuleObject(module));
-    for (const LineFinding& finding : findings)
-        found.append(FindingObject(finding));
-    const QJsonObject line = {{"echo", result.Echo},
-                              {"foreign", static_cast<qint64>(result.Foreign)},
-                              {"load", Thousandths(result.Load)}};
-    return QJsonDocument(QJsonObject{{"modules", modules}, {"line", line}, {"findings", found}})
-        .toJson()
-        .toStdString();
-}
 
 int CheckModules(Session& session, int passes, bool json) {
     if (session.ModuleCount == 0) {

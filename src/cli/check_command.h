@@ -2,15 +2,8 @@
 
 #include "cli/subcommand.h"
 #include "map/session.h"
-#include "traffic/line_findings.h"
-
-#include <string>
-#include <vector>
 
 namespace kavro {
-
-/// A line check as a JSON object.
-std::string CheckJson(const LineCheckResult& result, const std::vector<LineFinding>& findings);
 
 /// Checks the modules of the session on its open port, with progress on standard error, until Ctrl+C, and
 /// prints what was found, also when the port fails. Returns the exit code.

@@ -17,13 +17,6 @@ constexpr int HighestTimeoutMs = INT16_MAX / 5;
 
 } // namespace
 
-std::string Printable(std::string_view text) {
-    std::string shown(text);
-    std::replace_if(
-        shown.begin(), shown.end(), [](char c) { return c < ' ' || c > '~'; }, '?');
-    return shown;
-}
-
 bool PrintOut(const std::string& text) {
     errno = 0;
     if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0)

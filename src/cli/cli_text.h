@@ -2,13 +2,8 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 
 namespace kavro {
-
-/// `text` with "?" for every character outside 32 to 126: what a module sends, made harmless to a terminal
-/// and of the same width.
-std::string Printable(std::string_view text);
 
 /// Writes to standard output at once. False when it is a pipe that nobody reads any more, which is nothing to
 /// complain of. Throws `RuntimeFailure` when it cannot be written.

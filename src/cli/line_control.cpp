@@ -2,6 +2,7 @@
 
 #include "cli/cli_text.h"
 #include "link/entered_values.h"
+#include "link/printable.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
 #include "sim/module_factory.h"

@@ -2,6 +2,7 @@
 
 #include "cli/cli_text.h"
 #include "link/baud.h"
+#include "link/printable.h"
 #include "link/text.h"
 #include "map/list_line.h"
 
