@@ -3,6 +3,7 @@
 #include "app/module_dialogs.h"
 #include "diag/monitor_form.h"
 #include "link/network_address.h"
+#include "ports/check_json.h"
 #include "ports/map_reader.h"
 #include "ports/preferences_file.h"
 #include "ports/replace_file.h"
@@ -60,7 +61,9 @@ DialogOpeners Program::Openers() {
     };
     openers.Monitor = [this](QWidget* parent) { MonitorForm(session_, messages_, parent).exec(); };
     openers.Traffic = [this] { ShowTraffic(); };
-    openers.LineCheck = [this](QWidget* parent) { LineCheckForm(session_, messages_, parent).exec(); };
+    openers.LineCheck = [this](QWidget* parent) {
+        LineCheckForm(session_, messages_, parent, CheckJson).exec();
+    };
     openers.Listen = [this](QWidget* parent) {
         const bool rateIsFixed = RateIsFixed(registry_.Device(session_.Line.CurrentPort));
         ListenForm(session_, messages_, rateIsFixed, parent).exec();

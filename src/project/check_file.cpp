@@ -14,8 +14,9 @@ constexpr int MostCommands = 2'000'000'000;
 const JsonNode& ListIn(const JsonNode& root, std::string_view name) {
     const JsonNode* const list = root.Member(name);
     if (!list || list->Is != JsonNode::Kind::List)
-        FailAt(list ? *list : root, "this is no line check, which has a list \"" + std::string(name) +
-                                        "\". kavroctl check --json prints one.");
+        FailAt(list ? *list : root,
+               "this is no line check, which has a list \"" + std::string(name) +
+                   "\". Network > Line Check saves one as JSON, and kavroctl check --json prints one.");
     return *list;
 }
 

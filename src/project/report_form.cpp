@@ -43,7 +43,7 @@ ReportForm::ReportForm(const Session& session, Messages& messages, const ReportF
     file_ = AddEntry("LineFile", "&Line file:", offered.Path);
     AddBrowse(*file_, "LineFileBtn", "Line File", "Line Files");
     check_ = AddEntry("LineCheck", "Line &check (optional):", {});
-    check_->setPlaceholderText("A file of kavroctl check --json");
+    check_->setPlaceholderText("Saved as JSON by Network > Line Check");
     AddBrowse(*check_, "LineCheckBtn", "Line Check", "Line Checks");
     person_ = AddEntry("Person", "Pe&rson:", offered.Person);
     saved_ = Named(new QLabel, "Saved", {});

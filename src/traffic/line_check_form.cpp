@@ -25,6 +25,8 @@
 #include <QSpinBox>
 #include <QVBoxLayout>
 
+#include <utility>
+
 namespace kavro {
 
 namespace {
@@ -39,8 +41,8 @@ constexpr const char* StageTexts[] = {"Listening whether others talk on the line
 
 } // namespace
 
-LineCheckForm::LineCheckForm(Session& session, Messages& messages, QWidget* parent)
-    : QDialog(parent), session_(session), messages_(messages) {
+LineCheckForm::LineCheckForm(Session& session, Messages& messages, QWidget* parent, Json json)
+    : QDialog(parent), session_(session), messages_(messages), json_(std::move(json)) {
     setObjectName("LineCheckForm");
     setWindowTitle("Line Check");
     setWindowFlag(Qt::WindowMaximizeButtonHint);
@@ -105,6 +107,7 @@ QFormLayout* LineCheckForm::BuildProgress() {
 QBoxLayout* LineCheckForm::BuildButtons() {
     reports_ = {Button("SaveTextBtn", "Save &report...", &LineCheckForm::SaveTextBtn_Click),
                 Button("SavePdfBtn", "Save as &PDF...", &LineCheckForm::SavePdfBtn_Click),
+                Button("SaveJsonBtn", "Save as &JSON...", &LineCheckForm::SaveJsonBtn_Click),
                 Button("CopyBtn", "&Copy", &LineCheckForm::CopyBtn_Click)};
     auto* exit = Named(new QPushButton("E&xit"), "ExitBtn", "Exit");
     exit->setAutoDefault(false);
@@ -239,6 +242,13 @@ void LineCheckForm::SavePdfBtn_Click() {
                                          .Details = Details(),
                                          .Heading = lines.first(),
                                          .Lines = lines.mid(1)}));
+}
+
+void LineCheckForm::SaveJsonBtn_Click() {
+    const QString path = ChooseSaveFile(
+        this, {.Title = "Save Report", .Kind = "JSON Files", .Suffix = "json", .Name = "line-check.json"});
+    if (!path.isEmpty())
+        session_.ReplaceFile(path.toStdString(), json_(check_->Result(), findings_));
 }
 
 void LineCheckForm::CopyBtn_Click() {

@@ -6,7 +6,9 @@
 #include <QDialog>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
+#include <string>
 
 class QBoxLayout;
 class QFormLayout;
@@ -24,7 +26,10 @@ class CheckTable;
 /// the close button end the check before the next command; the window goes when it has ended.
 class LineCheckForm : public QDialog {
 public:
-    LineCheckForm(Session& session, Messages& messages, QWidget* parent);
+    /// A line check as JSON.
+    using Json = std::function<std::string(const LineCheckResult&, const std::vector<LineFinding>&)>;
+
+    LineCheckForm(Session& session, Messages& messages, QWidget* parent, Json json);
 
     void reject() override; // Escape and the close button
 
@@ -40,6 +45,7 @@ private:
     void StopBtn_Click();
     void SaveTextBtn_Click();
     void SavePdfBtn_Click();
+    void SaveJsonBtn_Click();
     void CopyBtn_Click();
 
     void ShowRunning(bool running);
@@ -50,6 +56,7 @@ private:
 
     Session& session_;
     Messages& messages_;
+    Json json_;
     std::unique_ptr<LineCheck> check_;
     std::vector<LineFinding> findings_; // of the check that has ended
     bool running_ = false;

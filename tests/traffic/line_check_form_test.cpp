@@ -1,6 +1,8 @@
 #include "traffic/line_check_form.h"
 
 #include "map/search.h"
+#include "ports/check_json.h"
+#include "project/check_file.h"
 #include "support/form_driver.h"
 #include "terminal/test_folder.h"
 
@@ -19,7 +21,7 @@ struct CheckedForm : SimulatedSession {
         EnableBaudCodes(Session, {3});
         Session.SearchHighAddress = 3;
         NetworkSearch(Session, {}).Run();
-        Form = std::make_unique<LineCheckForm>(Session, Messages, nullptr);
+        Form = std::make_unique<LineCheckForm>(Session, Messages, nullptr, CheckJson);
         Form->show();
         Find<QSpinBox>(*Form, "Passes").setValue(6);
     }
@@ -55,6 +57,9 @@ TEST(LineCheckForm, ShowsTheModulesAndWhatIsWrongAndSavesIt) {
     Click(*test.Form, "CopyBtn");
     EXPECT_TRUE(text.ends_with("\n\n" + QApplication::clipboard()->text().toStdString()));
     EXPECT_TRUE(test.Saved("SavePdfBtn", folder.Path("report.pdf")).starts_with("%PDF"));
+    const SavedCheck check = ReadCheckText(test.Saved("SaveJsonBtn", folder.Path("check.json")));
+    EXPECT_EQ(std::pair(check.Modules.at(1).Silent, check.Findings.at(0).Address),
+              std::pair(6, std::optional(2)));
     EXPECT_TRUE(test.Messages.Shown.empty());
 }
 
