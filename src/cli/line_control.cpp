@@ -1,6 +1,5 @@
 #include "cli/line_control.h"
 
-#include "cli/cli_text.h"
 #include "link/entered_values.h"
 #include "link/printable.h"
 #include "link/runtime_failure.h"

@@ -84,7 +84,7 @@ TEST(LineCheckForm, TellsOnceThatThePortIsGone) {
     EXPECT_EQ(test.Messages.Shown.size(), 1U);
     EXPECT_TRUE(Contains(test.Findings(), "No module was asked."));
     test.Session.ModuleCount = 0;
-    LineCheckForm empty(test.Session, test.Messages, nullptr);
+    LineCheckForm empty(test.Session, test.Messages, nullptr, CheckJson);
     ExpectUsable(empty, {"StartBtn"}, false);
 }
 
