@@ -54,9 +54,9 @@ TEST(LineReport, ADamagedCheckIsToldWithItsLine) {
     std::string wrong = Check;
     wrong.replace(wrong.find("\"foreign\""), 9, "7");
     const std::pair<std::string, const char*> cases[] = {
-        {wrong, "\": line 6: \"finding\" must be a text."},
-        {"{\n\"modules\": 1}", "line 2: this is no line check"},
-        {"[1,\n", "line 2: "}};
+        {wrong, "used: line 6: \"finding\" must be a text."},
+        {"{\n\"modules\": 1}", "used: line 2: this is no line check"},
+        {"[1,\n", "used: line 2: "}};
     for (const auto& [text, piece] : cases) {
         const std::string path = folder.Write("check", text);
         EXPECT_TRUE(Contains(FailureText([&] { LoadCheck(path); }), piece));
