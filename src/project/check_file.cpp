@@ -60,10 +60,12 @@ SavedFinding ReadFinding(const JsonNode& node) {
 
 SavedCheck ReadCheckText(const std::string& text) {
     const JsonNode root = ReadJson(text);
+    // First what a line file does not have, so that one is told from a damaged check.
+    const JsonNode& findings = ListIn(RequireObject(root), "findings");
     SavedCheck check;
-    for (const JsonNode& node : ListIn(RequireObject(root), "modules").Within)
+    for (const JsonNode& node : ListIn(root, "modules").Within)
         check.Modules.push_back(ReadModule(node));
-    for (const JsonNode& node : ListIn(root, "findings").Within)
+    for (const JsonNode& node : findings.Within)
         check.Findings.push_back(ReadFinding(node));
     return check;
 }

@@ -55,7 +55,7 @@ TEST(LineReport, ADamagedCheckIsToldWithItsLine) {
     wrong.replace(wrong.find("\"foreign\""), 9, "7");
     const std::pair<std::string, const char*> cases[] = {
         {wrong, "used: line 6: \"finding\" must be a text."},
-        {"{\n\"modules\": 1}", "used: line 2: this is no line check"},
+        {"{\n\"findings\": 1}", "used: line 2: this is no line check"},
         {"[1,\n", "used: line 2: "}};
     for (const auto& [text, piece] : cases) {
         const std::string path = folder.Write("check", text);

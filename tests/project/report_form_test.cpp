@@ -5,6 +5,8 @@
 #include "support/form_driver.h"
 #include "support/full_disk.h"
 
+#include <QMessageBox>
+
 namespace kavro {
 namespace {
 
@@ -32,10 +34,16 @@ TEST(ReportForm, SavesBothKindsAndTellsWhatWentWrong) {
                     nullptr);
     form.show();
     const auto save = [&](const char* button, const std::string& name) {
-        DialogDriver driver({{"SaveDialog", [&](QDialog& dialog) {
-                                  Find<QLineEdit>(dialog, "fileNameEdit").setText(disk.Path(name).c_str());
-                                  dialog.accept();
-                              }}});
+        std::vector<DialogDriver::Step> steps = {
+            {"SaveDialog", [&](QDialog& dialog) {
+                 Find<QLineEdit>(dialog, "fileNameEdit").setText(disk.Path(name).c_str());
+                 dialog.accept();
+             }}};
+        if (!disk.Read(name).empty())
+            steps.push_back({"", [](QDialog& replace) {
+                                 static_cast<QMessageBox&>(replace).button(QMessageBox::Yes)->click();
+                             }});
+        DialogDriver driver(steps);
         Click(form, button);
         return disk.Read(name);
     };
@@ -45,7 +53,7 @@ TEST(ReportForm, SavesBothKindsAndTellsWhatWentWrong) {
     EXPECT_NE(pdf.find("/Count 3"), std::string::npos);
     EXPECT_TRUE(test.Messages.Shown.empty());
     disk.Fill();
-    EXPECT_EQ(save("SavePdfBtn", "b.pdf"), "") << "never half a file";
+    EXPECT_TRUE(save("SavePdfBtn", "a.pdf") == pdf) << "never half a file";
     disk.MakeRoom();
     Find<QLineEdit>(form, "LineCheck").setText(file.c_str());
     Click(form, "SaveHtmlBtn");
