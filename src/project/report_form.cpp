@@ -42,8 +42,8 @@ ReportForm::ReportForm(const Session& session, Messages& messages, const ReportF
     entries_ = new QGridLayout;
     file_ = AddEntry("LineFile", "&Line file:", offered.Path);
     AddBrowse(*file_, "LineFileBtn", "Line File", "Line Files");
-    check_ = AddEntry("LineCheck", "Line &check (optional):", {});
-    check_->setPlaceholderText("Saved as JSON by Network > Line Check");
+    check_ = AddEntry("LineCheck", "Line &check (JSON, optional):", {});
+    check_->setToolTip("Network > Line Check saves one as JSON.");
     AddBrowse(*check_, "LineCheckBtn", "Line Check", "Line Checks");
     person_ = AddEntry("Person", "Pe&rson:", offered.Person);
     saved_ = Named(new QLabel, "Saved", {});
