@@ -70,7 +70,9 @@ Settings AlarmInputNames(AlarmInputConfig& settings, const Subject& subject) {
     const NumberBounds bounds = {-9999, 9999, 4, "a number within the full scale of the range"};
     const auto limit = [&settings, &bounds](const std::string& name, std::string& text) {
         NamedSetting setting = NumberSetting(name, text, bounds);
-        setting.Sent = [&settings, &text] { return FormatReading(text, settings.InputRange); };
+        setting.Sent = [&settings, &text] { // of no module yet it is empty, which counts as 0
+            return FormatReading(text.empty() ? "0" : text, settings.InputRange);
+        };
         return setting;
     };
     return {
