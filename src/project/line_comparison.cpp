@@ -1,5 +1,6 @@
 #include "project/line_comparison.h"
 
+#include "map/module_access.h"
 #include "project/find_modules.h"
 #include "project/saved_config.h"
 
@@ -74,6 +75,17 @@ std::vector<LineDifference> DifferencesBetween(const SavedModule& file, const Sa
         if (!taken || !SameValue(*left, *right))
             differences.push_back({saved.Name, Shown(*left, saved.Value), Shown(*right, *value), left->When});
     }
+    return differences;
+}
+
+std::vector<LineDifference> AllDifferences(const SavedModule& file, const SavedModule& line) {
+    std::vector<LineDifference> differences = DifferencesBetween(file, line);
+    const auto shown = [](std::int16_t address) {
+        return ShownValue{static_cast<double>(address), ShownAddress(address)};
+    };
+    if (file.Address != line.Address)
+        differences.insert(differences.begin(),
+                           {"address", shown(file.Address), shown(line.Address), Writable::Initialising});
     return differences;
 }
 

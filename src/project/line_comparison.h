@@ -47,4 +47,7 @@ ModuleComparison Compared(const SavedModule& file, const ModuleReading& line);
 /// What differs between a module of a file and one that was read, both of one model.
 std::vector<LineDifference> DifferencesBetween(const SavedModule& file, const SavedModule& line);
 
+/// The same with the address in front, of a module that is to get it in its initialisation state.
+std::vector<LineDifference> AllDifferences(const SavedModule& file, const SavedModule& line);
+
 } // namespace kavro

@@ -81,15 +81,15 @@ struct Writer {
     }
 
     // Reads the module and what it has otherwise; nothing, with the reason told, when it cannot be read.
-    std::optional<NamedConfig> Read(std::vector<LineDifference>& differences, bool& otherAddress) {
+    std::optional<NamedConfig> Read(std::vector<LineDifference>& differences) {
         auto config = ReadPatiently();
         if (!config || IsOtherModel())
             return std::nullopt;
         const SavedModule present = SavedModuleOf(Work.Session.ModuleTable[0], *config);
-        Written.NotTaken = DifferencesBetween(Target.Wanted, present);
+        Written.NotTaken = InInitialisation() ? AllDifferences(Target.Wanted, present)
+                                              : DifferencesBetween(Target.Wanted, present);
         differences = Written.NotTaken;
         std::erase_if(differences, [&](const LineDifference& each) { return !CanBeWritten(each); });
-        otherAddress = InInitialisation() && present.Address != Target.Wanted.Address;
         return config;
     }
 
@@ -98,16 +98,15 @@ struct Writer {
         int unchanged = 0; // rounds in a row
         for (int round = 0; round < MostRounds; ++round) {
             std::vector<LineDifference> differences;
-            bool otherAddress = false;
-            auto config = Read(differences, otherAddress);
+            auto config = Read(differences);
             Written.Readable = config.has_value();
-            if (!config || (differences.empty() && !otherAddress))
+            if (!config || differences.empty())
                 return;
             unchanged = round > 0 && SameSettings(differences, before) ? unchanged + 1 : 0;
             if (unchanged == MostUnchanged)
                 return; // it does not take them
             before = differences;
-            Write(*config, differences, otherAddress);
+            Write(*config, differences);
         }
     }
 
@@ -116,11 +115,9 @@ struct Writer {
         return std::ranges::equal(left, right, {}, &LineDifference::Setting, &LineDifference::Setting);
     }
 
-    void Write(NamedConfig& config, const std::vector<LineDifference>& differences, bool otherAddress) {
+    void Write(NamedConfig& config, const std::vector<LineDifference>& differences) {
         Take(config, differences, Told);
         Unlock(config, differences);
-        if (otherAddress)
-            TakeValue(*FindSetting(config, "address"), static_cast<double>(Target.Wanted.Address));
         Written.Sent = true;
         Around(Target.Wanted.Address, [&] { WriteConfig(Work.Session, config, Told); });
     }
