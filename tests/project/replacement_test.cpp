@@ -1,0 +1,174 @@
+#include "project/replacement.h"
+
+#include "config/config_exchange.h"
+#include "link/text.h"
+#include "map/kept_list.h"
+#include "sim/module_factory.h"
+#include "support/test_session.h"
+
+#include <gtest/gtest.h>
+
+namespace kavro {
+namespace {
+
+constexpr const char* AllModels[] = {"8210", "8220", "8230", "8240", "8250", "8260", "8310",
+                                     "8320", "8410", "8420", "8430", "8440", "8450", "8460",
+                                     "8470", "8480", "8490", "8510", "8610", "8620"};
+
+// Each setting of each model takes one of them that it does not have from the factory.
+constexpr const char* Values[] = {"19200", "frequency", "on",  "0,2", "latch", "0", "1",
+                                  "2",     "7",         "0.5", "08",  "09",    "32"};
+
+// A dead module at an address and a new one of a model in its initialisation state.
+struct Replacing : SimulatedSession {
+    explicit Replacing(const char* model, int address = 5)
+        : Old(Line.Add(MakeModule(model, address))), New(Line.Add(MakeModule(FactorySettings(model)))) {
+        Old.PowerDown();
+        New.PowerUp(PowerOn::Initialising);
+        Line.Log = [this](const LineEvent& event) {
+            if (!event.Reply.empty())
+                Heard.push_back(event.Command);
+            if (static_cast<int>(Heard.size()) == UnplugAt)
+                Line.Unplug();
+        };
+        Saved = FindNewModule(Work, {}).Reading.Module;
+        Saved.Address = static_cast<std::int16_t>(address);
+        Heard.clear();
+    }
+
+    // Every setting of the file becomes another one than a module leaves the factory with.
+    void ChangeAll() {
+        NamedConfig config = BlankConfig(Saved.Model);
+        const bool one = Saved.Model == "8230" || Saved.Model == "8320"; // has one range and one format
+        for (SavedSetting& saved : Saved.Settings)
+            EXPECT_TRUE((one && (saved.Name == "range" || saved.Name == "format")) ||
+                        std::ranges::any_of(Values,
+                                            [&](const char* value) {
+                                                NamedSetting& setting = *FindSetting(config, saved.Name);
+                                                const SettingValue before = saved.Value;
+                                                if (FailureText([&] { setting.Take(value); }).empty())
+                                                    saved.Value = setting.Value();
+                                                return saved.Value != before;
+                                            }))
+                << Saved.Model << saved.Name;
+    }
+
+    RecordedMessages Told;
+    LineWork Work{Session, {Told, {"kavroctl", "kavroctl send", "kavroctl search"}}};
+    SimulatedModule &Old, &New;
+    SavedModule Saved;
+    Lines Heard; // commands that were answered
+    int UnplugAt = -1;
+};
+
+TEST(Replacement, GivesEveryModelItsSettings) {
+    for (const char* const model : AllModels) {
+        Replacing test(model);
+        test.ChangeAll();
+        EXPECT_EQ(PlaceTaken(test.Work, test.Saved), "");
+        const NewModule found = FindNewModule(test.Work, test.Saved);
+        EXPECT_EQ(found.Refusal, "") << model;
+        EXPECT_EQ(found.Coming.front().Setting, "address");
+        const WrittenModule written = WriteReplacement(test.Work, test.Saved, found.Reading);
+        EXPECT_TRUE(written.AsWanted()) << model << testing::PrintToString(written.Told);
+        for (const LineDifference& each : written.NotTaken)
+            ADD_FAILURE() << model << " " << each.Setting << " " << each.File.Text << " " << each.Line.Text;
+        EXPECT_FALSE(LookAtReplacement(test.Work, test.Saved));
+        test.New.PowerUp();
+        const auto result = LookAtReplacement(test.Work, test.Saved);
+        ASSERT_TRUE(result) << model;
+        EXPECT_TRUE(result->Same()) << model;
+        EXPECT_EQ(test.New.Settings.Baud, 19200);
+        EXPECT_TRUE(test.New.Settings.Checksum);
+    }
+}
+
+TEST(Replacement, RefusesBeforeAnythingIsWritten) {
+    const std::tuple<void (*)(Replacing&), const char*> cases[] = {
+        {[](Replacing& test) { test.Old.PowerUp(); }, "A module 8250 answers at address 5 (05H) already."},
+        {[](Replacing& test) {
+             test.Old.Settings.Baud = 115200;
+             test.Old.Settings.Checksum = true;
+             test.Old.PowerUp();
+         },
+         "A module 8250 answers at address 5 (05H) already."},
+        {[](Replacing& test) { test.New.PowerDown(); }, "No module answers in its initialisation state."},
+        {[](Replacing& test) { test.Saved.Model = "8260"; },
+         "The new module is a 8250, the file has a 8260 at address 5 (05H)."},
+        {[](Replacing& test) { test.New.Settings.Address = 5; }, ""}};
+    for (const auto& [change, piece] : cases) {
+        Replacing test("8250");
+        change(test);
+        std::string refusal = PlaceTaken(test.Work, test.Saved);
+        if (refusal.empty())
+            refusal = FindNewModule(test.Work, test.Saved).Refusal;
+        EXPECT_TRUE(Contains(refusal, piece));
+        EXPECT_EQ(refusal.empty(), *piece == '\0') << refusal;
+        for (const std::string& command : test.Heard)
+            EXPECT_TRUE(Contains("26MF", command.substr(3, 1)) && command[0] == '$') << command;
+    }
+    SavedModule saved = Replacing("8250").Saved;
+    EXPECT_EQ(NotReplaceable(saved) + KeptSettings(saved), "");
+    std::swap(saved.Settings.front(), saved.Settings.back()); // the baud rate goes last
+    const SavedSetting baud = saved.Settings.back();
+    saved.Settings.pop_back();
+    EXPECT_TRUE(Contains(NotReplaceable(saved), "does not tell how it is spoken to"));
+    saved.Settings.front() = baud;
+    EXPECT_TRUE(Contains(KeptSettings(saved), "The file does not tell channels of the 8250 at address 5"));
+    saved.Model = "8999";
+    EXPECT_TRUE(Contains(NotReplaceable(saved), "has no settings that can be written"));
+    saved.Address = 0;
+    EXPECT_TRUE(Contains(NotReplaceable(saved), "at address 0 it could not be told"));
+}
+
+// Pulled out before any of its commands, another run brings it to its end; noise is gone through.
+TEST(Replacement, IsFinishedByAnotherRunWhereverItEnds) {
+    Replacing whole("8510");
+    whole.ChangeAll();
+    const auto write = [](Replacing& test) {
+        const NewModule found = FindNewModule(test.Work, test.Saved);
+        return WriteReplacement(test.Work, test.Saved, found.Reading).AsWanted();
+    };
+    ASSERT_TRUE(write(whole));
+    for (int command = 1; command < static_cast<int>(whole.Heard.size()); command += 3) {
+        Replacing test("8510");
+        test.ChangeAll();
+        test.UnplugAt = command;
+        EXPECT_NE(FailureText([&] { write(test); }), "") << command;
+        test.Line.Plug();
+        test.Session.Line.CommPort(1).PortOpen(false);
+        test.Session.Line.CommPort(1).PortOpen(true);
+        test.UnplugAt = -1;
+        EXPECT_EQ(PlaceTaken(test.Work, test.Saved), "");
+        EXPECT_TRUE(write(test)) << command;
+        test.New.PowerUp();
+        EXPECT_TRUE(LookAtReplacement(test.Work, test.Saved)->Same()) << command;
+    }
+}
+
+TEST(Replacement, NeitherLosesARefusedAddressNorAnEntryOfTheList) {
+    Replacing test("8410");
+    test.New.CommandFaults = [](std::string_view command) {
+        return Faults{.Silent = command.starts_with("%")};
+    };
+    const NewModule found = FindNewModule(test.Work, test.Saved);
+    const WrittenModule written = WriteReplacement(test.Work, test.Saved, found.Reading);
+    EXPECT_FALSE(written.AsWanted());
+    EXPECT_EQ(written.NotTaken.front().Setting, "address");
+
+    test.Session.ModuleTable[0] = {.Address = 5, .Model = "8410  ", .Answers = false};
+    test.Session.ModuleTable[1] = {.Address = 1, .Model = "8410  "};
+    test.Session.ModuleCount = 2;
+    test.Session.ScanIndex = 1;
+    test.Session.Device = {"old", "new"};
+    TakeIntoList(test.Session, {.Address = 5, .Model = "8410  ", .BaudCode = 4});
+    EXPECT_TRUE(test.Session.ModuleTable[0].Answers && !test.Session.ModuleTable[1].Answers);
+    TakeIntoList(test.Session, {.Address = 9, .Model = "8410  "});
+    EXPECT_EQ(test.Session.ModuleCount, 3);
+    EXPECT_EQ(test.Session.Device.size(), 3U);
+    EXPECT_TRUE(Contains(test.Session.Device[0], "19200"));
+    EXPECT_EQ(test.Session.ScanIndex, -1);
+}
+
+} // namespace
+} // namespace kavro
