@@ -12,6 +12,7 @@
 #include "cli/output_command.h"
 #include "cli/read_command.h"
 #include "cli/report_command.h"
+#include "cli/replace_command.h"
 #include "cli/restore_command.h"
 #include "cli/search_command.h"
 #include "cli/subcommand.h"
@@ -46,6 +47,7 @@ constexpr Subcommand Subcommands[] = {
     {"compare", "Compare a line with its file.", 1, AddCompareOptions, PrepareCompare},
     {"restore", "Write the settings of a file back to the line.", 1, AddRestoreOptions, PrepareRestore},
     {"report", "Write the commissioning report of a line from its file.", 2, AddReportOptions, PrepareReport},
+    {"replace", "Give a new module the settings of a dead one.", 2, AddReplaceOptions, PrepareReplace},
     {"output", "Drive outputs of a module.", INT_MAX, AddOutputOptions, PrepareOutput},
     {"listen", "Show what another master says, and send nothing.", 0, AddListenOptions, PrepareListen},
     {"traffic", "Print a recording of a line in words.", 1, AddTrafficOptions, PrepareTraffic, false},
