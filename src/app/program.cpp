@@ -10,6 +10,7 @@
 #include "ports/settings_folder.h"
 #include "ports/user_name.h"
 #include "project/report_form.h"
+#include "project/replace_form.h"
 #include "sim/demo_line.h"
 #include "sim/simulated_port.h"
 #include "terminal/terminal_form.h"
@@ -69,6 +70,7 @@ DialogOpeners Program::Openers() {
         ListenForm(session_, messages_, rateIsFixed, parent).exec();
     };
     openers.Report = [this](QWidget* parent) { ShowReport(parent); };
+    openers.Replace = [this](QWidget* parent) { ReplaceForm(session_, messages_, parent).exec(); };
     openers.ReadMap = ReadMapFile;
     return openers;
 }

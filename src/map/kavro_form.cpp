@@ -289,6 +289,13 @@ void KavroForm::ShowTags() {
     status_->ShowLineFile();
 }
 
+void KavroForm::Replace() {
+    openers_.Replace(this);
+    const QSignalBlocker keepsSelectedModule(device_);
+    device_->ShowAll();
+    SelectLine();
+}
+
 void KavroForm::OpenModuleDialog(Operation operation) {
     const Dispatch dispatch = DispatchModule(session_, operation);
     if (*dispatch.Message)

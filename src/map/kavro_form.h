@@ -35,6 +35,8 @@ struct DialogOpeners {
     std::function<void(QWidget* parent)> LineCheck = [](QWidget*) {};
     std::function<void(QWidget* parent)> Listen = [](QWidget*) {};
     std::function<void(QWidget* parent)> Report = [](QWidget*) {};
+    /// May add an entry to the list, or change one.
+    std::function<void(QWidget* parent)> Replace = [](QWidget*) {};
     /// Reads a map file. Throws `RuntimeFailure` when it is none.
     std::function<ModuleMap(const std::string& path)> ReadMap = [](const std::string&) {
         return ModuleMap{};
@@ -95,6 +97,7 @@ private:
     void Diagnostic();
     void Calibration();
     void Tags();
+    void Replace();
     void About();
     void Help();
 

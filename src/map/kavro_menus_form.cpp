@@ -29,6 +29,7 @@ void KavroForm::BuildMenus() {
     AddItem(*operation, "mnuDiagnostic", "&Diagnostic...", &KavroForm::Diagnostic);
     AddItem(*operation, "mnuCalibration", "C&alibration...", &KavroForm::Calibration);
     AddItem(*operation, "mnuTags", "Ta&gs...", &KavroForm::Tags, Qt::Key_F2);
+    AddItem(*operation, "mnuReplace", "&Replace Module...", &KavroForm::Replace);
     device_->addActions(operation->actions());
     auto* about = menuBar()->addAction("&About!");
     about->setObjectName("mnuAbout");

@@ -55,14 +55,14 @@ TEST(ReplaceCommand, TellsInWhatStateTheModuleIsHoweverItEnds) {
 TEST(ReplaceCommand, NeedsAFileAndOneOfItsModules) {
     const TestFolder folder;
     LineFile file;
-    file.Modules = {{5, "8250", ""}, {6, "8410", ""}};
+    file.Modules = {{5, "8250", "", {}, {}, {{"baud", 9600.0}, {"checksum", false}}}, {6, "8410", ""}};
     const std::string text = LineFileText(file);
     const QString good = QString::fromStdString(folder.Write("a", text));
     const QString damaged = QString::fromStdString(folder.Write("b", text.substr(0, text.size() / 2)));
     ExpectWrongUse(
         {{{"replace", good}, "Give the address of the dead module"},
          {{"replace", good, "7"}, "no module at address 7 (07H), it has 5 (05H) 8250, 6 (06H) 8410."},
-         {{"replace", good, "5"}, "does not tell how it is spoken to"},
+         {{"replace", good, "6"}, "does not tell how it is spoken to"},
          {{"replace", good, "5", "--wait", "0"}, "a time in seconds"},
          {{"replace", damaged, "5"}, "line "}});
 }
