@@ -89,6 +89,35 @@ open() {
     sleep 1.2
 }
 
+# The steps of a replacement: nothing answers at address 21 of the demo line, and its 8250 at 22 is in its
+# initialisation state.
+replace_windows() {
+    cat >"$work/hall.kavro.json" <<'LINE'
+{"format": "kavro-line", "version": 1, "name": "Hall", "modules": [
+  {"address": 1, "model": "8210", "settings": {"baud": 9600, "checksum": false}},
+  {"address": 21, "model": "8250", "tag": "TT-101",
+   "settings": {"baud": 19200, "checksum": true, "range": "0A", "channels": [0, 1, 2]}}]}
+LINE
+    begin
+    open r
+    press alt+o
+    xdotool type "$work/hall.kavro.json"
+    press Return
+    sleep 2
+    shot "replace-step-1$1"
+    press alt+n
+    sleep 14
+    shot "replace-step-2$1"
+    press alt+n
+    sleep 2
+    shot "replace-step-3$1"
+    press alt+w
+    sleep 4
+    shot "replace-step-4$1"
+    press Escape
+    finish
+}
+
 # The windows of the whole line; SUFFIX tells light from dark.
 line_windows() {
     begin
@@ -181,6 +210,8 @@ calibration_steps() {
 mkdir -p "$shots"
 line_windows ""
 module_windows ""
+replace_windows ""
 dark_theme
 line_windows "-dark"
+replace_windows "-dark"
 [ "$shots" = "$documents" ] || module_windows "-dark"
