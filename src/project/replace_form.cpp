@@ -9,7 +9,7 @@
 #include "ui/named.h"
 #include "ui/usable.h"
 
-#include <QFormLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
@@ -125,6 +125,7 @@ QBoxLayout* ReplaceForm::BuildButtons() {
     back_ = Button("BackBtn", "< &Back", &ReplaceForm::BackBtn_Click);
     next_ = Button("NextBtn", "&Next >", &ReplaceForm::NextBtn_Click);
     next_->setDefault(true);
+    next_->installEventFilter(this);
     auto* exit = Named(new QPushButton("E&xit"), "ExitBtn", "Exit");
     exit->setAutoDefault(false);
     connect(exit, &QPushButton::clicked, this, [this] { reject(); });
@@ -149,6 +150,15 @@ void ReplaceForm::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (!std::exchange(shown_, true) && !file_.Modules.empty())
         QTimer::singleShot(FirstPaintMs, this, [this] { Operate(&ReplaceForm::SilentBtn_Click); });
+}
+
+// One step at a time: the second half of a double click, or a key held down, must not write what nobody has
+// seen.
+bool ReplaceForm::eventFilter(QObject* watched, QEvent* event) {
+    bool again = event->type() == QEvent::MouseButtonDblClick;
+    if (event->type() == QEvent::KeyPress)
+        again = static_cast<const QKeyEvent&>(*event).isAutoRepeat();
+    return again || QDialog::eventFilter(watched, event);
 }
 
 void ReplaceForm::Load(const std::string& path) {
@@ -269,6 +279,7 @@ void ReplaceForm::AskForSettings() {
 // It is read anew: it may have been exchanged, or have a part of the settings from a try before.
 void ReplaceForm::Write() {
     WrittenModule written;
+    ShowFoot("The new module is being written. It stays in its initialisation state meanwhile.");
     const bool ended = Work([&](const LineWork& work) {
         work.Progress("Writing the new " + saved_.Model, 0, 0);
         found_ = FindNewModule(work, saved_);
