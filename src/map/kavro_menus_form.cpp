@@ -29,8 +29,8 @@ void KavroForm::BuildMenus() {
     AddItem(*operation, "mnuDiagnostic", "&Diagnostic...", &KavroForm::Diagnostic);
     AddItem(*operation, "mnuCalibration", "C&alibration...", &KavroForm::Calibration);
     AddItem(*operation, "mnuTags", "Ta&gs...", &KavroForm::Tags, Qt::Key_F2);
-    AddItem(*operation, "mnuReplace", "&Replace Module...", &KavroForm::Replace);
     device_->addActions(operation->actions());
+    AddItem(*operation, "mnuReplace", "&Replace Module...", &KavroForm::Replace);
     auto* about = menuBar()->addAction("&About!");
     about->setObjectName("mnuAbout");
     connect(about, &QAction::triggered, this, [this] { Run(&KavroForm::About); });
