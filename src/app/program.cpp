@@ -3,12 +3,15 @@
 #include "app/module_dialogs.h"
 #include "diag/monitor_form.h"
 #include "link/network_address.h"
+#include "link/runtime_failure.h"
 #include "ports/check_json.h"
 #include "ports/map_reader.h"
 #include "ports/preferences_file.h"
 #include "ports/replace_file.h"
 #include "ports/settings_folder.h"
 #include "ports/user_name.h"
+#include "project/line_file_operations_form.h"
+#include "project/open_line_file.h"
 #include "project/replace_form.h"
 #include "project/report_form.h"
 #include "sim/demo_line.h"
@@ -71,6 +74,10 @@ DialogOpeners Program::Openers() {
     };
     openers.Report = [this](QWidget* parent) { ShowReport(parent); };
     openers.Replace = [this](QWidget* parent) { ReplaceForm(session_, messages_, parent).exec(); };
+    openers.BackUp = [this](QWidget* parent) { BackUpToFile(session_, messages_, parent); };
+    openers.Compare = [this](QWidget* parent) { CompareWithFile(session_, messages_, parent); };
+    openers.Restore = [this](QWidget* parent) { RestoreFromFile(session_, messages_, parent); };
+    openers.CloseLineFile = [this] { CloseLineFile(session_); };
     openers.ReadMap = ReadMapFile;
     return openers;
 }
@@ -106,7 +113,17 @@ void Program::ShowReport(QWidget* parent) {
     ReportForm(session_, messages_, offered, parent).exec();
 }
 
+// Its tags are all that a start without it lacks.
+void Program::ReopenLineFile() {
+    try {
+        kavro::ReopenLineFile(session_);
+    } catch (const RuntimeFailure& failure) {
+        session_.Note = failure.what();
+    }
+}
+
 void Program::Start() {
+    ReopenLineFile();
     // The demo starts on its simulated line, whatever port its settings name.
     form_.Load(options_.Demo ? std::optional(DemoPort) : std::nullopt);
     Guard(messages_, [this] { BeginRecording(); });

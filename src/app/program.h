@@ -30,6 +30,7 @@ public:
 private:
     DialogOpeners Openers();
     void BeginRecording();
+    void ReopenLineFile();
     void ShowTraffic();
     void ShowReport(QWidget* parent);
 

@@ -39,6 +39,11 @@ void DeviceList::ShowAll() {
         InsertEntry(static_cast<int>(index));
 }
 
+void DeviceList::RefreshAll() {
+    for (int index = 0; index < count(); ++index)
+        ShowEntry(index);
+}
+
 void DeviceList::InsertEntry(int index) {
     insertItem(index, QString::fromStdString(ShownLine(session_, index)));
     ShowTag(index);

@@ -20,6 +20,9 @@ public:
     /// Shows the whole list of the session anew; nothing is selected then.
     void ShowAll();
 
+    /// Shows all entries as they are now; selection and place stay.
+    void RefreshAll();
+
     /// Shows an entry that was put in there.
     void InsertEntry(int index);
 

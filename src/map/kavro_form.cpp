@@ -155,6 +155,7 @@ void KavroForm::Load(std::optional<std::int16_t> startPort) {
         ReadPortConfig(session_.Line, session_.ConfigFilePath, startPort, messages_, [this] { ComPort(); });
     });
     running_ = false;
+    operationNote_ = QString::fromStdString(session_.Note);
     UpdateStatus();
 }
 
@@ -210,6 +211,26 @@ void KavroForm::Save() {
     const QString path = ChooseSaveFile(this, {.Title = "Save File", .Kind = "MAP Files", .Suffix = "map"});
     if (!path.isEmpty())
         WriteMapFile(session_, path.toStdString());
+}
+
+void KavroForm::BackUp() {
+    openers_.BackUp(this);
+    device_->RefreshAll(); // its tags are shown
+}
+
+void KavroForm::Compare() {
+    openers_.Compare(this);
+    device_->RefreshAll(); // from there it can be restored
+}
+
+void KavroForm::Restore() {
+    openers_.Restore(this);
+    device_->RefreshAll();
+}
+
+void KavroForm::CloseLineFile() {
+    openers_.CloseLineFile();
+    device_->RefreshAll();
 }
 
 void KavroForm::Print() {
@@ -332,6 +353,7 @@ void KavroForm::Help() {
 
 // What goes on now; else what the last operation and the last search have told.
 void KavroForm::UpdateStatus(const QString& activity) {
+    closeLineFile_->setEnabled(!session_.Tags.Path.empty() || !session_.Preferences.LineFile.empty());
     status_->ShowPort();
     status_->ShowCount(session_.ModuleCount);
     QStringList notes =

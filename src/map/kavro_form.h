@@ -13,6 +13,7 @@
 #include <optional>
 
 class QLabel;
+class QAction;
 class QLayout;
 class QMenu;
 
@@ -37,7 +38,12 @@ struct DialogOpeners {
     std::function<void(QWidget* parent)> Report = [](QWidget*) {};
     /// May add an entry to the list, or change one.
     std::function<void(QWidget* parent)> Replace = [](QWidget*) {};
-    /// Reads a map file. Throws `RuntimeFailure` when it is none.
+    /// The operations on a line file; each asks for the file.
+    std::function<void(QWidget* parent)> BackUp = [](QWidget*) {};
+    std::function<void(QWidget* parent)> Compare = [](QWidget*) {};
+    std::function<void(QWidget* parent)> Restore = [](QWidget*) {};
+    std::function<void()> CloseLineFile = [] {};
+    /// Reads a map file or a line file. Throws `RuntimeFailure` when it is none.
     std::function<ModuleMap(const std::string& path)> ReadMap = [](const std::string&) {
         return ModuleMap{};
     };
@@ -75,11 +81,15 @@ private:
     void Build();
     QLayout* BuildListPlace();
     void BuildMenus();
-    void AddItem(QMenu& menu, const char* name, const char* text, void (KavroForm::*operation)(),
-                 const QKeySequence& shortcut = {});
+    QAction* AddItem(QMenu& menu, const char* name, const char* text, void (KavroForm::*operation)(),
+                     const QKeySequence& shortcut = {});
     void Run(void (KavroForm::*operation)());
 
     void Save();
+    void BackUp();
+    void Compare();
+    void Restore();
+    void CloseLineFile();
     void Print();
     void Report();
     void Exit();
@@ -116,6 +126,7 @@ private:
     QLabel* heading_ = nullptr; // of the list
     DeviceList* device_ = nullptr;
     EmptyListForm* emptyList_ = nullptr;
+    QAction* closeLineFile_ = nullptr;
     std::unique_ptr<MainStatus> status_;
     std::unique_ptr<NetworkOperations> network_;
     QString operationNote_;  // what the last operation has to tell, until the next one begins

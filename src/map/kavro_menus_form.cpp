@@ -12,6 +12,10 @@ void KavroForm::BuildMenus() {
     auto* file = menuBar()->addMenu("&File");
     AddItem(*file, "mnuOpen", "&Open...", &KavroForm::OpenMap, QKeySequence::Open);
     AddItem(*file, "mnuSave", "&Save", &KavroForm::Save, QKeySequence::Save);
+    AddItem(*file, "mnuBackup", "&Back Up Line...", &KavroForm::BackUp);
+    AddItem(*file, "mnuCompare", "Co&mpare with Backup...", &KavroForm::Compare);
+    AddItem(*file, "mnuRestore", "Res&tore...", &KavroForm::Restore);
+    closeLineFile_ = AddItem(*file, "mnuCloseLineFile", "&Close Line File", &KavroForm::CloseLineFile);
     AddItem(*file, "mnuPrint", "&Print", &KavroForm::Print, QKeySequence::Print);
     AddItem(*file, "mnuReport", "&Report...", &KavroForm::Report);
     AddItem(*file, "mnuExit", "E&xit", &KavroForm::Exit, QKeySequence::Quit);
@@ -38,12 +42,13 @@ void KavroForm::BuildMenus() {
     connect(help, &QShortcut::activated, this, [this] { Run(&KavroForm::Help); });
 }
 
-void KavroForm::AddItem(QMenu& menu, const char* name, const char* text, void (KavroForm::*operation)(),
-                        const QKeySequence& shortcut) {
+QAction* KavroForm::AddItem(QMenu& menu, const char* name, const char* text, void (KavroForm::*operation)(),
+                            const QKeySequence& shortcut) {
     auto* action = menu.addAction(text);
     action->setObjectName(name);
     action->setShortcut(shortcut);
     connect(action, &QAction::triggered, this, [this, operation] { Run(operation); });
+    return action;
 }
 
 void KavroForm::Report() {

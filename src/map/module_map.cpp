@@ -5,6 +5,7 @@
 namespace kavro {
 
 void TakeOver(Session& session, const ModuleMap& map) {
+    map.Opened(session);
     session.ModuleTable = map.Table;
     session.ModuleCount = map.Count;
     session.ScanIndex = map.ScanIndex;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 namespace kavro {
 
@@ -8,6 +9,7 @@ namespace kavro {
 struct Preferences {
     bool FastSearch = false;
     std::int16_t AnswerWithin = 30; ///< of the fast search, ms, 5 to 1000
+    std::string LineFile{};         ///< path of the line file that is open; empty: none
 
     bool operator==(const Preferences&) const = default;
 };

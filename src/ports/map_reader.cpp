@@ -7,7 +7,10 @@
 #include "map/map_text.h"
 #include "map/shown_codes.h"
 #include "ports/json_file.h"
+#include "project/open_line_file.h"
 
+#include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 
 #include <optional>
@@ -18,6 +21,8 @@ namespace {
 
 constexpr long long LargestFile = 1'000'000;
 constexpr std::size_t ModelWidth = 6;
+constexpr int LineFileHead = 200; // characters within which such a file says what it is
+constexpr const char* LineFileMark = "\"kavro-line\"";
 
 struct NumberKey {
     const char* Name;
@@ -104,9 +109,25 @@ ModuleMap ReadModules(const QJsonObject& map) {
     return result;
 }
 
+// Also one that is damaged further on, which is told with its line then.
+bool BeginsAsLineFile(const std::string& path) {
+    QFile file(QString::fromStdString(path));
+    return QFileInfo(file).isFile() && file.open(QIODevice::ReadOnly) &&
+           file.read(LineFileHead).contains(LineFileMark);
+}
+
+ModuleMap MapOfLineFile(const std::string& path) {
+    const LineFile file = LoadLineFile(path);
+    ModuleMap map = MapOf(file);
+    map.Opened = [path, file](Session& session) { OpenLineFile(session, path, file); };
+    return map;
+}
+
 } // namespace
 
 ModuleMap ReadMapFile(const std::string& path) {
+    if (path.ends_with(LineFileSuffix) || BeginsAsLineFile(path))
+        return MapOfLineFile(path);
     try {
         const QByteArray content = ReadFileBytes(path, LargestFile);
         const QByteArray trimmed = content.trimmed();

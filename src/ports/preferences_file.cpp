@@ -13,6 +13,7 @@ namespace {
 
 constexpr const char* FastSearchKey = "FastSearch";
 constexpr const char* AnswerWithinKey = "AnswerWithin";
+constexpr const char* LineFileKey = "LineFile";
 constexpr const char* Yes = "true";
 constexpr const char* No = "false";
 
@@ -29,13 +30,15 @@ Preferences ReadPreferences(const std::string& path) {
     const auto answer = CappedNumber(ValueOf(settings, AnswerWithinKey));
     if (answer && *answer >= ShortestAnswerWithinMs && *answer <= LongestAnswerWithinMs)
         preferences.AnswerWithin = static_cast<std::int16_t>(*answer);
+    preferences.LineFile = settings.value(LineFileKey).toString().toStdString();
     return preferences;
 }
 
 void SavePreferences(const std::string& path, const Preferences& preferences) {
-    ReplaceFile(path, WithIniValues(IniText(path, "The settings of the search"),
+    ReplaceFile(path, WithIniValues(IniText(path, "What is remembered for the next start"),
                                     {{FastSearchKey, preferences.FastSearch ? Yes : No},
-                                     {AnswerWithinKey, std::to_string(preferences.AnswerWithin)}}));
+                                     {AnswerWithinKey, std::to_string(preferences.AnswerWithin)},
+                                     {LineFileKey, preferences.LineFile}}));
 }
 
 } // namespace kavro

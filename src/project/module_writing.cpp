@@ -85,6 +85,7 @@ struct Writer {
         auto config = ReadPatiently();
         if (!config || IsOtherModel())
             return std::nullopt;
+        Written.Entry = Work.Session.ModuleTable[0];
         const SavedModule present = SavedModuleOf(Work.Session.ModuleTable[0], *config);
         Written.NotTaken = InInitialisation() ? AllDifferences(Target.Wanted, present)
                                               : DifferencesBetween(Target.Wanted, present);

@@ -20,6 +20,7 @@ struct WrittenModule {
     bool Sent = false;                      ///< something was sent that changes it
     std::vector<LineDifference> NotTaken{}; ///< what it has otherwise than wanted
     std::vector<std::string> Told{};        ///< what was told of it, sentences
+    ModuleRecord Entry{};                   ///< as it was identified last
     bool Readable = false;                  ///< it told everything in the end
 
     bool AsWanted() const { return Readable && NotTaken.empty(); }

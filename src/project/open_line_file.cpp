@@ -27,6 +27,13 @@ void Give(SavedModule& module, const ModuleTags& tags) {
     });
 }
 
+void Remember(Session& session, const std::string& path) {
+    if (session.Preferences.LineFile == path)
+        return;
+    session.Preferences.LineFile = path;
+    session.SavePreferences(session.Preferences);
+}
+
 } // namespace
 
 void ShowTagsOf(Session& session, const std::string& path, const LineFile& file) {
@@ -37,6 +44,21 @@ void ShowTagsOf(Session& session, const std::string& path, const LineFile& file)
         WriteTags(session, path, address, tags);
         session.Tags.Modules[address] = tags;
     };
+}
+
+void OpenLineFile(Session& session, const std::string& path, const LineFile& file) {
+    ShowTagsOf(session, path, file);
+    Remember(session, path);
+}
+
+void ReopenLineFile(Session& session) {
+    if (const std::string path = session.Preferences.LineFile; !path.empty())
+        ShowTagsOf(session, path, LoadLineFile(path));
+}
+
+void CloseLineFile(Session& session) {
+    session.Tags = {};
+    Remember(session, {});
 }
 
 void WriteTags(const Session& session, const std::string& path, std::int16_t address,

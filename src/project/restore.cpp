@@ -1,5 +1,8 @@
 #include "project/restore.h"
 
+#include "link/text.h"
+#include "map/list_line.h"
+
 #include <algorithm>
 
 namespace kavro {
@@ -52,7 +55,8 @@ std::vector<WriteTarget> TargetsOf(const LineComparison& comparison, const Choic
 }
 
 WrittenLine RestoreLine(const LineWork& work, const std::vector<WriteTarget>& targets,
-                        const std::string& path) {
+                        const std::string& path,
+                        const std::function<void(const WrittenModule& module)>& done) {
     WrittenLine written;
     if (targets.empty())
         return written;
@@ -67,9 +71,22 @@ WrittenLine RestoreLine(const LineWork& work, const std::vector<WriteTarget>& ta
             journal.Writing(address, write);
         }));
         journal.Done(target.Wanted.Address, written.back().AsWanted());
+        done(written.back());
     }
     journal.Finish();
     return written;
+}
+
+void TakeIntoList(Session& session, const WrittenModule& written) {
+    for (int index = 0; index < session.ModuleCount && written.Sent; ++index) {
+        ModuleRecord& entry = session.ModuleTable[index];
+        if (entry.Address != written.Wanted.Address || Trim(ShownModel(entry.Model)) != written.Wanted.Model)
+            continue;
+        if (written.Readable)
+            entry = written.Entry;
+        entry.Answers = written.Readable;
+        session.Device.at(static_cast<std::size_t>(index)) = BuildListLine(session, index);
+    }
 }
 
 LineFile FileOf(const CutOffRestore& cutOff) {

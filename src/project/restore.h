@@ -29,9 +29,13 @@ using WrittenLine = std::vector<WrittenModule>;
 
 /// Writes the modules one after the other, with a journal beside the line file at `path`, which is removed
 /// when all were gone through. Throws `RuntimeFailure` when the port or the journal fails, or the user ends
-/// it; the journal then stays.
-WrittenLine RestoreLine(const LineWork& work, const std::vector<WriteTarget>& targets,
-                        const std::string& path);
+/// it; the journal then stays. `done` is told each module when it was gone through.
+WrittenLine RestoreLine(
+    const LineWork& work, const std::vector<WriteTarget>& targets, const std::string& path,
+    const std::function<void(const WrittenModule& module)>& done = [](const WrittenModule&) {});
+
+/// Makes the list's entry of a module that was written what it was read back as.
+void TakeIntoList(Session& session, const WrittenModule& written);
 
 /// A cut off run as a line file, to be compared with the line and gone on with.
 LineFile FileOf(const CutOffRestore& cutOff);

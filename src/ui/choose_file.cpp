@@ -76,6 +76,8 @@ QString ChooseOpenFile(QWidget* parent, const OpenChoice& choice) {
     dialog.setOption(QFileDialog::HideNameFilterDetails);
     const QString patterns = "*." + choice.Suffixes.join(" *.");
     dialog.setNameFilters({QString("%1 (%2) (%2)").arg(choice.Kind, patterns), AllFiles});
+    if (!choice.Path.isEmpty())
+        dialog.selectFile(choice.Path);
     return Chosen(dialog);
 }
 

@@ -30,6 +30,7 @@ struct OpenChoice {
     QString Title;
     QString Kind;         ///< of its first filter, for example "Maps"
     QStringList Suffixes; ///< of that kind
+    QString Path = {};    ///< proposed
 };
 
 /// Shows the dialog `OpenDialog` for a file of one kind, or for any that exists. Empty when it is cancelled.

@@ -1,0 +1,54 @@
+#include "project/restore_text.h"
+
+#include "project/comparison_text.h"
+
+#include <algorithm>
+
+namespace kavro {
+
+namespace {
+
+std::string NotTakenText(const LineDifference& difference) {
+    return difference.Setting + " (wanted " + difference.File.Text + ", has " + difference.Line.Text + ")";
+}
+
+} // namespace
+
+std::string WrittenText(const WrittenModule& module) {
+    const std::string the = "The " + ShownModule(module.Wanted);
+    if (module.AsWanted())
+        return the + (module.Sent ? " took everything." : " has everything already; nothing was sent.");
+    std::string text = the + (module.Readable ? " did not take: " : " could not be read back.");
+    if (module.Readable)
+        for (const LineDifference& each : module.NotTaken)
+            text += (&each == &module.NotTaken.front() ? "" : ", ") + NotTakenText(each);
+    text += module.Readable ? "."
+            : module.Sent   ? " What it has now is not known."
+                            : " Nothing was sent to it.";
+    for (const std::string& told : module.Told)
+        text += " " + told;
+    return text;
+}
+
+std::vector<std::string> WrittenTexts(const WrittenLine& written, const LineComparison& comparison) {
+    const auto taken = static_cast<std::size_t>(std::ranges::count_if(written, &WrittenModule::AsWanted));
+    std::vector<std::string> texts = {std::to_string(taken) + " of " + Counted(written.size(), "module") +
+                                      " took everything that was to be written."};
+    for (const WrittenModule& module : written)
+        texts.push_back(WrittenText(module));
+    for (const ModuleComparison& module : comparison.Modules)
+        if (const std::string text = LeftAloneText(module); !text.empty())
+            texts.push_back(text);
+    return texts;
+}
+
+bool AwaitsInitialisation(const LineComparison& comparison) {
+    return std::ranges::any_of(comparison.Modules, [](const ModuleComparison& module) {
+        return LeftAloneText(module).empty() &&
+               std::ranges::any_of(module.Differences, [&](const LineDifference& difference) {
+                   return difference.When == Writable::Initialising && !CanBeWritten(module, difference);
+               });
+    });
+}
+
+} // namespace kavro
