@@ -21,6 +21,7 @@ namespace {
 
 constexpr int TableCharacters = 96;
 constexpr int TableRows = 14;
+constexpr int RowRoom = 9;        // pixels
 constexpr int LongestColumn = 40; // characters; the whole text is in the tooltip
 
 struct Column {
@@ -36,7 +37,7 @@ constexpr Column Columns[] = {{"Tag", &ComparisonRow::Tag},         {"Model", &C
 CompareForm::CompareForm(kavro::Session& session, kavro::Messages& messages, const std::string& path,
                          LineFile file, QWidget* parent)
     : LineWorkForm(session, messages, parent, "CompareForm", "Compare with Backup"), file_(std::move(file)) {
-    auto* shownPath = Named(new QLabel(QString::fromStdString(path)), "File", {});
+    auto* shownPath = Named(new QLabel("File: " + QString::fromStdString(path)), "File", {});
     summary_ = Named(new QLabel("Not compared yet."), "Summary", {});
     for (QLabel* label : {shownPath, summary_}) {
         label->setTextFormat(Qt::PlainText);
@@ -55,6 +56,7 @@ CompareForm::CompareForm(kavro::Session& session, kavro::Messages& messages, con
     layout->addWidget(summary_);
     layout->addWidget(table_, 1);
     layout->addLayout(BuildButtons({compare_, copy_, restore_}));
+    ShowRows();
     ShowRunning(false);
     CenterForm(*this);
 }
@@ -68,6 +70,7 @@ void CompareForm::BuildTable() {
     table_->setHorizontalHeaderLabels(headings);
     table_->horizontalHeader()->setStretchLastSection(true);
     table_->verticalHeader()->hide();
+    table_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + RowRoom);
     table_->setEditTriggers(QTableWidget::NoEditTriggers);
     table_->setSelectionBehavior(QTableWidget::SelectRows);
     table_->setSelectionMode(QTableWidget::SingleSelection);

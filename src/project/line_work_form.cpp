@@ -46,6 +46,7 @@ QLayout* LineWorkForm::BuildProgress() {
         ShowStop(false);
         stop_->setText("Stopping...");
     });
+    ShowStop(false);
     auto* labels = new QFormLayout;
     labels->addRow("Now:", stage_);
     labels->addRow("Time left in this step:", timeLeft_);

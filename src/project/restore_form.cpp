@@ -65,7 +65,7 @@ void RestoreForm::Build() {
     copy_ = Button("CopyBtn", "C&opy",
                    [this] { QApplication::clipboard()->setText(result_->toPlainText() + '\n'); });
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(Paragraph("File", QString::fromStdString(plan_.Path)));
+    layout->addWidget(Paragraph("File", "File: " + QString::fromStdString(plan_.Path)));
     layout->addLayout(BuildProgress());
     layout->addWidget(summary_);
     layout->addWidget(place_, 1);
@@ -128,8 +128,8 @@ void RestoreForm::ShowWritten(const WrittenLine& written, WorkEnd end) {
     if (end != WorkEnd::Done) {
         const std::vector<std::string> cutOff = CutOffTexts();
         texts.insert(texts.begin(), cutOff.begin(), cutOff.end());
-        session_.Note = cutOff.front();
     }
+    session_.Note = texts.front();
     if (AwaitsInitialisation(*comparison_))
         texts.emplace_back(InitialisationAdvice);
     comparison_.reset();

@@ -1,5 +1,6 @@
 #include "project/restore_text.h"
 
+#include "link/text.h"
 #include "project/comparison_text.h"
 
 #include <algorithm>
@@ -12,12 +13,23 @@ std::string NotTakenText(const LineDifference& difference) {
     return difference.Setting + " (wanted " + difference.File.Text + ", has " + difference.Line.Text + ")";
 }
 
-} // namespace
+// What was to be written of it.
+std::vector<std::string> ChosenOf(const WrittenModule& module, const LineComparison& comparison) {
+    std::vector<std::string> names;
+    for (const ModuleComparison& each : comparison.Modules)
+        for (const LineDifference& difference : each.Differences) {
+            const SettingValue* const wanted = SettingIn(module.Wanted, difference.Setting);
+            if (each.File.Address == module.Wanted.Address && wanted && *wanted == difference.File.Value)
+                names.push_back(difference.Setting);
+        }
+    return names;
+}
 
-std::string WrittenText(const WrittenModule& module) {
+std::string WrittenText(const WrittenModule& module, const LineComparison& comparison) {
     const std::string the = "The " + ShownModule(module.Wanted);
     if (module.AsWanted())
-        return the + (module.Sent ? " took everything." : " has everything already; nothing was sent.");
+        return the + (module.Sent ? " took its " : " already has its ") +
+               Listed(ChosenOf(module, comparison)) + ".";
     std::string text = the + (module.Readable ? " did not take: " : " could not be read back.");
     if (module.Readable)
         for (const LineDifference& each : module.NotTaken)
@@ -30,12 +42,14 @@ std::string WrittenText(const WrittenModule& module) {
     return text;
 }
 
+} // namespace
+
 std::vector<std::string> WrittenTexts(const WrittenLine& written, const LineComparison& comparison) {
     const auto taken = static_cast<std::size_t>(std::ranges::count_if(written, &WrittenModule::AsWanted));
     std::vector<std::string> texts = {std::to_string(taken) + " of " + Counted(written.size(), "module") +
                                       " took everything that was to be written."};
     for (const WrittenModule& module : written)
-        texts.push_back(WrittenText(module));
+        texts.push_back(WrittenText(module, comparison));
     for (const ModuleComparison& module : comparison.Modules)
         if (const std::string text = LeftAloneText(module); !text.empty())
             texts.push_back(text);

@@ -7,9 +7,6 @@
 
 namespace kavro {
 
-/// What became of one module: what it took, or what it did not and why.
-std::string WrittenText(const WrittenModule& module);
-
 /// What a restore that has ended leaves to be told: first how many modules took everything, then a sentence
 /// for each module that was written and each that was left alone.
 std::vector<std::string> WrittenTexts(const WrittenLine& written, const LineComparison& comparison);
