@@ -142,6 +142,7 @@ line_windows() {
     shot "terminal$1"
     press Escape
     traffic_windows "$1"
+    line_file_windows "$1"
     open m
     xdotool getactivewindow windowsize 1150 640
     press Right Right space Down Down space Down Down Right space # ticks three values
@@ -168,6 +169,41 @@ traffic_windows() {
     press Escape
     sleep 1
     [ "$(xdotool getactivewindow getwindowname)" != "Line Check" ] || press Escape
+}
+
+# A backup, what differs from it after some changes to the file, a restore, and one that was stopped.
+line_file_windows() {
+    local file=$work/boiler.kavro.json
+    rm -f "$file"
+    press alt+f b
+    sleep 1
+    xdotool type "$file"
+    press Return
+    shot "backup$1"
+    press Return
+    until [ -s "$file" ]; do sleep 0.5; done
+    sleep 1
+    sed -i -e '0,/"tag": ""/s//"tag": "TT-101"/' -e '0,/"range": "08"/s//"range": "0A"/' \
+        -e '0,/"high-alarm": [0-9.]*/s//"high-alarm": 2.5/' -e '0,/"baud": 9600/s//"baud": 19200/' \
+        -e '0,/"model": "8320"/s//"model": "8310"/' "$file"
+    press alt+f m
+    sleep 1
+    press Return
+    sleep 15
+    shot "compare$1"
+    press alt+r
+    sleep 1
+    shot "restore$1"
+    press alt+s alt+t
+    sleep 3
+    shot "restored$1"
+    press Escape
+    press alt+f t
+    sleep 1
+    press Return
+    shot "cut-off$1"
+    press Escape
+    rm -f "$file".*
 }
 
 # The line in the list of a search up to address 24, and the pictures of that module's dialogs.

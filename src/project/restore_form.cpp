@@ -14,6 +14,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QStackedWidget>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -61,7 +62,7 @@ void RestoreForm::Build() {
     place_->addWidget(tree_);
     place_->addWidget(result_);
     compare_ = Button("CompareBtn", "&Compare again", [this] { Operate([this] { Compare(); }); });
-    restore_ = Button("RestoreBtn", "&Restore", [this] { Operate([this] { Write(); }); });
+    restore_ = Button("RestoreBtn", "Re&store", [this] { Operate([this] { Write(); }); });
     copy_ = Button("CopyBtn", "C&opy",
                    [this] { QApplication::clipboard()->setText(result_->toPlainText() + '\n'); });
     auto* layout = new QVBoxLayout(this);
@@ -77,6 +78,11 @@ void RestoreForm::Build() {
 void RestoreForm::Begun() {
     if (!comparison_)
         compare_->click();
+    const auto beReady = [this] {
+        ready_ = true;
+        ShowRunning(Running());
+    };
+    QTimer::singleShot(QApplication::doubleClickInterval(), this, beReady);
 }
 
 void RestoreForm::Compare() {
@@ -161,11 +167,10 @@ void RestoreForm::ShowRunning(bool running) {
     tree_->setEnabled(!running);
     SetUsable(*compare_, !running, "The line is in use.");
     SetUsable(*copy_, !running && shown, "Nothing has been written yet.");
-    SetUsable(*restore_, !running && comparison_ && tree_->TickedCount().Settings > 0,
+    SetUsable(*restore_, !running && ready_ && comparison_ && tree_->TickedCount().Settings > 0,
               running       ? "The line is in use."
               : comparison_ ? "Nothing is ticked."
                             : "Compare the line with the file first.");
-    restore_->setDefault(restore_->isEnabled());
 }
 
 } // namespace kavro

@@ -44,6 +44,7 @@ private:
 
     RestorePlan plan_;
     std::optional<LineComparison> comparison_; // nothing: none, or one that writing has overtaken
+    bool ready_ = false; // what opened the window was no double click, whose second half would write
     QLabel* summary_ = nullptr;
     QLabel* advice_ = nullptr;
     QLabel* ticked_ = nullptr;

@@ -57,6 +57,24 @@ TEST_F(MapReader, ReadsWhatIsAmiss) {
     EXPECT_EQ(std::pair(json.Table[1].Answers, json.Table[1].Complete), std::pair(true, false));
 }
 
+TEST_F(MapReader, TakesALineFileWithItsTags) {
+    const std::string text = R"({"format": "kavro-line", "version": 1, "modules": [
+        {"address": 5, "model": "8250", "tag": "TT-5", "settings": {"baud": 19200, "checksum": true}}]})";
+    for (const char* name : {"map", "line.kavro.json"}) {
+        const std::string path = Folder.Write(name, text);
+        SimulatedSession test;
+        std::string saved;
+        test.Session.SavePreferences = [&](const Preferences& preferences) { saved = preferences.LineFile; };
+        TakeOver(test.Session, ReadMapFile(path));
+        EXPECT_EQ(std::tuple(test.Session.ModuleTable[0].BaudCode, test.Session.ModuleTable[0].Checksum),
+                  std::tuple(4, 1));
+        EXPECT_EQ(TagsOf(test.Session, 0)->Module.Tag, "TT-5");
+        EXPECT_EQ(saved, path);
+        Folder.Write(name, text.substr(0, text.size() - 4));
+        EXPECT_TRUE(Contains(FailureText([&] { ReadMapFile(path); }), "cannot be used: line 2"));
+    }
+}
+
 TEST_F(MapReader, SaysWhatIsWrong) {
     std::string crowd = Heading;
     for (int i = 0; i < 257; ++i)

@@ -74,7 +74,7 @@ struct LineFileForms : testing::Test, SimulatedSession {
             form,
             [](QDialog& dialog) {
                 return Find<QLabel>(dialog, "Summary").text().startsWith("Of ") &&
-                       Find<QWidget>(dialog, "CompareBtn").isEnabled();
+                       Find<QWidget>(dialog, "RestoreBtn").isEnabled();
             },
             std::move(act));
     }
@@ -138,7 +138,7 @@ TEST_F(LineFileForms, WhatIsBackedUpIsComparedAndPutBack) {
                                                    "Of 3 modules in the file 2 differ, 1 is missing.");
                                          Click(form, "RestoreBtn");
                                      }),
-                            {"RestoreForm", untick}});
+                            Compared("RestoreForm", untick)});
     EXPECT_EQ(static_cast<AlarmInputModule&>(Line.ModuleAt(1)).HighLimit, 2) << "it was not ticked";
     EXPECT_EQ(Line.ModuleAt(2).Settings.DataFormat, 0);
     EXPECT_EQ(std::tuple(Session.ModuleCount, Session.ModuleTable[0].HighAlarm), std::tuple(3, 2));
