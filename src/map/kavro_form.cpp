@@ -155,7 +155,8 @@ void KavroForm::Load(std::optional<std::int16_t> startPort) {
         ReadPortConfig(session_.Line, session_.ConfigFilePath, startPort, messages_, [this] { ComPort(); });
     });
     running_ = false;
-    operationNote_ = QString::fromStdString(session_.Note);
+    operationNote_ = QString::fromStdString(session_.Note); // of a line file that could not be reopened
+    ShowTags();
     UpdateStatus();
 }
 
@@ -215,7 +216,6 @@ void KavroForm::Save() {
 
 void KavroForm::BackUp() {
     openers_.BackUp(this);
-    device_->RefreshAll(); // its tags are shown
 }
 
 void KavroForm::Compare() {
@@ -230,7 +230,6 @@ void KavroForm::Restore() {
 
 void KavroForm::CloseLineFile() {
     openers_.CloseLineFile();
-    device_->RefreshAll();
 }
 
 void KavroForm::Print() {

@@ -12,8 +12,8 @@
 #include <memory>
 #include <optional>
 
-class QLabel;
 class QAction;
+class QLabel;
 class QLayout;
 class QMenu;
 

@@ -110,8 +110,9 @@ void RestoreForm::ShowComparison() {
 
 void RestoreForm::ShowTicked() {
     const auto [modules, settings] = tree_->TickedCount();
-    ticked_->setText(QString::fromStdString("Restore changes " + Counted(settings, "setting") + " of " +
-                                            Counted(modules, "module") + "."));
+    const std::string text =
+        "Restore changes " + Counted(settings, "setting") + " of " + Counted(modules, "module") + ".";
+    ticked_->setText(settings > 0 ? QString::fromStdString(text) : QString());
     ShowRunning(Running());
 }
 
