@@ -185,7 +185,7 @@ line_file_windows() {
     sleep 1
     sed -i -e '0,/"tag": ""/s//"tag": "TT-101"/' -e '0,/"range": "08"/s//"range": "0A"/' \
         -e '0,/"high-alarm": [0-9.]*/s//"high-alarm": 2.5/' -e '0,/"baud": 9600/s//"baud": 19200/' \
-        -e '0,/"model": "8320"/s//"model": "8310"/' "$file"
+        -e 's/"address": 9,/"address": 99,/' "$file"
     press alt+f m
     sleep 1
     press Return

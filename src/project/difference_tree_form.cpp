@@ -90,7 +90,8 @@ void DifferenceTree::AddAwaiting(const LineComparison& comparison) {
             if (!top)
                 top = AddTop("Only in the initialisation state");
             top->addChild(DifferenceItem(
-                QString::fromStdString(ShownModule(module.File) + ": " + difference.Setting), difference));
+                QString::fromStdString(difference.Setting + " of the " + ShownModule(module.File)),
+                difference));
         }
 }
 
