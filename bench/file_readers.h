@@ -4,9 +4,9 @@
 #include "bench/scratch_folder.h"
 #include "cli/command_sender.h"
 #include "link/port_config.h"
-#include "ports/line_file.h"
 #include "ports/map_reader.h"
 #include "ports/port_registry.h"
+#include "ports/simulated_line_file.h"
 #include "sim/demo_line.h"
 #include "sim/simulated_port.h"
 #include "sim/virtual_clock.h"
@@ -60,7 +60,7 @@ inline void ReadMapJson(const std::string& content) {
 }
 
 inline void ReadLineJson(const std::string& content) {
-    SimulatedLine line = ReadLineFile(FileWith(content));
+    SimulatedLine line = ReadSimulatedLine(FileWith(content));
     VirtualClock clock;
     SimulatedPort port(line, clock);
     if (!line.Plugged())

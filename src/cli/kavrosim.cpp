@@ -7,9 +7,9 @@
 #include "link/runtime_failure.h"
 #include "link/text.h"
 #include "map/product.h"
-#include "ports/line_file.h"
 #include "ports/pty_server.h"
 #include "ports/recording_reader.h"
+#include "ports/simulated_line_file.h"
 #include "ports/tcp_server.h"
 #include "ports/termination_signals.h"
 #include "sim/demo_line.h"
@@ -103,7 +103,7 @@ int Serve(const KavrosimOptions& options) {
         ServeRecording(options, endRequests.Descriptor());
         return 0;
     }
-    SimulatedLine line = options.LineFile.empty() ? DemoLine() : ReadLineFile(options.LineFile);
+    SimulatedLine line = options.LineFile.empty() ? DemoLine() : ReadSimulatedLine(options.LineFile);
     if (options.Seed)
         line.SetSeed(*options.Seed);
     Serve(options, line, endRequests.Descriptor());

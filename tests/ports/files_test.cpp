@@ -1,8 +1,8 @@
-#include "ports/line_file.h"
 #include "ports/port_registry.h"
 #include "ports/preferences_file.h"
 #include "ports/replace_file.h"
 #include "ports/settings_folder.h"
+#include "ports/simulated_line_file.h"
 #include "support/full_disk.h"
 
 #include <QByteArray>
@@ -149,7 +149,7 @@ TEST_F(FilesTest, LineFileReadsEveryKey) {
                      "silent": true, "wrongChecksum": true, "noCarriageReturn": true, "unplugged": true,
                      "babble": true, "damage": 0.25, "late": {"share": 0.5, "min": 100, "max": 400}}},
                     {"address": 255, "model": "8610"}]})");
-    const SimulatedLine line = ReadLineFile(File);
+    const SimulatedLine line = ReadSimulatedLine(File);
     EXPECT_TRUE(line.LineFaults.Noise && line.LineFaults.Echo);
     EXPECT_EQ(line.LineFaults.SlowCharacterMs, 3);
     const ModuleSettings& first = line.ModuleAt(3).Settings;
@@ -190,7 +190,7 @@ TEST_F(FilesTest, LineFileSaysWhatIsWrongAndWhere) {
         {R"("8250", "address": 1, "faults": {"echo": true})", "faults.echo is no fault of a module"}};
     const auto told = [this](const std::string& text) {
         Folder.Write("file", text);
-        return FailureText([this] { ReadLineFile(File); });
+        return FailureText([this] { ReadSimulatedLine(File); });
     };
     for (const auto& [text, piece] : cases)
         EXPECT_TRUE(Contains(told(text), "\"" + File + "\" cannot be used: " + piece));

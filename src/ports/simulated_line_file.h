@@ -19,6 +19,6 @@ namespace kavro {
 /// "slowCharacters" (ms), "refuse", "wrongAddress" and "unplugged".
 ///
 /// Throws `RuntimeFailure` that names the file and the place in it for everything that is wrong.
-SimulatedLine ReadLineFile(const std::string& path);
+SimulatedLine ReadSimulatedLine(const std::string& path);
 
 } // namespace kavro

@@ -1,4 +1,4 @@
-#include "ports/line_file.h"
+#include "ports/simulated_line_file.h"
 
 #include "link/runtime_failure.h"
 #include "ports/json_file.h"
@@ -214,7 +214,7 @@ SimulatedLine ReadDescription(const std::string& path) {
 
 } // namespace
 
-SimulatedLine ReadLineFile(const std::string& path) {
+SimulatedLine ReadSimulatedLine(const std::string& path) {
     try {
         return ReadDescription(path);
     } catch (const RuntimeFailure& failure) {
