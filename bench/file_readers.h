@@ -7,6 +7,8 @@
 #include "ports/map_reader.h"
 #include "ports/port_registry.h"
 #include "ports/simulated_line_file.h"
+#include "project/line_report.h"
+#include "project/restore_journal.h"
 #include "sim/demo_line.h"
 #include "sim/simulated_port.h"
 #include "sim/virtual_clock.h"
@@ -73,6 +75,22 @@ inline void ReadLineJson(const std::string& content) {
     }
 }
 
+inline void ReadProjectFile(const std::string& content) {
+    const LineFile file = ReadLineFileText(content);
+    if (LineFileText(ReadLineFileText(LineFileText(file))) != LineFileText(file))
+        throw std::logic_error("a line file that changes when it is written");
+    ReportHtml(file, std::nullopt, {});
+}
+
+inline void ReadCheck(const std::string& content) {
+    ReadCheckText(content);
+}
+
+inline void ReadRestoreJournal(const std::string& content) {
+    if (const auto cutOff = ReadJournal(FileWith(content)))
+        CutOffText(*cutOff);
+}
+
 inline void ReadBatch(const std::string& content) {
     DemoSession demo;
     demo.Session.Line.CommPort(1).PortOpen(true);
@@ -93,7 +111,22 @@ inline constexpr FileReader FileReaders[] = {
      R"({"port": 1, "device": "demo", "complete": true, "modules": [{"address": 3, "addressHex": "03",
 "model": "8250", "baud": 9600, "baudCode": 3, "checksum": true, "initialisation": false,
 "inputRange": 8, "dataFormat": 0}, {"address": 255, "baudCode": 6, "model": "8510"}]})"},
-    {"line file", ReadLineJson,
+    {"line file", ReadProjectFile,
+     R"({"format": "kavro-line", "version": 1, "name": "Süd", "modules": [{"address": 5, "model": "8250",
+"tag": "TT", "channels": {"0": {"tag": "a", "x": 1}}, "settings": {"baud": 9600, "range": "08", "format":
+"Engineering Units", "channels": [0, 1]}, "y": [null]}, {"address": 18, "model": "8510", "settings":
+{"checksum": true, "type": "counter", "max-0": 4294967295, "ttl-high": 2.4}}]})"},
+    {"line check", ReadCheck,
+     R"({"modules": [{"address": 5, "model": "8250", "sent": 8, "complete": 8, "silent": 0, "damaged": 0,
+"refused": 0, "ms": {"median": 1.5, "max": 2}}], "findings": [{"finding": "a", "address": 5, "text": "b"}]})"},
+    {"journal", ReadRestoreJournal,
+     R"({"format": "kavro-restore-journal", "version": 1, "modules": [{"address": 5, "model": "8250"}]}
+{"event": "begin", "address": 5}
+{"event": "send", "address": 5, "command": "%0505080600"}
+{"event": "outcome", "address": 5, "outcome": "accepted"}
+{"event": "end", "address": 5, "as_wanted": true}
+)"},
+    {"simulated line", ReadLineJson,
      R"({"seed": 1, "faults": {"noise": true, "late": {"share": 0.5, "min": 1, "max": 9}, "damage": 0.5},
 "modules": [{"model": "8250", "address": 3, "baud": 9600, "checksum": false, "range": "08", "format": 0},
 {"model": "8410", "address": 4, "faults": {"silent": true, "delay": 5, "babble": true}},

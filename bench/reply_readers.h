@@ -95,16 +95,16 @@ inline std::string AnyValue(const NamedSetting& setting, Dice& dice) {
 
 inline void ReadAndWriteConfig(ReaderContext& context) {
     auto config = ReadNamedConfig(context.Session, context.Found);
-    if (!config || config->Settings.empty())
+    if (!config.Writable)
         return;
-    for (NamedSetting& setting : config->Settings)
+    for (NamedSetting& setting : config.Settings)
         if (context.Dice.Chance(0.3)) {
             try {
                 setting.Take(AnyValue(setting, context.Dice));
             } catch (const RuntimeFailure&) { // does not fit
             }
         }
-    config->Apply(context.Messages);
+    config.Apply(context.Messages);
     BuildListLine(context.Session, 0);
 }
 

@@ -30,7 +30,7 @@ constexpr int PortTrouble = 3;
 constexpr int StandardInput = 0;
 
 struct KavrosimOptions {
-    std::string LineFile;                 // empty: the demo line
+    std::string LinePath;                 // empty: the demo line
     std::string Recording;                // played in place of a line; empty: none
     bool Delays = true;                   // it takes the time that it took
     std::string LinkPath;                 // empty: no link
@@ -103,7 +103,7 @@ int Serve(const KavrosimOptions& options) {
         ServeRecording(options, endRequests.Descriptor());
         return 0;
     }
-    SimulatedLine line = options.LineFile.empty() ? DemoLine() : ReadSimulatedLine(options.LineFile);
+    SimulatedLine line = options.LinePath.empty() ? DemoLine() : ReadSimulatedLine(options.LinePath);
     if (options.Seed)
         line.SetSeed(*options.Seed);
     Serve(options, line, endRequests.Descriptor());
@@ -212,11 +212,11 @@ KavrosimOptions ParseOptions(const QStringList& arguments) {
     if (!others.isEmpty())
         throw RuntimeFailure("\"" + others.first().toStdString() +
                              "\" is not understood: kavrosim takes options only. See kavrosim --help.");
-    options.LineFile = parser.value("line").toStdString();
+    options.LinePath = parser.value("line").toStdString();
     options.LinkPath = parser.value("link").toStdString();
     options.Log = parser.isSet("log");
     options.Control = parser.isSet("control");
-    if (parser.isSet("line") && options.LineFile.empty())
+    if (parser.isSet("line") && options.LinePath.empty())
         throw RuntimeFailure("--line needs the path of a file.");
     if (parser.isSet("link") && options.LinkPath.empty())
         throw RuntimeFailure("--link needs a path.");
