@@ -5,10 +5,9 @@
 #include "cli/search_run.h"
 #include "link/runtime_failure.h"
 #include "project/backup.h"
+#include "project/file_content.h"
 
 #include <QCommandLineParser>
-
-#include <filesystem>
 
 namespace kavro {
 
@@ -32,14 +31,6 @@ int BackUp(Session& session, const std::string& path, const std::optional<LineFi
     return complete ? ExitSuccess : ExitNotAccepted;
 }
 
-// Before minutes of reading: the file can only be written where there is a folder.
-void RequireFolder(const std::string& path) {
-    const auto folder = std::filesystem::u8path(path).parent_path();
-    std::error_code error;
-    if (!folder.empty() && !std::filesystem::is_directory(folder, error))
-        throw RuntimeFailure("There is no folder \"" + folder.string() + "\" for the line file.");
-}
-
 } // namespace
 
 void AddBackupOptions(QCommandLineParser& parser) {
@@ -61,7 +52,7 @@ CommandAction PrepareBackup(const QCommandLineParser& parser) {
     if (parser.positionalArguments().isEmpty())
         throw RuntimeFailure("Give the line file to write, for example line1.kavro.json.");
     const std::string path = parser.positionalArguments().first().toStdString();
-    RequireFolder(path);
+    RequireFolderOf(path); // before minutes of reading
     const auto before = FileBefore(path);
     const std::string name = parser.value("name").toStdString();
     const WholeLine line = ReadWholeLine(parser);

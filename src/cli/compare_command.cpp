@@ -132,13 +132,11 @@ std::string ComparisonJson(const LineComparison& comparison) {
     }
     for (const SavedModule& module : comparison.New)
         fresh.append(module.Address);
-    return QJsonDocument(QJsonObject{{"missing", missing},
-                                     {"new", fresh},
-                                     {"other_model", otherModel},
-                                     {"different", different},
-                                     {"untold", untold}})
-        .toJson()
-        .toStdString();
+    QJsonObject object = {
+        {"missing", missing}, {"new", fresh}, {"other_model", otherModel}, {"different", different}};
+    if (!untold.isEmpty())
+        object["untold"] = untold;
+    return QJsonDocument(object).toJson().toStdString();
 }
 
 int ComparisonExit(const LineComparison& comparison) {

@@ -178,7 +178,7 @@ private:
     Notes notes_;
     const InterruptWatch watch_{session_.Line};
     const BeforeEachCommand stop_{session_.Line, [this](const std::string&) { StopIfAsked(); }};
-    const CarefulTransactions careful_{session_.Line};
+    const LineWorkScope scope_{session_};
     const LineWork work_{session_, notes_.InWords()};
     ReplacementStage stage_ = ReplacementStage::Untouched;
     std::string portFailure_; // while the port is away

@@ -6,6 +6,7 @@
 #include "pdf/html_pdf.h"
 #include "ports/replace_file.h"
 #include "ports/user_name.h"
+#include "project/file_content.h"
 #include "project/line_report.h"
 
 #include <QCommandLineParser>
@@ -70,6 +71,7 @@ CommandAction PrepareReport(const QCommandLineParser& parser) {
         throw RuntimeFailure("The report '" + out + "' must end in .pdf or .html.");
     const ReportSource source = ReadSource(parser);
     RefuseOwnSource(source, out);
+    RequireFolderOf(out);
     return [out, kind, html = LoadReport(source)] {
         ReplaceFile(out, *kind == ReportKind::Pdf ? PdfOfHtml(html) : html);
         return ExitSuccess;

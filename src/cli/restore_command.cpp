@@ -8,6 +8,7 @@
 #include "link/text.h"
 #include "map/module_access.h"
 #include "project/restore.h"
+#include "project/restore_text.h"
 
 #include <QCommandLineParser>
 
@@ -19,11 +20,20 @@ namespace {
 
 struct RestoreOptions {
     std::string Path;
-    LineFile File; // those of its modules that are chosen
+    LineFile File;     // those of its modules that are chosen
+    bool Only = false; // they are not all
     bool DryRun = false;
     bool DiscardJournal = false;
     std::optional<CutOffRestore> CutOff;
 };
+
+std::optional<CutOffRestore> ReadCutOff(const std::string& path) {
+    try {
+        return ReadJournal(JournalPath(path));
+    } catch (const RuntimeFailure& failure) {
+        throw RuntimeFailure(std::string(failure.what()) + " --discard-journal forgets it.");
+    }
+}
 
 LineFile Chosen(const LineFile& file, const QString& only) {
     LineFile chosen = file;
@@ -47,16 +57,11 @@ void AddCutOff(LineFile& file, const CutOffRestore& cutOff) {
 }
 
 void TellLeft(const LineComparison& comparison) {
-    std::vector<std::string> initialisation;
-    for (const ModuleComparison& module : comparison.Modules) {
+    for (const ModuleComparison& module : comparison.Modules)
         if (const std::string text = LeftAloneText(module); !text.empty())
             PrintNote(text);
-        for (const LineDifference& difference : module.Differences)
-            if (!CanBeWritten(module, difference))
-                initialisation.push_back(difference.Setting + " of " + ShownModule(module.File));
-    }
-    if (!initialisation.empty())
-        PrintNote("Left as it is: " + Listed(initialisation) + ". " + InitialisationAdvice);
+    if (const std::string text = AwaitingText(comparison); !text.empty())
+        PrintNote(text);
 }
 
 std::string WrittenText(const WrittenModule& written) {
@@ -84,22 +89,33 @@ bool IsRestored(const ModuleComparison& module, const WrittenLine& written) {
            });
 }
 
+void TellCutOff(const std::string& path) {
+    if (const auto cutOff = ReadJournal(JournalPath(path)))
+        PrintNote(CutOffText(*cutOff) + " The next restore goes on; until then \"" + JournalPath(path) +
+                  "\" remembers it.");
+}
+
 int Write(Session& session, const RestoreOptions& options, const LineComparison& comparison) {
     const auto all = [](const SavedModule&, const LineDifference&) { return true; };
-    const std::vector<WriteTarget> targets = TargetsOf(comparison, all);
+    const RestoreRun run = {TargetsOf(comparison, all), options.Path,
+                            UnreachedOf(options.CutOff, comparison)};
     WrittenLine written;
-    const bool ended = RunLineWork(
-        session, [&](const LineWork& work) { written = RestoreLine(work, targets, options.Path); });
+    bool ended = false;
+    try {
+        ended = RunLineWork(session, [&](const LineWork& work) { written = RestoreLine(work, run); });
+    } catch (const RuntimeFailure&) {
+        TellCutOff(options.Path);
+        throw;
+    }
     if (!ended) {
-        PrintNote("Not every module was written; the next restore goes on. The journal \"" +
-                  JournalPath(options.Path) + "\" tells how far it came.");
+        TellCutOff(options.Path);
         return ExitNotAccepted;
     }
-    if (targets.empty())
-        DiscardJournal(JournalPath(options.Path));
     for (const WrittenModule& each : written)
         PrintOut(WrittenText(each));
     TellLeft(comparison);
+    if (!run.Unreached.Wanted.empty())
+        TellCutOff(options.Path);
     const bool restored = std::ranges::all_of(
         comparison.Modules, [&](const ModuleComparison& module) { return IsRestored(module, written); });
     return restored ? ExitSuccess : ExitNotAccepted;
@@ -108,10 +124,10 @@ int Write(Session& session, const RestoreOptions& options, const LineComparison&
 int Restore(Session& session, RestoreOptions options) {
     if (options.DiscardJournal)
         DiscardJournal(JournalPath(options.Path));
-    if (options.CutOff) {
+    if (options.CutOff)
         PrintNote(CutOffText(*options.CutOff) + (options.DryRun ? "" : " Going on."));
+    if (options.CutOff && !options.Only)
         AddCutOff(options.File, *options.CutOff);
-    }
     LineComparison comparison;
     if (!RunLineWork(session, [&](const LineWork& work) { comparison = CompareLine(work, options.File); }))
         return ExitNotAccepted;
@@ -133,7 +149,9 @@ void AddRestoreOptions(QCommandLineParser& parser) {
         "missing or of another model are left alone and named; so are baud rate and checksum, which can be\n"
         "changed only in the initialisation state. While it writes, FILE.journal tells each command before "
         "it\n"
-        "is sent and what came of it; a run that was cut off is told and gone on with by the next one.\n\n"
+        "is sent and what came of it; a run that was cut off is told and gone on with by the next one, "
+        "which\n"
+        "keeps in the journal what it does not reach, as with --only.\n\n"
         "Exit codes: 0 all is as in the file, 2 wrong use (a damaged file, too), 3 port trouble, 4 anything\n"
         "is not as in the file; with --dry-run those of kavroctl compare.");
     AddFileLineOptions(parser);
@@ -150,10 +168,13 @@ CommandAction PrepareRestore(const QCommandLineParser& parser) {
     options.Path = parser.positionalArguments().first().toStdString();
     options.DryRun = parser.isSet("dry-run");
     options.DiscardJournal = parser.isSet("discard-journal");
-    if (parser.isSet("only"))
+    if (options.DryRun && options.DiscardJournal)
+        throw RuntimeFailure("--dry-run changes nothing, so --discard-journal has no place beside it.");
+    options.Only = parser.isSet("only");
+    if (options.Only)
         options.File = Chosen(options.File, parser.value("only"));
     if (!options.DiscardJournal)
-        options.CutOff = ReadJournal(JournalPath(options.Path));
+        options.CutOff = ReadCutOff(options.Path);
     const auto cli = ReadFileLine(parser);
     return [=] { return cli->Run([&] { return Restore(cli->Session, options); }); };
 }

@@ -113,7 +113,7 @@ private:
         return true;
     }
     bool Put(JsonNode node) {
-        node.Line = node.Line > 1 ? node.Line : place_.Line;
+        node.Line = node.Line > 0 ? node.Line : place_.Line;
         node.Name = std::exchange(name_, {});
         if (open_.empty())
             Root = std::move(node);

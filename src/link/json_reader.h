@@ -16,7 +16,7 @@ struct JsonNode {
     double Number = 0;              ///< of a `Number`, which `Text` has as it was written
     std::string Text{};             ///< of a `Text`, UTF-8
     std::vector<JsonNode> Within{}; ///< elements of a `List`, members of an `Object`, in their order
-    int Line = 1;                   ///< where it begins, counted from 1
+    int Line = 0;                   ///< where it begins, counted from 1
 
     /// The member of that name; null when there is none.
     const JsonNode* Member(std::string_view name) const;

@@ -32,6 +32,9 @@ struct LineTags {
     std::string Name;                             ///< of the line
     std::map<std::int16_t, ModuleTags> Modules{}; ///< by address
 
+    /// Takes over what the file says now. Throws `RuntimeFailure` when it cannot be read.
+    std::function<void()> Reload = [] {};
+
     /// Rewrites the file with these tags of the module at `address`. Throws `RuntimeFailure` when that
     /// fails; nothing has changed then.
     std::function<void(std::int16_t address, const ModuleTags& tags)> Keep = [](std::int16_t,

@@ -167,6 +167,9 @@ void EditTags(Session& session, Messages& messages, int index, QWidget* parent) 
         return messages.Show(NoLineFile, Title);
     if (index < 0)
         return messages.Show("No module selected.", "Error");
+    // Somebody else may have changed the file; the function is replaced by what it does.
+    if (!Guard(messages, [reload = session.Tags.Reload] { reload(); }))
+        return;
     if (!TagsOf(session, index))
         return messages.Show("The line file does not have the module " +
                                  ModuleText(session.ModuleTable[index]) + ":\n" + session.Tags.Path +

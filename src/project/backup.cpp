@@ -117,7 +117,11 @@ std::string NameFromPath(const std::string& path) {
 }
 
 std::string OldPath(const std::string& path) {
-    return path + ".old";
+    std::string old = path + ".old";
+    std::error_code error;
+    for (int number = 2; std::filesystem::exists(std::filesystem::u8path(old), error); ++number)
+        old = path + ".old" + std::to_string(number);
+    return old;
 }
 
 bool BackUpLine(const LineWork& work, const std::string& path, const std::optional<LineFile>& before,
@@ -132,8 +136,9 @@ bool BackUpLine(const LineWork& work, const std::string& path, const std::option
         for (const std::string& text : lost)
             work.Tell(text);
         if (!lost.empty()) {
-            work.Session.ReplaceFile(OldPath(path), LineFileText(*before));
-            work.Tell("The file as it was is kept as \"" + OldPath(path) + "\".");
+            const std::string old = OldPath(path);
+            work.Session.ReplaceFile(old, LineFileText(*before));
+            work.Tell("The file as it was is kept as \"" + old + "\".");
         }
     }
     work.Session.ReplaceFile(path, LineFileText(backup.File));

@@ -32,7 +32,8 @@ std::optional<LineFile> FileBefore(const std::string& path);
 /// The name of a line whose file has none: that of the file without its ending.
 std::string NameFromPath(const std::string& path);
 
-/// The path under which the file before is kept when something of it would be gone.
+/// The path under which the file before is kept when something of it would be gone: FILE.old, or the first
+/// of FILE.old2, FILE.old3, ... that is free.
 std::string OldPath(const std::string& path);
 
 /// Reads the line and writes the file, with what is the user's in the file `before`, which is kept under

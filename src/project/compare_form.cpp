@@ -2,6 +2,7 @@
 
 #include "project/comparison_text.h"
 #include "ui/center_form.h"
+#include "ui/make_room.h"
 #include "ui/named.h"
 #include "ui/usable.h"
 
@@ -95,6 +96,7 @@ void CompareForm::Compare() {
         summary_->setText(end == WorkEnd::Stopped ? "Stopped; nothing can be said of the line."
                                                   : "The line could not be compared.");
     ShowRows();
+    MakeRoom(*this); // the summary may have two lines
 }
 
 void CompareForm::ShowRows() {
@@ -110,7 +112,7 @@ void CompareForm::ShowRows() {
         }
     table_->resizeColumnsToContents();
     const int longest = fontMetrics().averageCharWidth() * LongestColumn;
-    for (int column = 0; column < table_->columnCount(); ++column)
+    for (int column = 0; column + 1 < table_->columnCount(); ++column) // the last one takes what is left
         table_->setColumnWidth(column, std::min(table_->columnWidth(column), longest));
     if (table_->rowCount() > 0)
         table_->setCurrentCell(0, 0);

@@ -54,7 +54,7 @@ std::string Counted(std::size_t count, const std::string& what) {
     return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
 
-std::string SummaryText(const LineComparison& comparison) {
+std::string SummaryText(const LineComparison& comparison, const std::string& where) {
     const std::string all = Counted(comparison.Modules.size(), "module");
     if (comparison.Same())
         return "No difference: " + all + (comparison.Modules.size() == 1 ? " is" : " are") +
@@ -68,8 +68,8 @@ std::string SummaryText(const LineComparison& comparison) {
     const std::size_t different = count([](const ModuleComparison& each) {
         return each.Line.Is == Presence::Answers && !each.OtherModel() && !each.Same();
     });
-    std::string text =
-        "Of " + all + " in the file " + std::to_string(different) + (different == 1 ? " differs" : " differ");
+    std::string text = "Of " + all + " " + where + " " + std::to_string(different) +
+                       (different == 1 ? " differs" : " differ");
     const std::pair<std::size_t, const char*> others[] = {
         {isOf(Presence::Silent), "missing"},
         {isOf(Presence::Unclear), "not understood"},

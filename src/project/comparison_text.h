@@ -18,7 +18,7 @@ struct ComparisonRow {
 std::vector<ComparisonRow> RowsOf(const LineComparison& comparison);
 
 /// In a sentence: "3 of 26 modules differ, 1 is missing." or that all is as in the file.
-std::string SummaryText(const LineComparison& comparison);
+std::string SummaryText(const LineComparison& comparison, const std::string& where = "in the file");
 
 /// "1 module", "3 modules".
 std::string Counted(std::size_t count, const std::string& what);

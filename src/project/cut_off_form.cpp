@@ -28,13 +28,14 @@ constexpr Way Ways[] = {
 
 } // namespace
 
-CutOffForm::CutOffForm(const CutOffRestore& cutOff, QWidget* parent) : QDialog(parent) {
+CutOffForm::CutOffForm(const std::string& text, bool canGoOn, QWidget* parent) : QDialog(parent) {
     setObjectName("CutOffForm");
     setWindowTitle("Restore");
-    auto* told = Named(new QLabel(QString::fromStdString(CutOffText(cutOff))), "CutOff", {});
+    auto* told = Named(new QLabel(QString::fromStdString(text)), "CutOff", {});
     auto* question =
-        new QLabel("Go on compares these modules with the line first, and writes what they lack. "
-                   "Forget leaves them as they are now.");
+        new QLabel(canGoOn ? "Go on compares these modules with the line first, and writes what they lack. "
+                             "Forget leaves them as they are now."
+                           : "Forget it removes the file, and the restore begins anew.");
     auto* layout = new QVBoxLayout(this);
     for (QLabel* label : {told, question}) {
         label->setTextFormat(Qt::PlainText);
@@ -44,6 +45,8 @@ CutOffForm::CutOffForm(const CutOffRestore& cutOff, QWidget* parent) : QDialog(p
     }
     auto* buttons = new QDialogButtonBox;
     for (const Way& way : Ways) {
+        if (way.Answer == GoOn && !canGoOn)
+            continue;
         auto* button = Named(buttons->addButton(way.Text, way.Role), way.Name, way.Spoken);
         connect(button, &QPushButton::clicked, this, [this, answer = way.Answer] { done(answer); });
     }

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "project/restore_journal.h"
-
 #include <QDialog>
+
+#include <string>
 
 namespace kavro {
 
@@ -11,7 +11,8 @@ class CutOffForm : public QDialog {
 public:
     enum Answer { Cancel = QDialog::Rejected, GoOn = QDialog::Accepted, Forget };
 
-    CutOffForm(const CutOffRestore& cutOff, QWidget* parent);
+    /// `text`: what is known of it. One that nothing is known of cannot be gone on with.
+    CutOffForm(const std::string& text, bool canGoOn, QWidget* parent);
 };
 
 } // namespace kavro

@@ -35,4 +35,11 @@ std::string FileContent(const std::string& path) {
     return content;
 }
 
+void RequireFolderOf(const std::string& path) {
+    const auto folder = std::filesystem::u8path(path).parent_path();
+    std::error_code error;
+    if (!folder.empty() && !std::filesystem::is_directory(folder, error))
+        throw RuntimeFailure("There is no folder \"" + folder.string() + "\".");
+}
+
 } // namespace kavro

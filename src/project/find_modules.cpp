@@ -35,7 +35,7 @@ struct Search {
 
     // The module at address 00 tells the address that is really its own.
     void LookAtInitialisation() const {
-        Work.Progress("Looking for a module in its initialisation state", 0, 0);
+        Work.Progress("Looking at address 00", 0, 0);
         const ModuleReading found = ReadModuleAt(Work.Session, ContactOf(Work.Session, 0), Work.Tell.Words);
         for (std::size_t i = 0; i < Modules.size() && found.Is == Presence::Answers; ++i)
             if (Readings[i].Is == Presence::Silent && Modules[i].Address == found.Module.Address)
@@ -55,8 +55,8 @@ struct Search {
 
     void LookEverywhere() const {
         for (std::int16_t baudCode = 0; baudCode < BaudCodeCount && !Over(); ++baudCode) {
-            Work.Progress("Looking for silent modules at " + std::to_string(BaudFromCode(baudCode)) + " baud",
-                          baudCode, BaudCodeCount);
+            Work.Progress("Trying " + std::to_string(BaudFromCode(baudCode)) + " baud", baudCode,
+                          BaudCodeCount);
             LookAt({0, baudCode});
             LookAt({1, baudCode});
         }

@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::string_view Format = "kavro-line";
 constexpr int Version = 1;
-constexpr int HighestVersion = 1'000'000;
+constexpr int HighestVersion = 2'000'000'000;
 constexpr std::size_t ModelWidth = 6;
 
 void RequireFormat(const JsonNode& root) {

@@ -42,8 +42,16 @@ std::optional<ChosenFile> ChooseLineFile(const Session& session, const char* tit
 
 void Restore(Session& session, Messages& messages, RestorePlan plan, QWidget* window) {
     const std::string journal = JournalPath(plan.Path);
-    if (const auto cutOff = ReadJournal(journal)) {
-        const int answer = CutOffForm(*cutOff, window).exec();
+    std::optional<CutOffRestore> cutOff;
+    std::string damaged;
+    try {
+        cutOff = ReadJournal(journal);
+    } catch (const RuntimeFailure& failure) {
+        damaged = failure.what();
+    }
+    if (cutOff || !damaged.empty()) {
+        const std::string text = cutOff ? CutOffText(*cutOff) : damaged;
+        const int answer = CutOffForm(text, cutOff.has_value(), window).exec();
         if (answer == CutOffForm::Cancel)
             return;
         if (answer == CutOffForm::Forget)
@@ -66,7 +74,8 @@ void BackUpToFile(Session& session, Messages& messages, QWidget* window) {
         ChooseSaveFile(window, {.Title = "Back Up Line",
                                 .Kind = Kind,
                                 .Suffix = Suffix,
-                                .Name = QString::fromStdString(open.empty() ? NewName : open)});
+                                .Name = QString::fromStdString(open.empty() ? NewName : open),
+                                .AsksToReplace = false}); // its tags, notes and whatever was added stay
     if (!path.isEmpty())
         BackupForm(session, messages, path.toStdString(), window).exec();
 }

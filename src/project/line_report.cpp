@@ -7,6 +7,7 @@
 #include "map/module_access.h"
 #include "map/product.h"
 #include "project/backup.h"
+#include "project/comparison_text.h"
 #include "project/html_text.h"
 #include "project/saved_config.h"
 
@@ -43,10 +44,6 @@ std::string MomentText(std::string utc) {
     utc[DateEnd] = ' ';
     utc.pop_back();
     return utc + " UTC";
-}
-
-std::string Counted(std::size_t count, const std::string& what) {
-    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
 
 std::string CheckSummary(const std::optional<SavedCheck>& check) {

@@ -40,6 +40,7 @@ void ShowTagsOf(Session& session, const std::string& path, const LineFile& file)
     session.Tags = {path, file.Name};
     for (const SavedModule& module : file.Modules)
         session.Tags.Modules[module.Address] = TagsIn(module);
+    session.Tags.Reload = [&session, path] { ShowTagsOf(session, path, LoadLineFile(path)); };
     session.Tags.Keep = [&session, path](std::int16_t address, const ModuleTags& tags) {
         WriteTags(session, path, address, tags);
         session.Tags.Modules[address] = tags;

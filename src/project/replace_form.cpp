@@ -374,8 +374,7 @@ void ReplaceForm::ShowResult(const ModuleComparison& comparison) {
 void ReplaceForm::Leave() {
     closing_ = true;
     timer_.stop();
-    if (stage_ == ReplacementStage::Writing || stage_ == ReplacementStage::Written)
-        session_.Note = StateText(stage_, saved_);
+    session_.Note = NoteText(stage_, saved_);
     QDialog::reject();
 }
 

@@ -79,7 +79,9 @@ NewModule FindNewModule(const LineWork& work, const SavedModule& saved) {
     if (reading.Is == Presence::Silent)
         found.Refusal = std::string("No module answers in its initialisation state. ") + ConnectAdvice;
     else if (reading.Is == Presence::Unclear)
-        found.Refusal = reading.Trouble;
+        found.Refusal =
+            "What answers in the initialisation state cannot be understood; perhaps two modules are "
+            "in it. Leave only the new one in that state.";
     else if (reading.Module.Model != saved.Model) {
         found.OtherModel = true;
         found.Refusal = "The new module is a " + reading.Module.Model + ", the file has a " + saved.Model +
@@ -129,6 +131,19 @@ std::string StateText(ReplacementStage stage, const SavedModule& saved) {
                " It then answers at " + place + "; compare it with the file.";
     default:
         return "The new module is in its place: " + place + ".";
+    }
+}
+
+std::string NoteText(ReplacementStage stage, const SavedModule& saved) {
+    switch (stage) {
+    case ReplacementStage::Untouched:
+        return {};
+    case ReplacementStage::Writing:
+        return "The new module may have some of the settings; replace it again to finish.";
+    case ReplacementStage::Written:
+        return "The new module has every setting. " + std::string(PowerUpAdvice);
+    default:
+        return "The " + ShownModule(saved) + " is replaced.";
     }
 }
 

@@ -58,6 +58,9 @@ enum class ReplacementStage {
 /// In what state the new module is at that stage, and how to go on. Sentences.
 std::string StateText(ReplacementStage stage, const SavedModule& saved);
 
+/// The same in short, for the status bar; empty when there is nothing to tell.
+std::string NoteText(ReplacementStage stage, const SavedModule& saved);
+
 /// Puts the module that has come into its place, `record`, into the list of the session: in place of the
 /// entry of its address, or as a new entry. The entry of a module in its initialisation state is that module
 /// no more.

@@ -54,26 +54,45 @@ std::vector<WriteTarget> TargetsOf(const LineComparison& comparison, const Choic
     return targets;
 }
 
-WrittenLine RestoreLine(const LineWork& work, const std::vector<WriteTarget>& targets,
-                        const std::string& path,
-                        const std::function<void(const WrittenModule& module)>& done) {
+CutOffRestore UnreachedOf(const std::optional<CutOffRestore>& cutOff, const LineComparison& comparison) {
+    if (!cutOff)
+        return {};
+    CutOffRestore left = *cutOff;
+    left.Done.clear();
+    left.NotDone.clear();
+    std::erase_if(left.Wanted, [&](const SavedModule& module) {
+        const auto found = std::ranges::find_if(comparison.Modules, [&](const ModuleComparison& each) {
+            return each.File.Address == module.Address;
+        });
+        return found != comparison.Modules.end() && LeftAloneText(*found).empty();
+    });
+    const auto inWork = std::ranges::find(left.Wanted, left.InWork.value_or(-1), &SavedModule::Address);
+    if (inWork == left.Wanted.end())
+        left.InWork.reset();
+    return left;
+}
+
+WrittenLine RestoreLine(const LineWork& work, const RestoreRun& run) {
     WrittenLine written;
-    if (targets.empty())
+    const std::string path = JournalPath(run.Path);
+    if (run.Targets.empty() && run.Unreached.Wanted.empty())
+        DiscardJournal(path); // what was cut off is there already
+    if (run.Targets.empty())
         return written;
-    std::vector<SavedModule> wanted;
-    for (const WriteTarget& target : targets)
-        wanted.push_back(target.Wanted);
-    RestoreJournal journal(work.Session, JournalPath(path), wanted);
-    for (const WriteTarget& target : targets) {
+    CutOffRestore begun = run.Unreached;
+    for (const WriteTarget& target : run.Targets)
+        begun.Wanted.push_back(target.Wanted);
+    RestoreJournal journal(work.Session, path, begun);
+    for (const WriteTarget& target : run.Targets) {
         work.Progress("Writing " + ShownModule(target.Wanted), static_cast<int>(written.size()),
-                      static_cast<int>(targets.size()));
+                      static_cast<int>(run.Targets.size()));
         written.push_back(WriteModule(work, target, [&](int address, const std::function<void()>& write) {
             journal.Writing(address, write);
         }));
         journal.Done(target.Wanted.Address, written.back().AsWanted());
-        done(written.back());
+        run.Done(written.back());
     }
-    journal.Finish();
+    journal.Finish(run.Unreached);
     return written;
 }
 

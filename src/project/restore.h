@@ -27,12 +27,23 @@ std::vector<WriteTarget> TargetsOf(const LineComparison& comparison, const Choic
 /// What became of a line.
 using WrittenLine = std::vector<WrittenModule>;
 
-/// Writes the modules one after the other, with a journal beside the line file at `path`, which is removed
-/// when all were gone through. Throws `RuntimeFailure` when the port or the journal fails, or the user ends
-/// it; the journal then stays. `done` is told each module when it was gone through.
-WrittenLine RestoreLine(
-    const LineWork& work, const std::vector<WriteTarget>& targets, const std::string& path,
-    const std::function<void(const WrittenModule& module)>& done = [](const WrittenModule&) {});
+/// What a run that was cut off was to do with modules that do not answer, or are not compared, now: all that
+/// is known of them. Empty when there are none.
+CutOffRestore UnreachedOf(const std::optional<CutOffRestore>& cutOff, const LineComparison& comparison);
+
+/// A restore of a line.
+struct RestoreRun {
+    std::vector<WriteTarget> Targets;
+    std::string Path;          ///< of the line file, beside which the journal stands
+    CutOffRestore Unreached{}; ///< by a run before; the journal keeps it
+    /// Told each module when it was gone through.
+    std::function<void(const WrittenModule& module)> Done = [](const WrittenModule&) {};
+};
+
+/// Writes the modules one after the other, with a journal, which is removed when all were gone through and
+/// nothing is unreached. Throws `RuntimeFailure` when the port or the journal fails, or the user ends it; the
+/// journal then stays.
+WrittenLine RestoreLine(const LineWork& work, const RestoreRun& run);
 
 /// Makes the list's entry of a module that was written what it was read back as.
 void TakeIntoList(Session& session, const WrittenModule& written);

@@ -26,6 +26,7 @@ namespace {
 constexpr const char* GoingOnText = "The journal remembers this: File > Restore... with the same file offers "
                                     "to go on. Network > Refresh shows "
                                     "in the list what the modules have now.";
+constexpr const char* GoesOnNote = "The restore was cut off; File > Restore... goes on with it.";
 constexpr const char* NothingSentText = "Nothing was sent that changes a module.";
 constexpr const char* AllThereText =
     "Everything that was to be written is there already; the journal is removed.";
@@ -89,6 +90,8 @@ void RestoreForm::Compare() {
     comparison_.reset();
     ShowComparison();
     Work([this](const LineWork& work) { comparison_ = CompareLine(work, plan_.File); });
+    if (comparison_ && plan_.GoesOn)
+        comparison_->New.clear(); // the journal has a part of the line alone
     ShowComparison();
     const bool allThere = comparison_ && std::ranges::all_of(comparison_->Modules, &ModuleComparison::Same);
     if (!plan_.GoesOn || !allThere)
@@ -101,9 +104,11 @@ void RestoreForm::Compare() {
 void RestoreForm::ShowComparison() {
     place_->setCurrentWidget(tree_);
     tree_->ShowAll(comparison_.value_or(LineComparison()));
-    summary_->setText(comparison_ ? QString::fromStdString(SummaryText(*comparison_))
-                                  : QString("The line is to be compared with the file first."));
-    advice_->setVisible(comparison_ && AwaitsInitialisation(*comparison_));
+    summary_->setText(comparison_
+                          ? QString::fromStdString(SummaryText(
+                                *comparison_, plan_.GoesOn ? "of the cut off restore" : "in the file"))
+                          : QString("The line is to be compared with the file first."));
+    advice_->setVisible(comparison_ && !AwaitingText(*comparison_).empty());
     ShowTicked();
     MakeRoom(*this);
 }
@@ -118,27 +123,30 @@ void RestoreForm::ShowTicked() {
 
 void RestoreForm::Write() {
     const LineComparison comparison = *comparison_;
-    const std::vector<WriteTarget> targets = TargetsOf(comparison, tree_->Ticked());
     WrittenLine written;
-    const WorkEnd end = Work([&](const LineWork& work) {
-        RestoreLine(work, targets, plan_.Path,
-                    [&written](const WrittenModule& module) { written.push_back(module); });
-    });
+    const RestoreRun run = {
+        TargetsOf(comparison, tree_->Ticked()), plan_.Path,
+        UnreachedOf(plan_.GoesOn ? ReadJournal(JournalPath(plan_.Path)) : std::nullopt, comparison),
+        [&written](const WrittenModule& module) { written.push_back(module); }};
+    const WorkEnd end = Work([&run](const LineWork& work) { RestoreLine(work, run); });
     for (const WrittenModule& module : written)
         TakeIntoList(session_, module);
-    ShowWritten(written, end);
+    ShowWritten(written, UnfinishedTexts(run.Targets, written.size()), end);
 }
 
 // The comparison no longer says how the line is.
-void RestoreForm::ShowWritten(const WrittenLine& written, WorkEnd end) {
+void RestoreForm::ShowWritten(const WrittenLine& written, const std::vector<std::string>& unfinished,
+                              WorkEnd end) {
     std::vector<std::string> texts = WrittenTexts(written, *comparison_);
+    session_.Note = texts.front();
+    texts.insert(texts.end(), unfinished.begin(), unfinished.end());
     if (end != WorkEnd::Done) {
         const std::vector<std::string> cutOff = CutOffTexts();
         texts.insert(texts.begin(), cutOff.begin(), cutOff.end());
+        session_.Note = cutOff.size() > 1 ? GoesOnNote : cutOff.front();
     }
-    session_.Note = texts.front();
-    if (AwaitsInitialisation(*comparison_))
-        texts.emplace_back(InitialisationAdvice);
+    if (const std::string awaiting = AwaitingText(*comparison_); !awaiting.empty())
+        texts.push_back(awaiting);
     comparison_.reset();
     summary_->setText(end == WorkEnd::Done      ? "The restore has ended."
                       : end == WorkEnd::Stopped ? "The restore was stopped."

@@ -38,7 +38,7 @@ private:
     void ShowComparison();
     void ShowTicked();
     void Write();
-    void ShowWritten(const WrittenLine& written, WorkEnd end);
+    void ShowWritten(const WrittenLine& written, const std::vector<std::string>& unfinished, WorkEnd end);
     std::vector<std::string> CutOffTexts() const;
     void ShowResult(const std::vector<std::string>& texts);
 

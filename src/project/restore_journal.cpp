@@ -6,13 +6,13 @@
 #include "link/utc_text.h"
 #include "link/write_through.h"
 #include "map/product.h"
+#include "project/file_content.h"
 #include "project/module_reading.h"
 #include "project/saved_json.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
-#include <fstream>
 #include <system_error>
 #include <utility>
 
@@ -25,13 +25,13 @@ namespace {
 
 constexpr std::string_view Format = "kavro-restore-journal";
 constexpr int Version = 1;
-constexpr int HighestVersion = 1'000'000;
+constexpr int HighestVersion = 2'000'000'000;
 constexpr int HighestAddress = 255;
 constexpr std::string_view Unreadable = "unreadable reply";
 
-std::string Head(const Line& line, const std::vector<SavedModule>& wanted) {
+std::string Head(const Line& line, const CutOffRestore& begun) {
     std::string modules;
-    for (const SavedModule& module : wanted)
+    for (const SavedModule& module : begun.Wanted)
         modules += (modules.empty() ? "" : ", ") + SavedModuleJson(module, -1);
     JsonObject head(-1);
     head.Add("format", JsonText(Format));
@@ -40,6 +40,31 @@ std::string Head(const Line& line, const std::vector<SavedModule>& wanted) {
     head.Add("program", JsonText(ProductVersion));
     head.Add("modules", "[" + modules + "]");
     return head.Text() + "\n";
+}
+
+std::string Entry(const char* event, int address) {
+    return "{\"event\": \"" + std::string(event) + "\", \"address\": " + std::to_string(address);
+}
+
+std::string SendEntry(int address, const std::string& command) {
+    return Entry("send", address) + ", \"command\": " + JsonText(command);
+}
+
+std::string OutcomeEntry(int address, const std::string& outcome) {
+    return Entry("outcome", address) + ", \"outcome\": " + JsonText(outcome);
+}
+
+// A journal that begins with what a run before has left of a module.
+std::string JournalText(const Line& line, const CutOffRestore& begun) {
+    std::string text = Head(line, begun);
+    if (!begun.InWork)
+        return text;
+    text += Entry("begin", *begun.InWork) + "}\n";
+    if (!begun.LastCommand.empty())
+        text += SendEntry(*begun.InWork, begun.LastCommand) + "}\n";
+    if (!begun.LastOutcome.empty())
+        text += OutcomeEntry(*begun.InWork, begun.LastOutcome) + "}\n";
+    return text;
 }
 
 // How the configuration dialogs tell an acknowledgement from a refusal.
@@ -76,7 +101,7 @@ private:
 void ReadHead(const JsonNode& head, CutOffRestore& cutOff) {
     const JsonNode* const format = head.Member("format");
     const JsonNode* const modules = head.Member("modules");
-    if (!format || format->Text != Format || !modules)
+    if (!format || format->Text != Format || !modules || modules->Is != JsonNode::Kind::List)
         FailAt(head, "this is no journal of a restore.");
     if (WholeIn(head, "version", 1, HighestVersion) > Version)
         FailAt(head, "a newer version of this program wrote it. Update the program to go on.");
@@ -102,10 +127,6 @@ void ReadEntry(const JsonNode& entry, CutOffRestore& cutOff) {
     }
 }
 
-std::string Entry(const char* event, int address) {
-    return "{\"event\": \"" + std::string(event) + "\", \"address\": " + std::to_string(address);
-}
-
 std::string InWorkText(const CutOffRestore& cutOff) {
     const auto found = std::ranges::find(cutOff.Wanted, *cutOff.InWork, &SavedModule::Address);
     const std::string module =
@@ -124,10 +145,9 @@ std::string JournalPath(const std::string& path) {
     return path + ".journal";
 }
 
-RestoreJournal::RestoreJournal(Session& session, const std::string& path,
-                               const std::vector<SavedModule>& wanted)
+RestoreJournal::RestoreJournal(Session& session, const std::string& path, const CutOffRestore& begun)
     : session_(session), path_(path) {
-    session_.ReplaceFile(path_, Head(session_.Line, wanted));
+    session_.ReplaceFile(path_, JournalText(session_.Line, begun));
     file_ = open(path_.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
     if (file_ < 0)
         ThrowReason(path_, "written");
@@ -153,7 +173,7 @@ void RestoreJournal::Writing(int address, const std::function<void()>& write) {
             before(command);
         if (!failure_.empty())
             throw RuntimeFailure(failure_);
-        Write(Entry("send", address_) + ", \"command\": " + JsonText(command));
+        Write(SendEntry(address_, command));
     });
     const Listening listening(line, *this);
     write();
@@ -165,16 +185,19 @@ void RestoreJournal::Done(int address, bool asWanted) {
     Write(Entry("end", address) + ", \"as_wanted\": " + (asWanted ? "true" : "false"));
 }
 
-void RestoreJournal::Finish() {
+void RestoreJournal::Finish(const CutOffRestore& left) {
     close(std::exchange(file_, -1));
-    DiscardJournal(path_);
+    if (left.Wanted.empty())
+        DiscardJournal(path_);
+    else
+        session_.ReplaceFile(path_, JournalText(session_.Line, left));
 }
 
 void RestoreJournal::Passed(const LineTraffic& traffic) {
     if (traffic.Outcome == TrafficOutcome::Stray || !failure_.empty())
         return;
     try {
-        Write(Entry("outcome", address_) + ", \"outcome\": " + JsonText(OutcomeOf(traffic)));
+        Write(OutcomeEntry(address_, OutcomeOf(traffic)));
     } catch (const RuntimeFailure& failure) {
         failure_ = failure.what();
     }
@@ -182,31 +205,37 @@ void RestoreJournal::Passed(const LineTraffic& traffic) {
 
 std::optional<CutOffRestore> ReadJournal(const std::string& path) {
     std::error_code error;
-    const auto status = std::filesystem::status(std::filesystem::u8path(path), error);
-    if (!std::filesystem::exists(status))
+    if (!std::filesystem::exists(std::filesystem::u8path(path), error))
         return std::nullopt;
-    std::ifstream file(std::filesystem::u8path(path), std::ios::binary);
-    if (!std::filesystem::is_regular_file(status) || !file.is_open())
-        throw RuntimeFailure("The journal \"" + path + "\" cannot be read. Look at it, or remove it.");
+    const auto fail = [&path](const std::string& what) {
+        throw RuntimeFailure("The journal \"" + path + "\" cannot be used: " + what);
+    };
+    std::string text;
+    try {
+        text = FileContent(path);
+    } catch (const RuntimeFailure& failure) {
+        fail(failure.what());
+    }
     CutOffRestore cutOff;
-    std::string line;
-    for (int number = 1; std::getline(file, line); ++number) {
-        if (file.eof())
-            break; // cut off in the middle of the line
+    int number = 0;
+    // What was cut off in the middle of a line is passed over.
+    for (std::size_t start = 0, end = 0; (end = text.find('\n', start)) != std::string::npos;
+         start = end + 1) {
+        ++number;
         try {
-            const JsonNode node = ReadJson(line);
+            const JsonNode node = ReadJson(std::string_view(text).substr(start, end - start));
             number == 1 ? ReadHead(node, cutOff) : ReadEntry(node, cutOff);
         } catch (const RuntimeFailure& failure) {
-            const std::string_view what = failure.what(); // "line 1: ..." of its own line
-            throw RuntimeFailure("The journal \"" + path + "\" cannot be understood: line " +
-                                 std::to_string(number) + std::string(what.substr(what.find(':'))) +
-                                 " --discard-journal, or removing the file, forgets it.");
+            const std::string what = failure.what(); // "line 1: ..." of its own line
+            fail("line " + std::to_string(number) + what.substr(what.find(':')));
         }
     }
     return cutOff;
 }
 
 std::string CutOffText(const CutOffRestore& cutOff) {
+    if (cutOff.Wanted.empty())
+        return "A restore of this line was cut off before anything was sent.";
     const std::size_t read = cutOff.Done.size() + cutOff.NotDone.size();
     std::string text = "A restore of this line was cut off: " + std::to_string(read) + " of " +
                        std::to_string(cutOff.Wanted.size()) + " modules were written and read back";

@@ -56,13 +56,20 @@ std::vector<std::string> WrittenTexts(const WrittenLine& written, const LineComp
     return texts;
 }
 
-bool AwaitsInitialisation(const LineComparison& comparison) {
-    return std::ranges::any_of(comparison.Modules, [](const ModuleComparison& module) {
-        return LeftAloneText(module).empty() &&
-               std::ranges::any_of(module.Differences, [&](const LineDifference& difference) {
-                   return difference.When == Writable::Initialising && !CanBeWritten(module, difference);
-               });
-    });
+std::vector<std::string> UnfinishedTexts(const std::vector<WriteTarget>& targets, std::size_t written) {
+    std::vector<std::string> texts;
+    for (std::size_t i = written; i < targets.size(); ++i)
+        texts.push_back("The " + ShownModule(targets[i].Wanted) + " was not finished.");
+    return texts;
+}
+
+std::string AwaitingText(const LineComparison& comparison) {
+    std::vector<std::string> settings;
+    for (const ModuleComparison& module : comparison.Modules)
+        for (const LineDifference& difference : module.Differences)
+            if (LeftAloneText(module).empty() && !CanBeWritten(module, difference))
+                settings.push_back(difference.Setting + " of " + ShownModule(module.File));
+    return settings.empty() ? "" : "Left as it is: " + Listed(settings) + ". " + InitialisationAdvice;
 }
 
 } // namespace kavro

@@ -11,7 +11,11 @@ namespace kavro {
 /// for each module that was written and each that was left alone.
 std::vector<std::string> WrittenTexts(const WrittenLine& written, const LineComparison& comparison);
 
-/// Whether any difference waits for the initialisation state of its module.
-bool AwaitsInitialisation(const LineComparison& comparison);
+/// A sentence for each module that was to be written and of which `written` says nothing, as the run was cut
+/// off: all from that number on.
+std::vector<std::string> UnfinishedTexts(const std::vector<WriteTarget>& targets, std::size_t written);
+
+/// Which settings wait for the initialisation state of their modules, and what to do; empty when none do.
+std::string AwaitingText(const LineComparison& comparison);
 
 } // namespace kavro

@@ -113,6 +113,8 @@ void ReadSetting(const JsonNode& node, NamedConfig& blank, SavedModule& module) 
         module.OtherSettings.push_back({node.Name, JsonLine(node)});
         return;
     }
+    if (SettingIn(module, setting->Name))
+        FailAt(node, "the " + setting->Name + " stands twice; one of them must go.");
     const SettingValue value = ValueOf(node);
     try {
         TakeValue(*setting, value);

@@ -23,6 +23,8 @@ void OfferSaving(QFileDialog& dialog, const SaveChoice& choice) {
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     // "*.*" would hide names without a point here; what matches is the last pair of brackets, unseen.
     dialog.setOption(QFileDialog::HideNameFilterDetails);
+    if (!choice.AsksToReplace)
+        dialog.setOption(QFileDialog::DontConfirmOverwrite);
     const QString kind = QString("%1 (*.%2) (*.%2)").arg(choice.Kind, choice.Suffix);
     dialog.setNameFilters({kind, AllFiles});
     dialog.setDefaultSuffix(choice.Suffix);

@@ -12,9 +12,10 @@ namespace kavro {
 /// What a save dialog offers.
 struct SaveChoice {
     QString Title;
-    QString Kind;      ///< of its first filter, for example "MAP Files"
-    QString Suffix;    ///< of that kind, for example "map"; added to a name without one
-    QString Name = {}; ///< proposed
+    QString Kind;              ///< of its first filter, for example "MAP Files"
+    QString Suffix;            ///< of that kind, for example "map"; added to a name without one
+    QString Name = {};         ///< proposed
+    bool AsksToReplace = true; ///< false: what is there is not simply written over
 };
 
 /// Shows the save dialog `SaveDialog` for files of one kind, or for all files, which get no suffix. Empty

@@ -158,7 +158,7 @@ TEST(RestoreJournal, IsReadWhereverItWasCutOff) {
                                 "{\"event\": \"end\", \"address\": 5, \"as_wanted\": false}\n";
     const std::string told = " The 8250 at address 5 (05H) was being written";
     const std::pair<std::size_t, std::string> cases[] = {
-        {0, ""},
+        {1, ""},
         {20, ""},
         {60, told + "; nothing had been sent to it."},
         {100, told + "; last it was sent %0505080600, and what came of that is not known."},
