@@ -42,7 +42,7 @@ TEST(ReportCommand, WrongUseIsTold) {
                     {{"report", file, linked}, "would replace the file"},
                     {{"report", file, files("a.html"), "--record", files("b")}, "nothing to record"},
                     {{"report", files("check"), files("a.html")}, "line 1: "},
-                    {{"report", file, files("a.html"), "--check", files("check")}, "line 1: "}});
+                    {{"report", file, files("a.html"), "--check", files("check")}, "line 2: "}});
     EXPECT_EQ(files.Read("hall.kavro.json"), File);
 }
 

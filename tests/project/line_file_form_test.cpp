@@ -79,10 +79,6 @@ struct LineFileForms : testing::Test, SimulatedSession {
             std::move(act));
     }
 
-    static DialogDriver::Step Replace() {
-        return {"", [](QDialog& box) { static_cast<QMessageBox&>(box).button(QMessageBox::Yes)->click(); }};
-    }
-
     void Change() {
         static_cast<AlarmInputModule&>(Line.ModuleAt(1)).HighLimit = 2;
         Line.ModuleAt(1).Settings.DataFormat = 1;
@@ -193,7 +189,7 @@ TEST_F(LineFileForms, APortThatVanishesIsToldOnce) {
     const std::string before = Folder.Read("line.kavro.json");
     const auto told = [this](QDialog&) { return Messages.Shown.size() == 2; };
     Drive(BackUpToFile,
-          {Choose("SaveDialog"), Replace(), When("BackupForm", told, [](QDialog& form) { form.reject(); })});
+          {Choose("SaveDialog"), When("BackupForm", told, [](QDialog& form) { form.reject(); })});
     EXPECT_EQ(Session.Note, "The backup failed; line.kavro.json is as it was.");
     EXPECT_EQ(Folder.Read("line.kavro.json"), before);
 }
@@ -201,7 +197,7 @@ TEST_F(LineFileForms, APortThatVanishesIsToldOnce) {
 TEST_F(LineFileForms, ADamagedFileIsToldAndNothingIsSent) {
     Folder.Write("line.kavro.json", "{\n\"format\": \"kavro-line\",\n\"version\": 1,\n\"modules\": [}\n");
     Line.Log = [](const LineEvent& event) { ADD_FAILURE() << event.Command; };
-    Drive(BackUpToFile, {Choose("SaveDialog"), Replace()});
+    Drive(BackUpToFile, {Choose("SaveDialog")});
     Drive(CompareWithFile, {Choose("OpenDialog")});
     Drive(RestoreFromFile, {Choose("OpenDialog")});
     ASSERT_EQ(Messages.Shown.size(), 3U);
