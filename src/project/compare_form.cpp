@@ -69,7 +69,7 @@ void CompareForm::BuildTable() {
     for (const Column& column : Columns)
         headings << column.Heading;
     table_->setHorizontalHeaderLabels(headings);
-    table_->horizontalHeader()->setSectionResizeMode(table_->columnCount() - 1, QHeaderView::Stretch);
+    table_->horizontalHeader()->setStretchLastSection(true);
     table_->verticalHeader()->hide();
     table_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + RowRoom);
     table_->setEditTriggers(QTableWidget::NoEditTriggers);
