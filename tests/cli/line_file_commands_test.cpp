@@ -54,6 +54,12 @@ TEST_F(LineFileCommands, ALineIsSavedComparedAndRestored) {
         object["different"].toArray(),
         (QJsonArray{QJsonObject{{"address", 1}, {"setting", "low-alarm"}, {"file", -1.25}, {"line", -1.5}},
                     QJsonObject{{"address", 5}, {"setting", "range"}, {"file", "0A"}, {"line", "08"}}}));
+    QJsonObject example =
+        QJsonDocument::fromJson(QByteArray::fromStdString(Example("Comparison", "{\n"))).object();
+    EXPECT_EQ(example.take("untold").toArray().size(), 1); // which is left out when it is empty
+    EXPECT_EQ(object.keys(), example.keys());
+    EXPECT_EQ(object["different"].toArray()[0].toObject().keys(),
+              example["different"].toArray()[0].toObject().keys());
     for (const char* list : {"missing", "new", "other_model"})
         EXPECT_EQ(object[list].toArray(), QJsonArray()) << list;
 
