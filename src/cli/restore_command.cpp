@@ -5,7 +5,6 @@
 #include "cli/line_work_run.h"
 #include "link/entered_values.h"
 #include "link/runtime_failure.h"
-#include "link/text.h"
 #include "map/module_access.h"
 #include "project/restore.h"
 #include "project/restore_text.h"
@@ -64,19 +63,6 @@ void TellLeft(const LineComparison& comparison) {
         PrintNote(text);
 }
 
-std::string WrittenText(const WrittenModule& written) {
-    std::string text = ShownModule(written.Wanted);
-    if (written.AsWanted())
-        return text + ": written\n";
-    text += written.Readable ? ": not everything took\n" : ": it could not be read back\n";
-    for (const LineDifference& each : written.NotTaken)
-        text += "  " + each.Setting + ": " + each.File.Text + " is wanted, the module has " + each.Line.Text +
-                "\n";
-    for (const std::string& told : written.Told)
-        text += "  " + told + "\n";
-    return text;
-}
-
 // Whether a module is as in the file in the end.
 bool IsRestored(const ModuleComparison& module, const WrittenLine& written) {
     if (module.Same())
@@ -112,7 +98,7 @@ int Write(Session& session, const RestoreOptions& options, const LineComparison&
         return ExitNotAccepted;
     }
     for (const WrittenModule& each : written)
-        PrintOut(WrittenText(each));
+        PrintOut(WrittenText(each, comparison) + "\n");
     TellLeft(comparison);
     if (!run.Unreached.Wanted.empty())
         TellCutOff(options.Path);

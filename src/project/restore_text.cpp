@@ -25,6 +25,8 @@ std::vector<std::string> ChosenOf(const WrittenModule& module, const LineCompari
     return names;
 }
 
+} // namespace
+
 std::string WrittenText(const WrittenModule& module, const LineComparison& comparison) {
     const std::string the = "The " + ShownModule(module.Wanted);
     if (module.AsWanted())
@@ -41,8 +43,6 @@ std::string WrittenText(const WrittenModule& module, const LineComparison& compa
         text += " " + told;
     return text;
 }
-
-} // namespace
 
 std::vector<std::string> WrittenTexts(const WrittenLine& written, const LineComparison& comparison) {
     const auto taken = static_cast<std::size_t>(std::ranges::count_if(written, &WrittenModule::AsWanted));

@@ -7,6 +7,9 @@
 
 namespace kavro {
 
+/// What a module that was written took of what the comparison offered, or did not take: sentences.
+std::string WrittenText(const WrittenModule& module, const LineComparison& comparison);
+
 /// What a restore that has ended leaves to be told: first how many modules took everything, then a sentence
 /// for each module that was written and each that was left alone.
 std::vector<std::string> WrittenTexts(const WrittenLine& written, const LineComparison& comparison);

@@ -66,9 +66,9 @@ TEST_F(LineFileCommands, ALineIsSavedComparedAndRestored) {
     EXPECT_EQ(Run({"restore", "--dry-run"}).Exit, ExitDifference);
     const Captured restored = Run({"restore", "--only", "0x05"});
     EXPECT_EQ(restored.Exit, ExitSuccess);
-    EXPECT_TRUE(Contains(restored.Out, "8250 at address 5 (05H): written\n"));
+    EXPECT_TRUE(Contains(restored.Out, "The 8250 at address 5 (05H) took its range.\n"));
     EXPECT_FALSE(Contains(restored.Out, "LT-1"));
-    EXPECT_TRUE(Contains(Run({"restore"}).Out, "LT-1, 8210 at address 1 (01H): written\n"));
+    EXPECT_TRUE(Contains(Run({"restore"}).Out, "The LT-1, 8210 at address 1 (01H) took its low-alarm.\n"));
     EXPECT_FALSE(std::filesystem::exists(JournalPath(File)));
 
     Change("\"baud\": 9600", "\"baud\": 19200"); // found all the same, but not to be changed where it is
