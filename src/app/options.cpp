@@ -47,7 +47,7 @@ std::optional<Options> ReadOptions(int& argc, char** argv, int& exitCode) {
     if (parser.isSet(help))
         return Stop(parser.helpText(), stdout, 0, exitCode);
     if (parser.isSet(version))
-        return Stop(QString("kavro %1\n").arg(ProductVersion), stdout, 0, exitCode);
+        return Stop(QString("kavro %1\n").arg(VersionText), stdout, 0, exitCode);
     if (!parser.positionalArguments().isEmpty())
         return Stop("kavro: Unexpected argument '" + parser.positionalArguments().first() + "'.\n", stderr,
                     WrongUse, exitCode);

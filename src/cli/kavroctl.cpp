@@ -107,7 +107,7 @@ CommandAction Prepare(const QStringList& arguments) {
     if (parser.isSet("help"))
         return Printing(ProgramHelp());
     if (parser.isSet("version"))
-        return Printing(std::string("kavroctl ") + ProductVersion + "\n");
+        return Printing(std::string("kavroctl ") + VersionText + "\n");
 
     const QStringList words = parser.positionalArguments();
     if (words.isEmpty())

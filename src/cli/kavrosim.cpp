@@ -205,7 +205,7 @@ KavrosimOptions ParseOptions(const QStringList& arguments) {
     KavrosimOptions options;
     if (parser.isSet("help") || parser.isSet("version")) {
         options.Information =
-            parser.isSet("help") ? HelpText(parser) : std::string("kavrosim ") + ProductVersion;
+            parser.isSet("help") ? HelpText(parser) : std::string("kavrosim ") + VersionText;
         return options;
     }
     const QStringList others = parser.positionalArguments();

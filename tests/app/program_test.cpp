@@ -12,7 +12,7 @@ namespace kavro {
 namespace {
 
 TEST(Program, AnswersTheCommandLineWithoutADisplay) {
-    EXPECT_EQ(ProgramRun(KAVRO_PROGRAM).Run({"--version"}).Out, "kavro 4.01\n");
+    EXPECT_TRUE(ProgramRun(KAVRO_PROGRAM).Run({"--version"}).Out.starts_with("kavro 4.01 (build 4.01-"));
     const Outcome help = ProgramRun(KAVRO_PROGRAM).Run({"--help"});
     EXPECT_EQ(std::tuple(help.Exit, help.Err), std::tuple(0, ""));
     EXPECT_TRUE(Contains(help.Out, "--port"));

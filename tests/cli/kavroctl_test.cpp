@@ -55,7 +55,7 @@ TEST(KavroCtl, WrongUseIsToldInOneLineAndHelpNeedsNothing) {
         EXPECT_EQ(std::tuple(outcome.Exit, outcome.Out), std::tuple(2, "")) << piece;
         EXPECT_EQ(outcome.Err.find('\n'), outcome.Err.size() - 1) << outcome.Err;
     }
-    EXPECT_EQ(KavroCtl().Run({"--version"}).Out, "kavroctl 4.01\n");
+    EXPECT_TRUE(KavroCtl().Run({"--version"}).Out.starts_with("kavroctl 4.01 (build 4.01-"));
     const Outcome help = KavroCtl().Run({"search", "--help"});
     EXPECT_EQ(std::tuple(help.Exit, help.Err), std::tuple(0, ""));
     EXPECT_TRUE(Contains(help.Out, "Usage: kavroctl search"));
