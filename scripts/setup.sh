@@ -4,6 +4,8 @@ packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-serialport-dev libqt
 
 test_packages=(ser2net) # a device server, for ./test alone
 
+package_packages=(debhelper lintian desktop-file-utils appstream mmdebstrap) # for scripts/package.sh and its check alone
+
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 fail() {

@@ -1,0 +1,59 @@
+#!/usr/bin/env bash
+# Makes the packages and checks them: what Debian's own tools say, that the same bytes come out of another folder, and that
+# they install, run and go without a trace in a bare Debian made for this. That last part needs root, and is left out
+# where this is not root or may not change its root.
+set -eu
+. "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
+
+"$root/scripts/package.sh"
+work=$(mktemp -d)
+trap 'rm -rf --one-file-system "$work"' EXIT
+
+check_with_tools() {
+    local deb
+    lintian --fail-on error,warning --allow-root "$root"/dist/*.deb || fail "lintian complains; see above."
+    for deb in "$root"/dist/*.deb; do
+        dpkg-deb --extract "$deb" "$work/files"
+    done
+    desktop-file-validate "$work"/files/usr/share/applications/*.desktop || fail "the desktop entry is not valid."
+    appstreamcli validate --no-net --pedantic "$work"/files/usr/share/metainfo/*.xml || fail "the metainfo is not valid."
+    if dpkg-deb --field "$root"/dist/kavroctl_*.deb Depends | grep -i -E 'widgets|libqt6gui'; then
+        fail "kavroctl depends on windows."
+    fi
+    if [ -n "$(find "$work/files" -path '*/DEBIAN/*')" ] || dpkg-deb --info "$root"/dist/kavro_*.deb postrm >/dev/null 2>&1; then
+        fail "there is a maintainer script, which must not touch settings; look at it and change this check."
+    fi
+}
+
+# A copy of what is here, changes included, in a folder with a longer name.
+check_reproducible() {
+    local other=$work/a-copy-elsewhere deb
+    git clone --quiet "$root" "$other"
+    (cd "$root" && git ls-files -z --cached --others --exclude-standard | tar --null --create --files-from=-) | tar --extract --directory "$other"
+    TZ=Pacific/Auckland "$other/scripts/package.sh" >/dev/null
+    for deb in "$root"/dist/*.deb; do
+        cmp "$deb" "$other/dist/$(basename "$deb")" || fail "$(basename "$deb") is not the same when built elsewhere."
+    done
+    echo "The packages are the same bytes when built in another folder."
+}
+
+inside() {
+    unshare --mount --pid --fork --mount-proc="$work/bare/proc" chroot "$work/bare" "$@"
+}
+
+check_bare() {
+    if [ "$(id -u)" -ne 0 ] || ! unshare --mount --pid --fork true 2>/dev/null; then
+        echo "Left out: installing in a bare Debian, which needs root and a root folder of its own."
+        return 0
+    fi
+    local release
+    release=$(. /etc/os-release && echo "$VERSION_CODENAME")
+    mmdebstrap --quiet --variant=minbase --skip=cleanup/apt "$release" "$work/bare" || fail "no bare Debian could be made; see above."
+    cp /etc/resolv.conf "$work/bare/etc/resolv.conf"
+    cp "$root"/dist/*.deb "$root/scripts/try_package.sh" "$work/bare/root"
+    inside /root/try_package.sh || fail "the packages do not do in a bare Debian; see above."
+}
+
+check_with_tools
+check_bare
+check_reproducible
