@@ -141,19 +141,28 @@ std::string FishOption(const std::string& head, const HelpEntry& option) {
            "\"\n";
 }
 
+// A word of a few is given once; a file can be completed wherever an argument stands.
+std::string FishArgument(const std::string& head, const std::string& condition,
+                         const CompletionValue& value) {
+    if (value.Kind == ValueKind::Words)
+        return head + " -n '" + condition + "; and not __fish_seen_subcommand_from " +
+               Joined(value.Words, " ") + "'" + FishValue(value) + "\n";
+    return value.Kind == ValueKind::File ? head + " -n '" + condition + "' -F\n" : "";
+}
+
 std::string FishCommand(const std::string& head, const std::string& condition, const HelpText& help) {
+    const std::string when = condition.empty() ? head : head + " -n '" + condition + "'";
     std::string rows;
     for (const HelpEntry& option : help.Options)
-        rows += FishOption(head + (condition.empty() ? "" : " -n '" + condition + "'"), option);
-    for (const CompletionValue& value : ArgumentsOf(help.Usage)) {
-        // A word of a few is given once; a file can be completed wherever an argument stands.
-        if (value.Kind == ValueKind::Words)
-            rows += head + " -n '" + condition + "; and not __fish_seen_subcommand_from " +
-                    Joined(value.Words, " ") + "'" + FishValue(value) + "\n";
-        else if (value.Kind == ValueKind::File)
-            rows += head + " -n '" + condition + "' -F\n";
-    }
+        rows += FishOption(when, option);
+    for (const CompletionValue& value : ArgumentsOf(help.Usage))
+        rows += FishArgument(head, condition, value);
     return rows;
+}
+
+std::string FishCommandName(const std::string& head, const HelpEntry& command) {
+    return head + " -n __fish_use_subcommand -a " + command.Names.front() + " -d \"" +
+           Escaped(command.Text, "\"\\$") + "\"\n";
 }
 
 } // namespace
@@ -192,10 +201,9 @@ std::string FishRows(const ProgramHelp& help) {
     std::string rows = FishCommand(head, "__fish_use_subcommand", help.Own);
     for (std::size_t index = 0; index < help.Commands.size(); ++index) {
         const HelpEntry& command = help.Own.Commands[index];
-        const std::string& name = command.Names.front();
-        rows += head + " -n __fish_use_subcommand -a " + name + " -d \"" + Escaped(command.Text, "\"\\$") +
-                "\"\n";
-        rows += FishCommand(head, "__fish_seen_subcommand_from " + name, help.Commands[index]);
+        rows += FishCommandName(head, command);
+        rows +=
+            FishCommand(head, "__fish_seen_subcommand_from " + command.Names.front(), help.Commands[index]);
     }
     return rows;
 }

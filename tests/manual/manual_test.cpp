@@ -59,6 +59,15 @@ struct Scripts {
     std::string Page, Common, Bash, Zsh, Fish;
 };
 
+// What is said of one command.
+Scripts CommandPart(const Scripts& whole, const std::string& program, const std::string& command) {
+    return {Part(whole.Page, ".SS " + program + " " + RoffText(command) + "\n", "\n.S"),
+            Part(whole.Page, ".SH COMMON OPTIONS", "\n.SH"),
+            Part(whole.Bash, "    \"" + command + "\")", ";;"),
+            Part(whole.Zsh, "\n    " + command + ")\n", ";;"),
+            Part(whole.Fish, "'__fish_seen_subcommand_from " + command + "'", "-n __fish_use_subcommand")};
+}
+
 void ExpectOptions(const std::string& help, const Scripts& scripts) {
     for (const std::string& option : OptionsIn(help)) {
         const std::string name = option.substr(option.find_first_not_of('-'));
@@ -82,16 +91,11 @@ TEST(Manual, HasEveryCommandAndOptionOfTheHelp) {
         ExpectOptions(help, whole);
         const std::string commands =
             help.find("Commands:") == std::string::npos ? "" : Part(help, "Commands:", "\n\n");
-        static const std::regex row(R"(\n  ([a-z]+) )");
+        static const std::regex row(R"(\n  ([a-z-]+) )");
         for (std::sregex_iterator match(commands.begin(), commands.end(), row), end; match != end; ++match) {
             const std::string command = (*match)[1];
-            const std::string condition = "'__fish_seen_subcommand_from " + command + "'";
             ExpectOptions(OutputOf(path, {QString::fromStdString(command), "--help"}),
-                          {Part(whole.Page, ".SS " + name + " " + command + "\n", "\n.S"),
-                           Part(whole.Page, ".SH COMMON OPTIONS", "\n.SH"),
-                           Part(whole.Bash, "    \"" + command + "\")", ";;"),
-                           Part(whole.Zsh, "\n    " + command + ")\n", ";;"),
-                           Part(whole.Fish, condition, "-n __fish_use_subcommand")});
+                          CommandPart(whole, name, command));
         }
     }
 }
