@@ -17,7 +17,7 @@ check_with_tools() {
     done
     desktop-file-validate "$work"/files/usr/share/applications/*.desktop || fail "the desktop entry is not valid."
     appstreamcli validate --no-net --pedantic "$work"/files/usr/share/metainfo/*.xml || fail "the metainfo is not valid."
-    if dpkg-deb --field "$root"/dist/kavroctl_*.deb Depends | grep -i -E 'widgets|libqt6gui'; then
+    if dpkg-deb --field "$root"/dist/kavroctl_*.deb Depends | grep -i widgets; then
         fail "kavroctl depends on windows."
     fi
     for deb in "$root"/dist/*.deb; do

@@ -18,9 +18,10 @@ struct NamedKind {
 };
 // Whoever names the value of a new option so has it completed.
 constexpr NamedKind NamedKinds[] = {
-    {"file", ValueKind::File},     {"map", ValueKind::File},    {"path", ValueKind::File},
-    {"folder", ValueKind::Folder}, {"rate", ValueKind::Rate},   {"list", ValueKind::Rates},
-    {"n=device", ValueKind::Port}, {"device", ValueKind::Port},
+    {"file", ValueKind::File},   {"map", ValueKind::File},   {"path", ValueKind::File},
+    {"check", ValueKind::File},  {"out", ValueKind::File},   {"folder", ValueKind::Folder},
+    {"rate", ValueKind::Rate},   {"list", ValueKind::Rates}, {"n=device", ValueKind::Port},
+    {"device", ValueKind::Port},
 };
 
 std::vector<std::string> Split(const std::string& text, char separator) {
