@@ -3,10 +3,10 @@
 // that its work is not counted.
 
 #include "bench/figures.h"
-#include "link/clock.h"
 #include "link/line.h"
 #include "link/runtime_failure.h"
 #include "ports/device_port.h"
+#include "ports/steady_clock.h"
 
 #include <QCoreApplication>
 

@@ -5,6 +5,7 @@
 #include "diag/csv_log.h"
 #include "diag/monitor.h"
 #include "map/search.h"
+#include "ports/append_file.h"
 #include "sim/demo_line.h"
 #include "sim/simulated_port.h"
 #include "sim/virtual_clock.h"
@@ -59,7 +60,7 @@ struct MonitorRun {
     SimulatedLine Line = DemoLine();
     kavro::Session Session;
     kavro::Monitor Monitor;
-    CsvLog Log;
+    CsvLog Log{OpenAppendFile};
     std::int64_t Start = 0;
     std::int64_t Ticks = 0;
 };

@@ -2,11 +2,11 @@
 // TCP. Processes of their own play the device servers, so that their work is not counted.
 
 #include "bench/figures.h"
-#include "link/clock.h"
 #include "link/line.h"
 #include "link/runtime_failure.h"
 #include "ports/com_port_server.h"
 #include "ports/network_port.h"
+#include "ports/steady_clock.h"
 
 #include <array>
 #include <csignal>

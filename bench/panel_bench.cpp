@@ -6,6 +6,7 @@
 #include "bench/figures.h"
 #include "link/baud.h"
 #include "map/module_access.h"
+#include "ports/steady_clock.h"
 #include "sim/module_factory.h"
 #include "sim/simulated_port.h"
 

@@ -4,6 +4,7 @@
 #include "diag/monitor_form.h"
 #include "link/network_address.h"
 #include "link/runtime_failure.h"
+#include "ports/append_file.h"
 #include "ports/check_json.h"
 #include "ports/map_reader.h"
 #include "ports/preferences_file.h"
@@ -48,6 +49,7 @@ Program::Program(const Options& options, int endRequests)
     session_.MapFilePath = MapFilePath(options.Demo);
     session_.DecimalSeparator = LocaleDecimalSeparator();
     session_.ReplaceFile = ReplaceFile;
+    session_.OpenFile = OpenAppendFile;
     const std::string preferencesPath = PreferencesFilePath(options.Demo);
     session_.Preferences = ReadPreferences(preferencesPath);
     session_.SavePreferences = [preferencesPath](const Preferences& preferences) {
@@ -87,7 +89,7 @@ void Program::BeginRecording() {
     if (options_.Recording.Path.empty())
         return;
     const std::int16_t port = session_.Line.CurrentPort;
-    recorder_.emplace(options_.Recording.Path,
+    recorder_.emplace(session_.OpenFile, options_.Recording.Path,
                       RecordingHead{clock_.UtcMicroseconds(), port, registry_.Device(port)},
                       options_.Recording.Options);
     recorder_->Failed = [this] {

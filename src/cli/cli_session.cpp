@@ -5,6 +5,7 @@
 #include "link/network_address.h"
 #include "link/port_config.h"
 #include "link/runtime_failure.h"
+#include "ports/append_file.h"
 #include "ports/map_reader.h"
 #include "ports/replace_file.h"
 #include "ports/settings_folder.h"
@@ -59,6 +60,7 @@ CliSession::CliSession(const LineOptions& options)
                                        [this] { return std::make_unique<SimulatedPort>(demoLine_, clock_); }),
       recording_(options.Recording), Session(registry_.Ports(), clock_) {
     Session.ReplaceFile = ReplaceFile;
+    Session.OpenFile = OpenAppendFile;
     Session.ConfigFilePath = ConfigFilePath(options.Demo);
     Session.Line.Bounded = true;
     Session.Line.EchoFound = [told = false]() mutable {
@@ -87,7 +89,7 @@ void CliSession::BeginRecording() {
     if (recording_.Path.empty())
         return;
     const RecordingHead head = {clock_.UtcMicroseconds(), Session.Line.CurrentPort, Device()};
-    recorder_.emplace(recording_.Path, head, recording_.Options);
+    recorder_.emplace(Session.OpenFile, recording_.Path, head, recording_.Options);
     Session.Line.Listeners.push_back(&*recorder_);
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "cli/cli_options.h"
-#include "link/clock.h"
 #include "map/session.h"
 #include "ports/port_registry.h"
+#include "ports/steady_clock.h"
 #include "sim/simulated_line.h"
 #include "traffic/recorder.h"
 

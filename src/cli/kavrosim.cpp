@@ -10,6 +10,7 @@
 #include "ports/pty_server.h"
 #include "ports/recording_reader.h"
 #include "ports/simulated_line_file.h"
+#include "ports/steady_clock.h"
 #include "ports/tcp_server.h"
 #include "ports/termination_signals.h"
 #include "sim/demo_line.h"

@@ -7,6 +7,7 @@
 #include "map/module_map.h"
 #include "ports/map_reader.h"
 #include "ports/recording_reader.h"
+#include "ports/steady_clock.h"
 
 #include <QCommandLineParser>
 

@@ -1,17 +1,12 @@
 #include "diag/csv_log.h"
 
+#include "link/local_time.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
-#include "link/write_through.h"
 #include "map/list_line.h"
 
-#include <cerrno>
 #include <chrono>
-#include <cstring>
 #include <ctime>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace kavro {
 
@@ -30,16 +25,21 @@ std::string TagField(const Session& session, int index, const ChannelValue& valu
     return "," + CsvField(channel.empty() && tags ? tags->Module.Tag : channel);
 }
 
-// Puts whole lines on disk, or none of them; then false, with the reason in errno.
-bool PutOnDisk(int file, std::string_view lines) {
-    const off_t before = lseek(file, 0, SEEK_CUR);
-    if (WriteThrough(file, lines))
-        return true;
-    const int reason = errno;
-    // Without the part of a line that may still have found room; a device has no length to go back to.
-    [[maybe_unused]] const bool cut = before >= 0 && ftruncate(file, before) == 0;
-    errno = reason;
-    return false;
+// Puts whole lines on disk, or none of them: without the part of a line that may still have found room.
+std::error_code PutOnDisk(AppendFile& file, std::string_view lines) {
+    const std::int64_t before = file.Length();
+    const std::error_code error = WriteThrough(file, lines);
+    if (error && before >= 0)
+        file.CutTo(before);
+    return error;
+}
+
+int OffsetMinutes(std::chrono::sys_seconds moment, const std::tm& local) {
+    using namespace std::chrono;
+    const year_month_day date(year(local.tm_year + 1900), month(static_cast<unsigned>(local.tm_mon) + 1),
+                              day(static_cast<unsigned>(local.tm_mday)));
+    const auto shown = sys_days(date) + hours(local.tm_hour) + minutes(local.tm_min) + seconds(local.tm_sec);
+    return static_cast<int>(duration_cast<minutes>(shown - moment).count());
 }
 
 } // namespace
@@ -47,11 +47,8 @@ bool PutOnDisk(int file, std::string_view lines) {
 WallTime SystemTime() {
     using namespace std::chrono;
     const auto now = system_clock::now();
-    const std::time_t seconds = system_clock::to_time_t(now);
-    std::tm local{};
-    localtime_r(&seconds, &local);
     return {duration_cast<milliseconds>(now.time_since_epoch()).count(),
-            static_cast<int>(local.tm_gmtoff / 60)};
+            OffsetMinutes(floor<seconds>(now), LocalTime(system_clock::to_time_t(now)))};
 }
 
 std::string IsoTime(const WallTime& time) {
@@ -89,31 +86,29 @@ std::string CsvLines(const Session& session, int index, const std::vector<Channe
 
 void CsvLog::Open(const std::string& path, const std::string& heading) {
     Close();
-    // Not blocking, as a pipe that nobody reads would keep the program waiting.
-    file_ = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666);
-    if (file_ < 0)
-        throw RuntimeFailure("The log file " + path + " cannot be opened: " + std::strerror(errno) +
+    OpenedFile opened = opener_(path, OpenAs::Unwaiting);
+    if (!opened.File)
+        throw RuntimeFailure("The log file " + path + " cannot be opened: " + opened.Error.message() +
                              ". Choose another file.");
+    file_ = std::move(opened.File);
     path_ = path;
     Write(heading);
 }
 
 void CsvLog::Close() {
-    if (IsOpen())
-        close(file_);
-    file_ = -1;
+    file_.reset();
     path_.clear();
 }
 
 void CsvLog::Write(std::string_view lines) {
     if (!IsOpen())
         return;
-    if (PutOnDisk(file_, lines))
+    const std::error_code error = PutOnDisk(*file_, lines);
+    if (!error)
         return;
-    const std::string reason = std::strerror(errno);
     const std::string path = path_;
     Close();
-    throw RuntimeFailure("The log file " + path + " cannot be written: " + reason +
+    throw RuntimeFailure("The log file " + path + " cannot be written: " + error.message() +
                          ". Logging is off; the values go on. Free space or choose another file, and switch "
                          "logging on again.");
 }

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "diag/module_values.h"
+#include "link/append_file.h"
 #include "map/session.h"
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace kavro {
@@ -42,10 +45,7 @@ std::string CsvLines(const Session& session, int index, const std::vector<Channe
 /// A log file; what is written is on disk when the call returns, so that a crash loses none of it.
 class CsvLog {
 public:
-    CsvLog() = default;
-    ~CsvLog() { Close(); }
-    CsvLog(const CsvLog&) = delete;
-    CsvLog& operator=(const CsvLog&) = delete;
+    explicit CsvLog(FileOpener opener) : opener_(std::move(opener)) {}
 
     /// Closes the file that is open, opens `path` for output, emptying an existing file, and writes
     /// `heading`. Throws `RuntimeFailure` when that fails.
@@ -53,7 +53,7 @@ public:
 
     void Close();
 
-    bool IsOpen() const { return file_ >= 0; }
+    bool IsOpen() const { return file_ != nullptr; }
 
     /// The file opened last; empty when none is open.
     const std::string& Path() const { return path_; }
@@ -63,7 +63,8 @@ public:
     void Write(std::string_view lines);
 
 private:
-    int file_ = -1;
+    FileOpener opener_;
+    std::unique_ptr<AppendFile> file_;
     std::string path_;
 };
 

@@ -40,7 +40,7 @@ private:
 
     WallClock wallClock_;
     Monitor monitor_;
-    CsvLog log_;
+    CsvLog log_{Session().OpenFile};
     MonitorGrid* grid_ = nullptr;
     QSplitter* splitter_ = nullptr;
     QList<int> shares_; // of the grid and the trend, when the trend was in sight last

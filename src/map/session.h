@@ -1,5 +1,6 @@
 #pragma once
 
+#include "link/append_file.h"
 #include "link/line.h"
 #include "link/text.h"
 #include "map/module_record.h"
@@ -53,6 +54,7 @@ struct Session {
     std::string MapFilePath = "admin.map"; ///< of the map that is kept when the program ends
     std::string DecimalSeparator = ".";    ///< of the user's locale, UTF-8
     FileReplacer ReplaceFile;              ///< how files are saved
+    FileOpener OpenFile;                   ///< how logs, recordings and journals are opened
 
     LineTags Tags; ///< of the line file that is open
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "link/clock.h"
+#include "ports/steady_clock.h"
 #include "sim/replayed_line.h"
 #include "sim/simulated_port.h"
 

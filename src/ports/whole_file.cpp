@@ -3,7 +3,7 @@
 #include <QtGlobal>
 
 #ifdef Q_OS_UNIX
-#include "link/write_through.h"
+#include "ports/write_through.h"
 
 #include <cerrno>
 #include <chrono>

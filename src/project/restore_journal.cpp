@@ -4,20 +4,15 @@
 #include "link/runtime_failure.h"
 #include "link/text.h"
 #include "link/utc_text.h"
-#include "link/write_through.h"
 #include "map/product.h"
 #include "project/file_content.h"
 #include "project/module_reading.h"
 #include "project/saved_json.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <filesystem>
 #include <system_error>
 #include <utility>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace kavro {
 
@@ -92,9 +87,8 @@ private:
     LineListener& listener_;
 };
 
-[[noreturn]] void ThrowReason(const std::string& path, const char* what) {
-    throw RuntimeFailure("The journal \"" + path + "\" cannot be " + what + ": " +
-                         std::generic_category().message(errno) +
+[[noreturn]] void ThrowReason(const std::string& path, const char* what, const std::error_code& error) {
+    throw RuntimeFailure("The journal \"" + path + "\" cannot be " + what + ": " + error.message() +
                          ". Look at the folder and its free space, then try again.");
 }
 
@@ -148,19 +142,15 @@ std::string JournalPath(const std::string& path) {
 RestoreJournal::RestoreJournal(Session& session, const std::string& path, const CutOffRestore& begun)
     : session_(session), path_(path) {
     session_.ReplaceFile(path_, JournalText(session_.Line, begun));
-    file_ = open(path_.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
-    if (file_ < 0)
-        ThrowReason(path_, "written");
-}
-
-RestoreJournal::~RestoreJournal() {
-    if (file_ >= 0)
-        close(file_);
+    OpenedFile opened = session_.OpenFile(path_, OpenAs::Existing);
+    if (!opened.File)
+        ThrowReason(path_, "written", opened.Error);
+    file_ = std::move(opened.File);
 }
 
 void RestoreJournal::Write(const std::string& line) {
-    if (!WriteThrough(file_, line + "}\n"))
-        ThrowReason(path_, "written");
+    if (const std::error_code error = WriteThrough(*file_, line + "}\n"))
+        ThrowReason(path_, "written", error);
 }
 
 void RestoreJournal::Writing(int address, const std::function<void()>& write) {
@@ -186,7 +176,7 @@ void RestoreJournal::Done(int address, bool asWanted) {
 }
 
 void RestoreJournal::Finish(const CutOffRestore& left) {
-    close(std::exchange(file_, -1));
+    file_.reset();
     if (left.Wanted.empty())
         DiscardJournal(path_);
     else
@@ -245,8 +235,14 @@ std::string CutOffText(const CutOffRestore& cutOff) {
 }
 
 void DiscardJournal(const std::string& path) {
-    if (unlink(path.c_str()) != 0 && errno != ENOENT)
-        ThrowReason(path, "removed");
+    namespace fs = std::filesystem;
+    const fs::path journal = fs::u8path(path);
+    std::error_code error;
+    if (fs::is_directory(fs::symlink_status(journal, error))) // which would go, too, when it is empty
+        ThrowReason(path, "removed", make_error_code(std::errc::is_a_directory));
+    fs::remove(journal, error);
+    if (error)
+        ThrowReason(path, "removed", error);
 }
 
 } // namespace kavro

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "link/append_file.h"
 #include "link/line_listener.h"
 #include "map/session.h"
 #include "project/line_file.h"
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -32,7 +34,6 @@ public:
     /// Makes the file, in place of one that is there. Throws `RuntimeFailure` when it cannot be written.
     /// `begun`: the modules that are to be written, and what is known of those that a run before has left.
     RestoreJournal(Session& session, const std::string& path, const CutOffRestore& begun);
-    ~RestoreJournal() override;
     RestoreJournal(const RestoreJournal&) = delete;
     RestoreJournal& operator=(const RestoreJournal&) = delete;
 
@@ -52,7 +53,7 @@ private:
 
     Session& session_;
     std::string path_;
-    int file_ = -1;
+    std::unique_ptr<AppendFile> file_;
     int address_ = -1;    // of the module being written
     std::string failure_; // of a line that could not be written when nothing may be thrown
 };

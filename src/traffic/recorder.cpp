@@ -1,16 +1,10 @@
 #include "traffic/recorder.h"
 
 #include "link/runtime_failure.h"
-#include "link/write_through.h"
 
-#include <cerrno>
-#include <cstdio>
 #include <filesystem>
 #include <system_error>
 #include <utility>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace kavro {
 
@@ -24,8 +18,8 @@ std::string Subject(const std::string& path) {
     return "The recording \"" + path + "\" cannot be written: ";
 }
 
-[[noreturn]] void ThrowReason(const std::string& path) {
-    throw RuntimeFailure(Subject(path) + std::generic_category().message(errno) +
+[[noreturn]] void ThrowReason(const std::string& path, const std::error_code& error) {
+    throw RuntimeFailure(Subject(path) + error.message() +
                          ". Look at the folder and its free space, or choose another file.");
 }
 
@@ -53,15 +47,11 @@ void RequireRecordable(const std::string& path, const RecorderOptions& options) 
         RequireFree(PathBefore(path), options.Overwrite);
 }
 
-Recorder::Recorder(const std::string& path, RecordingHead head, const RecorderOptions& options)
-    : path_(path), head_(std::move(head)), options_(options) {
+Recorder::Recorder(FileOpener opener, const std::string& path, RecordingHead head,
+                   const RecorderOptions& options)
+    : opener_(std::move(opener)), path_(path), head_(std::move(head)), options_(options) {
     RequireRecordable(path_, options_);
-    try {
-        Begin(options_.Overwrite);
-    } catch (const RuntimeFailure&) {
-        CloseFile();
-        throw;
-    }
+    Begin(options_.Overwrite);
 }
 
 Recorder::~Recorder() {
@@ -70,10 +60,10 @@ Recorder::~Recorder() {
 }
 
 void Recorder::Begin(bool overwrite) {
-    const int ifExists = overwrite ? O_TRUNC : O_EXCL;
-    file_ = open(path_.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | ifExists, 0666);
-    if (file_ < 0)
-        ThrowReason(path_);
+    OpenedFile opened = opener_(path_, overwrite ? OpenAs::Emptied : OpenAs::New);
+    if (!opened.File)
+        ThrowReason(path_, opened.Error);
+    file_ = std::move(opened.File);
     written_ = 0;
     echoTold_ = false;
     Write(RecordingHeadLine(head_));
@@ -82,8 +72,8 @@ void Recorder::Begin(bool overwrite) {
 
 // A line goes out in one piece, so that a program that is killed leaves whole lines.
 void Recorder::Write(const std::string& line) {
-    if (!WriteAll(file_, line))
-        ThrowReason(path_);
+    if (const std::error_code error = file_->Write(line))
+        ThrowReason(path_, error);
     written_ += static_cast<std::int64_t>(line.size());
 }
 
@@ -94,9 +84,11 @@ bool Recorder::IsFullWith(const std::string& line) const {
 
 // A file that is full gives way to a new one.
 void Recorder::BeginNext(std::int64_t utc) {
-    CloseFile();
-    if (std::rename(path_.c_str(), PathBefore(path_).c_str()) != 0)
-        ThrowReason(PathBefore(path_));
+    file_.reset();
+    std::error_code error;
+    fs::rename(fs::u8path(path_), fs::u8path(PathBefore(path_)), error);
+    if (error)
+        ThrowReason(PathBefore(path_), error);
     head_.Utc = utc;
     Begin(false);
 }
@@ -112,7 +104,7 @@ void Recorder::WriteTraffic(const LineTraffic& traffic) {
 }
 
 void Recorder::Passed(const LineTraffic& traffic) {
-    if (file_ < 0)
+    if (!file_)
         return;
     try {
         if (traffic.Outcome != TrafficOutcome::Stray || traffic.Received.size() <= LongestStray)
@@ -123,27 +115,21 @@ void Recorder::Passed(const LineTraffic& traffic) {
             WriteTraffic(piece);
         }
     } catch (const RuntimeFailure& failure) {
-        CloseFile();
+        file_.reset();
         failure_ = failure.what() + std::string(" Nothing is recorded any more.");
         Failed();
     }
 }
 
 void Recorder::End() {
-    if (file_ < 0)
+    if (!file_)
         return;
-    const bool kept = WaitForDisk(file_);
-    const int reason = errno;
-    CloseFile();
-    if (kept)
+    const std::error_code error = file_->WaitForDisk();
+    file_.reset();
+    if (!error)
         return;
-    failure_ = Subject(path_) + std::generic_category().message(reason) + ".";
+    failure_ = Subject(path_) + error.message() + ".";
     Failed();
-}
-
-void Recorder::CloseFile() {
-    if (file_ >= 0)
-        close(std::exchange(file_, -1));
 }
 
 } // namespace kavro

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "link/append_file.h"
 #include "link/line_listener.h"
 #include "traffic/recording.h"
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 
 namespace kavro {
@@ -29,7 +31,7 @@ class Recorder : public LineListener {
 public:
     /// Makes the file and writes its first line. Throws `RuntimeFailure` when it exists (unless it may be
     /// overwritten) or cannot be written.
-    Recorder(const std::string& path, RecordingHead head, const RecorderOptions& options);
+    Recorder(FileOpener opener, const std::string& path, RecordingHead head, const RecorderOptions& options);
     ~Recorder() override;
     Recorder(const Recorder&) = delete;
     Recorder& operator=(const Recorder&) = delete;
@@ -53,13 +55,13 @@ private:
     void WriteTraffic(const LineTraffic& traffic);
     bool IsFullWith(const std::string& line) const;
     void BeginNext(std::int64_t utc);
-    void CloseFile();
 
+    FileOpener opener_;
     std::string path_;
     RecordingHead head_;
     RecorderOptions options_;
     std::string failure_;
-    int file_ = -1;
+    std::unique_ptr<AppendFile> file_;
     std::int64_t written_ = 0;    // bytes of this file
     std::int64_t headLength_ = 0; // of these its first line
     bool echoTold_ = false;

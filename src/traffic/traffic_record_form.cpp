@@ -33,7 +33,7 @@ void RecordButton::Toggle() {
 // The dialog has asked whether a file that exists is to be replaced.
 void RecordButton::Start(const QString& path) {
     const std::int16_t port = session_.Line.CurrentPort;
-    recorder_ = std::make_unique<Recorder>(path.toStdString(),
+    recorder_ = std::make_unique<Recorder>(session_.OpenFile, path.toStdString(),
                                            RecordingHead{.Utc = session_.Line.Time().UtcMicroseconds(),
                                                          .Port = port,
                                                          .Device = devices_.Device(port)},

@@ -1,6 +1,7 @@
 #include "traffic/traffic_text.h"
 
 #include "link/line.h"
+#include "link/local_time.h"
 #include "link/text.h"
 #include "link/utc_text.h"
 #include "traffic/recording.h"
@@ -22,10 +23,8 @@ constexpr const char* CsvColumns =
 // Least widths of the columns in a text file; what stands last needs none.
 constexpr std::array<std::size_t, 9> TextWidths = {23, 10, 9, 6, 14, 20, 7, 10, 0};
 
-std::string LocalTime(std::int64_t utc, const char* format) {
-    const auto seconds = static_cast<std::time_t>(utc / UsPerSecond);
-    std::tm local{};
-    localtime_r(&seconds, &local);
+std::string LocalText(std::int64_t utc, const char* format) {
+    const std::tm local = LocalTime(static_cast<std::time_t>(utc / UsPerSecond));
     std::array<char, 32> text{};
     std::strftime(text.data(), text.size(), format, &local);
     return text.data() + ("." + PadLeft(std::to_string(utc % UsPerSecond / UsPerMs), 3, '0'));
@@ -81,7 +80,7 @@ std::string BytesText(std::string_view bytes, bool hex) {
 }
 
 std::string TimeOfDay(std::int64_t utc) {
-    return LocalTime(utc, "%H:%M:%S");
+    return LocalText(utc, "%H:%M:%S");
 }
 
 std::string MillisecondsText(std::int64_t us) {
@@ -138,7 +137,7 @@ std::string TrafficTextHead() {
 
 std::string TrafficTextLine(const TrafficView& view, std::int64_t number) {
     std::array<std::string, TrafficHeadings.size()> columns;
-    columns[0] = LocalTime(view.Log.Row(number).Utc, "%Y-%m-%d %H:%M:%S");
+    columns[0] = LocalText(view.Log.Row(number).Utc, "%Y-%m-%d %H:%M:%S");
     for (std::size_t i = 1; i < columns.size(); ++i)
         columns[i] = ColumnText(view, number, static_cast<TrafficColumn>(i));
     return TextLine(columns);

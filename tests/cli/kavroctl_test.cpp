@@ -3,6 +3,7 @@
 #include "cli/map_output.h"
 #include "map/list_line.h"
 #include "map/search.h"
+#include "ports/steady_clock.h"
 #include "sim/module_factory.h"
 #include "support/failure_text.h"
 #include "support/program_run.h"

@@ -100,7 +100,7 @@ TEST(CsvLog, ExactBytes) {
                      "2031-02-08T01:05:06.789+01:00,255,\"8?,\"\"\",IN,,hex,no reply\n");
     const TestFolder folder;
     folder.Write("log.csv", std::string(1000, 'x'));
-    CsvLog log;
+    CsvLog log(OpenAppendFile);
     log.Open(folder.Path("log.csv"));
     log.Write(lines);
     EXPECT_EQ(folder.Read("log.csv"), CsvHeader + lines) << "while the file is still open";

@@ -1,6 +1,7 @@
 #include "ports/network_port.h"
 
 #include "ports/comm_port.h"
+#include "ports/steady_clock.h"
 #include "ports/tcp_server.h"
 #include "sim/module_factory.h"
 #include "support/failure_text.h"

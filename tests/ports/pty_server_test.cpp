@@ -2,6 +2,7 @@
 
 #include "link/runtime_failure.h"
 #include "ports/device_port.h"
+#include "ports/steady_clock.h"
 #include "sim/module_factory.h"
 
 #include <QTemporaryDir>

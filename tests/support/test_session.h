@@ -1,6 +1,7 @@
 #pragma once
 
 #include "map/session.h"
+#include "ports/append_file.h"
 #include "sim/demo_line.h"
 #include "sim/simulated_line.h"
 #include "sim/simulated_port.h"
@@ -49,6 +50,7 @@ protected:
                    makePort(8)},
                   Time) {
         Session.ReplaceFile = [this](const auto& path, const auto& content) { Files[path] = content; };
+        Session.OpenFile = OpenAppendFile;
     }
 };
 

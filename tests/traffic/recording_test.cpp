@@ -1,4 +1,5 @@
 #include "link/utc_text.h"
+#include "ports/append_file.h"
 #include "traffic/recorder.h"
 
 #include "terminal/test_folder.h"
@@ -39,7 +40,8 @@ TEST(Recorder, KeepsTwoFilesWithinTheLimit) {
     LineTraffic echoed = Exchange("$012\r!01\r");
     RecordingHead head = Head;
     const std::size_t limit = RecordingHeadLine(head).size() + 2 * RecordingLine(echoed, true).size();
-    Recorder recorder(folder.Path("line"), head, {.LimitBytes = static_cast<std::int64_t>(limit)});
+    Recorder recorder(OpenAppendFile, folder.Path("line"), head,
+                      {.LimitBytes = static_cast<std::int64_t>(limit)});
     for (int i = 0; i < 5; ++i) {
         head.Utc = ++echoed.Utc;
         recorder.Passed(echoed);
@@ -59,10 +61,11 @@ TEST(Recorder, RefusesWhatItMustNotReplace) {
         {folder.Path("none/file"), {}, "No such file or directory"},
         {"/dev/full", {.Overwrite = true}, "No space left on device"}};
     for (const auto& [path, options, piece] : cases)
-        EXPECT_TRUE(
-            Contains(FailureText([&, &to = path, &how = options] { Recorder(to, Head, how); }), piece));
+        EXPECT_TRUE(Contains(
+            FailureText([&, &to = path, &how = options] { Recorder(OpenAppendFile, to, Head, how); }),
+            piece));
     EXPECT_EQ(folder.Read("old.1"), "mine");
-    Recorder(folder.Path("old.1"), Head, {.Overwrite = true});
+    Recorder(OpenAppendFile, folder.Path("old.1"), Head, {.Overwrite = true});
     EXPECT_EQ(folder.Read("old.1"), RecordingHeadLine(Head));
 }
 

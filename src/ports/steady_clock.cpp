@@ -1,4 +1,4 @@
-#include "link/clock.h"
+#include "ports/steady_clock.h"
 
 #include <chrono>
 #include <thread>
@@ -45,7 +45,7 @@ void SteadyClock::SleepUntil(std::int64_t moment) {
     const auto left = moment - Microseconds();
     if (left <= 0)
         return;
-    const PunctualWaking punctual;
+    [[maybe_unused]] const PunctualWaking punctual;
     std::this_thread::sleep_for(std::chrono::microseconds(left));
 }
 

@@ -1,4 +1,4 @@
-#include "link/write_through.h"
+#include "ports/write_through.h"
 
 #include <cerrno>
 
