@@ -1,6 +1,7 @@
 #include "calib/ad_calibration.h"
 
 #include "link/codes.h"
+#include "link/models.h"
 #include "link/text.h"
 
 #include <algorithm>
@@ -33,20 +34,12 @@ constexpr const char* InputGuide = "Use a precision voltage source to apply the 
 constexpr const char* ChannelGuide = "Use a precision voltage source to apply the voltage shown below to the "
                                      "module's Vin0+ and Vin0- terminals, then press 'Execute' button.";
 
-struct ModelGuide {
-    std::string_view Suffix;
-    const char* Text;
-    bool HasColdJunction;
-};
-
-constexpr ModelGuide ModelGuides[] = {
-    {"210", InputGuide, true},  {"220", InputGuide, false},   {"230", ResistanceGuide, false},
-    {"240", InputGuide, false}, {"250", ChannelGuide, false}, {"260", ChannelGuide, true},
-};
-
-ModelGuide GuideOf(std::string_view model) {
-    const auto found = std::ranges::find(ModelGuides, ModelSuffix(model), &ModelGuide::Suffix);
-    return found == std::end(ModelGuides) ? ModelGuide{"", "", false} : *found;
+const char* GuideOf(const ModelRow& model) {
+    if ((model.Analog.Formats >> Ohms & 1U) != 0)
+        return ResistanceGuide;
+    if (model.Kind == ModelKind::MultiInput)
+        return ChannelGuide;
+    return model.Kind == ModelKind::AlarmInput ? InputGuide : "";
 }
 
 // Reference signals of the range codes `First` to `Last`.
@@ -119,7 +112,7 @@ std::string AdCalibration::Foot() const {
 
 void AdCalibration::ShowStep() {
     told_.clear();
-    const ModelGuide guide = GuideOf(session_.ModuleTable[index_].Model);
+    const ModelRow& model = RowOfModel(session_.ModuleTable[index_].Model);
     switch (view_.StepNo) {
     case 1:
         view_.GuideText = GuideTexts[0];
@@ -134,10 +127,10 @@ void AdCalibration::ShowStep() {
         view_.BackEnabled = true;
         view_.NextEnabled = false;
         view_.ChoicesShown = true;
-        view_.CJCChoiceShown = guide.HasColdJunction;
+        view_.CJCChoiceShown = model.Analog.ColdJunction;
         break;
     default:
-        view_.GuideText = guide.Text;
+        view_.GuideText = GuideOf(model);
         view_.NextEnabled = true;
         view_.NextCaption = "Execute"; // never set back: steps 1 and 2 keep it after Back; this is meant
         view_.ChoicesShown = view_.CJCChoiceShown = false;

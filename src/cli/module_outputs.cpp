@@ -6,6 +6,7 @@
 #include "diag/port_panel.h"
 #include "link/codes.h"
 #include "link/digital_channels.h"
+#include "link/models.h"
 #include "link/text.h"
 #include "map/module_access.h"
 
@@ -152,16 +153,18 @@ std::optional<std::vector<NamedOutput>> PortLines(Session& session, int index) {
 std::optional<std::vector<NamedOutput>> OutputsOf(Session& session) {
     const int index = session.SelectedModule;
     const std::string model = session.ModuleTable[index].Model;
-    const std::string suffix = ModelSuffix(model);
-    if (suffix == "310")
+    switch (RowOfModel(model).Kind) {
+    case ModelKind::SingleOutput:
         return SingleOutput(session, index);
-    if (suffix == "320")
+    case ModelKind::PortOutputs:
         return VoltagePorts(session, index);
-    if (suffix == "460")
+    case ModelKind::PortLines:
         return PortLines(session, index);
-    if (ModuleFamily(model) == AnalogInput)
+    case ModelKind::AlarmInput:
         return NumberedOutputs(session, index, AlarmOutputTotal, 2, SwitchAlarmOutput);
-    return NumberedOutputs(session, index, DigitalChannelsOf(model).Outputs, 4, SwitchOutput);
+    default:
+        return NumberedOutputs(session, index, DigitalChannelsOf(model).Outputs, 4, SwitchOutput);
+    }
 }
 
 } // namespace kavro

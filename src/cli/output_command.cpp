@@ -5,6 +5,7 @@
 #include "cli/module_outputs.h"
 #include "cli/notes.h"
 #include "link/baud.h"
+#include "link/models.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
 #include "map/list_line.h"
@@ -63,6 +64,49 @@ OutputChange ParseChange(const std::string& text) {
     return {Trim(text.substr(0, sign)), Trim(text.substr(sign + 1))};
 }
 
+struct OutputHelp {
+    ModelKind Kind;
+    const char* Text;
+};
+
+constexpr OutputHelp OutputHelps[] = {
+    {ModelKind::SingleOutput, "12.5       the output in the unit of its range"},
+    {ModelKind::PortOutputs, "A=+7.25    ports A to D in V"},
+    {ModelKind::DigitalLines, "3=on       channels of digital outputs, on or off"},
+    {ModelKind::PortLines, "B3=off     lines of the ports that are outputs: A0 to CL3"},
+    {ModelKind::AlarmInput, "0=on       outputs 0 and 1; refused while the alarm has them"},
+};
+
+std::vector<std::string> ModelsWithOutputs(ModelKind kind) {
+    std::vector<std::string> models;
+    for (const ModelRow& row : KnownModelRows())
+        if (row.Kind == kind && (kind != ModelKind::DigitalLines || row.Digital.Outputs > 0))
+            models.emplace_back(row.Name);
+    return models;
+}
+
+// Rows of models in the first column, four in a row; the text stands in the last.
+std::string ModelRowsHelp(const OutputHelp& help) {
+    constexpr std::size_t Width = 27, ModelsInRow = 4;
+    std::vector<std::string> models = ModelsWithOutputs(help.Kind);
+    std::string rows;
+    for (; models.size() > ModelsInRow; models.erase(models.begin(), models.begin() + ModelsInRow))
+        rows += "  " + Listed({models.begin(), models.begin() + ModelsInRow}) + ",\n";
+    return rows + "  " + FixedText(Listed(models), Width) + help.Text + "\n";
+}
+
+std::string OutputsHelp() {
+    std::string help;
+    for (const OutputHelp& row : OutputHelps)
+        help += ModelRowsHelp(row);
+    const std::vector<std::string> alarms = ModelsWithOutputs(ModelKind::AlarmInput);
+    return help +
+           "  all digital ones           all=0F05   on, off, or a word of 4 hexadecimal digits, bit n for\n"
+           "                                        channel n; of the " +
+           Listed(ModelsWithOutputs(ModelKind::PortLines)) + " 6 digits, of " + alarms.front() + " to " +
+           alarms.back() + " 2\n";
+}
+
 } // namespace
 
 int DriveOutputs(Session& session, const Contact& contact, const std::vector<OutputChange>& changes,
@@ -102,16 +146,9 @@ void AddOutputOptions(QCommandLineParser& parser) {
     parser.setApplicationDescription(
         "Drives outputs of the module at ADDRESS, in the order in which they are given, and prints each\n"
         "command with its reply. ADDRESS 0 is the module that is in its initialisation state.\n\n"
-        "Outputs by model, and what can be given:\n"
-        "  8310                       12.5       the output in the unit of its range\n"
-        "  8320                       A=+7.25    ports A to D in V\n"
-        "  8410, 8430, 8450, 8470,\n"
-        "  8480, 8490                 3=on       channels of digital outputs, on or off\n"
-        "  8460                       B3=off     lines of the ports that are outputs: A0 to CL3\n"
-        "  8210, 8220, 8240           0=on       outputs 0 and 1; refused while the alarm has them\n"
-        "  all digital ones           all=0F05   on, off, or a word of 4 hexadecimal digits, bit n for\n"
-        "                                        channel n; of the 8460 6 digits, of 8210 to 8240 2\n\n"
-        "Exit codes: 0 every command was accepted, 2 wrong use (nothing was driven), 3 port trouble,\n"
+        "Outputs by model, and what can be given:\n" +
+        QString::fromStdString(OutputsHelp()) +
+        "\nExit codes: 0 every command was accepted, 2 wrong use (nothing was driven), 3 port trouble,\n"
         "4 the module did not answer, or did not accept every command.");
     AddContactOptions(parser);
     parser.addPositionalArgument("OUTPUT=VALUE", "An output and what it is to become.", "[OUTPUT=]VALUE...");

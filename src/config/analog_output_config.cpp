@@ -1,6 +1,6 @@
 #include "config/analog_output_config.h"
 
-#include "link/codes.h"
+#include "link/models.h"
 
 #include <string>
 
@@ -23,7 +23,7 @@ bool ApplyPolarity(Session& session, int index, std::int16_t polarity, Messages&
 } // namespace
 
 bool HasInputPolarity(std::string_view model) {
-    return ModelSuffix(model) == "320";
+    return RowOfModel(model).Kind == ModelKind::PortOutputs;
 }
 
 AnalogOutputConfig AnalogOutputConfigOf(const Session& session, int index) {

@@ -9,6 +9,7 @@
 #include "config/port_direction_config.h"
 #include "link/codes.h"
 #include "link/model_choices.h"
+#include "link/models.h"
 #include "link/text.h"
 #include "map/list_line.h"
 #include "map/module_dispatch.h"
@@ -226,7 +227,6 @@ void WithNames(const char* model, const NamesUser& use) {
 
 struct ConfigFamily {
     ModuleDialog Dialog;
-    const char* Models;
     const char* Sample;    // a model with all that the family can have
     bool NeedsFamilyReads; // the settings that the search reads are among those of the dialog
     NamedConfig (*Open)(Session& session, int index);
@@ -235,31 +235,44 @@ struct ConfigFamily {
 };
 
 constexpr ConfigFamily Families[] = {
-    {ModuleDialog::MultiConfigForm, "8210, 8220, 8240", "8210", true,
+    {ModuleDialog::MultiConfigForm, "8210", true,
      Open<AlarmInputConfigOf, AlarmInputNames, ApplyAlarmInputConfig>,
      WithNames<AlarmInputConfig, AlarmInputNames>, Blank<AlarmInputConfig, AlarmInputNames>},
-    {ModuleDialog::AdConfigForm, "8230, 8250, 8260", "8260", true,
+    {ModuleDialog::AdConfigForm, "8260", true,
      Open<ReadAnalogInputConfigWell, AnalogInputNames, ApplyAnalogInputConfig>,
      WithNames<AnalogInputConfig, AnalogInputNames>, Blank<AnalogInputConfig, AnalogInputNames>},
-    {ModuleDialog::DaConfigForm, "8310, 8320 (input-polarity: 8320 only)", "8320", true,
+    {ModuleDialog::DaConfigForm, "8320", true,
      Open<AnalogOutputConfigOf, AnalogOutputNames, ApplyAnalogOutputConfig>,
      WithNames<AnalogOutputConfig, AnalogOutputNames>, Blank<AnalogOutputConfig, AnalogOutputNames>},
-    {ModuleDialog::DioConfigForm, "8410, 8420, 8430, 8440, 8450, 8470, 8480, 8490", "8410", true,
-     Open<DigitalConfigOf, DigitalNames, ApplyDigitalConfig>, WithNames<DigitalConfig, DigitalNames>,
-     Blank<DigitalConfig, DigitalNames>},
-    {ModuleDialog::N46ConfigForm, "8460", "8460", false,
+    {ModuleDialog::DioConfigForm, "8410", true, Open<DigitalConfigOf, DigitalNames, ApplyDigitalConfig>,
+     WithNames<DigitalConfig, DigitalNames>, Blank<DigitalConfig, DigitalNames>},
+    {ModuleDialog::N46ConfigForm, "8460", false,
      Open<ReadPortDirectionConfigWell, PortNames, ApplyPortDirectionConfig>,
      WithNames<PortDirectionConfig, PortNames>, Blank<PortDirectionConfig, PortNames>},
-    {ModuleDialog::CtrConfigForm, "8510", "8510", true,
-     Open<CounterConfigOf, CounterNames, ApplyCounterConfig>, WithNames<CounterConfig, CounterNames>,
-     Blank<CounterConfig, CounterNames>},
-    {ModuleDialog::N8610ConfigForm, "8610, 8620", "8610", true,
+    {ModuleDialog::CtrConfigForm, "8510", true, Open<CounterConfigOf, CounterNames, ApplyCounterConfig>,
+     WithNames<CounterConfig, CounterNames>, Blank<CounterConfig, CounterNames>},
+    {ModuleDialog::N8610ConfigForm, "8610", true,
      Open<ConverterConfigOf, ConverterNames, ApplyConverterConfig>,
      WithNames<ConverterConfig, ConverterNames>, Blank<ConverterConfig, ConverterNames>},
 };
 
-std::string HelpLines(const char* models, const Settings& settings) {
-    std::string lines = std::string(models) + ":\n";
+// The models of a family, and which of them alone have one of its settings.
+std::string ModelsOf(const ConfigFamily& family) {
+    std::vector<std::string> models, withPolarity;
+    for (const ModelRow& row : KnownModelRows()) {
+        if (DispatchModel(row.Name, 0, Operation::Configuration).Dialog != family.Dialog)
+            continue;
+        models.emplace_back(row.Name);
+        if (HasInputPolarity(row.Name))
+            withPolarity.emplace_back(row.Name);
+    }
+    if (withPolarity.empty() || withPolarity == models)
+        return Listed(models);
+    return Listed(models) + " (input-polarity: " + Listed(withPolarity) + " only)";
+}
+
+std::string HelpLines(const std::string& models, const Settings& settings) {
+    std::string lines = models + ":\n";
     for (const NamedSetting& setting : settings)
         lines += "  " + FixedText(setting.Name, NameWidth) +
                  (setting.Hint.empty() ? setting.Values : setting.Hint) + "\n";
@@ -267,11 +280,11 @@ std::string HelpLines(const char* models, const Settings& settings) {
 }
 
 // Calls `use` with the settings of every module, then with those of each family.
-void ForEachFamily(const std::function<void(const char* models, const Settings& settings)>& use) {
+void ForEachFamily(const std::function<void(const std::string& models, const Settings& settings)>& use) {
     LinkSettings link;
     use("every model", LinkNames(link, {}));
     for (const ConfigFamily& family : Families)
-        family.WithNames(family.Sample, [&](const Settings& settings) { use(family.Models, settings); });
+        family.WithNames(family.Sample, [&](const Settings& settings) { use(ModelsOf(family), settings); });
 }
 
 } // namespace
@@ -294,14 +307,15 @@ NamedConfig ReadNamedConfig(Session& session, Identified identified) {
 
 std::string SettingsHelp() {
     std::string help;
-    ForEachFamily(
-        [&help](const char* models, const Settings& settings) { help += HelpLines(models, settings); });
+    ForEachFamily([&help](const std::string& models, const Settings& settings) {
+        help += HelpLines(models, settings);
+    });
     return help;
 }
 
 std::vector<std::string> SettingNames() {
     std::vector<std::string> names;
-    ForEachFamily([&names](const char* /*models*/, const Settings& settings) {
+    ForEachFamily([&names](const std::string& /*models*/, const Settings& settings) {
         for (const NamedSetting& setting : settings)
             if (std::ranges::find(names, setting.Name) == names.end())
                 names.push_back(setting.Name);

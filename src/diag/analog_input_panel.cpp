@@ -1,6 +1,7 @@
 #include "diag/analog_input_panel.h"
 
 #include "link/codes.h"
+#include "link/models.h"
 #include "link/text.h"
 
 namespace kavro {
@@ -20,7 +21,7 @@ Answer ReadInputValue(Session& session, int index, int channel, AnalogReading& r
 }
 
 bool HasOpenStatus(std::string_view model) {
-    return ModelSuffix(model) == "260";
+    return RowOfModel(model).Analog.OpenStatus;
 }
 
 std::optional<std::string> ReadOpenStatus(Session& session, int index) {

@@ -7,6 +7,7 @@
 #include "diag/port_panel.h"
 #include "link/codes.h"
 #include "link/digital_channels.h"
+#include "link/models.h"
 #include "link/text.h"
 #include "map/module_command.h"
 
@@ -49,7 +50,7 @@ Readings ReadInput(Session& session, int index, std::size_t place) {
     return {answer, {{reading.Text, reading.Value.value_or(0)}}};
 }
 
-// The output that an 8310 reports in its data format, in the unit of its range.
+// The output that a model with one reports in its data format, in the unit of its range.
 double SingleOutputValue(const ModuleRecord& record, const ModuleReply& reply) {
     const double low = OutputValue(record.InputRange, {0, 1});
     const double span = OutputValue(record.InputRange, {1, 1}) - low;
@@ -61,7 +62,7 @@ double SingleOutputValue(const ModuleRecord& record, const ModuleReply& reply) {
 
 Readings ReadOutput(Session& session, int index, std::size_t place) {
     const ModuleRecord& record = session.ModuleTable[index];
-    const bool single = ModelSuffix(record.Model) == "310";
+    const bool single = RowOfModel(record.Model).Kind == ModelKind::SingleOutput;
     const bool inputs = !single && place == OutputPorts;
     const std::string port = single ? "" : std::string(1, static_cast<char>('A' + place));
     const ModuleReply reply = AskModule(session, index, '$', inputs ? "8" : "6" + port);
@@ -83,7 +84,7 @@ Readings ReadPorts(Session& session, int index) {
 }
 
 bool HasPorts(const ModuleRecord& record) {
-    return ModelSuffix(record.Model) == "460";
+    return RowOfModel(record.Model).Kind == ModelKind::PortLines;
 }
 
 Readings ReadDigital(Session& session, int index, std::size_t /*place*/) {
@@ -122,7 +123,8 @@ Names InputNames(const ModuleRecord& record) {
 }
 
 Names OutputNames(const ModuleRecord& record) {
-    return ModelSuffix(record.Model) == "310" ? Numbers(1) : Names{"A", "B", "C", "D", "IN"};
+    const bool single = RowOfModel(record.Model).Kind == ModelKind::SingleOutput;
+    return single ? Numbers(1) : Names{"A", "B", "C", "D", "IN"};
 }
 
 Names DigitalNames(const ModuleRecord& record) {

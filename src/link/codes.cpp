@@ -1,5 +1,6 @@
 #include "link/codes.h"
 
+#include "link/models.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
 
@@ -12,21 +13,9 @@ namespace kavro {
 
 namespace {
 
-struct SuffixFamily {
-    std::string_view Suffix;
-    std::int16_t Family;
-    std::int16_t Channels; // 0: none
-};
-
-constexpr SuffixFamily Families[] = {
-    {"410", DigitalIo, 0},        {"420", DigitalIo, 0},        {"430", DigitalIo, 0},
-    {"440", DigitalIo, 0},        {"450", DigitalIo, 0},        {"460", DigitalIo, 0},
-    {"470", DigitalIo, 0},        {"480", DigitalIo, 0},        {"490", DigitalIo, 0},
-    {"210", AnalogInput, 1},      {"220", AnalogInput, 1},      {"240", AnalogInput, 1},
-    {"310", AnalogOutput, 0},     {"320", AnalogOutput, 0},     {"230", MultiAnalogInput, 3},
-    {"250", MultiAnalogInput, 8}, {"260", MultiAnalogInput, 8}, {"510", CounterFrequency, 0},
-    {"610", Converter, 0},        {"620", Converter, 0},
-};
+// By kind.
+constexpr Family Families[] = {DigitalIo,    DigitalIo,        AnalogInput, MultiAnalogInput, AnalogOutput,
+                               AnalogOutput, CounterFrequency, Converter,   UnknownFamily};
 
 struct Range {
     std::int16_t Code;
@@ -83,12 +72,6 @@ constexpr ReadingPattern Patterns[] = {
     {32, 42, 3, 2, 1000},
 };
 
-const SuffixFamily* FindFamily(std::string_view model) {
-    const std::string suffix = ModelSuffix(model);
-    const auto found = std::ranges::find(Families, std::string_view(suffix), &SuffixFamily::Suffix);
-    return found == std::end(Families) ? nullptr : found;
-}
-
 const Range* FindRange(std::int16_t code) {
     const auto found = std::ranges::find(Ranges, code, &Range::Code);
     return found == std::end(Ranges) ? nullptr : found;
@@ -116,13 +99,12 @@ std::string ModelSuffix(std::string_view model) {
 }
 
 std::int16_t ModuleFamily(std::string_view model) {
-    const auto* found = FindFamily(model);
-    return found ? found->Family : static_cast<std::int16_t>(UnknownFamily);
+    return Families[static_cast<std::size_t>(RowOfModel(model).Kind)];
 }
 
 std::optional<std::int16_t> ChannelCount(std::string_view model) {
-    const auto* found = FindFamily(model);
-    return found && found->Channels > 0 ? std::optional(found->Channels) : std::nullopt;
+    const std::int16_t channels = RowOfModel(model).Analog.Channels;
+    return channels > 0 ? std::optional(channels) : std::nullopt;
 }
 
 std::string RangeName(std::int16_t code) {

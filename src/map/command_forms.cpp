@@ -39,7 +39,7 @@ const CommandForm* FindForm(std::span<const CommandForm> forms, std::string_view
 
 const CommandForm* RowOf(std::string_view model, char lead, std::string_view tail) {
     const std::string suffix = ModelSuffix(model);
-    const CommandForm* form = FindForm(CommandsOf(model, suffix), suffix, lead, tail);
+    const CommandForm* form = FindForm(CommandsOf(model), suffix, lead, tail);
     return form ? form : FindForm(CommonCommands(), suffix, lead, tail);
 }
 

@@ -1,6 +1,6 @@
 #include "map/command_table.h"
 
-#include "link/codes.h"
+#include "link/models.h"
 
 #include <array>
 
@@ -148,19 +148,23 @@ std::span<const std::span<const CommandForm>> AllCommands() {
     return Tables;
 }
 
-std::span<const CommandForm> CommandsOf(std::string_view model, std::string_view suffix) {
-    switch (ModuleFamily(model)) {
-    case DigitalIo:
-        return suffix == "460" ? std::span<const CommandForm>(PortModule) : DigitalModules;
-    case AnalogInput:
+std::span<const CommandForm> CommandsOf(std::string_view model) {
+    switch (RowOfModel(model).Kind) {
+    case ModelKind::DigitalLines:
+        return DigitalModules;
+    case ModelKind::PortLines:
+        return PortModule;
+    case ModelKind::AlarmInput:
         return AlarmInputs;
-    case AnalogOutput:
-        return suffix == "310" ? std::span<const CommandForm>(SingleOutput) : VoltageOutputs;
-    case MultiAnalogInput:
+    case ModelKind::MultiInput:
         return MultiInputs;
-    case CounterFrequency:
+    case ModelKind::SingleOutput:
+        return SingleOutput;
+    case ModelKind::PortOutputs:
+        return VoltageOutputs;
+    case ModelKind::Counting:
         return Counters;
-    case Converter:
+    case ModelKind::Converting:
         return Converters;
     default:
         return {};

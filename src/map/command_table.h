@@ -19,9 +19,8 @@ struct CommandForm {
 /// Commands that every model has. A row of the model's own table comes before them.
 std::span<const CommandForm> CommonCommands();
 
-/// The other commands of a model, with the given suffix; none for an unknown one. The first row that a
-/// command is of counts.
-std::span<const CommandForm> CommandsOf(std::string_view model, std::string_view suffix);
+/// The other commands of a model; none for an unknown one. The first row that a command is of counts.
+std::span<const CommandForm> CommandsOf(std::string_view model);
 
 /// The tables of all families, `CommonCommands` last.
 std::span<const std::span<const CommandForm>> AllCommands();

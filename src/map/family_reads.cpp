@@ -1,6 +1,7 @@
 #include "map/family_reads.h"
 
 #include "link/codes.h"
+#include "link/models.h"
 #include "link/text.h"
 #include "map/command_forms.h"
 
@@ -187,14 +188,13 @@ bool DecodeConfigReply(const std::string& reply, const std::string& model, Modul
 
 bool ReadFamilySettings(Line& line, const std::string& model, const ModuleContact& contact,
                         ModuleRecord& record) {
-    const std::string suffix = ModelSuffix(model);
     const std::int16_t family = ModuleFamily(model);
     record.Unread.clear();
-    if (family == DigitalIo || suffix == "320")
+    if (family == DigitalIo || RowOfModel(model).Kind == ModelKind::PortOutputs)
         SendReads(line, PolarityReads, contact, record);
     if (family == AnalogInput)
         SendReads(line, AlarmReads, contact, record);
-    if (suffix == "240")
+    if (ModelSuffix(model) == "240")
         SendReads(line, Suffix240Reads, contact, record);
     if (family == CounterFrequency)
         SendReads(line, CounterReads, contact, record);

@@ -1,6 +1,7 @@
 #include "map/module_dispatch.h"
 
 #include "link/codes.h"
+#include "link/models.h"
 
 #include <string_view>
 
@@ -9,13 +10,13 @@ namespace kavro {
 namespace {
 
 using enum ModuleDialog;
+using enum ModelKind;
 
 constexpr std::int16_t AnyRange = -1;
 
 struct DispatchRow {
     Operation For;
-    std::int16_t Family;
-    std::string_view Suffix; // empty: every model of the family
+    ModelKind Kind;
     std::int16_t Range;
     Dispatch Result;
 };
@@ -26,43 +27,41 @@ constexpr Dispatch NoCalibration = {None, "This module doesn't need calibration!
 
 // The first row that fits decides; without one nothing happens.
 constexpr DispatchRow Rows[] = {
-    {Operation::Configuration, DigitalIo, "460", AnyRange, {N46ConfigForm}},
-    {Operation::Configuration, DigitalIo, "", AnyRange, {DioConfigForm}},
-    {Operation::Configuration, AnalogInput, "", AnyRange, {MultiConfigForm}},
-    {Operation::Configuration, AnalogOutput, "", AnyRange, {DaConfigForm}},
-    {Operation::Configuration, MultiAnalogInput, "", AnyRange, {AdConfigForm}},
-    {Operation::Configuration, CounterFrequency, "", AnyRange, {CtrConfigForm}},
-    {Operation::Configuration, Converter, "", AnyRange, {N8610ConfigForm}},
+    {Operation::Configuration, PortLines, AnyRange, {N46ConfigForm}},
+    {Operation::Configuration, DigitalLines, AnyRange, {DioConfigForm}},
+    {Operation::Configuration, AlarmInput, AnyRange, {MultiConfigForm}},
+    {Operation::Configuration, SingleOutput, AnyRange, {DaConfigForm}},
+    {Operation::Configuration, PortOutputs, AnyRange, {DaConfigForm}},
+    {Operation::Configuration, MultiInput, AnyRange, {AdConfigForm}},
+    {Operation::Configuration, Counting, AnyRange, {CtrConfigForm}},
+    {Operation::Configuration, Converting, AnyRange, {N8610ConfigForm}},
 
-    {Operation::Diagnostic, DigitalIo, "460", AnyRange, {N46DiagForm}},
-    {Operation::Diagnostic, DigitalIo, "", AnyRange, {DioDiagForm}},
-    {Operation::Diagnostic, AnalogInput, "", AnyRange, {MultiDiagForm}},
-    {Operation::Diagnostic, AnalogOutput, "310", AnyRange, {DaDiagForm}},
-    {Operation::Diagnostic, AnalogOutput, "320", AnyRange, {N32DiagForm}},
-    {Operation::Diagnostic, MultiAnalogInput, "", AnyRange, {AdDiagForm}},
-    {Operation::Diagnostic, CounterFrequency, "", CounterRange, {CtrDiagForm}},
-    {Operation::Diagnostic, CounterFrequency, "", AnyRange, {FreqDiagForm}},
-    {Operation::Diagnostic, Converter, "", AnyRange, NoDiagnostics},
+    {Operation::Diagnostic, PortLines, AnyRange, {N46DiagForm}},
+    {Operation::Diagnostic, DigitalLines, AnyRange, {DioDiagForm}},
+    {Operation::Diagnostic, AlarmInput, AnyRange, {MultiDiagForm}},
+    {Operation::Diagnostic, SingleOutput, AnyRange, {DaDiagForm}},
+    {Operation::Diagnostic, PortOutputs, AnyRange, {N32DiagForm}},
+    {Operation::Diagnostic, MultiInput, AnyRange, {AdDiagForm}},
+    {Operation::Diagnostic, Counting, CounterRange, {CtrDiagForm}},
+    {Operation::Diagnostic, Counting, AnyRange, {FreqDiagForm}},
+    {Operation::Diagnostic, Converting, AnyRange, NoDiagnostics},
 
-    {Operation::Calibration, DigitalIo, "", AnyRange, NoCalibration},
-    {Operation::Calibration, AnalogInput, "", AnyRange, {AdCalibForm}},
-    {Operation::Calibration, AnalogOutput, "", AnyRange, {DaCalibForm}},
-    {Operation::Calibration, MultiAnalogInput, "", AnyRange, {AdCalibForm}},
-    {Operation::Calibration, Converter, "", AnyRange, NoCalibration},
+    {Operation::Calibration, PortLines, AnyRange, NoCalibration},
+    {Operation::Calibration, DigitalLines, AnyRange, NoCalibration},
+    {Operation::Calibration, AlarmInput, AnyRange, {AdCalibForm}},
+    {Operation::Calibration, SingleOutput, AnyRange, {DaCalibForm}},
+    {Operation::Calibration, PortOutputs, AnyRange, {DaCalibForm}},
+    {Operation::Calibration, MultiInput, AnyRange, {AdCalibForm}},
+    {Operation::Calibration, Converting, AnyRange, NoCalibration},
 };
 
 } // namespace
 
 Dispatch DispatchModel(std::string_view model, std::int16_t range, Operation operation) {
-    const std::int16_t family = ModuleFamily(model);
-    const std::string suffix = ModelSuffix(model);
-    for (const DispatchRow& row : Rows) {
-        const bool fits = row.For == operation && row.Family == family &&
-                          (row.Suffix.empty() || row.Suffix == suffix) &&
-                          (row.Range == AnyRange || row.Range == range);
-        if (fits)
+    const ModelKind kind = RowOfModel(model).Kind;
+    for (const DispatchRow& row : Rows)
+        if (row.For == operation && row.Kind == kind && (row.Range == AnyRange || row.Range == range))
             return row.Result;
-    }
     return {};
 }
 

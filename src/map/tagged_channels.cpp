@@ -2,6 +2,7 @@
 
 #include "link/codes.h"
 #include "link/digital_channels.h"
+#include "link/models.h"
 
 namespace kavro {
 
@@ -12,7 +13,7 @@ constexpr int CounterChannels = 2;
 enum class Naming { None, Numbers, Letters };
 
 struct ChannelGroup {
-    std::string_view Suffix; // of the model that has it
+    ModelKind Kind; // of the models that have it
     std::string_view Name;
     int Channels;
     Naming By = Naming::Numbers; // how they are told apart
@@ -20,22 +21,16 @@ struct ChannelGroup {
 
 // Of the models that have more than one kind, or lines of several ports.
 constexpr ChannelGroup Groups[] = {
-    {"210", "", 1, Naming::None},
-    {"210", "output", 2},
-    {"210", "input", 1},
-    {"220", "", 1, Naming::None},
-    {"220", "output", 2},
-    {"220", "input", 1},
-    {"240", "", 1, Naming::None},
-    {"240", "output", 2},
-    {"240", "input", 1},
-    {"310", "", 1, Naming::None},
-    {"320", "output", 4, Naming::Letters},
-    {"320", "input", 7},
-    {"460", "port CL line", 4},
-    {"460", "port CH line", 4},
-    {"460", "port B line", 8},
-    {"460", "port A line", 8},
+    {ModelKind::AlarmInput, "", 1, Naming::None},
+    {ModelKind::AlarmInput, "output", 2},
+    {ModelKind::AlarmInput, "input", 1},
+    {ModelKind::SingleOutput, "", 1, Naming::None},
+    {ModelKind::PortOutputs, "output", 4, Naming::Letters},
+    {ModelKind::PortOutputs, "input", 7},
+    {ModelKind::PortLines, "port CL line", 4},
+    {ModelKind::PortLines, "port CH line", 4},
+    {ModelKind::PortLines, "port B line", 8},
+    {ModelKind::PortLines, "port A line", 8},
 };
 
 std::string NameOf(const ChannelGroup& group, int channel) {
@@ -58,17 +53,17 @@ void Append(std::vector<TaggedChannel>& channels, const ChannelGroup& group) {
 
 std::vector<TaggedChannel> TaggedChannelsOf(std::string_view model) {
     std::vector<TaggedChannel> channels;
-    const std::string suffix = ModelSuffix(model);
+    const ModelKind kind = RowOfModel(model).Kind;
     for (const ChannelGroup& group : Groups)
-        if (group.Suffix == suffix)
+        if (group.Kind == kind)
             Append(channels, group);
     if (!channels.empty())
         return channels;
     const auto [inputs, outputs] = DigitalChannelsOf(model);
-    Append(channels, {suffix, "input", inputs});
-    Append(channels, {suffix, "output", outputs});
-    const bool counts = ModuleFamily(model) == CounterFrequency;
-    Append(channels, {suffix, "", counts ? CounterChannels : ChannelCount(model).value_or(0), Naming::None});
+    Append(channels, {kind, "input", inputs});
+    Append(channels, {kind, "output", outputs});
+    const bool counts = kind == ModelKind::Counting;
+    Append(channels, {kind, "", counts ? CounterChannels : ChannelCount(model).value_or(0), Naming::None});
     return channels;
 }
 

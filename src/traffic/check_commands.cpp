@@ -1,6 +1,7 @@
 #include "traffic/check_commands.h"
 
 #include "link/codes.h"
+#include "link/models.h"
 #include "link/text.h"
 #include "map/command_forms.h"
 #include "map/reply_forms.h"
@@ -12,17 +13,17 @@ namespace kavro {
 namespace {
 
 struct ReadingCommand {
-    std::int16_t Family;
+    ModelKind Kind;
     char Lead;
     std::string_view Tail;
-    std::string_view Suffix = {}; // of this model alone; empty: of the others of the family
 };
 
 // Not the counter's overflow, and no alarm state: a module may take having told them for seen.
 constexpr ReadingCommand ReadingCommands[] = {
-    {DigitalIo, '$', "8", "460"}, {DigitalIo, '$', "6"},           {AnalogInput, '#', ""},
-    {MultiAnalogInput, '$', "6"}, {AnalogOutput, '$', "6", "310"}, {AnalogOutput, '$', "6A"},
-    {CounterFrequency, '#', "0"}, {Converter, '$', "F"},
+    {ModelKind::PortLines, '$', "8"},    {ModelKind::DigitalLines, '$', "6"},
+    {ModelKind::AlarmInput, '#', ""},    {ModelKind::MultiInput, '$', "6"},
+    {ModelKind::SingleOutput, '$', "6"}, {ModelKind::PortOutputs, '$', "6A"},
+    {ModelKind::Counting, '#', "0"},     {ModelKind::Converting, '$', "F"},
 };
 
 CheckCommand Command(const std::string& model, char lead, std::string_view tail, bool lasting) {
@@ -56,15 +57,13 @@ bool IsAsListed(const Session& session, int index, const CheckCommand& command, 
 
 std::vector<CheckCommand> CheckCommandsOf(const Session& session, int index) {
     const std::string& model = session.ModuleTable[index].Model;
-    const std::int16_t family = ModuleFamily(model);
-    if (family == UnknownFamily) // of which nothing is known but that it tells its model, whatever that is
+    const ModelKind kind = RowOfModel(model).Kind;
+    if (kind == ModelKind::Unknown) // of which nothing is known but that it tells its model, whatever that is
         return {{'$', "M", "!AAT", true}};
     std::vector<CheckCommand> commands = {Command(model, '$', "2", true), Command(model, '$', "M", true)};
     for (const ReadingCommand& reading : ReadingCommands)
-        if (reading.Family == family && (reading.Suffix.empty() || reading.Suffix == ModelSuffix(model))) {
+        if (reading.Kind == kind)
             commands.push_back(Command(model, reading.Lead, reading.Tail, false));
-            break;
-        }
     return commands;
 }
 
