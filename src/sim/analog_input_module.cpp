@@ -1,12 +1,13 @@
 #include "sim/analog_input_module.h"
 
 #include "sim/readings.h"
+#include "sim/simulated_model.h"
 #include "sim/wire_text.h"
 
 namespace kavro {
 
 AnalogInputModule::AnalogInputModule(ModuleSettings settings)
-    : CalibratedInput(std::move(settings)), Channels(Settings.Model == "8230" ? 3 : 8),
+    : CalibratedInput(std::move(settings)), Channels(SimulatedModelNamed(Settings.Model).Analog.Channels),
       EnabledMask((1U << Channels) - 1) {}
 
 std::optional<std::string> AnalogInputModule::AnswerOwn(std::string_view command, std::int64_t moment) {
@@ -16,11 +17,11 @@ std::optional<std::string> AnalogInputModule::AnswerOwn(std::string_view command
         {"$AA6", [](Self& module, const Request&) { return module.Valid(WireHex(module.EnabledMask, 2)); }},
         {"$AA5hh", [](Self& module, const Request& request) { return module.EnableChannels(request); }},
     };
-    static constexpr CommandEntry<Self> CommandsOf8260[] = {
+    static constexpr CommandEntry<Self> OpenStatusCommands[] = {
         {"$AABA", [](Self& module, const Request&) { return module.Valid(WireHex(module.OpenChannels, 2)); }},
     };
-    if (Settings.Model == "8260")
-        if (auto reply = AnswerFrom(CommandsOf8260, *this, command, moment))
+    if (SimulatedModelNamed(Settings.Model).Analog.OpenStatus)
+        if (auto reply = AnswerFrom(OpenStatusCommands, *this, command, moment))
             return reply;
     if (auto reply = AnswerFrom(Commands, *this, command, moment))
         return reply;

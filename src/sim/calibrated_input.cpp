@@ -1,6 +1,7 @@
 #include "sim/calibrated_input.h"
 
 #include "sim/readings.h"
+#include "sim/simulated_model.h"
 #include "sim/wire_text.h"
 
 #include <algorithm>
@@ -38,7 +39,7 @@ std::optional<std::string> CalibratedInput::AnswerOwn(std::string_view command, 
         {"$AA9nhhhh",
          [](Self& module, const Request& request) { return module.CorrectColdJunction(request); }},
     };
-    if (Settings.Model == "8210" || Settings.Model == "8260")
+    if (SimulatedModelNamed(Settings.Model).Analog.ColdJunction)
         if (auto reply = AnswerFrom(ColdJunctionCommands, *this, command, moment))
             return reply;
     return AnswerFrom(Commands, *this, command, moment);

@@ -6,8 +6,8 @@
 
 namespace kavro {
 
-/// What all analog input modules share: readings with errors that a calibration takes away, and of the 8210
-/// and 8260 the temperature of the cold junction.
+/// What all analog input modules share: readings with errors that a calibration takes away, and of some
+/// models the temperature of the cold junction.
 class CalibratedInput : public AnalogModule {
 public:
     using AnalogModule::AnalogModule;

@@ -1,32 +1,14 @@
 #include "sim/digital_module.h"
 
 #include "sim/moving_levels.h"
+#include "sim/simulated_model.h"
 #include "sim/wire_text.h"
 
 namespace kavro {
 
-namespace {
-
-struct Channels {
-    std::string_view Model;
-    int Inputs, Outputs;
-};
-
-constexpr Channels ModelChannels[] = {
-    {"8410", 8, 8}, {"8420", 16, 0}, {"8430", 0, 16}, {"8440", 8, 0},
-    {"8450", 7, 8}, {"8470", 4, 4},  {"8480", 0, 8},  {"8490", 4, 8},
-};
-
-} // namespace
-
 DigitalModule::DigitalModule(ModuleSettings settings)
-    : SimulatedModule(std::move(settings)), Inputs(0), Outputs(0) {
-    for (const Channels& channels : ModelChannels)
-        if (channels.Model == Settings.Model) {
-            Inputs = channels.Inputs;
-            Outputs = channels.Outputs;
-        }
-}
+    : SimulatedModule(std::move(settings)), Inputs(SimulatedModelNamed(Settings.Model).DigitalInputs),
+      Outputs(SimulatedModelNamed(Settings.Model).DigitalOutputs) {}
 
 std::optional<std::string> DigitalModule::AnswerOwn(std::string_view command, std::int64_t moment) {
     using Self = DigitalModule;
