@@ -18,7 +18,7 @@ struct NamedConfig {
     std::vector<NamedSetting> Settings;                     ///< in the order in which they are shown
     bool Known = false;                                     ///< the module has told every one of them
     std::function<ConfigOutcome(Messages& messages)> Apply; ///< writes them, as the module's dialog does
-    bool Writable = true; ///< false of a model without a configuration
+    bool Writable = true;                                   ///< false of a model without a configuration
 };
 
 /// The settings of the selected entry, which was identified like that; what a search does not read is read
