@@ -6,7 +6,7 @@ set -eu
 
 packages+=("${package_packages[@]}")
 install_missing
-build build kavro kavroctl kavrosim manual -- -DCMAKE_BUILD_TYPE=Release
+build release kavro kavroctl kavrosim manual
 
 stage=$root/build/package/kavro
 rm -rf "$root/build/package"

@@ -1,10 +1,16 @@
-# What ./run and ./test share: sourced, not run. Installs what is missing from Debian's packages and builds.
+# What ./run, ./test and the scripts share: sourced, not run. Installs what is missing from Debian's packages and builds.
 
 packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-serialport-dev libqt6svg6 qt6-wayland nlohmann-json3-dev libgtest-dev fonts-dejavu-core)
 
 test_packages=(ser2net) # a device server, for ./test alone
 
 package_packages=(debhelper lintian desktop-file-utils appstream mmdebstrap) # for scripts/package.sh and its check alone
+
+style_packages=(clang-format clang-tidy) # for scripts/check_format.sh and scripts/check_tidy.sh alone
+
+windows_packages=(g++-mingw-w64-x86-64-posix) # for scripts/check_windows.sh alone
+
+coverage_packages=(gcovr) # for scripts/coverage.sh alone
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
@@ -38,20 +44,27 @@ install_missing() {
         fail "apt-get could not install: ${missing[*]}. See what it said above."
 }
 
-# build FOLDER [TARGET ...] -- [CMAKE OPTION ...]
+# The folder of a preset (CMakePresets.json).
+folder_of() {
+    [ "$1" = release ] && echo "$root/build" || echo "$root/build-$1"
+}
+
+# prepare PRESET: configures its folder when that has not been done.
+prepare() {
+    local folder log
+    folder=$(folder_of "$1")
+    log=$folder.log
+    [ ! -f "$folder/build.ninja" ] || return 0
+    # Warnings are errors where changes are checked, not where a newer compiler knows more of them.
+    cmake -S "$root" --preset "$1" -DKAVRO_WERROR="${CI:+ON}" >"$log" 2>&1 ||
+        { cat "$log" >&2; rm -f "$log"; fail "the build could not be prepared; see above."; }
+    rm -f "$log"
+}
+
+# build PRESET [TARGET ...]
 build() {
-    local folder=$root/$1 targets=()
+    local preset=$1
     shift
-    while [ $# -gt 0 ] && [ "$1" != -- ]; do
-        targets+=("$1")
-        shift
-    done
-    [ $# -gt 0 ] && shift
-    if [ ! -f "$folder/build.ninja" ]; then
-        # Warnings are errors where changes are checked, not where a newer compiler knows more of them.
-        cmake -G Ninja -S "$root" -B "$folder" -DKAVRO_WERROR="${CI:+ON}" "$@" >"$folder.log" 2>&1 ||
-            { cat "$folder.log" >&2; rm -f "$folder.log"; fail "the build could not be prepared; see above."; }
-        rm -f "$folder.log"
-    fi
-    ninja -C "$folder" --quiet "${targets[@]}" || fail "the build failed; see above."
+    prepare "$preset"
+    ninja -C "$(folder_of "$preset")" --quiet "$@" || fail "the build failed; see above."
 }
