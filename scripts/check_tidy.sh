@@ -4,7 +4,7 @@
 set -eu
 . "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 
-most=${KAVRO_TIDY_MOST:-40} # files, as one takes many seconds
+most=${KAVRO_TIDY_MOST:-24} # files, as one takes many seconds
 cd "$root"
 
 # The commit that this one is compared with; nothing where there is no older one, as in a clone of depth 1.
