@@ -8,7 +8,7 @@
 
 namespace kavro {
 
-/// The configuration of an analog input module with several channels: 8230, 8250, 8260.
+/// The configuration of an analog input module with several channels.
 class AdConfigForm : public ConfigForm {
 public:
     /// Reads the enabled channels from the module; all are shown as disabled when it does not answer,

@@ -10,7 +10,7 @@
 
 namespace kavro {
 
-/// Settings of an analog input module with one channel and alarms: 8210, 8220, 8240.
+/// Settings of an analog input module with one channel and alarms.
 struct AlarmInputConfig {
     LinkSettings Link;
     std::int16_t InputRange = 0; ///< range code

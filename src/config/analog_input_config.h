@@ -9,7 +9,7 @@
 
 namespace kavro {
 
-/// Settings of an analog input module with several channels: 8230, 8250, 8260.
+/// Settings of an analog input module with several channels.
 struct AnalogInputConfig {
     LinkSettings Link;
     std::int16_t InputRange = 0;  ///< range code

@@ -9,7 +9,7 @@
 
 namespace kavro {
 
-/// Settings of an analog output module: 8310, 8320.
+/// Settings of an analog output module, with one output or several.
 struct AnalogOutputConfig {
     LinkSettings Link;
     std::int16_t OutputRange = 0;   ///< range code

@@ -14,7 +14,7 @@ inline constexpr std::int16_t FewestDataBits = 5;
 /// Parity of a converter's characters. Two codes of the format word mean "none".
 enum class Parity : std::int16_t { None, Odd, Even };
 
-/// Settings of a communication converter: 8610, 8620.
+/// Settings of a communication converter.
 struct ConverterConfig {
     LinkSettings Link;
     std::int16_t SecondBaudCode = 0;     ///< baud code of the other side, 0 to 7

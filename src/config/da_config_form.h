@@ -7,7 +7,7 @@
 
 namespace kavro {
 
-/// The configuration of an analog output module: 8310, 8320.
+/// The configuration of an analog output module, with one output or several.
 class DaConfigForm : public ConfigForm {
 public:
     DaConfigForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent = nullptr);

@@ -8,7 +8,7 @@
 
 namespace kavro {
 
-/// Settings of a digital I/O module: 8410 to 8490, but not 8460.
+/// Settings of a digital I/O module (`ModelKind::DigitalLines`).
 struct DigitalConfig {
     LinkSettings Link;
     std::int16_t InputPolarity = 0;  ///< 1: inputs are inverted

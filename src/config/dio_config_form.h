@@ -4,7 +4,7 @@
 
 namespace kavro {
 
-/// The configuration of a digital I/O module: 8410 to 8490, but not 8460.
+/// The configuration of a digital I/O module (`ModelKind::DigitalLines`).
 class DioConfigForm : public ConfigForm {
 public:
     DioConfigForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent = nullptr);

@@ -9,7 +9,7 @@ namespace kavro {
 
 struct AlarmInputConfig;
 
-/// The configuration of an analog input module with one channel and alarms: 8210, 8220, 8240.
+/// The configuration of an analog input module with one channel and alarms.
 class MultiConfigForm : public ConfigForm {
 public:
     MultiConfigForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent = nullptr);

@@ -4,7 +4,7 @@
 
 namespace kavro {
 
-/// The configuration of a communication converter: 8610, 8620.
+/// The configuration of a communication converter.
 class N8610ConfigForm : public ConfigForm {
 public:
     N8610ConfigForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent = nullptr);

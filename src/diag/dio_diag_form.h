@@ -7,7 +7,7 @@ namespace kavro {
 
 class LineGroup;
 
-/// Shows the inputs of a digital I/O module, and shows and switches its outputs: 8410 to 8490 but 8460.
+/// Shows the inputs of a digital I/O module, and shows and switches its outputs.
 class DioDiagForm : public DriveForm {
 public:
     DioDiagForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent = nullptr);

@@ -14,7 +14,7 @@ class LineGroup;
 class ReadingRows;
 
 /// Shows the reading, the alarm and the digital lines of an analog input module with one channel and alarms,
-/// clears its alarms and switches its outputs: 8210, 8220, 8240.
+/// clears its alarms and switches its outputs.
 class MultiDiagForm : public DriveForm {
 public:
     MultiDiagForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent = nullptr);

@@ -6,7 +6,7 @@
 
 namespace kavro {
 
-/// Analog input with one channel, alarm limits, two digital outputs and one digital input: 8210, 8220, 8240.
+/// Analog input with one channel, alarm limits, two digital outputs and one digital input.
 ///
 /// While the alarm is enabled it drives the outputs, by the reading at each command that the module hears:
 /// output 0 is on when the reading is at or below the low limit, output 1 at or above the high one. A latched

@@ -4,7 +4,7 @@
 
 namespace kavro {
 
-/// Analog input with several channels: 8230 (3 channels), 8250 and 8260 (8 channels).
+/// Analog input with several channels.
 class AnalogInputModule : public CalibratedInput {
 public:
     explicit AnalogInputModule(ModuleSettings settings);

@@ -4,7 +4,7 @@
 
 namespace kavro {
 
-/// Communication converter: 8610, 8620. Its configuration has its own layout: type code (two digits), second
+/// Communication converter. Its configuration has its own layout: type code (two digits), second
 /// baud code and baud code (one hexadecimal digit each), format word (four digits).
 class ConverterModule : public SimulatedModule {
 public:

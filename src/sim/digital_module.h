@@ -6,7 +6,7 @@
 
 namespace kavro {
 
-/// Digital inputs and outputs: 8410 to 8490 but 8460. Bit n of a state is channel n.
+/// Digital inputs and outputs of a fixed direction. Bit n of a state is channel n.
 class DigitalModule : public SimulatedModule {
 public:
     explicit DigitalModule(ModuleSettings settings);
