@@ -1,5 +1,6 @@
 #include "project/replacement.h"
 
+#include "link/models.h"
 #include "sim/module_factory.h"
 #include "support/test_session.h"
 
@@ -8,17 +9,13 @@
 namespace kavro {
 namespace {
 
-constexpr const char* AllModels[] = {"8210", "8220", "8230", "8240", "8250", "8260", "8310",
-                                     "8320", "8410", "8420", "8430", "8440", "8450", "8460",
-                                     "8470", "8480", "8490", "8510", "8610", "8620"};
-
 // Each setting of each model takes one of them that it does not have from the factory.
 constexpr const char* Values[] = {"19200", "frequency", "on",  "0,2", "latch", "0", "1",
                                   "2",     "7",         "0.5", "08",  "09",    "32"};
 
 // A dead module at an address and a new one of a model in its initialisation state.
 struct Replacing : SimulatedSession {
-    explicit Replacing(const char* model, int address = 5)
+    explicit Replacing(const std::string& model, int address = 5)
         : Old(Line.Add(MakeModule(model, address))), New(Line.Add(MakeModule(FactorySettings(model)))) {
         Old.PowerDown();
         New.PowerUp(PowerOn::Initialising);
@@ -59,7 +56,9 @@ struct Replacing : SimulatedSession {
 };
 
 TEST(Replacement, GivesEveryModelItsSettings) {
-    for (const char* const model : AllModels) {
+    for (const ModelRow& row : KnownModelRows()) {
+        const std::string model(row.Name);
+        ASSERT_TRUE(IsSimulatedModel(model)) << model << " has no row in sim/simulated_model";
         Replacing test(model);
         test.ChangeAll();
         EXPECT_EQ(PlaceTaken(test.Work, test.Saved), "");
