@@ -31,8 +31,6 @@ namespace kavro {
 
 namespace {
 
-constexpr std::size_t NameWidth = 9;
-
 constexpr Subcommand Subcommands[] = {
     {"search", "Search a line and print its modules.", 0, AddSearchOptions, PrepareSearch},
     {"send", "Send commands and print their replies.", INT_MAX, AddSendOptions, PrepareSend},
@@ -52,6 +50,14 @@ constexpr Subcommand Subcommands[] = {
     {"listen", "Show what another master says, and send nothing.", 0, AddListenOptions, PrepareListen},
     {"traffic", "Print a recording of a line in words.", 1, AddTrafficOptions, PrepareTraffic, false},
 };
+
+// The first column of the help: the longest name and two blanks.
+constexpr std::size_t NameWidth = [] {
+    std::size_t longest = 0;
+    for (const Subcommand& command : Subcommands)
+        longest = std::max(longest, std::string_view(command.Name).size());
+    return longest + 2;
+}();
 
 CommandAction Printing(std::string text) {
     return [text = std::move(text)] {
