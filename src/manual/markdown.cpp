@@ -2,9 +2,10 @@
 
 #include "link/runtime_failure.h"
 
+#include <QRegularExpression>
+
 #include <algorithm>
 #include <cctype>
-#include <regex>
 #include <sstream>
 #include <vector>
 
@@ -23,25 +24,24 @@ std::string HeadingText(const std::string& line) {
 }
 
 // Links and pictures become their words, which in a manual page is all that is left of them.
-std::string WithoutLinks(const std::string& text) {
-    static const std::regex picture(R"(!\[[^\]]*\]\([^)]*\))");
-    static const std::regex link(R"(\[([^\]]*)\]\([^)]*\))");
-    return std::regex_replace(std::regex_replace(text, picture, ""), link, "$1");
+QString WithoutLinks(QString text) {
+    static const QRegularExpression picture(R"(!\[[^\]]*\]\([^)]*\))");
+    static const QRegularExpression link(R"(\[([^\]]*)\]\([^)]*\))");
+    return text.remove(picture).replace(link, "\\1");
 }
 
 // Code and bold words in bold; the rest as it stands.
 std::string Inline(const std::string& markdown) {
-    const std::string text = WithoutLinks(markdown);
-    static const std::regex bold(R"(`([^`]*)`|\*\*([^*]*)\*\*)");
+    const QString text = WithoutLinks(QString::fromStdString(markdown));
+    static const QRegularExpression bold(R"(`([^`]*)`|\*\*([^*]*)\*\*)");
     std::string roff;
-    auto rest = text.cbegin();
-    for (std::sregex_iterator match(text.begin(), text.end(), bold), end; match != end; ++match) {
-        const std::smatch& found = *match;
-        roff += RoffText(std::string(rest, found[0].first));
-        roff += RoffBold(found[1].matched ? found[1].str() : found[2].str());
-        rest = found[0].second;
+    qsizetype rest = 0;
+    for (const QRegularExpressionMatch& found : bold.globalMatch(text)) {
+        roff += RoffText(text.mid(rest, found.capturedStart() - rest).toStdString());
+        roff += RoffBold((found.captured(1) + found.captured(2)).toStdString());
+        rest = found.capturedEnd();
     }
-    return roff + RoffText(std::string(rest, text.cend()));
+    return roff + RoffText(text.mid(rest).toStdString());
 }
 
 std::vector<std::string> Cells(const std::string& row) {
@@ -110,6 +110,8 @@ private:
             return;
         if (columns_.empty()) {
             columns_ = cells;
+            if (!cells.front().empty())
+                roff_ += ".PP\n" + Inline(cells.front() + ":") + "\n";
             return;
         }
         std::string rest;
