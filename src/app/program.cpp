@@ -49,6 +49,7 @@ Program::Program(const Options& options, int endRequests)
     session_.MapFilePath = MapFilePath(options.Demo);
     session_.DecimalSeparator = LocaleDecimalSeparator();
     session_.ReplaceFile = ReplaceFile;
+    session_.LineEnd = SystemLineEnd;
     session_.OpenFile = OpenAppendFile;
     const std::string preferencesPath = PreferencesFilePath(options.Demo);
     session_.Preferences = ReadPreferences(preferencesPath);

@@ -60,6 +60,7 @@ CliSession::CliSession(const LineOptions& options)
                                        [this] { return std::make_unique<SimulatedPort>(demoLine_, clock_); }),
       recording_(options.Recording), Session(registry_.Ports(), clock_) {
     Session.ReplaceFile = ReplaceFile;
+    Session.LineEnd = SystemLineEnd;
     Session.OpenFile = OpenAppendFile;
     Session.ConfigFilePath = ConfigFilePath(options.Demo);
     Session.Line.Bounded = true;

@@ -14,16 +14,10 @@ namespace {
 
 constexpr std::size_t DashColumns = 75;
 
-#ifdef _WIN32
-constexpr const char* LineEnd = "\r\n";
-#else
-constexpr const char* LineEnd = "\n";
-#endif
-
-std::string WithLineEnds(const std::string& text) {
+std::string WithLineEnds(const Session& session, const std::string& text) {
     std::string result;
     for (const char character : text)
-        result += character == '\n' ? std::string(LineEnd) : std::string(1, character);
+        result += character == '\n' ? session.LineEnd : std::string(1, character);
     return result;
 }
 
@@ -34,7 +28,7 @@ std::string MapFileText(const Session& session, const std::vector<std::string>& 
         "COMPORT: COM" + std::to_string(session.Line.CurrentPort) + "\n" + dashes + "\n" + ListHeading + "\n";
     for (const std::string& line : modules)
         text += line + "\n";
-    return WithLineEnds(text + dashes + "\n");
+    return WithLineEnds(session, text + dashes + "\n");
 }
 
 // Empty when there is none.
@@ -80,7 +74,7 @@ std::string SaveSettings(Session& session) {
     // The program ends: a port that cannot be closed keeps nothing from being saved. Without a port there are
     // no settings of one to save.
     Attempt([&] { line.CommPort(line.CurrentPort).PortOpen(false); });
-    Attempt([&] { config = WithLineEnds(PortConfigText(line)); });
+    Attempt([&] { config = WithLineEnds(session, PortConfigText(line)); });
     std::string failures;
     if (!config.empty())
         failures += Attempt([&] { session.ReplaceFile(session.ConfigFilePath, config); });

@@ -53,6 +53,7 @@ struct Session {
     std::string ConfigFilePath;            ///< of COM.CFG
     std::string MapFilePath = "admin.map"; ///< of the map that is kept when the program ends
     std::string DecimalSeparator = ".";    ///< of the user's locale, UTF-8
+    std::string LineEnd = "\n";            ///< of COM.CFG and map files, as other programs here expect it
     FileReplacer ReplaceFile;              ///< how files are saved
     FileOpener OpenFile;                   ///< how logs, recordings and journals are opened
 

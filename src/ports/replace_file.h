@@ -10,4 +10,11 @@ namespace kavro {
 /// Clears away what a save of the same file left behind that was killed.
 void ReplaceFile(const std::string& path, const std::string& content);
 
+/// How the system ends the lines of a text that other programs read.
+#ifdef _WIN32
+inline constexpr const char* SystemLineEnd = "\r\n";
+#else
+inline constexpr const char* SystemLineEnd = "\n";
+#endif
+
 } // namespace kavro
