@@ -28,7 +28,7 @@ public:
     std::error_code WaitForDisk() override {
         return kavro::WaitForDisk(file_) ? std::error_code() : LastError();
     }
-    std::int64_t Length() override { return lseek(file_, 0, SEEK_CUR); }
+    std::int64_t Length() override { return lseek(file_, 0, SEEK_END); }
     void CutTo(std::int64_t length) override {
         [[maybe_unused]] const bool cut = length >= 0 && ftruncate(file_, length) == 0;
     }

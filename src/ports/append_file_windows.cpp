@@ -24,7 +24,9 @@ public:
     std::error_code Write(std::string_view text) override {
         while (!text.empty()) {
             const int written = _write(file_, text.data(), static_cast<unsigned>(text.size()));
-            if (written <= 0)
+            if (written == 0)
+                return std::make_error_code(std::errc::io_error); // nothing was said of why
+            if (written < 0)
                 return LastError();
             text.remove_prefix(static_cast<std::size_t>(written));
         }
@@ -33,7 +35,7 @@ public:
     std::error_code WaitForDisk() override {
         return _commit(file_) == 0 || errno == EINVAL ? std::error_code() : LastError();
     }
-    std::int64_t Length() override { return _telli64(file_); }
+    std::int64_t Length() override { return _lseeki64(file_, 0, SEEK_END); }
     void CutTo(std::int64_t length) override { _chsize_s(file_, length); }
 
 private:
