@@ -6,7 +6,7 @@ set -eu
 source=$(cd "$(dirname "$0")/.." && pwd)
 build=${1:-$source/build}
 
-[ -f "$build/CMakeCache.txt" ] || cmake -S "$source" -B "$build" -DCMAKE_BUILD_TYPE=Release >/dev/null
+[ -f "$build/CMakeCache.txt" ] || cmake -S "$source" --preset release -B "$build" >/dev/null
 cmake --build "$build" --target bench >/dev/null
 
 "$build/bench/exchange_bench"

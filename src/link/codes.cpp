@@ -16,6 +16,7 @@ namespace {
 // By kind.
 constexpr Family Families[] = {DigitalIo,    DigitalIo,        AnalogInput, MultiAnalogInput, AnalogOutput,
                                AnalogOutput, CounterFrequency, Converter,   UnknownFamily};
+static_assert(std::size(Families) == static_cast<std::size_t>(ModelKind::Unknown) + 1);
 
 struct Range {
     std::int16_t Code;

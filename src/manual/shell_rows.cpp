@@ -63,7 +63,7 @@ std::string ZshAction(const CompletionValue& value) {
     case ValueKind::None:
         return {};
     case ValueKind::Any:
-        return " ";
+        return "()"; // not " ", behind which zsh does not complete an option
     case ValueKind::File:
         return "_files";
     case ValueKind::Folder:
