@@ -65,11 +65,11 @@ int CommandSender::Send(const std::vector<std::string>& commands) {
     return Run(send, [&] { return sent_ == static_cast<int>(commands.size()); });
 }
 
-int CommandSender::SendFile(const std::string& path) {
+int CommandSender::SendFile(const std::string& path, const RunOptions& options) {
     BatchFile file;
     const auto send = [&] {
         file.Open(path);
-        runner_.Run(file);
+        runner_.Run(file, options);
     };
     return Run(send, [this] {
         const bool atLast = progress_.Pass == progress_.Passes && progress_.Command == progress_.Commands;

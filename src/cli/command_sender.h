@@ -39,7 +39,7 @@ public:
     int Send(const std::vector<std::string>& commands);
 
     /// Runs a batch file, `BatchRepeatCount` passes.
-    int SendFile(const std::string& path);
+    int SendFile(const std::string& path, const RunOptions& options = {});
 
 private:
     CommandEvents Events(const SendingOptions& options);

@@ -25,6 +25,7 @@ struct BatchOptions {
     std::string File;
     std::int16_t Passes = 1;
     std::string LogFile; // empty: none
+    RunOptions Run{};
 };
 
 void AddSendingOptions(QCommandLineParser& parser) {
@@ -92,7 +93,7 @@ int RunBatch(CliSession& cli, const SendingOptions& options, const BatchOptions&
         return ExitWrongUse;
     }
     cli.Session.BatchRepeatCount = batch.Passes;
-    return sender.SendFile(batch.File);
+    return sender.SendFile(batch.File, batch.Run);
 }
 
 } // namespace
@@ -124,6 +125,8 @@ void AddBatchOptions(QCommandLineParser& parser) {
     parser.addPositionalArgument("FILE", "Text file with a command on each line.");
     parser.addOptions({
         {"passes", "Send the whole file N times; once unless given.", "N"},
+        {"skip-comments", "Pass over blank lines and those that begin with ';' in place of sending them."},
+        {"pause", "Pause for MS milliseconds more between two commands.", "MS"},
         {"log", "Write each command to FILE before it is sent; a file that is there is emptied.", "FILE"},
     });
     AddSendingOptions(parser);
@@ -137,6 +140,10 @@ CommandAction PrepareBatch(const QCommandLineParser& parser) {
     BatchOptions batch{.File = arguments.first().toStdString(), .LogFile = parser.value("log").toStdString()};
     if (parser.isSet("passes"))
         batch.Passes = ParsePasses(parser.value("passes").toStdString());
+    batch.Run.SkipComments = parser.isSet("skip-comments");
+    if (parser.isSet("pause"))
+        batch.Run.PauseMs = ParseWholeNumber(parser.value("pause").toStdString(), "a pause in milliseconds",
+                                             0, LongestBatchPauseMs);
     if (parser.isSet("log") && batch.LogFile.empty())
         throw RuntimeFailure("--log needs the path of a file.");
     if (SameFile(batch.File, batch.LogFile))

@@ -17,6 +17,9 @@ inline constexpr std::array<const char*, BaudCodeCount> BaudNames = {"1200",  "2
 /// A module may report a wire code below "03", which gives codes -3 to -1 and 150 to 600 baud.
 std::int32_t BaudFromCode(std::int16_t code);
 
+/// Rate that a port is switched to for a code: 9600 for one outside 0 to 7.
+std::int32_t PortBaudOfCode(std::int16_t code);
+
 /// Code of a baud rate; a rate that is not in the table gives 0.
 std::int16_t CodeFromBaud(std::int32_t baud);
 

@@ -12,8 +12,7 @@ namespace kavro {
 namespace {
 
 constexpr std::int32_t FirstDeviceControlBaud =
-    38400;                                  // from here on rates go through the device-control block
-constexpr std::int16_t DefaultBaudCode = 3; // 9600
+    38400; // from here on rates go through the device-control block
 constexpr char CarriageReturn = '\r';
 constexpr std::size_t LongestReply = 1024; // far beyond any module's: only a line that babbles gets there
 constexpr int LongestBoundedMs = 3000;
@@ -63,8 +62,7 @@ void Line::SetPortBaud(std::int16_t port, std::int16_t baudCode, std::int16_t /*
     std::int16_t& lastCode = PortBaudCode[PortIndex(port)];
     if (baudCode == lastCode)
         return;
-    const bool known = baudCode >= 0 && baudCode < BaudCodeCount;
-    const std::int32_t baud = BaudFromCode(known ? baudCode : DefaultBaudCode);
+    const std::int32_t baud = PortBaudOfCode(baudCode);
     const std::string settings = std::to_string(baud) + ",n,8,1";
     lastCode = -1; // a device that refuses may have taken another rate
     if (baud >= FirstDeviceControlBaud)
@@ -310,8 +308,7 @@ std::string Line::Hear(int milliseconds) {
 }
 
 std::int32_t Line::BaudInUse() const {
-    const std::int16_t code = PortBaudCode[PortIndex(CurrentPort)];
-    return BaudFromCode(code >= 0 && code < BaudCodeCount ? code : DefaultBaudCode);
+    return PortBaudOfCode(PortBaudCode[PortIndex(CurrentPort)]);
 }
 
 std::string ChecksumOf(const std::string& text) {

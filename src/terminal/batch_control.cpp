@@ -28,12 +28,12 @@ void BatchControl::Choose(const std::string& path) {
     SetButtons({.Run = true, .Step = true, .Display = true, .Repeat = true});
 }
 
-void BatchControl::Run() {
+void BatchControl::Run(const RunOptions& options) {
     const bool goTop = buttons_.GoTop; // a run leaves it as it is
     const BatchButtons idle = {.Run = true, .Step = true, .Display = true, .GoTop = goTop, .Repeat = true};
     SetButtons({.Stop = true, .GoTop = goTop});
     try {
-        runner_.Run(file_);
+        runner_.Run(file_, options);
     } catch (...) {
         file_.Close(); // a run or a step opens it again
         batchLineNumber_ = 1;
@@ -44,28 +44,36 @@ void BatchControl::Run() {
     SetButtons(idle);
 }
 
-void BatchControl::Step() {
-    if (!file_.IsOpen()) {
-        file_.Rewind();
-        file_.Skip(batchLineNumber_ - 1);
-    }
+void BatchControl::Step(bool skipComments) {
     BatchButtons buttons = buttons_;
-    if (!file_.AtEnd()) {
-        SendNextLine();
-        buttons.Run = buttons.Step = !file_.AtEnd();
+    try {
+        if (SendNextLine(skipComments) || skipComments)
+            buttons.Run = buttons.Step = !file_.AtEnd();
+    } catch (...) {
+        file_.Close(); // so that the next step begins with the line that could not be sent
+        throw;
     }
     buttons.GoTop = true;
     SetButtons(buttons);
 }
 
-void BatchControl::SendNextLine() {
-    try {
-        runner_.SendBatchLine(file_);
-    } catch (...) {
-        file_.Close(); // so that the next step begins with the line that could not be sent
-        throw;
+// False at the end of the file. What is skipped behind the line is passed over at once, as nothing else tells
+// whether the file has a further command.
+bool BatchControl::SendNextLine(bool skipComments) {
+    if (!file_.IsOpen()) {
+        file_.Rewind();
+        file_.Skip(batchLineNumber_ - 1);
     }
-    ++batchLineNumber_;
+    if (skipComments)
+        file_.PassComments();
+    const bool sends = !file_.AtEnd();
+    if (sends)
+        runner_.SendBatchLine(file_);
+    batchLineNumber_ = file_.LineNumber();
+    if (skipComments)
+        file_.PassComments();
+    batchLineNumber_ = file_.LineNumber();
+    return sends;
 }
 
 void BatchControl::GoTop() {

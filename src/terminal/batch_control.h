@@ -44,10 +44,11 @@ public:
     void Choose(const std::string& path);
 
     /// Sends the whole file, pass by pass. Wherever it ends, the next step sends the first line.
-    void Run();
+    void Run(const RunOptions& options = {});
 
-    /// Sends the next line; at the end of the file nothing is sent.
-    void Step();
+    /// Sends the next line; at the end of the file nothing is sent. With `skipComments` comments and blank
+    /// lines are passed over, and the end is behind the last command.
+    void Step(bool skipComments = false);
 
     /// Makes the first line the next one.
     void GoTop();
@@ -56,7 +57,7 @@ public:
     void Display(const std::function<void(BatchFile& file)>& show);
 
 private:
-    void SendNextLine();
+    bool SendNextLine(bool skipComments);
     void SetButtons(const BatchButtons& buttons);
 
     CommandRunner& runner_;

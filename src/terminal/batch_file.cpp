@@ -3,7 +3,9 @@
 #include "link/runtime_failure.h"
 
 #include <filesystem>
+#include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace kavro {
 
@@ -12,6 +14,12 @@ namespace {
 constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::size_t LongestLine = 32767; // no command is as long: only a file that is no text
 constexpr int EndOfFile = std::ifstream::traits_type::eof();
+
+// A blank line, too.
+bool IsComment(std::string_view line) {
+    const auto first = line.find_first_not_of(" \t");
+    return first == std::string_view::npos || line[first] == ';';
+}
 
 } // namespace
 
@@ -39,6 +47,8 @@ void BatchFile::Open(const std::string& path) {
 void BatchFile::Close() {
     if (file_.is_open())
         file_.close();
+    lineNumber_ = 1;
+    next_.reset();
 }
 
 void BatchFile::Rewind() {
@@ -48,11 +58,28 @@ void BatchFile::Rewind() {
 
 bool BatchFile::AtEnd() {
     RequireOpen();
-    return Peek() == EndOfFile;
+    return !next_ && Peek() == EndOfFile;
 }
 
 std::string BatchFile::ReadLine() {
     RequireOpen();
+    std::string line = next_ ? *std::exchange(next_, std::nullopt) : TakeLine();
+    ++lineNumber_;
+    return line;
+}
+
+void BatchFile::PassComments() {
+    while (!AtEnd()) {
+        std::string line = ReadLine();
+        if (IsComment(line))
+            continue;
+        --lineNumber_;
+        next_ = std::move(line);
+        return;
+    }
+}
+
+std::string BatchFile::TakeLine() {
     std::string line;
     while (true) {
         const int next = Take();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <fstream>
+#include <optional>
 #include <string>
 
 namespace kavro {
@@ -30,16 +31,26 @@ public:
     /// The next line without its line end; the file must not be at its end.
     std::string ReadLine();
 
+    /// The number of the next line, from 1.
+    int LineNumber() const { return lineNumber_; }
+
+    /// Passes over comments, which begin with ";", and blank lines, up to the next command or the end of the
+    /// file. Blanks and tabs in front count for nothing.
+    void PassComments();
+
     /// Drops up to `lines` lines.
     void Skip(int lines);
 
 private:
+    std::string TakeLine();
     int Peek();
     int Take();
     void RequireOpen() const;
 
     std::ifstream file_;
     std::string path_;
+    int lineNumber_ = 1;
+    std::optional<std::string> next_; // the next line, when it was looked at already
 };
 
 } // namespace kavro

@@ -1,13 +1,16 @@
 #include "terminal/batch_panel_form.h"
 
+#include "link/entered_values.h"
 #include "link/runtime_failure.h"
 #include "link/same_file.h"
 #include "link/text.h"
 #include "terminal/disp_batch_form.h"
 #include "terminal/file_chooser_form.h"
 #include "terminal/repeat_form.h"
+#include "ui/key_filter.h"
 #include "ui/named.h"
 
+#include <QCheckBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -18,6 +21,12 @@
 #include <utility>
 
 namespace kavro {
+
+namespace {
+
+constexpr int PauseColumns = 12;
+
+} // namespace
 
 BatchPanel::BatchPanel(Session& session, Messages& messages, CommandRunner& runner, Around around)
     : QGroupBox("Batch"), session_(session), messages_(messages), runner_(runner), around_(std::move(around)),
@@ -49,8 +58,8 @@ void BatchPanel::Build() {
         std::function<void()> Click;
     };
     const Button buttons[] = {
-        {run_, "RunBatchBtn", "&Run", [this] { control_.Run(); }},
-        {step_, "StepBatchBtn", "&Step", [this] { control_.Step(); }},
+        {run_, "RunBatchBtn", "&Run", [this] { RunBatchBtn_Click(); }},
+        {step_, "StepBatchBtn", "&Step", [this] { control_.Step(skipComments_->isChecked()); }},
         {stop_, "StopBatchBtn", "S&top", {}},
         {display_, "DisplayBatchBtn", "&Display", [this] { DisplayBatchBtn_Click(); }},
         {goTop_, "GoTopBtn", "&Go Top", [this] { control_.GoTop(); }},
@@ -69,7 +78,36 @@ void BatchPanel::Build() {
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(file);
+    layout->addLayout(BuildRunOptions());
     layout->addLayout(row);
+}
+
+// As the box for the log, both are as they come whenever the terminal opens: what a file means must not hang
+// on what somebody ticked days ago.
+QHBoxLayout* BatchPanel::BuildRunOptions() {
+    skipComments_ = Named(new QCheckBox("Skip co&mments"), "SkipComments", "Skip comments");
+    skipComments_->setToolTip(
+        "Pass over blank lines and those that begin with \";\" in place of sending them.");
+    batchPause_ = Named(new QLineEdit("0"), "BatchPause", "Pause between lines in milliseconds");
+    batchPause_->setToolTip("Added to the 100 ms after each command of a run.");
+    batchPause_->setMaxLength(static_cast<int>(std::to_string(LongestBatchPauseMs).size()));
+    batchPause_->setFixedWidth(fontMetrics().averageCharWidth() * PauseColumns);
+    FilterKeys(*batchPause_, FilterDigitKey);
+    auto* label = new QLabel("Pause bet&ween lines:");
+    label->setBuddy(batchPause_);
+    auto* row = new QHBoxLayout;
+    row->addWidget(skipComments_);
+    row->addStretch(1);
+    row->addWidget(label);
+    row->addWidget(batchPause_);
+    row->addWidget(new QLabel("ms"));
+    return row;
+}
+
+void BatchPanel::RunBatchBtn_Click() {
+    const int pause = ParseWholeNumber(batchPause_->text().toStdString(),
+                                       "a pause between lines in milliseconds", 0, LongestBatchPauseMs);
+    control_.Run({.SkipComments = skipComments_->isChecked(), .PauseMs = pause});
 }
 
 void BatchPanel::ShowButtons() {
@@ -86,6 +124,8 @@ void BatchPanel::ShowButtons() {
         stop_->setFocus();
     for (const auto& [button, enabled] : states)
         button->setEnabled(enabled);
+    skipComments_->setEnabled(!buttons.Stop); // a run goes on as it was begun
+    batchPause_->setEnabled(!buttons.Stop);
 }
 
 bool BatchPanel::IsBatchFile(const std::string& path) {

@@ -9,6 +9,8 @@
 #include <functional>
 #include <string>
 
+class QCheckBox;
+class QHBoxLayout;
 class QLineEdit;
 class QPushButton;
 
@@ -35,7 +37,9 @@ public:
 
 private:
     void Build();
+    QHBoxLayout* BuildRunOptions();
     void ShowButtons();
+    void RunBatchBtn_Click();
     void BatchDialogBtn_Click();
     void DisplayBatchBtn_Click();
     void RepeatBtn_Click();
@@ -46,6 +50,8 @@ private:
     Around around_;
     BatchControl control_;
     QLineEdit* batchFileName_ = nullptr;
+    QCheckBox* skipComments_ = nullptr;
+    QLineEdit* batchPause_ = nullptr;
     QPushButton* run_ = nullptr;
     QPushButton* step_ = nullptr;
     QPushButton* stop_ = nullptr;

@@ -3,6 +3,7 @@
 #include "map/module_access.h"
 #include "terminal/address_rule.h"
 
+#include <algorithm>
 #include <type_traits>
 #include <utility>
 
@@ -17,9 +18,18 @@ void Tell(const std::function<void(Arguments...)>& listener,
         listener(arguments...);
 }
 
-int CountLines(BatchFile& file) {
+constexpr std::int64_t YieldUs = 20'000; // of a long pause between two looks at the windows
+
+// Whether the file has a further command, which is then its next line.
+bool HasCommand(BatchFile& file, const RunOptions& options) {
+    if (options.SkipComments)
+        file.PassComments();
+    return !file.AtEnd();
+}
+
+int CountCommands(BatchFile& file, const RunOptions& options) {
     int count = 0;
-    for (; !file.AtEnd(); ++count)
+    for (; HasCommand(file, options); ++count)
         file.ReadLine();
     file.Rewind();
     return count;
@@ -43,11 +53,13 @@ void CommandRunner::Send(const std::string& command, const SendSettings& setting
 }
 
 void CommandRunner::SendTyped(const std::string& command) {
+    batchLine_ = 0;
     Send(command, TypedCommandSettings(session_, command, CheckSumEnable()));
 }
 
 void CommandRunner::Repeat() {
     stop_ = false;
+    batchLine_ = 0;
     const std::string command = session_.RepeatCommandText;
     RunProgress progress{.Commands = session_.RepeatCommandCount};
     while (progress.Command < progress.Commands && !stop_) {
@@ -59,17 +71,19 @@ void CommandRunner::Repeat() {
 }
 
 void CommandRunner::SendBatchLine(BatchFile& file) {
+    batchLine_ = file.LineNumber();
     const std::string command = file.ReadLine();
     Send(command, RepeatedCommandSettings(session_, command, CheckSumEnable()));
 }
 
-void CommandRunner::Run(BatchFile& file) {
+void CommandRunner::Run(BatchFile& file, const RunOptions& options) {
     stop_ = false;
     file.Rewind(); // wherever stepping stood
-    RunProgress progress{.Pass = 0, .Passes = session_.BatchRepeatCount, .Commands = CountLines(file)};
+    RunProgress progress{
+        .Pass = 0, .Passes = session_.BatchRepeatCount, .Commands = CountCommands(file, options)};
     while (progress.Pass < progress.Passes && !stop_) {
         ++progress.Pass;
-        RunPass(file, progress);
+        RunPass(file, options, progress);
         file.Rewind();
         // Lets events run here too: an empty file could not be stopped otherwise.
         if (!stop_)
@@ -77,13 +91,28 @@ void CommandRunner::Run(BatchFile& file) {
     }
 }
 
-void CommandRunner::RunPass(BatchFile& file, RunProgress& progress) {
+void CommandRunner::RunPass(BatchFile& file, const RunOptions& options, RunProgress& progress) {
     progress.Command = 0;
-    while (!file.AtEnd() && !stop_) {
+    while (!stop_ && HasCommand(file, options)) {
+        if (progress.Pass > 1 || progress.Command > 0)
+            PauseBetween(options.PauseMs);
+        if (stop_)
+            return;
         SendBatchLine(file);
         ++progress.Command;
+        progress.Line = batchLine_;
         Tell(events_.Progress, progress);
         Pause();
+    }
+}
+
+// Windows live, and `Stop` counts, also in a long one.
+void CommandRunner::PauseBetween(int milliseconds) {
+    Clock& clock = session_.Line.Time();
+    const std::int64_t end = clock.Microseconds() + std::int64_t{1000} * milliseconds;
+    while (!stop_ && clock.Microseconds() < end) {
+        clock.SleepUntil(std::min(end, clock.Microseconds() + YieldUs));
+        Tell(events_.Yield);
     }
 }
 

@@ -14,12 +14,22 @@ namespace kavro {
 /// Pause of a repeat and a run after every command, and of a run after every pass, in ms.
 inline constexpr int CommandPauseMs = 100;
 
+/// Longest pause between two lines of a run that can be asked for, in ms.
+inline constexpr int LongestBatchPauseMs = 3'600'000;
+
+/// How a batch file is run.
+struct RunOptions {
+    bool SkipComments = false; ///< comments and blank lines are passed over; else they are sent like any line
+    int PauseMs = 0;           ///< between two commands, in addition to `CommandPauseMs`; `Stop` ends it
+};
+
 /// How far a repeat or a run is.
 struct RunProgress {
     std::int16_t Pass = 1;   ///< from 1
     std::int16_t Passes = 1; ///< of a run; a repeat has one
     int Command = 0;         ///< number of the command just sent in this pass, from 1
     int Commands = 0;        ///< commands of a pass
+    int Line = 0;            ///< number of its line in the batch file, from 1; 0 in a repeat
 
     bool operator==(const RunProgress&) const = default;
 };
@@ -52,7 +62,10 @@ public:
 
     /// Sends every line of the file `BatchRepeatCount` times, from the first line on; leaves the file at its
     /// first line.
-    void Run(BatchFile& file);
+    void Run(BatchFile& file, const RunOptions& options = {});
+
+    /// The number of the line in the batch file of the command being sent, from 1; 0 when it is not from one.
+    int BatchLine() const { return batchLine_; }
 
     /// Ends a repeat or a run that is going on before its next command; looked at after each `Yield`.
     void Stop() { stop_ = true; }
@@ -63,12 +76,14 @@ public:
 private:
     std::int16_t CheckSumEnable() const;
     void Pause();
-    void RunPass(BatchFile& file, RunProgress& progress);
+    void RunPass(BatchFile& file, const RunOptions& options, RunProgress& progress);
+    void PauseBetween(int milliseconds);
     void Send(const std::string& command, const SendSettings& settings);
 
     Session& session_;
     CommandEvents events_;
     bool stop_ = false;
+    int batchLine_ = 0;
 };
 
 } // namespace kavro

@@ -3,6 +3,7 @@
 #include "link/text.h"
 #include "map/exchange_words.h"
 #include "terminal/batch_panel_form.h"
+#include "terminal/command_state_form.h"
 #include "terminal/console_form.h"
 #include "terminal/log_panel_form.h"
 #include "terminal/repeat_cmd_form.h"
@@ -43,7 +44,9 @@ QString ProgressText(const RunProgress& progress) {
     QString text;
     if (progress.Passes > 1)
         text = QString("Pass %1 of %2: ").arg(progress.Pass).arg(progress.Passes);
-    return text + QString("Command %1 of %2").arg(progress.Command).arg(progress.Commands);
+    text += QString("Command %1 of %2").arg(progress.Command).arg(progress.Commands);
+    const bool skipped = progress.Line != 0 && progress.Line != progress.Command;
+    return skipped ? text + QString(" (line %1)").arg(progress.Line) : text;
 }
 
 } // namespace
@@ -68,6 +71,7 @@ CommandEvents TerminalForm::Events() {
     events.Log = [this](const std::string& command) { log_->Log(command); };
     events.Show = [this](const std::string& command, const std::string& reply) {
         console_->ShowTerminalLine(command, reply);
+        state_->ShowOutcome(command, runner_.BatchLine());
     };
     events.Progress = [this](const RunProgress& progress) { ShowProgress(progress); };
     events.Yield = [] { QApplication::processEvents(); };
@@ -97,9 +101,12 @@ void TerminalForm::Build() {
     scroll->setMinimumWidth(console_->minimumWidth() + 2 * scroll->frameWidth());
 
     auto* layout = new QVBoxLayout(this);
+    state_ = new CommandState(session_);
     layout->addLayout(BuildPortSettings());
     layout->addWidget(scroll, 1);
+    layout->addWidget(state_);
     layout->addLayout(BuildCommandRow());
+    state_->Follow(console_->CmdText(), *checkSumEnable_);
     layout->addWidget(log_);
     layout->addWidget(batch_);
     layout->addLayout(BuildFoot());

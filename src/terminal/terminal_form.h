@@ -16,6 +16,7 @@ class QProgressBar;
 namespace kavro {
 
 class BatchPanel;
+class CommandState;
 class ConsoleView;
 class LogPanel;
 
@@ -49,6 +50,7 @@ private:
     bool operating_ = false;  // while an operation runs; nothing can start a second one underneath it
     bool closeAsked_ = false; // the form was to be closed meanwhile
     ConsoleView* console_ = nullptr;
+    CommandState* state_ = nullptr;
     LogPanel* log_ = nullptr;
     BatchPanel* batch_ = nullptr;
     QCheckBox* checkSumEnable_ = nullptr;

@@ -115,6 +115,7 @@ TEST(TerminalCommands, UseTheMapAndTellWrongUseInOneLine) {
                     {{"batch", "/nowhere"}, "/nowhere"},
                     {{"batch", QString::fromStdString(folder.Path())}, "is a folder"},
                     {{"batch", batch, "--passes", "0"}, "'0'"},
+                    {{"batch", batch, "--pause", "3600001"}, "3600001"},
                     {{"batch", batch, "--log", batch}, "would empty"},
                     {{"batch", batch, "--log", "/nowhere/log"}, "/nowhere/log"}});
     EXPECT_EQ(folder.Read("batch"), "$012\n");
@@ -124,6 +125,12 @@ TEST(TerminalCommands, UseTheMapAndTellWrongUseInOneLine) {
     const Captured sent = Capture([&] { return RunKavroctl(send); });
     EXPECT_EQ(sent.Out, "$202 -> !20400700\n");
     EXPECT_EQ(sent.Exit, ExitSuccess) << sent.Err;
+
+    const auto comments = QString::fromStdString(folder.Write("comments", "; all\n\n$012\n ;\n"));
+    const Captured skipped = Capture([&] {
+        return RunKavroctl({"batch", "--demo", comments, "--skip-comments", "--pause", "9999"});
+    });
+    EXPECT_EQ(skipped.Out, "$012 -> !01050600\n") << "no pause behind the last command";
 }
 
 } // namespace

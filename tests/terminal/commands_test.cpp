@@ -5,6 +5,7 @@
 #include "terminal/batch_control.h"
 #include "terminal/batch_file.h"
 #include "terminal/command_log.h"
+#include "terminal/command_words.h"
 #include "terminal/console_rows.h"
 #include "terminal/test_folder.h"
 
@@ -52,6 +53,13 @@ protected:
     CommandRunner Runner;
     BatchControl Control;
 };
+
+Lines ReadAll(BatchFile& file) {
+    Lines lines;
+    while (!file.AtEnd())
+        lines.push_back(file.ReadLine());
+    return lines;
+}
 
 constexpr BatchButtons Chosen = {.Run = true, .Step = true, .Display = true, .Repeat = true};
 constexpr BatchButtons Stepped = {.Run = true, .Step = true, .Display = true, .GoTop = true, .Repeat = true};
@@ -109,7 +117,7 @@ TEST_F(ConsoleTest, RunsPassByPass) {
     twice.insert(twice.begin() + 8, "COM1 settings 9600,n,8,1");
     EXPECT_EQ(Log, twice);
     EXPECT_EQ(Buttons, (std::vector<BatchButtons>{{.Stop = true}, Chosen}));
-    EXPECT_EQ(Progress.at(4), (RunProgress{2, 2, 2, 3}));
+    EXPECT_EQ(Progress.at(4), (RunProgress{2, 2, 2, 3, 2}));
 
     Session.BatchRepeatCount = 0;
     EXPECT_EQ(Cost([&] { Control.Run(); }), 0);
@@ -140,6 +148,33 @@ TEST_F(ConsoleTest, StepsRunsAndRewinds) {
     EXPECT_EQ(Shown.size(), 5u);
     EXPECT_EQ(Buttons, (std::vector<BatchButtons>{{.Stop = true, .GoTop = true}, Stepped}));
     step("$002", Stepped, 2);
+}
+
+TEST_F(ConsoleTest, PassesOverCommentsAndPausesBetweenCommands) {
+    Choose("; top\n\n$012\n \t; more\n$022\n; end\n \n");
+    const std::tuple<const char*, BatchButtons, int> steps[] = {{"$012", Stepped, 5},
+                                                                {"$022", SteppedToEnd, 8}};
+    for (const auto& [command, buttons, next] : steps) {
+        Control.Step(true);
+        EXPECT_EQ(Shown.back().first, command);
+        EXPECT_EQ(Control.Buttons(), buttons);
+        EXPECT_EQ(Control.BatchLineNumber(), next);
+        Control.Display(ReadAll); // leaves it where it stood
+    }
+    Control.Step(true);
+    EXPECT_EQ(Shown.size(), 2U);
+    EXPECT_EQ(Control.Buttons(), SteppedToEnd);
+
+    Session.BatchRepeatCount = 2;
+    EXPECT_EQ(Cost([&] { Control.Run({true, 5000}); }), 4 * 500 + 3 * 5000 + 2 * 100);
+    EXPECT_EQ(Progress,
+              (std::vector<RunProgress>{{1, 2, 1, 2, 3}, {1, 2, 2, 2, 5}, {2, 2, 1, 2, 3}, {2, 2, 2, 2, 5}}));
+    OnYield = [&, yields = 0]() mutable { ++yields == 3 ? Runner.Stop() : void(); };
+    EXPECT_EQ(Cost([&] { Control.Run({true, 5000}); }), 500 + 2 * 20) << "in the middle of the pause";
+    EXPECT_EQ(Shown.size(), 7U);
+    Choose("; alone\n");
+    Control.Step(true);
+    EXPECT_EQ(Control.Buttons(), SteppedToEnd);
 }
 
 TEST_F(ConsoleTest, StopEndsARunOfAnEmptyFile) {
@@ -187,6 +222,27 @@ TEST(AddressRule, DecidesBaudRateAndChecksum) {
     }
 }
 
+TEST(CommandWords, SayHowATypedCommandWillBeSent) {
+    ScriptedSession test;
+    test.Session.ModuleTable[0] = {.Address = 5, .Model = "8250  ", .BaudCode = 4, .Checksum = 1};
+    test.Session.ModuleTable[1] = {.Address = 0x1F, .Model = "8310  ", .BaudCode = -2};
+    test.Session.ModuleCount = 2;
+    test.Session.Tags.Path = "line";
+    test.Session.Tags.Modules[5] = {.Model = "8250", .Module = {.Tag = "TT-101"}};
+    const std::tuple<const char*, std::int16_t, const char*> cases[] = {
+        {"$052", 1, "Address 05 (8250, TT-101): 19200 baud, with checksum."},
+        {"$05", 0,
+         "Address 05 (8250, TT-101): 19200 baud, without checksum. The module is set up with one: tick "
+         "Checksum enable."},
+        {"#1f", 0, "Address 1F (8310): 9600 baud, without checksum."},
+        {"$062", 1, "Address 06 is not in the list: 9600 baud, with checksum."},
+        {"$0", 1,
+         "Address 00: what is typed goes there at 9600 baud and without checksum, whatever is ticked."},
+        {"~**", 1, "No address: 9600 baud, with checksum."}};
+    for (const auto& [command, enable, words] : cases)
+        EXPECT_EQ(SendingWords(test.Session, command, enable), words);
+}
+
 // What is drawn after commands "c1" to "cN" with the replies "r1" to "rN": six pairs are appended, and from
 // then on the latest six redrawn.
 std::vector<ConsoleText> Expected(int commands) {
@@ -217,13 +273,6 @@ TEST(ConsoleRows, ShowTheLatestSixPairs) {
         ASSERT_EQ(rows.Rows().size(), static_cast<std::size_t>(2 * pairs)) << n;
         ASSERT_TRUE(n > 6 ? rows.LineCount() > 13 : rows.LineCount() == 2 * n) << n;
     }
-}
-
-Lines ReadAll(BatchFile& file) {
-    Lines lines;
-    while (!file.AtEnd())
-        lines.push_back(file.ReadLine());
-    return lines;
 }
 
 TEST(BatchFile, ReadsLinesWhateverTheirEnds) {

@@ -156,6 +156,36 @@ TEST_F(TerminalFormTest, PointingAtARowShowsItInWords) {
     EXPECT_EQ(console.accessibleDescription(), description);
 }
 
+TEST_F(TerminalFormTest, SaysInWordsHowItSendsAndWhatCame) {
+    ModuleRecord record;
+    record.Model = "8250  ";
+    Select(Session, record);
+    CmdText().setText("$012");
+    EXPECT_EQ(Text("SendState"), "Address 01 (8250): 9600 baud, without checksum.");
+    Find<QCheckBox>(*Form, "CheckSumEnable").click();
+    EXPECT_TRUE(Text("SendState").endsWith("clear Checksum enable."));
+    CmdText().setText(QChar(0x20AC));
+    EXPECT_TRUE(Text("SendState").contains("cannot be sent"));
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {"$012", "!01080600B0\r",
+         "$012 (01: read configuration): 8250: +/- 10V, Engineering Units, 9600 baud, no checksum."},
+        {"$01F", "", "\u26a0 $01F (01: read firmware version): no reply within 400 ms."},
+        {"$01Z", "?01A0\r", "\u26a0 $01Z: refused by the module (?)."},
+        {"$01M", "!01",
+         "\u26a0 $01M (01: read model): the reply is cut short: nothing more came for 400 ms."},
+        {"$01M", "!01825000\r", "\u26a0 $01M (01: read model): the checksum of the reply is wrong."},
+        {"$012", "!0182\r",
+         "\u26a0 $012 (01: read configuration): unreadable: what came is no reply to this command."},
+        {"$01Z", "!0182\r", "$01Z: answered."},
+        {"", "", "\u26a0 Empty command: no reply within 400 ms."}};
+    for (const auto& [command, reply, words] : cases) {
+        Port().Queue = {{reply}};
+        Enter(command);
+        EXPECT_EQ(Text("ReplyState"), words);
+        EXPECT_EQ(Text("SendState"), "");
+    }
+}
+
 TEST_F(TerminalFormTest, TellsWhatCannotBeSent) {
     for (const QString& text : {QString("$01\n$02"), QString(QChar(0x20AC))})
         Enter(text);
@@ -278,6 +308,33 @@ TEST_F(TerminalFormTest, RunsABatchFileThatCanBeStopped) {
 
     Choose("BatchDialogBtn", ""); // cancelled
     EXPECT_TRUE(Enabled().isEmpty());
+}
+
+TEST_F(TerminalFormTest, SkipsAndPausesAsAskedAndCanBeLeftInThePause) {
+    EXPECT_FALSE(Find<QCheckBox>(*Form, "SkipComments").isChecked());
+    ChooseBatch("; one\n$012\n; two\n$022\n");
+    auto& pause = Find<QLineEdit>(*Form, "BatchPause");
+    pause.setText("");
+    Press("RunBatchBtn");
+    EXPECT_EQ(Told(), 1U);
+    EXPECT_EQ(Enabled(), Chosen);
+    pause.setText("1000");
+    Click(*Form, "SkipComments");
+    for (const char* end : {"StopBatchBtn", "ExitBtn"}) {
+        Log.clear();
+        InNextPause([&] {
+            EXPECT_EQ(Text("Progress"), "Command 1 of 2 (line 2)");
+            EXPECT_FALSE(pause.isEnabled());
+            InNextPause([&] { // in that of a second
+                Press("RunBatchBtn");
+                Press(end);
+            });
+        });
+        Press("RunBatchBtn");
+        EXPECT_EQ(Log, Lines{"COM1 9600 $012"});
+        EXPECT_TRUE(Text("ReplyState").contains("Line 2, $012"));
+    }
+    EXPECT_FALSE(Form->isVisible());
 }
 
 // Every way to close ends a repeat or a run after the command being awaited, and then closes the form.
