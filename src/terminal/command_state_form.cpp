@@ -15,27 +15,26 @@ namespace kavro {
 
 namespace {
 
-constexpr int SendLines = 1;
-constexpr int ReplyLines = 2; // with the words of a long reply
+constexpr int Lines = 2; // of either text, with an advice or the words of a long reply
 
-// A text that wraps, with room for that many lines, so that nothing moves while it changes.
-QLabel* StateLabel(const char* name, int lines) {
+// A text that wraps, with room for its lines, so that nothing moves while it changes.
+QLabel* StateLabel(const char* name) {
     auto* label = Named(new QLabel, name, {});
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // a long text widens no window
-    label->setMinimumHeight(label->fontMetrics().lineSpacing() * lines);
+    label->setMinimumHeight(label->fontMetrics().lineSpacing() * Lines);
     return label;
 }
 
 } // namespace
 
 CommandState::CommandState(Session& session)
-    : session_(session), sendState_(StateLabel("SendState", SendLines)),
-      replyState_(StateLabel("ReplyState", ReplyLines)) {
+    : session_(session), sendState_(StateLabel("SendState")), replyState_(StateLabel("ReplyState")) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
+    layout->setSpacing(4);
     layout->addWidget(sendState_);
     layout->addWidget(replyState_);
     session_.Line.Listeners.push_back(this);
