@@ -139,8 +139,9 @@ line_windows() {
         xdotool type "$command"
         press Return
     done
+    xdotool type '$05' # how it will be sent is shown
     shot "terminal$1"
-    press Escape
+    press Escape Escape
     traffic_windows "$1"
     line_file_windows "$1"
     open m
