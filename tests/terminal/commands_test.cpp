@@ -228,7 +228,7 @@ TEST(CommandWords, SayHowATypedCommandWillBeSent) {
     test.Session.ModuleTable[1] = {.Address = 0x1F, .Model = "8310  ", .BaudCode = -2};
     test.Session.ModuleCount = 2;
     test.Session.Tags.Path = "line";
-    test.Session.Tags.Modules[5] = {.Model = "8250", .Module = {.Tag = "TT-101"}};
+    test.Session.Tags.Modules[5] = {.Model = "8250", .Module = {"TT-101", ""}};
     const std::tuple<const char*, std::int16_t, const char*> cases[] = {
         {"$052", 1, "Address 05 (8250, TT-101): 19200 baud, with checksum."},
         {"$05", 0,
