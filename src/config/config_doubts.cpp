@@ -1,7 +1,7 @@
 #include "config/config_doubts.h"
 
-#include "config/number_text.h"
 #include "link/baud.h"
+#include "link/number_text.h"
 #include "link/text.h"
 #include "map/list_line.h"
 #include "map/module_access.h"

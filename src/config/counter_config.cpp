@@ -1,7 +1,7 @@
 #include "config/counter_config.h"
 
-#include "config/number_text.h"
 #include "link/codes.h"
+#include "link/number_text.h"
 #include "link/text.h"
 
 #include <algorithm>

@@ -2,8 +2,8 @@
 
 #include "config/counter_config.h"
 #include "config/entry_notes.h"
-#include "config/number_text.h"
 #include "link/codes.h"
+#include "link/number_text.h"
 #include "link/text.h"
 #include "ui/named.h"
 #include "ui/note.h"

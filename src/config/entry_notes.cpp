@@ -1,6 +1,6 @@
 #include "config/entry_notes.h"
 
-#include "config/number_text.h"
+#include "link/number_text.h"
 #include "link/text.h"
 #include "map/list_line.h"
 

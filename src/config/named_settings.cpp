@@ -1,10 +1,10 @@
 #include "config/named_settings.h"
 
-#include "config/number_text.h"
 #include "link/baud.h"
 #include "link/codes.h"
 #include "link/entered_values.h"
 #include "link/model_choices.h"
+#include "link/number_text.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
 

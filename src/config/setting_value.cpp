@@ -1,6 +1,6 @@
 #include "config/setting_value.h"
 
-#include "config/number_text.h"
+#include "link/number_text.h"
 
 namespace kavro {
 

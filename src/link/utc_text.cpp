@@ -5,6 +5,12 @@
 
 namespace kavro {
 
+namespace {
+
+constexpr std::size_t DateEnd = 10, Seconds = 19; // of "2026-03-02T14:05:09.120345Z"
+
+} // namespace
+
 std::string UtcText(std::int64_t utc) {
     using namespace std::chrono;
     const sys_time<microseconds> moment{microseconds(utc)};
@@ -17,6 +23,18 @@ std::string UtcText(std::int64_t utc) {
                   static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
                   static_cast<int>(time.seconds().count()), static_cast<int>(time.subseconds().count()));
     return text;
+}
+
+std::string UtcToSecond(std::int64_t utc) {
+    return UtcText(utc).substr(0, Seconds) + "Z";
+}
+
+std::string ShownUtc(std::string utc) {
+    if (utc.size() != Seconds + 1 || utc[DateEnd] != 'T' || utc.back() != 'Z')
+        return utc;
+    utc[DateEnd] = ' ';
+    utc.pop_back();
+    return utc + " UTC";
 }
 
 } // namespace kavro

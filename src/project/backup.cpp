@@ -13,11 +13,6 @@ namespace kavro {
 
 namespace {
 
-std::string TimeNow(const Line& line) {
-    constexpr std::size_t ToSeconds = 19; // of "2026-03-02T14:05:09.120345Z"
-    return UtcText(line.Time().UtcMicroseconds()).substr(0, ToSeconds) + "Z";
-}
-
 // What the list knows of a module that does not answer now.
 SavedModule ListedModule(const ModuleRecord& record) {
     SavedModule module;
@@ -59,7 +54,7 @@ void KeepWhatIsTheUsers(SavedModule& module, const SavedModule& before) {
 
 Backup ReadLine(const LineWork& work, const std::string& name) {
     const std::vector<ListedContact> contacts = ContactsOfList(work.Session);
-    Backup backup{{name, TimeNow(work.Session.Line), ProductVersion}};
+    Backup backup{{name, UtcToSecond(work.Session.Line.Time().UtcMicroseconds()), ProductVersion}};
     for (std::size_t i = 0; i < contacts.size(); ++i) {
         const auto& [listed, way] = contacts[i];
         work.Progress("Reading " + ShownModule(listed), static_cast<int>(i),

@@ -1,8 +1,8 @@
 #include "project/check_file.h"
 
+#include "link/json_object.h"
 #include "link/runtime_failure.h"
 #include "project/file_content.h"
-#include "project/saved_json.h"
 
 namespace kavro {
 

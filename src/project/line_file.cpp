@@ -2,6 +2,7 @@
 
 #include "link/baud.h"
 #include "link/codes.h"
+#include "link/json_object.h"
 #include "link/json_text.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
@@ -90,10 +91,10 @@ std::string LineFileText(const LineFile& file) {
     object.Add("name", JsonText(file.Name));
     object.Add("time", JsonText(file.Time));
     object.Add("program", JsonText(file.Program));
-    std::string modules;
+    std::vector<std::string> modules;
     for (const SavedModule& module : file.Modules)
-        modules += (modules.empty() ? "\n    " : ",\n    ") + SavedModuleJson(module, 2);
-    object.Add("modules", "[" + modules + (modules.empty() ? "]" : "\n  ]"));
+        modules.push_back(SavedModuleJson(module, 2));
+    object.Add("modules", JsonList(modules, 1));
     object.Add(file.Others);
     return object.Text() + "\n";
 }

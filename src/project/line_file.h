@@ -1,6 +1,7 @@
 #pragma once
 
 #include "config/config_names.h"
+#include "link/json_object.h"
 #include "map/module_contact.h"
 #include "map/module_map.h"
 #include "map/module_tags.h"
@@ -10,13 +11,6 @@
 #include <vector>
 
 namespace kavro {
-
-/// What a file holds that this program does not know, to be kept when it is written again.
-struct UnknownKey {
-    std::string Name;
-    std::string Json; ///< its value, on one line
-};
-using UnknownKeys = std::vector<UnknownKey>;
 
 /// A setting as a line file has it.
 struct SavedSetting {

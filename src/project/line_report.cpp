@@ -1,14 +1,15 @@
 #include "project/line_report.h"
 
 #include "config/setting_words.h"
+#include "link/html_text.h"
 #include "link/runtime_failure.h"
 #include "link/same_file.h"
 #include "link/text.h"
+#include "link/utc_text.h"
 #include "map/module_access.h"
 #include "map/product.h"
 #include "project/backup.h"
 #include "project/comparison_text.h"
-#include "project/html_text.h"
 #include "project/saved_config.h"
 
 #include <algorithm>
@@ -36,16 +37,6 @@ std::string NameOf(const LineFile& file, const ReportFacts& facts) {
     return file.Name.empty() ? NameFromPath(facts.Path) : file.Name;
 }
 
-// "2026-03-02 14:05:09 UTC"; another text as it is.
-std::string MomentText(std::string utc) {
-    constexpr std::size_t DateEnd = 10, Whole = 20; // of "2026-03-02T14:05:09Z"
-    if (utc.size() != Whole || utc[DateEnd] != 'T' || utc.back() != 'Z')
-        return utc;
-    utc[DateEnd] = ' ';
-    utc.pop_back();
-    return utc + " UTC";
-}
-
 std::string CheckSummary(const std::optional<SavedCheck>& check) {
     if (!check)
         return "not made";
@@ -61,7 +52,7 @@ std::string TitlePage(const LineFile& file, const std::optional<SavedCheck>& che
         {"Person", facts.Person},
         {"Program", std::string(ApplicationTitle) + ", version " + ProductVersion},
         {"Line file", facts.Path},
-        {"Settings read", MomentText(file.Time)},
+        {"Settings read", ShownUtc(file.Time)},
         {"Modules", std::to_string(file.Modules.size())},
         {"Line check", CheckSummary(check)}};
     std::erase_if(rows, [](const auto& row) { return row.second.empty(); });

@@ -1,5 +1,6 @@
 #include "project/restore_journal.h"
 
+#include "link/json_object.h"
 #include "link/json_text.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
@@ -25,15 +26,15 @@ constexpr int HighestAddress = 255;
 constexpr std::string_view Unreadable = "unreadable reply";
 
 std::string Head(const Line& line, const CutOffRestore& begun) {
-    std::string modules;
+    std::vector<std::string> modules;
     for (const SavedModule& module : begun.Wanted)
-        modules += (modules.empty() ? "" : ", ") + SavedModuleJson(module, -1);
+        modules.push_back(SavedModuleJson(module, -1));
     JsonObject head(-1);
     head.Add("format", JsonText(Format));
     head.Add("version", std::to_string(Version));
     head.Add("time", JsonText(UtcText(line.Time().UtcMicroseconds())));
     head.Add("program", JsonText(ProductVersion));
-    head.Add("modules", "[" + modules + "]");
+    head.Add("modules", JsonList(modules, -1));
     return head.Text() + "\n";
 }
 

@@ -1,8 +1,9 @@
 #include "project/saved_json.h"
 
-#include "config/number_text.h"
 #include "config/setting_changes.h"
+#include "link/json_object.h"
 #include "link/json_text.h"
+#include "link/number_text.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
 
@@ -16,10 +17,6 @@ namespace {
 
 constexpr int HighestAddress = 255;
 constexpr int HighestChannel = 255;
-
-std::string Indent(int depth) {
-    return "\n" + std::string(static_cast<std::size_t>(depth) * 2, ' ');
-}
 
 TagAndNote TagsIn(const JsonNode& object) {
     return {TextIn(object, "tag"), TextIn(object, "note")};
@@ -139,37 +136,6 @@ struct ValueTexts {
 
 } // namespace
 
-void FailAt(const JsonNode& node, const std::string& what) {
-    throw RuntimeFailure("line " + std::to_string(node.Line) + ": " + what);
-}
-
-std::string TextIn(const JsonNode& object, std::string_view name) {
-    const JsonNode* const node = object.Member(name);
-    if (!node)
-        return {};
-    if (node->Is != JsonNode::Kind::Text)
-        FailAt(*node, "\"" + node->Name + "\" must be a text.");
-    return node->Text;
-}
-
-int WholeIn(const JsonNode& object, std::string_view name, int low, int high) {
-    const JsonNode* const node = object.Member(name);
-    const bool fits = node && node->Is == JsonNode::Kind::Number && node->Number >= low &&
-                      node->Number <= high && std::trunc(node->Number) == node->Number;
-    if (!fits)
-        FailAt(node ? *node : object, "\"" + std::string(name) + "\" must be a whole number from " +
-                                          std::to_string(low) + " to " + std::to_string(high) + ".");
-    return static_cast<int>(node->Number);
-}
-
-UnknownKeys OthersIn(const JsonNode& object, std::initializer_list<std::string_view> known) {
-    UnknownKeys others;
-    for (const JsonNode& each : object.Within)
-        if (std::ranges::find(known, each.Name) == known.end())
-            others.push_back({each.Name, JsonLine(each)});
-    return others;
-}
-
 SavedModule ReadSavedModule(const JsonNode& node) {
     if (node.Is != JsonNode::Kind::Object)
         FailAt(node, "a module must be an object in braces.");
@@ -191,20 +157,6 @@ SavedModule ReadSavedModule(const JsonNode& node) {
 
 std::string ValueJson(const SettingValue& value) {
     return std::visit(ValueTexts(), value);
-}
-
-void JsonObject::Add(std::string_view name, const std::string& json) {
-    const std::string before = depth_ >= 0 ? Indent(depth_ + 1) : members_.empty() ? "" : " ";
-    members_ += (members_.empty() ? "" : ",") + before + JsonText(name) + ": " + json;
-}
-
-void JsonObject::Add(const UnknownKeys& others) {
-    for (const UnknownKey& other : others)
-        Add(other.Name, other.Json);
-}
-
-std::string JsonObject::Text() const {
-    return "{" + members_ + (depth_ >= 0 && !members_.empty() ? Indent(depth_) : "") + "}";
 }
 
 std::string SavedModuleJson(const SavedModule& module, int depth) {

@@ -1,4 +1,4 @@
-#include "project/html_text.h"
+#include "link/html_text.h"
 
 namespace kavro {
 

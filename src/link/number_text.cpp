@@ -1,4 +1,4 @@
-#include "config/number_text.h"
+#include "link/number_text.h"
 
 #include "link/text.h"
 
