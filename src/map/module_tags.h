@@ -39,6 +39,12 @@ struct LineTags {
     /// fails; nothing has changed then.
     std::function<void(std::int16_t address, const ModuleTags& tags)> Keep = [](std::int16_t,
                                                                                 const ModuleTags&) {};
+
+    /// Rewrites the file with one more record in the history of the module at `address`, which must be of
+    /// that model; `json` is the record on one line. Throws `RuntimeFailure` when that fails; nothing has
+    /// changed then.
+    std::function<void(std::int16_t address, const std::string& model, const std::string& json)>
+        AppendHistory = [](std::int16_t, const std::string&, const std::string&) {};
 };
 
 /// The tags of entry `index`; null when no line file is open, or when it has no module of that address and

@@ -46,6 +46,7 @@ std::vector<ListedContact> ContactsOfList(const Session& session) {
 void KeepWhatIsTheUsers(SavedModule& module, const SavedModule& before) {
     module.Tags = before.Tags;
     module.Channels = before.Channels;
+    module.History = before.History;
     module.Others = before.Others;
     module.OtherSettings = before.OtherSettings;
 }

@@ -32,6 +32,7 @@ struct SavedModule {
     TagAndNote Tags{};
     std::map<int, SavedChannel> Channels{};
     std::vector<SavedSetting> Settings{}; ///< those that the module told, but for model and address
+    std::vector<std::string> History{};   ///< records of its calibrations as JSON, each on one line
     UnknownKeys Others{}, OtherSettings{};
 };
 

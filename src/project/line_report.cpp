@@ -2,6 +2,7 @@
 
 #include "config/setting_words.h"
 #include "link/html_text.h"
+#include "link/json_reader.h"
 #include "link/runtime_failure.h"
 #include "link/same_file.h"
 #include "link/text.h"
@@ -99,13 +100,31 @@ std::string ChannelTable(const SavedModule& module) {
                         : "<p></p>\n" + HtmlTable({{"Channel", 15}, {"Tag", 35}, {"Note", 50}}, rows);
 }
 
+// A member of a record as it stands; records of newer versions may have others.
+std::string RecordText(const JsonNode& record, std::string_view name) {
+    const JsonNode* const member = record.Member(name);
+    return member && member->Is == JsonNode::Kind::Text ? member->Text : NotTold;
+}
+
+std::string HistoryTable(const SavedModule& module) {
+    std::vector<Row> rows;
+    for (const std::string& json : module.History) {
+        const JsonNode record = ReadJson(json);
+        rows.push_back({ShownUtc(RecordText(record, "ended")), RecordText(record, "operator"),
+                        RecordText(record, "result")});
+    }
+    return rows.empty()
+               ? std::string()
+               : "<p></p>\n" + HtmlTable({{"Calibrated", 35}, {"Operator", 40}, {"Result", 25}}, rows);
+}
+
 std::string ModuleBlock(const SavedModule& module) {
     std::string html = "<div class=\"module\">\n<h2>" + HtmlText(ShownModule(module)) + "</h2>\n";
     if (!module.Tags.Note.empty())
         html += "<p>" + HtmlText(module.Tags.Note) + "</p>\n";
     html += module.Settings.empty() ? std::string("<p>The module has told none of its settings.</p>\n")
                                     : HtmlTable({{"Setting", 50}, {"Value", 50}}, SettingRows(module));
-    return html + ChannelTable(module) + "</div>\n";
+    return html + ChannelTable(module) + HistoryTable(module) + "</div>\n";
 }
 
 std::string FindingsChapter(const LineFile& file, const SavedCheck& check) {

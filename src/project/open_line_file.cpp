@@ -27,6 +27,25 @@ void Give(SavedModule& module, const ModuleTags& tags) {
     });
 }
 
+void RewriteModule(const Session& session, const std::string& path, std::int16_t address,
+                   const std::function<void(SavedModule& module)>& change) {
+    LineFile file = LoadLineFile(path);
+    SavedModule* const module = ModuleIn(file, address);
+    if (!module)
+        throw RuntimeFailure("The line file \"" + path + "\" no longer has a module at address " +
+                             ShownAddress(address) + ". Back up the line again.");
+    change(*module);
+    session.ReplaceFile(path, LineFileText(file));
+}
+
+void AppendTo(SavedModule& module, const std::string& model, const std::string& json) {
+    if (module.Model != model)
+        throw RuntimeFailure("The open line file has a " + module.Model + " at address " +
+                             ShownAddress(module.Address) + " and not a " + model +
+                             ". Back up the line again.");
+    module.History.push_back(json);
+}
+
 void Remember(Session& session, const std::string& path) {
     if (session.Preferences.LineFile == path)
         return;
@@ -44,6 +63,10 @@ void ShowTagsOf(Session& session, const std::string& path, const LineFile& file)
     session.Tags.Keep = [&session, path](std::int16_t address, const ModuleTags& tags) {
         WriteTags(session, path, address, tags);
         session.Tags.Modules[address] = tags;
+    };
+    session.Tags.AppendHistory = [&session, path](std::int16_t address, const std::string& model,
+                                                  const std::string& json) {
+        RewriteModule(session, path, address, [&](SavedModule& module) { AppendTo(module, model, json); });
     };
 }
 
@@ -64,13 +87,7 @@ void CloseLineFile(Session& session) {
 
 void WriteTags(const Session& session, const std::string& path, std::int16_t address,
                const ModuleTags& tags) {
-    LineFile file = LoadLineFile(path);
-    SavedModule* const module = ModuleIn(file, address);
-    if (!module)
-        throw RuntimeFailure("The line file \"" + path + "\" no longer has a module at address " +
-                             ShownAddress(address) + ". Back up the line again.");
-    Give(*module, tags);
-    session.ReplaceFile(path, LineFileText(file));
+    RewriteModule(session, path, address, [&](SavedModule& module) { Give(module, tags); });
 }
 
 } // namespace kavro

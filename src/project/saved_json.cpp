@@ -47,6 +47,22 @@ std::map<int, SavedChannel> ReadChannels(const JsonNode& module) {
     return channels;
 }
 
+// A record may have been made by a newer version: it is kept as it is, and nothing in it is asked for.
+std::vector<std::string> ReadHistory(const JsonNode& module) {
+    std::vector<std::string> history;
+    const JsonNode* const list = module.Member("history");
+    if (!list)
+        return history;
+    if (list->Is != JsonNode::Kind::List)
+        FailAt(*list, "\"history\" must be a list in brackets.");
+    for (const JsonNode& each : list->Within) {
+        if (each.Is != JsonNode::Kind::Object)
+            FailAt(each, "each record in \"history\" must be an object in braces.");
+        history.push_back(JsonLine(each));
+    }
+    return history;
+}
+
 SettingValue ValueOf(const JsonNode& node) {
     switch (node.Is) {
     case JsonNode::Kind::Switch:
@@ -145,7 +161,9 @@ SavedModule ReadSavedModule(const JsonNode& node) {
     module.Firmware = TextIn(node, "firmware");
     module.Tags = TagsIn(node);
     module.Channels = ReadChannels(node);
-    module.Others = OthersIn(node, {"address", "model", "firmware", "tag", "note", "channels", "settings"});
+    module.Others =
+        OthersIn(node, {"address", "model", "firmware", "tag", "note", "channels", "settings", "history"});
+    module.History = ReadHistory(node);
     if (const JsonNode* const settings = node.Member("settings")) {
         RequireObject(*settings);
         NamedConfig blank = BlankConfig(module.Model);
@@ -183,6 +201,8 @@ std::string SavedModuleJson(const SavedModule& module, int depth) {
         settings.Add(setting.Name, ValueJson(setting.Value));
     settings.Add(module.OtherSettings);
     object.Add("settings", settings.Text());
+    if (!module.History.empty())
+        object.Add("history", JsonList(module.History, within));
     object.Add(module.Others);
     return object.Text();
 }
