@@ -46,7 +46,8 @@ struct CalibrationRecord {
 /// How a point or a whole calibration came out.
 enum class CalibrationResult { Pass, Fail, NotJudged, Aborted };
 
-/// What was measured less the signal, in the unit of the point; none without a measured value.
+/// What was measured less the signal, in the unit of the point, without the noise of binary numbers; none
+/// without a measured value.
 std::optional<double> ErrorOf(const CalibrationPoint& point, const std::optional<double>& measured);
 
 /// An error at that point in percent of full scale; none without an error, and where the full scale is not
@@ -66,11 +67,11 @@ CalibrationResult ResultOf(const CalibrationRecord& record);
 bool Passed(const CalibrationRecord& record, const CalibrationPoint& point);
 bool Passed(const CalibrationRecord& record);
 
-/// "Pass", "Fail", "Not judged", "Aborted".
+/// "pass", "fail", "not judged", "aborted".
 std::string ShownResult(CalibrationResult result);
 
-/// A name for the files of a record, without folder and suffix: tag or model, address and the local date of
-/// its end, "TT-101_05_2026-11-22". What a file name may not have on any system is replaced by "-".
-std::string RecordName(const CalibrationRecord& record);
+/// A name for the files of a record, without folder and suffix: tag or model, address (hexadecimal) and date,
+/// "TT-101_05_2026-11-22". What a file name may not have on any system is replaced by "-".
+std::string RecordName(const CalibrationRecord& record, const std::string& date);
 
 } // namespace kavro

@@ -82,6 +82,16 @@ std::string Middle(std::string_view text, std::size_t first, std::size_t count) 
     return first > text.size() ? std::string() : std::string(text.substr(first - 1, count));
 }
 
+std::string FirstCharacters(const std::string& text, std::size_t count) {
+    std::size_t end = 0;
+    for (; end < text.size(); ++end) {
+        const bool begins = (static_cast<unsigned char>(text[end]) & 0xC0U) != 0x80U;
+        if (begins && count-- == 0)
+            break;
+    }
+    return text.substr(0, end);
+}
+
 std::string FixedText(std::string_view text, std::size_t width) {
     std::string fixed(text.substr(0, width));
     fixed.resize(width, ' ');

@@ -15,6 +15,9 @@ std::string Trim(std::string_view text);
 /// before.
 std::string Middle(std::string_view text, std::size_t first, std::size_t count = std::string::npos);
 
+/// At most `count` characters of a UTF-8 text.
+std::string FirstCharacters(const std::string& text, std::size_t count);
+
 /// `text` cut or padded on the right with blanks to `width` characters.
 std::string FixedText(std::string_view text, std::size_t width);
 

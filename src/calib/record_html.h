@@ -1,0 +1,26 @@
+#pragma once
+
+#include "calib/calibration_record.h"
+
+#include <cstddef>
+#include <string>
+
+namespace kavro {
+
+/// How much of a record goes on a page.
+struct RecordFit {
+    int FontPoints;         ///< of the text
+    std::size_t Characters; ///< of each text that the user entered; "..." stands for the rest
+    std::size_t Points;     ///< rows of the table; a line says how many more there are
+};
+
+/// From all of it on to what fits on one page whatever the record has. What is first shortened is the size of
+/// the letters.
+inline constexpr RecordFit RecordFits[] = {{10, 10000, 1000}, {9, 10000, 1000}, {8, 10000, 1000},
+                                           {8, 1200, 24},     {8, 300, 20},     {8, 60, 12}};
+
+/// A record as an HTML document for one page, in black and white, of what Qt's rich text understands. Numbers
+/// have a point, as in every file.
+std::string RecordHtml(const CalibrationRecord& record, const RecordFit& fit);
+
+} // namespace kavro
