@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 #include <vector>
 
 namespace kavro {
@@ -96,7 +97,8 @@ void DrawFoot(QPainter& painter, const QSizeF& paper, const QString& title, int 
     painter.drawText(foot, Qt::AlignLeft | Qt::AlignBottom, metrics.elidedText(title, Qt::ElideRight, room));
 }
 
-void DrawPages(QPdfWriter& writer, QTextDocument& document) {
+// The number of pages.
+int DrawPages(QPdfWriter& writer, QTextDocument& document) {
     QPainter painter(&writer);
     painter.setFont(TextFont(FootPoints));
     const QSizeF paper = painter.viewport().size();
@@ -118,16 +120,21 @@ void DrawPages(QPdfWriter& writer, QTextDocument& document) {
         painter.restore();
         DrawFoot(painter, paper, title, number, pages);
     }
+    return pages;
 }
 
-} // namespace
+struct Pdf {
+    std::string Bytes;
+    int Pages = 0;
+};
 
 // In memory, so that the file can be replaced whole.
-std::string PdfOfHtml(const std::string& html) {
+Pdf Printed(const std::string& html) {
     if (QFontDatabase::families().isEmpty())
         throw RuntimeFailure("A PDF file needs a font, and the system has none. Install one, for example "
                              "fonts-dejavu-core, or save the report as HTML.");
     QBuffer file;
+    int pages = 0;
     file.open(QIODevice::WriteOnly);
     {
         QPdfWriter writer(&file);
@@ -139,9 +146,20 @@ std::string PdfOfHtml(const std::string& html) {
         document.setDefaultFont(TextFont(TextPoints));
         document.setHtml(QString::fromStdString(html));
         writer.setTitle(document.metaInformation(QTextDocument::DocumentTitle));
-        DrawPages(writer, document);
+        pages = DrawPages(writer, document);
     }
-    return file.data().toStdString();
+    return {file.data().toStdString(), pages};
+}
+
+} // namespace
+
+std::string PdfOfHtml(const std::string& html) {
+    return Printed(html).Bytes;
+}
+
+std::optional<std::string> PdfPageOfHtml(const std::string& html) {
+    Pdf pdf = Printed(html);
+    return pdf.Pages == 1 ? std::optional(std::move(pdf.Bytes)) : std::nullopt;
 }
 
 } // namespace kavro

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace kavro {
@@ -9,5 +10,8 @@ namespace kavro {
 /// headings of level 2 is kept on one page where it fits on one. Needs a QGuiApplication. Throws
 /// `RuntimeFailure` when the system has no fonts.
 std::string PdfOfHtml(const std::string& html);
+
+/// The same, when it is a single page; nothing when it has more.
+std::optional<std::string> PdfPageOfHtml(const std::string& html);
 
 } // namespace kavro
