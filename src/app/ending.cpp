@@ -42,6 +42,7 @@ void Ending::Begin() {
     // The one setting that is not saved: it follows from the other time-out.
     session_.Line.LongReplyTimeout = std::min(session_.Line.LongReplyTimeout, LongestSilenceMs);
     session_.Note.clear();
+    session_.Ending = true;
     firstTop_ = QApplication::activeModalWidget();
     sinceRequest_.start();
     looking_.start();

@@ -48,6 +48,7 @@ Program::Program(const Options& options, int endRequests)
     session_.ConfigFilePath = ConfigFilePath(options.Demo);
     session_.MapFilePath = MapFilePath(options.Demo);
     session_.DecimalSeparator = LocaleDecimalSeparator();
+    session_.UserName = UserName();
     session_.ReplaceFile = ReplaceFile;
     session_.LineEnd = SystemLineEnd;
     session_.OpenFile = OpenAppendFile;
@@ -112,7 +113,7 @@ void Program::ShowReport(QWidget* parent) {
     const std::string device = ShownDevice(registry_.Device(port));
     const ReportFacts offered = {.Path = session_.Tags.Path,
                                  .Port = "COM" + std::to_string(port) + ": " + device,
-                                 .Person = UserName()};
+                                 .Person = session_.UserName};
     ReportForm(session_, messages_, offered, parent).exec();
 }
 

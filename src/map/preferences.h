@@ -5,11 +5,23 @@
 
 namespace kavro {
 
+/// What the user has entered for the last record of a calibration.
+struct RecordPreferences {
+    std::string Operator{};
+    std::string Instrument{};      ///< the reference instrument
+    std::string InstrumentDue{};   ///< local date: "2027-03-31"; empty: not known
+    double TolerancePercent = 0.1; ///< of full scale, above 0, to 100
+    std::string Folder{};          ///< where records go
+
+    bool operator==(const RecordPreferences&) const = default;
+};
+
 /// What the user has chosen and the next start remembers, where COM.CFG has no place for it.
 struct Preferences {
     bool FastSearch = false;
     std::int16_t AnswerWithin = 30; ///< of the fast search, ms, 5 to 1000
     std::string LineFile{};         ///< path of the line file that is open; empty: none
+    RecordPreferences Record{};
 
     bool operator==(const Preferences&) const = default;
 };

@@ -59,6 +59,9 @@ struct Session {
 
     LineTags Tags; ///< of the line file that is open
 
+    std::string UserName; ///< who uses the program, UTF-8; empty when it is not known
+    bool Ending = false;  ///< the system has asked the program to end: nobody can be asked any more
+
     kavro::Preferences Preferences;
     /// Keeps `Preferences` for the next start. Throws `RuntimeFailure` when they cannot be saved.
     std::function<void(const kavro::Preferences& preferences)> SavePreferences =

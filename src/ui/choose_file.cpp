@@ -83,4 +83,12 @@ QString ChooseOpenFile(QWidget* parent, const OpenChoice& choice) {
     return Chosen(dialog);
 }
 
+QString ChooseFolder(QWidget* parent, const QString& title, const QString& folder) {
+    QFileDialog dialog(parent, title, folder);
+    dialog.setObjectName("FolderDialog");
+    dialog.setFileMode(QFileDialog::Directory);
+    dialog.setOption(QFileDialog::ShowDirsOnly);
+    return Chosen(dialog);
+}
+
 } // namespace kavro

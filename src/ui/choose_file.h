@@ -37,4 +37,7 @@ struct OpenChoice {
 /// Shows the dialog `OpenDialog` for a file of one kind, or for any that exists. Empty when it is cancelled.
 QString ChooseOpenFile(QWidget* parent, const OpenChoice& choice);
 
+/// Shows the dialog `FolderDialog` for a folder, beginning at that one. Empty when it is cancelled.
+QString ChooseFolder(QWidget* parent, const QString& title, const QString& folder);
+
 } // namespace kavro
