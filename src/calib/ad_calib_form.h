@@ -14,6 +14,9 @@ public:
 
 protected:
     QWidget& ShowView() override;
+    CalibrationWatch& Watch() override { return calibration_.Watch(); }
+    ReadingView Readings() const override { return calibration_.Readings(); }
+    CalibrationRecord Record() const override { return calibration_.Record(); }
 
 private:
     QWidget* BuildChoices();

@@ -1,5 +1,6 @@
 #include "calib/ad_calibration.h"
 
+#include "calib/calibration_target.h"
 #include "link/codes.h"
 #include "link/models.h"
 #include "link/text.h"
@@ -14,11 +15,16 @@ namespace kavro {
 namespace {
 
 constexpr int SettleMs = 1000; // after a cold-junction correction, until the module measures with it
+constexpr int FreshMs = 1000;  // after an execution, until the module measures with what it has stored
 constexpr double DegreesPerCount = 0.0153;
+constexpr double FarthestTarget = 1000; // degrees; beyond, no count is foretold
 constexpr const char* ClearsText = "While the target is not a number, Execute clears the present correction.";
 constexpr const char* GoneText = "The old correction is gone.";
 constexpr const char* NoneMadeText = " No new correction is made.";
 constexpr const char* ZeroText = "The target is now 0: Execute would correct to 0 \u00b0C.";
+
+constexpr const char* BrokenText = "It was broken off in the middle.";
+constexpr const char* NothingStoredText = "Nothing was stored: the module keeps the calibration that it had.";
 
 constexpr const char* GuideTexts[] = {
     "Apply power to the analog input module and let it warm up for about 30 minutes.",
@@ -42,33 +48,6 @@ const char* GuideOf(const ModelRow& model) {
     return model.Kind == ModelKind::AlarmInput ? InputGuide : "";
 }
 
-// Reference signals of the range codes `First` to `Last`.
-struct Reference {
-    std::int16_t First, Last;
-    const char* Zero;
-    const char* Span;
-};
-
-// "0 mV" of the ranges 8 to 10, and of both in range 7, are meant as they stand.
-constexpr Reference References[] = {
-    {0, 0, "0 mV", "+15 mV"},        {1, 1, "0 mV", "+50 mV"},        {2, 2, "0 mV", "+100 mV"},
-    {3, 3, "0 mV", "+500 mV"},       {4, 4, "0 V", "+1 V"},           {5, 5, "0 V", "+2.5 V"},
-    {6, 6, "0 mA", "+20 mA"},        {7, 7, "0 mV", "0 mV"},          {8, 8, "0 mV", "+10 V"},
-    {9, 9, "0 mV", "+5 V"},          {10, 10, "0 mV", "+1 V"},        {11, 11, "0 mV", "+500 mV"},
-    {12, 12, "0 mV", "+150 mV"},     {13, 13, "0 mA", "+20 mA"},      {14, 14, "0 mV", "+50 mV"},
-    {15, 15, "0 mV", "+55 mV"},      {16, 16, "0 mV", "+30 mV"},      {17, 17, "0 mV", "+78 mV"},
-    {18, 18, "0 mV", "+25 mV"},      {19, 19, "0 mV", "+19.5 mV"},    {20, 20, "0 mV", "+15 mV"},
-    {21, 21, "0 mV", "+55 mV"},      {22, 22, "0 mV", "+39 mV"},      {32, 34, "50 ohms", "200 ohms"},
-    {35, 35, "50 ohms", "350 ohms"}, {36, 38, "50 ohms", "200 ohms"}, {39, 40, "50 ohms", "350 ohms"},
-    {41, 41, "50 ohms", "200 ohms"}, {42, 42, "0 ohms", "60 ohms"},
-};
-
-Reference ReferenceOf(std::int16_t range) {
-    const auto found = std::ranges::find_if(
-        References, [range](const Reference& row) { return row.First <= range && range <= row.Last; });
-    return found == std::end(References) ? Reference{range, range, "", ""} : *found;
-}
-
 bool IsDecimalNumber(std::string_view text) {
     if (text.starts_with('+') || text.starts_with('-'))
         text.remove_prefix(1);
@@ -77,15 +56,28 @@ bool IsDecimalNumber(std::string_view text) {
 }
 
 // The whole text as a number, infinite when it is too large; nothing when it is not one.
-std::optional<float> TypedNumber(const std::string& text, const std::string& separator) {
+std::optional<double> TypedNumber(const std::string& text, const std::string& separator) {
     std::string number = Trim(text);
     NormalizeDecimalPoint(number, separator);
     if (!IsDecimalNumber(number))
         return std::nullopt;
+    return LeadingNumber(number).value_or(std::numeric_limits<double>::infinity());
+}
+
+float SinglePrecision(double value) {
     using Limits = std::numeric_limits<float>;
-    const double value = LeadingNumber(number).value_or(Limits::infinity());
     return std::abs(value) <= Limits::max() ? static_cast<float>(value) : Limits::infinity();
 }
+
+// By step, and at the last one by type.
+constexpr const char* StepsReversible[] = {"Reversible: nothing is sent to the module but questions.",
+                                           "Reversible: nothing is stored in this step."};
+constexpr const char* TypesReversible[] = {
+    "Not reversible: Execute replaces the zero of the module. Only another calibration changes it again.",
+    "Not reversible: Execute replaces the span of the module. Only another calibration changes it again.",
+    "Not reversible: Execute clears the present correction, which no module tells, before it makes a new "
+    "one.",
+};
 
 } // namespace
 
@@ -98,7 +90,8 @@ std::string CJCCorrection(float difference) {
 }
 
 AdCalibration::AdCalibration(Session& session, int index, std::function<void(int ms)> wait)
-    : session_(session), index_(index), wait_(std::move(wait)) {
+    : session_(session), index_(index), wait_(std::move(wait)),
+      watch_(session, index, [this] { return Target(); }) {
     ShowStep();
 }
 
@@ -110,8 +103,63 @@ std::string AdCalibration::Foot() const {
     return told_ + (*next && !told_.empty() ? " " : "") + next;
 }
 
+CalibrationTarget AdCalibration::Target() const {
+    const ModuleRecord& record = session_.ModuleTable[index_];
+    if (view_.StepNo == 1)
+        return {};
+    if (view_.StepNo == 2)
+        return InputTarget(record);
+    if (calibType_ != CalibType::ColdJunction)
+        return InputTarget(record, calibType_ == CalibType::Offset ? "Offset" : "Span", ReferenceText());
+    const auto typed = TypedNumber(CJCInput, session_.DecimalSeparator);
+    return ColdJunctionTarget(record, typed && std::isfinite(*typed) ? typed : std::nullopt);
+}
+
+std::string AdCalibration::ReferenceText() const {
+    const ReferenceTexts texts = ReferenceOf(session_.ModuleTable[index_].InputRange);
+    return calibType_ == CalibType::Offset ? texts.Zero : texts.Span;
+}
+
+// What Execute would replace.
+std::string AdCalibration::ReplacesText() const {
+    const auto error = watch_.Error();
+    if (view_.StepNo < 3 || !watch_.Last())
+        return {};
+    if (calibType_ != CalibType::ColdJunction)
+        return error ? "Execute takes away the error of " + watch_.ErrorText(*error) + "."
+                     : "Execute replaces what the module makes of the signal now.";
+    if (!error || std::abs(*error) > FarthestTarget)
+        return {};
+    return "Execute clears the present correction, measures anew and sends counts of 0" +
+           session_.DecimalSeparator + "0153 \u00b0C; " + CJCCorrection(SinglePrecision(-*error)) +
+           " if there is no correction now.";
+}
+
+ReadingView AdCalibration::Readings() const {
+    ReadingView view = watch_.View();
+    view.Replaces = ReplacesText();
+    view.Reversible = view_.StepNo < 3 ? StepsReversible[view_.StepNo - 1]
+                                       : TypesReversible[static_cast<std::size_t>(calibType_)];
+    return view;
+}
+
+CalibrationRecord AdCalibration::Record() const {
+    CalibrationRecord record = watch_.Record();
+    const CalibrationTarget input = InputTarget(session_.ModuleTable[index_]);
+    record.FullScale = input.FullScale;
+    record.Unit = input.Unit;
+    record.Aborted = midway_ || session_.Ending || (!watch_.AnyStored() && !cleared_);
+    for (const std::string& executed : executed_)
+        if (!executed.empty())
+            record.LeftAs += (record.LeftAs.empty() ? "" : " ") + executed;
+    if (record.LeftAs.empty())
+        record.LeftAs = NothingStoredText;
+    return record;
+}
+
 void AdCalibration::ShowStep() {
     told_.clear();
+    watch_.Begin();
     const ModelRow& model = RowOfModel(session_.ModuleTable[index_].Model);
     switch (view_.StepNo) {
     case 1:
@@ -145,9 +193,8 @@ void AdCalibration::ShowExecution() {
         ShowColdJunction();
         return;
     }
-    const Reference reference = ReferenceOf(session_.ModuleTable[index_].InputRange);
     view_.ReadingShown = true;
-    view_.Reading = calibType_ == CalibType::Offset ? reference.Zero : reference.Span;
+    view_.Reading = ReferenceText();
 }
 
 void AdCalibration::Choose(CalibType type) {
@@ -170,16 +217,36 @@ void AdCalibration::NextBtn_Click() {
 
 void AdCalibration::Execute() {
     told_.clear();
+    if (Target().Signal || calibType_ != CalibType::ColdJunction)
+        watch_.BeforeChange();
+    else
+        watch_.Drop(); // a correction that is cleared is measured against nothing
+    std::string& executed = executed_[static_cast<std::size_t>(calibType_)];
+    midway_ = true;
+    executed = BrokenText;
+    try {
+        ExecuteChosen();
+    } catch (const RuntimeFailure&) {
+        executed = told_ + (told_.empty() ? "" : " ") + BrokenText;
+        throw;
+    }
+    midway_ = false;
+    executed = told_;
+}
+
+void AdCalibration::ExecuteChosen() {
     switch (calibType_) {
     case CalibType::Offset:
-        Ask("1", "Offset calibration", "stored");
-        return;
+        return Store("1", "Offset calibration");
     case CalibType::Span:
-        Ask("0", "Span calibration", "stored");
-        return;
+        return Store("0", "Span calibration");
     case CalibType::ColdJunction:
         return ExecuteColdJunction();
     }
+}
+
+void AdCalibration::Store(const std::string& tail, const std::string& what) {
+    watch_.AfterStore(Ask(tail, what, "stored"), FreshMs);
 }
 
 void AdCalibration::ExecuteColdJunction() {
@@ -195,7 +262,7 @@ void AdCalibration::ExecuteColdJunction() {
     float difference = 0;
     const auto target = TypedNumber(CJCInput, session_.DecimalSeparator);
     if (target)
-        difference = *target - static_cast<float>(*measured);
+        difference = SinglePrecision(*target) - static_cast<float>(*measured);
     else
         CJCInput = "0";
     zeroed_ = !target;
@@ -207,8 +274,12 @@ void AdCalibration::ExecuteColdJunction() {
 void AdCalibration::Correct(const std::string& counts, bool clears) {
     const std::size_t gone = told_.size() + 1;
     const std::string what = "CJC correction" + (clears ? std::string() : " " + counts);
-    if (Ask("9" + counts, what, clears ? "cleared" : "stored") == Answer::Ok)
+    const Answer answer = Ask("9" + counts, what, clears ? "cleared" : "stored");
+    if (answer == Answer::Ok)
         told_.erase(0, gone); // it is not missed now
+    cleared_ = clears && answer == Answer::Ok;
+    if (!clears)
+        watch_.AfterStore(answer, FreshMs);
 }
 
 Answer AdCalibration::Ask(const std::string& tail, const std::string& what, const std::string& done) {

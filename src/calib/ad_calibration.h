@@ -2,8 +2,10 @@
 
 #include "calib/calibration_commands.h"
 #include "calib/calibration_view.h"
+#include "calib/calibration_watch.h"
 #include "map/session.h"
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -48,11 +50,23 @@ public:
     /// The next step; at step 3 it executes and stays there.
     void NextBtn_Click();
 
+    /// What is read meanwhile, of channel 0 or the cold junction; nothing unless it is switched on.
+    CalibrationWatch& Watch() { return watch_; }
+    ReadingView Readings() const;
+    /// What has been done so far: aborted when nothing was stored, when the last execution did not come to
+    /// its end, and when the program is being ended.
+    CalibrationRecord Record() const;
+
 private:
+    CalibrationTarget Target() const;
+    std::string ReferenceText() const;
+    std::string ReplacesText() const;
     void Choose(CalibType type);
     void ShowStep();
     void ShowExecution();
     void Execute();
+    void ExecuteChosen();
+    void Store(const std::string& tail, const std::string& what);
     void ExecuteColdJunction();
     Answer Ask(const std::string& tail, const std::string& what, const std::string& done);
     std::optional<double> ReadColdJunction();
@@ -64,8 +78,13 @@ private:
     std::function<void(int ms)> wait_;
     AdCalibrationView view_;
     CalibType calibType_ = CalibType::Offset;
+    CalibrationWatch watch_;
     std::string told_;    // of the last button
     bool zeroed_ = false; // the last target was no number and has become 0
+
+    std::array<std::string, 3> executed_; // by type: what was told of the last execution, empty when none
+    bool midway_ = false;                 // the last one was broken off
+    bool cleared_ = false;                // the cold junction has got no correction, as was asked for
 };
 
 /// The correction that raises the cold-junction temperature by `difference` degrees: sign and counts of

@@ -1,5 +1,9 @@
 #include "calib/calib_form.h"
 
+#include "calib/keep_record_form.h"
+#include "calib/readings_panel_form.h"
+#include "calib/record_box_form.h"
+#include "calib/wrapped_label_form.h"
 #include "link/text.h"
 #include "map/module_access.h"
 #include "ui/busy_pointer.h"
@@ -7,11 +11,13 @@
 #include "ui/named.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QFormLayout>
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QTimer>
 
 #include <algorithm>
 #include <utility>
@@ -24,17 +30,9 @@ constexpr int GuideColumns = 62;
 constexpr int GuideLines = 5; // of the longest guide text
 constexpr int FootLines = 3;
 constexpr int RepaintMs = 20;
-
-// A text that wraps, with room for that many lines.
-QLabel* WrappedLabel(const char* name, int columns, int lines, QWidget& form) {
-    auto* label = Named(new QLabel(&form), name, {}); // owned at once, as a guide may fail to load
-    label->setTextFormat(Qt::PlainText);
-    label->setWordWrap(true);
-    label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    const QFontMetrics metrics = label->fontMetrics();
-    label->setMinimumSize(metrics.averageCharWidth() * columns, metrics.lineSpacing() * lines);
-    return label;
-}
+constexpr int ReversibleLines = 2;
+constexpr int ReadingsRow = 2; // of the stage: the box; below it what belongs to it
+constexpr int PollMs = 500;
 
 QString Spoken(const char* caption) {
     return QString(caption).remove('&').remove('<').remove('>').trimmed();
@@ -84,10 +82,94 @@ QPushButton* CalibForm::Button(const char* name, const char* caption) {
     return Named(new QPushButton(caption), name, Spoken(caption));
 }
 
+// The box keeps its place; what it brings has none until it is shown, as most calibrate without.
+void CalibForm::BuildReadings() {
+    readingsBox_ = Named(new QCheckBox("Show &readings"), "ReadingsBox", "Show readings");
+    connect(readingsBox_, &QCheckBox::toggled, this, [this] { ReadingsBox_Changed(); });
+    AddToStage(*readingsBox_, ReadingsRow);
+    record_ = new RecordBox(session_, messages_, this);
+    record_->Ticked = [this](bool wanted) {
+        if (wanted)
+            readingsBox_->setChecked(true);
+        readingsBox_->setEnabled(!wanted); // without readings there is nothing to keep
+        ShowReadings();
+    };
+    panel_ = new ReadingsPanel(GuideColumns, *this);
+    reversible_ = WrappedLabel("Reversible", GuideColumns, ReversibleLines, *this);
+    stage_->addWidget(record_, ReadingsRow + 1, 0);
+    stage_->addWidget(panel_, ReadingsRow + 1, 0);
+    stage_->addWidget(reversible_, ReadingsRow + 2, 0);
+    timer1_ = new QTimer(this);
+    timer1_->setObjectName("Timer1");
+    timer1_->setInterval(PollMs);
+    connect(timer1_, &QTimer::timeout, this, [this] { Timer1_Timer(); });
+}
+
+bool CalibForm::RecordWanted() const {
+    return record_->Wanted();
+}
+
+void CalibForm::ReadingsBox_Changed() {
+    const bool on = readingsBox_->isChecked();
+    Watch().On = on;
+    watched_ = watched_ || on;
+    if (on)
+        timer1_->start();
+    else
+        timer1_->stop();
+    ShowReadings();
+}
+
+void CalibForm::Timer1_Timer() {
+    if (operating_ || !Watch().On)
+        return;
+    Guard(messages_, [this] { Poll(); });
+    ShowReadings();
+}
+
+// Once used, the box stays in sight, so that readings can be stopped at any step.
+void CalibForm::ShowReadings() {
+    const bool first = step_ == 1;
+    const bool on = Watch().On;
+    readingsBox_->setVisible(first || watched_);
+    record_->setVisible(first);
+    panel_->setVisible(on && !first);
+    reversible_->setVisible(on);
+    if (!on)
+        return;
+    const ReadingView view = Readings();
+    panel_->Show(view);
+    reversible_->setText(QString::fromStdString(view.Reversible));
+}
+
+// What the last Execute left is read before its step or the dialog is left.
+void CalibForm::AwaitLeft() {
+    if (const auto due = Watch().LeftIsDue()) {
+        Wait(*due);
+        Poll();
+    }
+}
+
+// A calibration that was not begun leaves no record.
+void CalibForm::Close() {
+    operating_ = true; // nothing begins underneath what keeping the record may ask
+    timer1_->stop();
+    if (begun_ && RecordWanted())
+        Guard(messages_, [this] {
+            CalibrationRecord record = Record();
+            record.Entries = record_->Entries();
+            KeepRecord(session_, messages_, record_->Folder(), record, this);
+        });
+    operating_ = false;
+    QDialog::reject();
+}
+
 void CalibForm::Finish(std::function<void()> back, std::function<bool()> next) {
+    BuildReadings();
     back_ = Button("BackBtn", "< &Back");
     connect(back_, &QPushButton::clicked, this, [this, back = std::move(back)] {
         Operate([&] {
+            AwaitLeft();
             back();
             return false;
         });
@@ -95,7 +177,10 @@ void CalibForm::Finish(std::function<void()> back, std::function<bool()> next) {
     next_ = Button("NextBtn", "&Next >");
     next_->setDefault(true);
     next_->installEventFilter(this);
-    connect(next_, &QPushButton::clicked, this, [this, next = std::move(next)] { Operate(next); });
+    connect(next_, &QPushButton::clicked, this, [this, next = std::move(next)] {
+        if (step_ > 1 || record_->Accept())
+            Operate(next);
+    });
     auto* exit = Button("ExitBtn", "E&xit");
     connect(exit, &QPushButton::clicked, this, &QDialog::reject);
 
@@ -117,6 +202,8 @@ void CalibForm::ShowFoot(const std::string& foot) {
 
 void CalibForm::ShowCommon(const CalibrationView& view, const std::string& foot) {
     ShowFoot(foot);
+    step_ = view.StepNo;
+    begun_ = begun_ || step_ > 1;
     stepNo_->setText(QString::number(view.StepNo));
     guideText_->setText(QString::fromStdString(view.GuideText));
     guideText_->setVisible(view.GuideShown);
@@ -125,6 +212,7 @@ void CalibForm::ShowCommon(const CalibrationView& view, const std::string& foot)
     const std::string caption = "&" + view.NextCaption;
     next_->setText(QString::fromStdString(caption));
     next_->setAccessibleName(Spoken(caption.c_str()));
+    ShowReadings();
 }
 
 // The focus stays where it is unless the step has taken that control away.
@@ -149,7 +237,7 @@ void CalibForm::Operate(const std::function<bool()>& operation, Clicks clicks) {
     }
     operating_ = false;
     if (leave)
-        QDialog::reject();
+        Close();
     else if (std::exchange(closeAsked_, false))
         reject();
 }
@@ -191,7 +279,10 @@ void CalibForm::reject() {
     if (operating_)
         closeAsked_ = true; // a form never goes while something runs in it
     else
-        Operate([this] { return Leave(); });
+        Operate([this] {
+            AwaitLeft();
+            return Leave();
+        });
 }
 
 } // namespace kavro

@@ -1,9 +1,15 @@
 #include "calib/da_calib_form.h"
 
+#include "calib/readings_panel_form.h"
+#include "link/text.h"
+#include "ui/key_filter.h"
 #include "ui/named.h"
 
 #include <QApplication>
+#include <QFormLayout>
 #include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -12,6 +18,8 @@ namespace kavro {
 namespace {
 
 constexpr int Steps = 5;
+constexpr int FirstOutputStep = 4;
+constexpr int LongestMeter = 12; // characters
 
 enum class LeaveAnswer { TryAgain, Leave, Stay };
 
@@ -51,9 +59,32 @@ DaCalibForm::DaCalibForm(kavro::Session& session, kavro::Messages& messages, QWi
     AddToStage(*trim_, 1);
     Finish([this] { calibration_.BackBtn_Click(); },
            [this] { return calibration_.NextBtn_Click() && GiveBack([this] { calibration_.Restore(); }); });
+    AddMeter();
     // From here on the module may be set up, so that the dialog comes up even when the port fails.
     Guard(messages, [this] { calibration_.SetUp(); });
     ShowFoot(calibration_.Foot());
+}
+
+// Shown with a record, which has no use for what it shows otherwise.
+void DaCalibForm::AddMeter() {
+    meter_ = Named(new QLineEdit, "MeterInput", "Meter shows, milliamperes");
+    meter_->setMaxLength(LongestMeter);
+    meter_->setToolTip("Before the first trim it is kept as found, on Next or Done as left. Left empty, what "
+                       "the module reads at its terminals is kept.");
+    FilterKeys(*meter_, [this](int& keyCode) { FilterSignedNumberKey(keyCode, Session().DecimalSeparator); });
+    connect(meter_, &QLineEdit::textChanged, this,
+            [this](const QString& text) { calibration_.MeterInput = text.toStdString(); });
+    meterRow_ = new QWidget;
+    auto* row = new QHBoxLayout(meterRow_);
+    row->setContentsMargins({});
+    row->addWidget(meter_);
+    row->addWidget(new QLabel("mA"));
+    row->addStretch(1);
+    auto* caption = new QLabel("&Meter shows:");
+    caption->setBuddy(meter_);
+    Panel().Rows().addRow(caption, meterRow_);
+    meterRow_->hide();
+    caption->hide();
 }
 
 QPushButton* DaCalibForm::TrimButton(const char* name, const char* caption, void (DaCalibration::*trim)()) {
@@ -71,6 +102,12 @@ QWidget& DaCalibForm::ShowView() {
     const DaCalibrationView& view = calibration_.View();
     ShowCommon(view, calibration_.Foot());
     trim_->setVisible(view.TrimShown);
+    if (meter_) {
+        const bool shown = view.StepNo >= FirstOutputStep && RecordWanted();
+        meterRow_->setVisible(shown);
+        Panel().Rows().labelForField(meterRow_)->setVisible(shown);
+        meter_->setText(QString::fromStdString(calibration_.MeterInput));
+    }
     return NextBtn();
 }
 

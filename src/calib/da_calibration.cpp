@@ -3,6 +3,8 @@
 #include "link/text.h"
 #include "map/module_access.h"
 
+#include <cstdlib>
+
 namespace kavro {
 
 namespace {
@@ -11,6 +13,7 @@ constexpr std::size_t ConfigReplyLength = 9; // "!AATTCCFF"
 constexpr std::size_t ConfigLength = 6;
 constexpr std::int16_t FirstOutputStep = 4;
 constexpr std::int16_t LastStep = 5;
+constexpr double FullScale = 20; // mA, of the range that it is set up with
 constexpr const char* NotSetUpText =
     "\u26a0 The module is not known to be set up for calibration: nothing that "
     "it stores here can be trusted.";
@@ -29,9 +32,20 @@ constexpr const char* GuideTexts[LastStep] = {
     "exactly 20mA or the voltage meter indicates exactly 5V.",
 };
 
+constexpr const char* SetUpReversible =
+    "Reversible: the module is set up for calibration; Exit gives it its own configuration back.";
+constexpr const char* StepsReversible[LastStep] = {
+    SetUpReversible,
+    SetUpReversible,
+    SetUpReversible,
+    "Trims are reversible by trimming back. Next is not: it replaces the module's calibration at 4 mA.",
+    "Trims are reversible by trimming back. Done is not: it replaces the module's calibration at 20 mA.",
+};
+
 } // namespace
 
-DaCalibration::DaCalibration(Session& session, int index) : session_(session), index_(index) {
+DaCalibration::DaCalibration(Session& session, int index)
+    : session_(session), index_(index), watch_(session, index, [this] { return Target(); }) {
     configRead_ = Ask('$', "2", "Configuration", {}) == Answer::Ok;
     const Line& line = session_.Line;
     if (line.ReplyIs('!') && line.ReplyText.size() == ConfigReplyLength)
@@ -63,13 +77,77 @@ void DaCalibration::ExitBtn_Click() {
 void DaCalibration::GiveBack(const char* done) {
     if (!MustRestore())
         return;
-    Ask({'%', Configuring(savedConfig_), "Own configuration", done,
-         "The command " + RestoringCommand() + " restores it."},
-        session_.Line.LongReplyTimeout);
+    const std::string how = "The command " + RestoringCommand() + " restores it.";
+    const Answer answer =
+        Ask({'%', Configuring(savedConfig_), "Own configuration", done, how}, session_.Line.LongReplyTimeout);
+    givenBack_ = "Own configuration " + savedConfig_ + ": " +
+                 (answer == Answer::Ok ? "restored." : AnswerText(answer) + (". " + how));
     savedConfig_.clear();
 }
 
+CalibrationTarget DaCalibration::Target() const {
+    if (view_.StepNo < FirstOutputStep)
+        return {};
+    const bool low = view_.StepNo == FirstOutputStep;
+    const double current = low ? 4 : 20;
+    return {.Reading = ReadingOf::Terminals,
+            .What = low ? "4 mA" : "20 mA",
+            .Signal = current,
+            .Unit = "mA",
+            .FullScale = FullScale,
+            .Applied = current,
+            .AppliedUnit = "mA"};
+}
+
+// What the next store would replace.
+std::string DaCalibration::ReplacesText() const {
+    if (view_.StepNo < FirstOutputStep)
+        return {};
+    return std::string("Trimmed since the output was set: ") + (trims_ > 0 ? "+" : "") +
+           std::to_string(trims_) + (std::abs(trims_) == 1 ? " step. " : " steps. ") +
+           (view_.StepNo == LastStep ? "Done" : "Next") + " stores what the terminals carry now.";
+}
+
+ReadingView DaCalibration::Readings() const {
+    ReadingView view = watch_.View();
+    view.Replaces = ReplacesText();
+    view.Reversible = StepsReversible[view_.StepNo - 1];
+    return view;
+}
+
+void DaCalibration::Poll() {
+    if (!watch_.Poll())
+        interrupted_ = true;
+}
+
+std::string DaCalibration::LeftAsText() const {
+    if (!givenBack_.empty())
+        return givenBack_;
+    return MustRestore() ? "Still set up for calibration. The command " + RestoringCommand() +
+                               " restores its own configuration " + savedConfig_ + "."
+                         : "Its configuration could not be read, so it was not set up for calibration.";
+}
+
+CalibrationRecord DaCalibration::Record() const {
+    CalibrationRecord record = watch_.Record();
+    record.FullScale = FullScale;
+    record.Unit = "mA";
+    record.Aborted = !done_;
+    record.LeftAs = watch_.StoredText() + " " + LeftAsText();
+    return record;
+}
+
+// A number alone counts, and for one button.
+void DaCalibration::TakeMeter() {
+    std::string typed = kavro::Trim(MeterInput);
+    NormalizeDecimalPoint(typed, session_.DecimalSeparator);
+    watch_.Meter = LeadingNumber(typed);
+    MeterInput.clear();
+}
+
 void DaCalibration::ShowStep() {
+    watch_.Begin();
+    trims_ = 0;
     view_.GuideText = GuideTexts[view_.StepNo - 1];
     switch (view_.StepNo) {
     case 1:
@@ -114,20 +192,32 @@ bool DaCalibration::NextBtn_Click() {
     if (TakeUp())
         return false;
     if (view_.StepNo == FirstOutputStep)
-        Ask('$', "0", "Calibration at 4 mA", "stored");
+        Store("0", "Calibration at 4 mA");
     if (view_.StepNo == LastStep)
-        Ask('$', "1", "Calibration at 20 mA", "stored");
+        Store("1", "Calibration at 20 mA");
     if (view_.StepNo == LastStep)
-        return true;
+        return done_ = true;
     ++view_.StepNo;
     ShowStep();
     return false;
 }
 
-void DaCalibration::Trim(const char* code, const char* name) {
+void DaCalibration::Store(const char* code, const char* what) {
+    TakeMeter();
+    watch_.BeforeChange();
+    watch_.AfterStore(Ask('$', code, what, "stored"), 0);
+    if (watch_.LeftIsDue())
+        Poll(); // before the next step drives another output
+}
+
+void DaCalibration::Trim(const char* code, const char* name, int step) {
     told_.clear();
-    if (!TakeUp())
-        Ask('$', code, name, "done");
+    if (TakeUp())
+        return;
+    TakeMeter();
+    watch_.BeforeChange(false);
+    if (Ask('$', code, name, "done") == Answer::Ok)
+        trims_ += step;
 }
 
 // A module in its initialisation state is spoken to at 00, but keeps an address of its own.

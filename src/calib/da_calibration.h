@@ -2,6 +2,7 @@
 
 #include "calib/calibration_commands.h"
 #include "calib/calibration_view.h"
+#include "calib/calibration_watch.h"
 #include "map/session.h"
 
 #include <string>
@@ -40,8 +41,20 @@ public:
     /// The next step. True at step 5 once the calibration is complete: the module is to be restored and the
     /// dialog to be closed.
     bool NextBtn_Click();
-    void TrimUpBtn_Click() { Trim("301", "Trim Up"); }
-    void TrimDownBtn_Click() { Trim("3FF", "Trim Down"); }
+    void TrimUpBtn_Click() { Trim("301", "Trim Up", 1); }
+    void TrimDownBtn_Click() { Trim("3FF", "Trim Down", -1); }
+
+    /// What a milliammeter shows at the present output, mA, as typed with the decimal separator of the user's
+    /// locale; empty when nothing was typed. Used up by the next trim or store.
+    std::string MeterInput;
+
+    /// What is read meanwhile, at the terminals; nothing unless it is switched on.
+    CalibrationWatch& Watch() { return watch_; }
+    ReadingView Readings() const;
+    /// One reading; a port that fails then is an interruption as everywhere else.
+    void Poll();
+    /// What has been done so far: aborted unless the last step was left by Done.
+    CalibrationRecord Record() const;
 
     /// Whether the module still has to get its own configuration back.
     bool MustRestore() const { return !savedConfig_.empty(); }
@@ -54,7 +67,12 @@ public:
 private:
     void ShowStep();
     bool TakeUp();
-    void Trim(const char* code, const char* name);
+    void Trim(const char* code, const char* name, int step);
+    void Store(const char* code, const char* what);
+    CalibrationTarget Target() const;
+    std::string ReplacesText() const;
+    std::string LeftAsText() const;
+    void TakeMeter();
     std::string Configuring(const std::string& config) const;
     std::string RestoringCommand() const;
     Answer Ask(const Question& question, int timeoutMs);
@@ -70,6 +88,10 @@ private:
     bool configRead_ = false; // by a reply that is the module's own without doubt
     bool setUp_ = false;      // and it took its set-up for calibration
     std::string told_;        // of the last button
+    CalibrationWatch watch_;
+    int trims_ = 0;         // steps up less steps down, since the output was set
+    bool done_ = false;     // by Done
+    std::string givenBack_; // what came of the own configuration, once it was given back
 };
 
 } // namespace kavro

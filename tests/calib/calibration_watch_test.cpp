@@ -1,0 +1,220 @@
+#include "calib/ad_calibration.h"
+#include "calib/da_calibration.h"
+#include "link/codes.h"
+#include "sim/calibrated_input.h"
+#include "support/test_session.h"
+
+#include <tuple>
+
+namespace kavro {
+namespace {
+
+std::string Measured(const std::optional<double>& value) {
+    return value ? " " + FormatNumber(*value, 1, 4) : " -";
+}
+
+// Its points, then what it says of the module.
+std::string Told(const CalibrationRecord& record) {
+    std::string told;
+    for (const CalibrationPoint& point : record.Points)
+        told += point.What + " " + FormatNumber(point.Signal, 1, 3) + " " + point.Unit +
+                Measured(point.AsFound) + Measured(point.AsLeft) + " " + point.Source +
+                (point.Stored ? " stored; " : " not stored; ");
+    return told + (record.Aborted ? "aborted: " : "") + record.LeftAs;
+}
+
+/// A guide on a module of the demo line, whose inputs have a signal. Keys: the guide's buttons ("n" Next, "b"
+/// Back, "o" Offset, "s" Span, "c" CJC, "u" Trim Up, "d" Trim Down, "x" Exit), "p" a reading 500 ms later,
+/// "w" a second, "0" no signal, "1" the span signal, "S" silent, "R" refusing, "U" unplugged, "." all well.
+struct WatchedGuide : SimulatedSession {
+    WatchedGuide(const ModuleRecord& record, double span)
+        : SimulatedSession(DemoLine()), Module(Line.ModuleAt(record.Address)), Span(span) {
+        Select(Session, record);
+        Module.Settings.DataFormat = record.DataFormat;
+        Module.Settings.TypeCode = record.InputRange;
+        Line.Log = [this](const LineEvent& event) { Sent += " " + event.Command; };
+        if (ModuleFamily(record.Model) == AnalogOutput)
+            Output.emplace(Session, 0).SetUp();
+        else
+            Input.emplace(Session, 0, [this](int ms) { Time.Sleep(ms); });
+    }
+    CalibrationWatch& Watch() { return Input ? Input->Watch() : Output->Watch(); }
+    CalibrationRecord Record() const { return Input ? Input->Record() : Output->Record(); }
+    void Press(char key) {
+        switch (key) {
+        case 'n':
+            return Input ? Input->NextBtn_Click() : Output->NextBtn_Click() ? Output->Restore() : void();
+        case 'b':
+            return Input ? Input->BackBtn_Click() : Output->BackBtn_Click();
+        case 'o':
+            return Input->OffsetBtn_Click();
+        case 's':
+            return Input->SpanBtn_Click();
+        case 'c':
+            return Input->CJCBtn_Click();
+        case 'u':
+            return Output->TrimUpBtn_Click();
+        case 'd':
+            return Output->TrimDownBtn_Click();
+        case 'x':
+            return Output->ExitBtn_Click();
+        case 'p':
+            Time.Sleep(500);
+            return Input ? static_cast<void>(Watch().Poll()) : Output->Poll();
+        case 'w':
+            return Time.Sleep(1000);
+        case '0':
+        case '1':
+            dynamic_cast<CalibratedInput&>(Module).HeldSignal = key == '1' ? Span : 0;
+            return;
+        default:
+            Module.OwnFaults = {.Silent = key == 'S', .Refuse = key == 'R'};
+            key == 'U' ? Line.Unplug() : Line.Plug();
+        }
+    }
+    // Failures are told by the guide.
+    void PressAll(std::string_view keys) {
+        for (const char key : keys)
+            FailureText([&] { Press(key); });
+    }
+    SimulatedModule& Module;
+    double Span;
+    std::string Sent;
+    std::optional<AdCalibration> Input;
+    std::optional<DaCalibration> Output;
+};
+
+constexpr std::int16_t Checksum = 1;
+const ModuleRecord Voltages = {.Address = 5, .Model = "8250  ", .InputRange = 8},
+                   Temperatures = {.Address = 6, .Model = "8260  ", .InputRange = 15, .Checksum = Checksum},
+                   Current = {.Address = 8, .Model = "8310  ", .DataFormat = 1, .InputRange = 0x31};
+
+TEST(CalibrationWatch, KeepsWhatWasFoundAndLeft) {
+    const std::string offset = "Offset 0.000 V 0.0400 0.0000 module stored; ",
+                      span = "Span 10.000 V 9.9700 10.0000 module stored; ",
+                      stored = "Offset calibration: stored.", own = "Own configuration 310601: restored.",
+                      low = "4 mA 4.000 mA 4.0120 4.0000 module stored; ",
+                      high = "20 mA 20.000 mA 19.9800 20.0000 module stored; ",
+                      nothing = "aborted: Nothing was stored: the module keeps the calibration that it had.",
+                      broken = "the port has failed. It was broken off in the middle.",
+                      restores = "Still set up for calibration. The command %0808310601 restores its own "
+                                 "configuration 310601.";
+    const struct {
+        const ModuleRecord& Module;
+        const char* Keys;
+        std::string Told;
+        const char* Typed = ""; // target, or what the meter shows before each trim or store
+    } cases[] = {
+        {Voltages, "0nopnwp", offset + stored},
+        {Voltages, "0nopnwpb1spnwp", offset + span + stored + " Span calibration: stored."},
+        {Voltages, "0nonwp", offset + stored},     // never read before: read then
+        {Voltages, "0nopnwpnwp", offset + stored}, // found stays the first
+        {Voltages, "0nopnp", "Offset 0.000 V 0.0400 - module stored; " + stored}, // too soon
+        {Voltages, "0nopSnwp",
+         "Offset 0.000 V 0.0400 - module not stored; aborted: Offset calibration: no reply."},
+        {Voltages, "0nopRn.wp",
+         "Offset 0.000 V 0.0400 0.0400 module not stored; aborted: Offset calibration: refused by "
+         "the module."},
+        {Voltages, "0nopUn",
+         "Offset 0.000 V 0.0400 - module not stored; aborted: Offset calibration: " + broken},
+        {Voltages, "0nopUn.nwp", offset + stored},
+        {Voltages, "0nopnwpb1spUn",
+         offset + "Span 10.000 V 9.9700 - module not stored; aborted: " + stored +
+             " Span calibration: " + broken},
+        {Voltages, "0Snopnwp", "Offset 0.000 V - -  not stored; aborted: Offset calibration: no reply."},
+        {Voltages, "0nopp", nothing},
+        {Temperatures, "0nopnwp", "Offset 0.000 mV - -  stored; " + stored},
+        {Temperatures, "ncpnp",
+         "Cold junction 25.300 C 23.5000 25.3000 module stored; CJC correction +0076: stored.", "25.3"},
+        {Temperatures, "ncpnp", "CJC correction: cleared."},
+        {Temperatures, "ncpUn",
+         "Cold junction 25.300 C 23.5000 - module not stored; aborted: It was broken off in "
+         "the middle.",
+         "25.3"},
+        {Current, "nnnpdddpnpuuuuupn", low + high + "Stored: 4 mA, 20 mA. " + own},
+        {Current, "nnndddnuuuuun", low + high + "Stored: 4 mA, 20 mA. " + own},
+        {Current, "nnndddnx", low + "aborted: Stored: 4 mA. " + own},
+        {Current, "nnndddnbdnx", "4 mA 4.000 mA 4.0120 3.9960 module stored; aborted: Stored: 4 mA. " + own},
+        {Current, "nnndddnbdx", low + "aborted: Stored: 4 mA. " + own}, // a trim that was not stored
+        {Current, "nnndSx",
+         "4 mA 4.000 mA 4.0120 - module not stored; aborted: Nothing was stored. Own configuration "
+         "310601: no reply. The command %0808310601 restores it."},
+        {Current, "nnndU",
+         "4 mA 4.000 mA 4.0120 - module not stored; aborted: Nothing was stored. " + restores},
+        {Current, "nnnpUnx",
+         "4 mA 4.000 mA 4.0120 - module not stored; aborted: Nothing was stored. " + restores},
+        {Current, "nnnddn", "4 mA 4.000 mA 3.9000 3.9000 meter stored; aborted: Stored: 4 mA. " + restores,
+         "3.9"}};
+    for (const auto& [module, keys, told, typed] : cases) {
+        WatchedGuide guide(module, 10);
+        guide.Watch().On = true;
+        if (guide.Input)
+            guide.Input->CJCInput = typed;
+        for (const char key : std::string_view(keys)) {
+            if (guide.Output)
+                guide.Output->MeterInput = typed;
+            guide.PressAll({&key, 1});
+        }
+        EXPECT_EQ(Told(guide.Record()), told) << keys;
+    }
+}
+
+TEST(CalibrationWatch, ShowsReadingErrorAndWhetherItIsStable) {
+    const std::string none = "no error can be shown.",
+                      degrees = "In this range the module reads degrees, not the signal applied, so " + none;
+    const auto input = [](const char* model, std::int16_t range, std::int16_t format) {
+        return ModuleRecord{.Address = 5, .Model = model, .DataFormat = format, .InputRange = range};
+    };
+    const struct {
+        ModuleRecord Module;
+        const char* Keys;
+        double Span;
+        std::string Reading, State, Error;
+    } cases[] = {
+        {Voltages, "n0ppppp", 10, "+0.040 V", "stable", ""},
+        {Voltages, "n0oppppp", 10, "+0.040 V", "stable", "+0.040 V (+0.400 % of full scale)"},
+        {Voltages, "n0opppp", 10, "+0.040 V", "not stable yet", "+0.040 V (+0.400 % of full scale)"},
+        {Voltages, "n0spppp1p", 9, "+9.013 V", "not stable yet", "-0.987 V (-9.870 % of full scale)"},
+        {Voltages, "n1spppppSp", 9, "", "no reply", ""},
+        {Voltages, "n1spppppRp", 9, "", "refused by the module", ""},
+        {Voltages, "n1spppppUp", 9, "", "the port has failed", ""},
+        {Voltages, "n1sUp.ppp", 9, "+9.013 V", "not stable yet", "-0.987 V (-9.870 % of full scale)"},
+        {input("8250", 9, 1), "n0oppppp", 5, "+0.0200 V", "stable", "+0.0200 V (+0.400 % of full scale)"},
+        {input("8250", 11, 2), "n0oppppp", 5, "+2.00 mV", "stable", "+2.00 mV (+0.400 % of full scale)"},
+        {input("8250", 7, 0), "n0op", 0, "+4", "not stable yet",
+         "No reference signal is known for this range, so " + none},
+        {input("8250", 7, 2), "n0op", 0, "", "", "No reference signal is known for this range, so " + none},
+        {Temperatures, "n0op", 0, "+0.0 \u00b0C", "not stable yet", degrees},
+        {Temperatures, "ncp", 0, "+23.5 \u00b0C", "not stable yet",
+         "Enter the target temperature to see the error."},
+        {Current, "nnnp", 0, "+4.012 mA", "not stable yet", "+0.012 mA (+0.060 % of full scale)"}};
+    for (const auto& [module, keys, span, reading, state, error] : cases) {
+        WatchedGuide guide(module, span);
+        guide.Watch().On = true;
+        guide.PressAll(keys);
+        const ReadingView view = guide.Watch().View();
+        EXPECT_EQ(view.Reading + "|" + view.State + "|" + view.Error, reading + "|" + state + "|" + error)
+            << keys;
+    }
+}
+
+// All guides, with and without readings: only questions come between what the Parts send.
+TEST(CalibrationWatch, SendsNothingUnlessItIsOn) {
+    for (const bool on : {false, true})
+        for (const auto& [module, keys, sent] :
+             {std::tuple(Voltages, "n0poppnpbpspn", " $051 $050"),
+              {Temperatures, "ncpnp", " $063BD $069+0000AE $063BD $069+0000AE $063BD"},
+              {Current, "ppnpnpnpdpnpupn",
+               " $082 %0808300600 #0804.000 $083FF $080 #0820.000 $08301 $081 %0808310601"}}) {
+            WatchedGuide guide(module, 10);
+            guide.Watch().On = on;
+            guide.PressAll(keys);
+            if (!on)
+                EXPECT_EQ(guide.Sent, sent);
+            else
+                EXPECT_GT(guide.Sent.size(), std::string(sent).size());
+        }
+}
+
+} // namespace
+} // namespace kavro
