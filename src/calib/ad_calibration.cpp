@@ -23,6 +23,7 @@ constexpr const char* GoneText = "The old correction is gone.";
 constexpr const char* NoneMadeText = " No new correction is made.";
 constexpr const char* ZeroText = "The target is now 0: Execute would correct to 0 \u00b0C.";
 
+constexpr const char* DoubtText = " Whether the module has done it is not known.";
 constexpr const char* BrokenText = "It was broken off in the middle.";
 constexpr const char* NothingStoredText = "Nothing was stored: the module keeps the calibration that it had.";
 
@@ -223,7 +224,7 @@ void AdCalibration::Execute() {
         watch_.Drop(); // a correction that is cleared is measured against nothing
     std::string& executed = executed_[static_cast<std::size_t>(calibType_)];
     midway_ = true;
-    executed = BrokenText;
+    doubt_ = "";
     try {
         ExecuteChosen();
     } catch (const RuntimeFailure&) {
@@ -231,7 +232,7 @@ void AdCalibration::Execute() {
         throw;
     }
     midway_ = false;
-    executed = told_;
+    executed = told_ + doubt_;
 }
 
 void AdCalibration::ExecuteChosen() {
@@ -246,7 +247,10 @@ void AdCalibration::ExecuteChosen() {
 }
 
 void AdCalibration::Store(const std::string& tail, const std::string& what) {
-    watch_.AfterStore(Ask(tail, what, "stored"), FreshMs);
+    const Answer answer = Ask(tail, what, "stored");
+    if (answer == Answer::NoReply || answer == Answer::Garbled)
+        doubt_ = DoubtText;
+    watch_.AfterStore(answer, FreshMs);
 }
 
 void AdCalibration::ExecuteColdJunction() {

@@ -83,6 +83,7 @@ private:
     bool zeroed_ = false; // the last target was no number and has become 0
 
     std::array<std::string, 3> executed_; // by type: what was told of the last execution, empty when none
+    const char* doubt_ = "";              // about it
     bool midway_ = false;                 // the last one was broken off
     bool cleared_ = false;                // the cold junction has got no correction, as was asked for
 };

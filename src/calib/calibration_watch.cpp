@@ -95,12 +95,14 @@ void CalibrationWatch::BeforeChange(bool stores) {
     const CalibrationTarget target = target_();
     if (target.What.empty())
         return;
-    CalibrationPoint& point = PointOf(target).Point;
+    Kept& kept = PointOf(target);
+    CalibrationPoint& point = kept.Point;
     point.Signal = target.Signal.value_or(target.Applied);
     point.Unit = target.Signal ? target.Unit : target.AppliedUnit;
     if (stores) {
         point.AsLeft.reset();
         point.Stored = false;
+        kept.Outcome = "broken off";
     }
     Begin();
 }
@@ -109,6 +111,7 @@ void CalibrationWatch::AfterStore(Answer answer, int settleMs) {
     const CalibrationTarget target = target_();
     Kept& kept = PointOf(target);
     kept.Point.Stored = answer == Answer::Ok;
+    kept.Outcome = kept.Point.Stored ? "stored" : AnswerText(answer);
     kept.LeftByMeter = Meter.has_value();
     if (Meter)
         kept.Point.AsLeft = Meter;
@@ -183,11 +186,10 @@ bool CalibrationWatch::AnyStored() const {
 }
 
 std::string CalibrationWatch::StoredText() const {
-    std::vector<std::string> names;
+    std::string text;
     for (const Kept& kept : points_)
-        if (kept.Point.Stored)
-            names.push_back(kept.Point.What);
-    return names.empty() ? "Nothing was stored." : "Stored: " + Listed(names) + ".";
+        text += kept.Point.What + ": " + kept.Outcome + ". ";
+    return text.empty() ? "Nothing was stored. " : text;
 }
 
 CalibrationRecord CalibrationWatch::Record() const {

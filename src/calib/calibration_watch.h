@@ -61,7 +61,7 @@ public:
     ReadingView View() const;
 
     bool AnyStored() const;
-    /// "Stored: Offset, Span." or "Nothing was stored."
+    /// What came of storing each point: "4 mA: stored. 20 mA: no reply. "
     std::string StoredText() const;
     /// The facts of the module and what was kept; what is left is for the guide to say. Asks the module for
     /// its firmware.
@@ -71,6 +71,7 @@ private:
     struct Kept {
         CalibrationPoint Point;
         bool FoundByMeter = false, LeftByMeter = false;
+        std::string Outcome = "not stored";
     };
     Kept& PointOf(const CalibrationTarget& target);
     void KeepLeft(const CalibrationTarget& target);

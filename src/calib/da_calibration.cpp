@@ -133,7 +133,7 @@ CalibrationRecord DaCalibration::Record() const {
     record.FullScale = FullScale;
     record.Unit = "mA";
     record.Aborted = !done_;
-    record.LeftAs = watch_.StoredText() + " " + LeftAsText();
+    record.LeftAs = watch_.StoredText() + LeftAsText();
     return record;
 }
 

@@ -2,8 +2,11 @@
 #include "calib/calib_session.h"
 #include "calib/da_calib_form.h"
 #include "map/module_access.h"
+#include "sim/calibrated_input.h"
 #include "support/form_driver.h"
 
+#include <QCheckBox>
+#include <QDir>
 #include <QMessageBox>
 
 namespace kavro {
@@ -236,6 +239,100 @@ TEST(CalibForms, SayWhatTheModuleSaid) {
         const std::string told =
             form->isVisible() ? Find<QLabel>(*form, "Foot").text().toStdString() : test.Session.Note;
         EXPECT_EQ(told, text) << buttons << at;
+    }
+}
+
+constexpr std::int16_t VoltRange = 8;
+
+TEST(CalibForms, ReadOnlyWhileReadingsAreShown) {
+    FaultedModule test("8250", 5, VoltRange);
+    dynamic_cast<CalibratedInput&>(test.Module).HeldSignal = 0;
+    AdCalibForm form(test.Session, test.Messages);
+    form.show();
+    const auto tick = [&] {
+        form.Timer1_Timer();
+        return std::exchange(test.Sent, {});
+    };
+    const auto text = [&](const char* name) { return Find<QLabel>(form, name).text().toStdString(); };
+    EXPECT_EQ(tick(), "");
+    Click(form, "NextBtn");
+    EXPECT_FALSE(Find<QCheckBox>(form, "ReadingsBox").isVisible());
+    EXPECT_EQ(tick(), "");
+    Click(form, "BackBtn");
+    Click(form, "ReadingsBox");
+    EXPECT_EQ(tick(), ""); // nothing is calibrated yet
+    Click(form, "NextBtn");
+    EXPECT_EQ(tick(), " $05M #050");
+    Click(form, "OffsetBtn");
+    for (int reading = 0; reading < 5; ++reading) {
+        test.Time.Sleep(500);
+        EXPECT_EQ(tick(), " #050");
+    }
+    EXPECT_EQ(text("PresentReading"), "+0.040 V");
+    EXPECT_EQ(text("ReadingState"), "\u2713 stable");
+    EXPECT_TRUE(Contains(text("Replaces"), "the error of +0.040 V (+0.400 % of full scale)"));
+    EXPECT_TRUE(Contains(text("Reversible"), "Not reversible"));
+    QTimer::singleShot(0, &form, [&] { form.Timer1_Timer(); }); // finds an operation going on
+    Click(form, "NextBtn");
+    EXPECT_EQ(std::exchange(test.Sent, {}), " $051");
+    Click(form, "BackBtn"); // what is left is waited for
+    EXPECT_EQ(std::exchange(test.Sent, {}), " #050");
+    Click(form, "ReadingsBox");
+    EXPECT_FALSE(Find<QTimer>(form, "Timer1").isActive());
+    EXPECT_EQ(tick(), "");
+    EXPECT_TRUE(test.Messages.Shown.empty());
+}
+
+// The buttons as above, "K" Keep a record, "0" and "1" the signal, "T" the end of the program by a signal.
+TEST(CalibForms, KeepARecordWhenTheyClose) {
+    const std::map<char, const char*> names = {{'n', "NextBtn"},   {'b', "BackBtn"},     {'o', "OffsetBtn"},
+                                               {'s', "SpanBtn"},   {'d', "TrimDownBtn"}, {'u', "TrimUpBtn"},
+                                               {'K', "KeepRecord"}};
+    const struct {
+        int Address;
+        const char* Buttons;
+        std::vector<std::string> Kept;
+    } cases[] = {
+        {5, "no", {}},
+        {5, "K", {}}, // nothing was begun
+        {5,
+         "Knon",
+         {R"("as_found": {"value": 0.04, "error": 0.04, "percent": 0.4})",
+          R"("as_left": {"value": 0, "error": 0, "percent": 0})", R"("result": "pass")"}},
+        {5, "Knonbs1n", {R"("value": 9.97, "error": -0.03, "percent": -0.3)", R"("value": 10, "error": 0)"}},
+        {5, "KnonT", {R"("result": "aborted")"}},
+        {8,
+         "KnnndddnuuuuunT",
+         {R"("value": 4.012, "error": 0.012, "percent": 0.06)",
+          R"("value": 19.98, "error": -0.02, "percent": -0.1)", R"("result": "pass")"}},
+        {8, "Knnnd", {R"("result": "aborted")", "4 mA: not stored. Own configuration 310641: restored."}}};
+    for (const auto& [address, buttons, kept] : cases) {
+        FaultedModule test(address == 5 ? "8250" : "8310", address, address == 5 ? VoltRange : 0x31);
+        auto* const input = dynamic_cast<CalibratedInput*>(&test.Module);
+        if (input)
+            input->HeldSignal = 0;
+        std::unique_ptr<QDialog> form;
+        if (input)
+            form = std::make_unique<AdCalibForm>(test.Session, test.Messages);
+        else
+            form = std::make_unique<DaCalibForm>(test.Session, test.Messages);
+        form->show();
+        Find<QLineEdit>(*form, "RecordFolder").setText(QDir::tempPath());
+        for (const char* button = buttons; *button; ++button)
+            if (*button == 'T')
+                test.Session.Ending = true;
+            else if (*button == '1')
+                input->HeldSignal = 10;
+            else
+                Click(*form, names.at(*button));
+        form->close();
+        std::string json;
+        for (const auto& [path, content] : test.Files)
+            if (path.ends_with(".json"))
+                json = content;
+        EXPECT_EQ(json.empty(), kept.empty()) << buttons;
+        for (const std::string& part : kept)
+            EXPECT_TRUE(Contains(json, part)) << buttons << json;
     }
 }
 

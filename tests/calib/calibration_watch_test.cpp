@@ -96,6 +96,7 @@ TEST(CalibrationWatch, KeepsWhatWasFoundAndLeft) {
                       low = "4 mA 4.000 mA 4.0120 4.0000 module stored; ",
                       high = "20 mA 20.000 mA 19.9800 20.0000 module stored; ",
                       nothing = "aborted: Nothing was stored: the module keeps the calibration that it had.",
+                      doubt = " Whether the module has done it is not known.",
                       broken = "the port has failed. It was broken off in the middle.",
                       restores = "Still set up for calibration. The command %0808310601 restores its own "
                                  "configuration 310601.";
@@ -111,7 +112,7 @@ TEST(CalibrationWatch, KeepsWhatWasFoundAndLeft) {
         {Voltages, "0nopnwpnwp", offset + stored}, // found stays the first
         {Voltages, "0nopnp", "Offset 0.000 V 0.0400 - module stored; " + stored}, // too soon
         {Voltages, "0nopSnwp",
-         "Offset 0.000 V 0.0400 - module not stored; aborted: Offset calibration: no reply."},
+         "Offset 0.000 V 0.0400 - module not stored; aborted: Offset calibration: no reply." + doubt},
         {Voltages, "0nopRn.wp",
          "Offset 0.000 V 0.0400 0.0400 module not stored; aborted: Offset calibration: refused by "
          "the module."},
@@ -121,7 +122,8 @@ TEST(CalibrationWatch, KeepsWhatWasFoundAndLeft) {
         {Voltages, "0nopnwpb1spUn",
          offset + "Span 10.000 V 9.9700 - module not stored; aborted: " + stored +
              " Span calibration: " + broken},
-        {Voltages, "0Snopnwp", "Offset 0.000 V - -  not stored; aborted: Offset calibration: no reply."},
+        {Voltages, "0Snopnwp",
+         "Offset 0.000 V - -  not stored; aborted: Offset calibration: no reply." + doubt},
         {Voltages, "0nopp", nothing},
         {Temperatures, "0nopnwp", "Offset 0.000 mV - -  stored; " + stored},
         {Temperatures, "ncpnp",
@@ -131,19 +133,21 @@ TEST(CalibrationWatch, KeepsWhatWasFoundAndLeft) {
          "Cold junction 25.300 C 23.5000 - module not stored; aborted: It was broken off in "
          "the middle.",
          "25.3"},
-        {Current, "nnnpdddpnpuuuuupn", low + high + "Stored: 4 mA, 20 mA. " + own},
-        {Current, "nnndddnuuuuun", low + high + "Stored: 4 mA, 20 mA. " + own},
-        {Current, "nnndddnx", low + "aborted: Stored: 4 mA. " + own},
-        {Current, "nnndddnbdnx", "4 mA 4.000 mA 4.0120 3.9960 module stored; aborted: Stored: 4 mA. " + own},
-        {Current, "nnndddnbdx", low + "aborted: Stored: 4 mA. " + own}, // a trim that was not stored
+        {Current, "nnnpdddpnpuuuuupn", low + high + "4 mA: stored. 20 mA: stored. " + own},
+        {Current, "nnndddnuuuuun", low + high + "4 mA: stored. 20 mA: stored. " + own},
+        {Current, "nnndddnx", low + "aborted: 4 mA: stored. " + own},
+        {Current, "nnndddnbdnx", "4 mA 4.000 mA 4.0120 3.9960 module stored; aborted: 4 mA: stored. " + own},
+        {Current, "nnndddnbdx", low + "aborted: 4 mA: stored. " + own}, // a trim that was not stored
         {Current, "nnndSx",
-         "4 mA 4.000 mA 4.0120 - module not stored; aborted: Nothing was stored. Own configuration "
+         "4 mA 4.000 mA 4.0120 - module not stored; aborted: 4 mA: not stored. Own configuration "
          "310601: no reply. The command %0808310601 restores it."},
         {Current, "nnndU",
-         "4 mA 4.000 mA 4.0120 - module not stored; aborted: Nothing was stored. " + restores},
+         "4 mA 4.000 mA 4.0120 - module not stored; aborted: 4 mA: not stored. " + restores},
+        {Current, "nnnpSn.x", "4 mA 4.000 mA 4.0120 - module not stored; aborted: 4 mA: no reply. " + own},
+        {Current, "nnx", "aborted: Nothing was stored. " + own},
         {Current, "nnnpUnx",
-         "4 mA 4.000 mA 4.0120 - module not stored; aborted: Nothing was stored. " + restores},
-        {Current, "nnnddn", "4 mA 4.000 mA 3.9000 3.9000 meter stored; aborted: Stored: 4 mA. " + restores,
+         "4 mA 4.000 mA 4.0120 - module not stored; aborted: 4 mA: broken off. " + restores},
+        {Current, "nnnddn", "4 mA 4.000 mA 3.9000 3.9000 meter stored; aborted: 4 mA: stored. " + restores,
          "3.9"}};
     for (const auto& [module, keys, told, typed] : cases) {
         WatchedGuide guide(module, 10);
