@@ -126,14 +126,18 @@ std::string AdCalibration::ReplacesText() const {
     const auto error = watch_.Error();
     if (view_.StepNo < 3 || !watch_.Last())
         return {};
-    if (calibType_ != CalibType::ColdJunction)
-        return error ? "Execute takes away the error of " + watch_.ErrorText(*error) + "."
-                     : "Execute replaces what the module makes of the signal now.";
-    if (!error || std::abs(*error) > FarthestTarget)
-        return {};
-    return "Execute clears the present correction, measures anew and sends counts of 0" +
-           session_.DecimalSeparator + "0153 \u00b0C; " + CJCCorrection(SinglePrecision(-*error)) +
-           " if there is no correction now.";
+    if (calibType_ == CalibType::ColdJunction)
+        return error && std::abs(*error) < FarthestTarget
+                   ? "Execute clears the correction, measures anew, and sends " +
+                         CJCCorrection(SinglePrecision(-*error)) + " (counts of " +
+                         ShownInSteps(DegreesPerCount, 0.0001, false, session_.DecimalSeparator) +
+                         " \u00b0C) if there is none now."
+                   : "";
+    if (!error)
+        return "Execute replaces what the module makes of the signal now.";
+    return std::abs(*error) < watch_.Last()->Step / 2
+               ? "The module reads no error that Execute could take away."
+               : "Execute takes away the error of " + watch_.ErrorText(*error) + ".";
 }
 
 ReadingView AdCalibration::Readings() const {

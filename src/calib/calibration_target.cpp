@@ -12,9 +12,9 @@ namespace {
 
 constexpr const char* Degrees = "C";
 constexpr double VoltsPerMillivolt = 0.001;
-constexpr const char* NoSignalText = "No reference signal is known for this range, so no error can be shown.";
-constexpr const char* DegreesText =
-    "In this range the module reads degrees, not the signal applied, so no error can be shown.";
+constexpr const char* NoSignalText = "none: no signal is known for this range";
+constexpr const char* DegreesText = "none: in this range the module reads degrees";
+constexpr const char* NoTargetText = "none: enter the target temperature";
 
 // Reference signals of the range codes `First` to `Last`.
 struct Reference {
@@ -94,7 +94,7 @@ CalibrationTarget ColdJunctionTarget(const ModuleRecord& record, std::optional<d
             .FullScale = degrees ? RangeFullScale(record.InputRange) : 0,
             .Applied = temperature.value_or(0),
             .AppliedUnit = Degrees,
-            .Remark = temperature ? "" : "Enter the target temperature to see the error."};
+            .Remark = temperature ? "" : NoTargetText};
 }
 
 } // namespace kavro

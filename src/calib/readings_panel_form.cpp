@@ -13,8 +13,9 @@ namespace kavro {
 
 namespace {
 
-constexpr int Lines = 2; // of the longest text
+constexpr int Lines = 3; // of the longest text
 constexpr double ReadingScale = 1.4;
+constexpr const char* NoError = "\u2013";
 constexpr const char* StableSign = "\u2713 ";
 constexpr const char* UnstableSign = "\u2026 ";
 
@@ -36,7 +37,6 @@ ReadingsPanel::ReadingsPanel(int columns, QWidget& form) : QWidget(&form) {
     error_ = Named(new QLabel(this), "ReadingError", {});
     for (QLabel* label : {reading_, state_, error_})
         label->setTextFormat(Qt::PlainText);
-    error_->setWordWrap(true);
     replaces_ = WrappedLabel("Replaces", columns, Lines, *this);
 
     auto* present = new QHBoxLayout;
@@ -55,7 +55,7 @@ ReadingsPanel::ReadingsPanel(int columns, QWidget& form) : QWidget(&form) {
 void ReadingsPanel::Show(const ReadingView& view) {
     reading_->setText(QString::fromStdString(view.Reading));
     state_->setText(StateText(view));
-    error_->setText(QString::fromStdString(view.Error));
+    error_->setText(view.Error.empty() ? NoError : QString::fromStdString(view.Error));
     replaces_->setText(QString::fromStdString(view.Replaces));
 }
 

@@ -164,8 +164,8 @@ TEST(CalibrationWatch, KeepsWhatWasFoundAndLeft) {
 }
 
 TEST(CalibrationWatch, ShowsReadingErrorAndWhetherItIsStable) {
-    const std::string none = "no error can be shown.",
-                      degrees = "In this range the module reads degrees, not the signal applied, so " + none;
+    const std::string degrees = "none: in this range the module reads degrees",
+                      noSignal = "none: no signal is known for this range";
     const auto input = [](const char* model, std::int16_t range, std::int16_t format) {
         return ModuleRecord{.Address = 5, .Model = model, .DataFormat = format, .InputRange = range};
     };
@@ -185,12 +185,10 @@ TEST(CalibrationWatch, ShowsReadingErrorAndWhetherItIsStable) {
         {Voltages, "n1sUp.ppp", 9, "+9.013 V", "not stable yet", "-0.987 V (-9.870 % of full scale)"},
         {input("8250", 9, 1), "n0oppppp", 5, "+0.0200 V", "stable", "+0.0200 V (+0.400 % of full scale)"},
         {input("8250", 11, 2), "n0oppppp", 5, "+2.00 mV", "stable", "+2.00 mV (+0.400 % of full scale)"},
-        {input("8250", 7, 0), "n0op", 0, "+4", "not stable yet",
-         "No reference signal is known for this range, so " + none},
-        {input("8250", 7, 2), "n0op", 0, "", "", "No reference signal is known for this range, so " + none},
+        {input("8250", 7, 0), "n0op", 0, "+4", "not stable yet", noSignal},
+        {input("8250", 7, 2), "n0op", 0, "", "", noSignal},
         {Temperatures, "n0op", 0, "+0.0 \u00b0C", "not stable yet", degrees},
-        {Temperatures, "ncp", 0, "+23.5 \u00b0C", "not stable yet",
-         "Enter the target temperature to see the error."},
+        {Temperatures, "ncp", 0, "+23.5 \u00b0C", "not stable yet", "none: enter the target temperature"},
         {Current, "nnnp", 0, "+4.012 mA", "not stable yet", "+0.012 mA (+0.060 % of full scale)"}};
     for (const auto& [module, keys, span, reading, state, error] : cases) {
         WatchedGuide guide(module, span);
