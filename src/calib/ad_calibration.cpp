@@ -24,7 +24,8 @@ constexpr const char* NoneMadeText = " No new correction is made.";
 constexpr const char* ZeroText = "The target is now 0: Execute would correct to 0 \u00b0C.";
 
 constexpr const char* DoubtText = " Whether the module has done it is not known.";
-constexpr const char* BrokenText = "It was broken off in the middle.";
+constexpr const char* NotClearedText = "CJC correction: the port has failed.";
+constexpr const char* BrokenText = " It was broken off in the middle.";
 constexpr const char* NothingStoredText = "Nothing was stored: the module keeps the calibration that it had.";
 
 constexpr const char* GuideTexts[] = {
@@ -232,7 +233,7 @@ void AdCalibration::Execute() {
     try {
         ExecuteChosen();
     } catch (const RuntimeFailure&) {
-        executed = told_ + (told_.empty() ? "" : " ") + BrokenText;
+        executed = (told_.empty() ? NotClearedText : told_) + BrokenText;
         throw;
     }
     midway_ = false;
