@@ -38,8 +38,8 @@ public:
 
 private:
     struct Timed {
-        std::int64_t Ms;
-        CalibrationReading Reading;
+        std::int64_t Ms = 0;
+        CalibrationReading Reading{};
     };
     std::vector<Timed> readings_;
 };

@@ -13,12 +13,12 @@ namespace {
 constexpr const char* Degrees = "C";
 constexpr double VoltsPerMillivolt = 0.001;
 constexpr const char* NoSignalText = "none: no signal is known for this range";
-constexpr const char* DegreesText = "none: in this range the module reads degrees";
+constexpr const char* DegreesText = "none: the module reads degrees here";
 constexpr const char* NoTargetText = "none: enter the target temperature";
 
 // Reference signals of the range codes `First` to `Last`.
 struct Reference {
-    std::int16_t First, Last;
+    std::int16_t First = 0, Last = 0;
     ReferenceTexts Texts;
 };
 

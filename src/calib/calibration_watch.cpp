@@ -150,9 +150,9 @@ std::string CalibrationWatch::ShownUnit(const std::string& unit) const {
 
 std::string CalibrationWatch::ErrorText(double error) const {
     const CalibrationTarget target = target_();
-    std::string text =
-        ShownInSteps(error, Last() ? Last()->Step : PercentStep, true, session_.DecimalSeparator) +
-        ShownUnit(target.Unit);
+    const CalibrationReading* const last = Last();
+    std::string text = ShownInSteps(error, last ? last->Step : PercentStep, true, session_.DecimalSeparator) +
+                       ShownUnit(target.Unit);
     if (target.FullScale > 0)
         text += " (" +
                 ShownInSteps(error / target.FullScale * 100, PercentStep, true, session_.DecimalSeparator) +

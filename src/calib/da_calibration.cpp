@@ -1,5 +1,6 @@
 #include "calib/da_calibration.h"
 
+#include "link/models.h"
 #include "link/text.h"
 #include "map/module_access.h"
 
@@ -90,13 +91,15 @@ CalibrationTarget DaCalibration::Target() const {
         return {};
     const bool low = view_.StepNo == FirstOutputStep;
     const double current = low ? 4 : 20;
-    return {.Reading = ReadingOf::Terminals,
+    const bool told = RowOfModel(session_.ModuleTable[index_].Model).Kind == ModelKind::SingleOutput;
+    return {.Reading = told ? ReadingOf::Terminals : ReadingOf::Nothing,
             .What = low ? "4 mA" : "20 mA",
             .Signal = current,
             .Unit = "mA",
             .FullScale = FullScale,
             .Applied = current,
-            .AppliedUnit = "mA"};
+            .AppliedUnit = "mA",
+            .Remark = told ? "" : "none: this model does not measure its output"};
 }
 
 // What the next store would replace.

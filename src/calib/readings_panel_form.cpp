@@ -13,7 +13,7 @@ namespace kavro {
 
 namespace {
 
-constexpr int Lines = 3; // of the longest text
+constexpr int Lines = 2; // of the longest text
 constexpr double ReadingScale = 1.4;
 constexpr const char* NoError = "\u2013";
 constexpr const char* StableSign = "\u2713 ";

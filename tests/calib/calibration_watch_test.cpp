@@ -82,7 +82,8 @@ struct WatchedGuide : SimulatedSession {
 };
 
 constexpr std::int16_t Checksum = 1;
-const ModuleRecord Voltages = {.Address = 5, .Model = "8250  ", .InputRange = 8},
+const ModuleRecord Voltage = {.Address = 9, .Model = "8320  ", .InputRange = 0x33},
+                   Voltages = {.Address = 5, .Model = "8250  ", .InputRange = 8},
                    Temperatures = {.Address = 6, .Model = "8260  ", .InputRange = 15, .Checksum = Checksum},
                    Current = {.Address = 8, .Model = "8310  ", .DataFormat = 1, .InputRange = 0x31};
 
@@ -153,7 +154,7 @@ TEST(CalibrationWatch, KeepsWhatWasFoundAndLeft) {
 }
 
 TEST(CalibrationWatch, ShowsReadingErrorAndWhetherItIsStable) {
-    const std::string degrees = "none: in this range the module reads degrees",
+    const std::string degrees = "none: the module reads degrees here",
                       noSignal = "none: no signal is known for this range";
     const auto input = [](const char* model, std::int16_t range, std::int16_t format) {
         return ModuleRecord{.Address = 5, .Model = model, .DataFormat = format, .InputRange = range};
@@ -178,6 +179,7 @@ TEST(CalibrationWatch, ShowsReadingErrorAndWhetherItIsStable) {
         {input("8250", 7, 2), "n0op", 0, "", "", noSignal},
         {Temperatures, "n0op", 0, "+0.0 \u00b0C", "not stable yet", degrees},
         {Temperatures, "ncp", 0, "+23.5 \u00b0C", "not stable yet", "none: enter the target temperature"},
+        {Voltage, "nnnp", 0, "", "", "none: this model does not measure its output"},
         {Current, "nnnp", 0, "+4.012 mA", "not stable yet", "+0.012 mA (+0.060 % of full scale)"}};
     for (const auto& [module, keys, span, reading, state, error] : cases) {
         WatchedGuide guide(module, span);
