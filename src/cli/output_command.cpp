@@ -2,8 +2,8 @@
 
 #include "cli/cli_text.h"
 #include "cli/exchange_printer.h"
-#include "cli/module_outputs.h"
 #include "cli/notes.h"
+#include "diag/module_outputs.h"
 #include "link/baud.h"
 #include "link/models.h"
 #include "link/runtime_failure.h"

@@ -1,4 +1,4 @@
-#include "cli/module_outputs.h"
+#include "diag/module_outputs.h"
 
 #include "diag/alarm_panel.h"
 #include "diag/analog_output_panel.h"
