@@ -3,6 +3,7 @@
 #include "link/codes.h"
 #include "link/text.h"
 #include "map/module_access.h"
+#include "map/module_command.h"
 
 #include <algorithm>
 #include <cmath>
@@ -47,6 +48,16 @@ std::string OutputData(const ModuleRecord& record, BarPosition bar) {
     }
 }
 
+// What the data of `OutputData` stands for, in the unit of the range.
+double ValueOfData(const ModuleRecord& record, const std::string& data) {
+    const OutputRange range = RangeOf(record.InputRange);
+    if (record.DataFormat == PercentOfRange)
+        return range.Low + NumericValue(data) * range.Span / 100;
+    if (record.DataFormat == TwosComplement)
+        return range.Low + static_cast<double>(HexNumber(data).value_or(0)) * range.Span / OutputCounts;
+    return NumericValue(data);
+}
+
 } // namespace
 
 std::string ShownOutput(float value, const std::string& separator) {
@@ -77,6 +88,26 @@ float PortValue(BarPosition bar) {
 std::string PortCommand(const std::string& address, int port, float value) {
     return "#" + address + static_cast<char>('A' + port) + (value < 0 ? "-" : "+") +
            FormatNumber(std::abs(value), 2, 3);
+}
+
+std::optional<std::string> ReadSingleOutput(Session& session, int index) {
+    const ModuleReply reply = AskModule(session, index, '$', "6");
+    if (reply.Answer != Answer::Ok)
+        return std::nullopt;
+    const ModuleRecord& record = session.ModuleTable[index];
+    const OutputRange range = RangeOf(record.InputRange);
+    const double value = ValueOfData(record, reply.Data);
+    if (value < range.Low || value > range.Low + range.Span)
+        return std::nullopt; // another range was set meanwhile
+    return FormatNumber(value, 1, 3);
+}
+
+std::optional<std::string> ReadPort(Session& session, int index, int port) {
+    const ModuleReply reply = AskModule(session, index, '$', {'6', static_cast<char>('A' + port)});
+    if (reply.Answer != Answer::Ok)
+        return std::nullopt;
+    const double value = NumericValue(reply.Data);
+    return (value < 0 ? "-" : "+") + FormatNumber(std::abs(value), 1, 3);
 }
 
 std::optional<unsigned> ReadOutputModuleInputs(Session& session, int index) {

@@ -32,6 +32,10 @@ std::string HighRangeText(std::int16_t rangeCode);
 /// record's data format, "12.500", "+062.50" or "A00".
 std::string OutputCommand(const std::string& address, const ModuleRecord& record, BarPosition bar);
 
+/// What the single output stands at, as entry `index` tells ("$AA6"), in the unit of its range whatever the
+/// data format: "12.500". Nothing when it does not tell, or what is not within the range.
+std::optional<std::string> ReadSingleOutput(Session& session, int index);
+
 /// Ports A to D of a module with four voltage outputs.
 inline constexpr int OutputPorts = 4;
 
@@ -40,6 +44,10 @@ float PortValue(BarPosition bar);
 
 /// Command that sets port 0 to 3 to a voltage: "#02C-07.250".
 std::string PortCommand(const std::string& address, int port, float value);
+
+/// The voltage that port 0 to 3 was set to, as entry `index` tells ("$AA6p"): "+7.250". Nothing when it does
+/// not tell.
+std::optional<std::string> ReadPort(Session& session, int index, int port);
 
 /// Digital inputs of a module with four voltage outputs.
 inline constexpr int OutputModuleInputs = 7;

@@ -17,7 +17,8 @@ namespace kavro {
 
 namespace {
 
-constexpr int StepsPerUnit = 1000; // the data has three decimals
+constexpr int StepsPerUnit = 1000;         // the data has three decimals
+constexpr int FirstAlarmOutputChannel = 1; // behind the analog input
 
 // An analog output of a module.
 struct AnalogBounds {
@@ -64,87 +65,155 @@ std::vector<NamedOutput> SingleOutput(Session& session, int index) {
                                  Trim(RangeUnit(record.InputRange, EngineeringUnits))};
     if (bounds.High <= bounds.Low)
         return {};
-    return {{"", [&session, index, bounds](const std::string& text) {
-                 const double value = ParseValue(text, bounds);
-                 const BarPosition bar = {
-                     static_cast<int>(std::lround((value - bounds.Low) * StepsPerUnit)),
-                     static_cast<int>(std::lround((bounds.High - bounds.Low) * StepsPerUnit))};
-                 return AnalogDrive(
-                     session, index,
-                     OutputCommand(AddressText(session, index), session.ModuleTable[index], bar));
-             }}};
+    const auto plan = [&session, index, bounds](const std::string& text) {
+        const double value = ParseValue(text, bounds);
+        const BarPosition bar = {static_cast<int>(std::lround((value - bounds.Low) * StepsPerUnit)),
+                                 static_cast<int>(std::lround((bounds.High - bounds.Low) * StepsPerUnit))};
+        return AnalogDrive(session, index,
+                           OutputCommand(AddressText(session, index), session.ModuleTable[index], bar));
+    };
+    return {{.Name = {},
+             .Channel = 0,
+             .Digital = false,
+             .Low = bounds.Low,
+             .High = bounds.High,
+             .Unit = bounds.Unit,
+             .Plan = plan,
+             .Read = [&session, index] { return ReadSingleOutput(session, index); }}};
+}
+
+NamedOutput VoltagePort(Session& session, int index, int port) {
+    const AnalogBounds bounds = {-10, 10, "V"};
+    const auto plan = [&session, index, port, bounds](const std::string& text) {
+        // Rounded here, so that what rounds to 0 has no sign "-".
+        const double value = std::round(ParseValue(text, bounds) * StepsPerUnit);
+        return AnalogDrive(
+            session, index,
+            PortCommand(AddressText(session, index), port, static_cast<float>(value / StepsPerUnit)));
+    };
+    return {.Name = std::string(1, static_cast<char>('A' + port)),
+            .Channel = port,
+            .Digital = false,
+            .Low = bounds.Low,
+            .High = bounds.High,
+            .Unit = bounds.Unit,
+            .Plan = plan,
+            .Read = [&session, index, port] { return ReadPort(session, index, port); }};
 }
 
 std::vector<NamedOutput> VoltagePorts(Session& session, int index) {
-    const AnalogBounds bounds = {-10, 10, "V"};
     std::vector<NamedOutput> outputs;
     outputs.reserve(OutputPorts);
     for (int port = 0; port < OutputPorts; ++port)
-        outputs.push_back({std::string(1, static_cast<char>('A' + port)),
-                           [&session, index, port, bounds](const std::string& text) {
-                               // Rounded here, so that what rounds to 0 has no sign "-".
-                               const double value = std::round(ParseValue(text, bounds) * StepsPerUnit);
-                               return AnalogDrive(session, index,
-                                                  PortCommand(AddressText(session, index), port,
-                                                              static_cast<float>(value / StepsPerUnit)));
-                           }});
+        outputs.push_back(VoltagePort(session, index, port));
     return outputs;
 }
 
-using Switch = Answer (*)(Session& session, int index, int output, bool on);
+// How the digital outputs of a kind of model are switched one by one, and read as a word with a bit each.
+struct DigitalSide {
+    Answer (*Switch)(Session& session, int index, int output, bool on);
+    Answer (*Read)(Session& session, int index, unsigned& outputs);
+    std::int16_t Digits; // of the word
+    int FirstChannel;    // of output 0
+};
+
+std::optional<unsigned> ReadWord(Session& session, int index, const DigitalSide& side) {
+    unsigned outputs = 0;
+    return side.Read(session, index, outputs) == Answer::Ok ? std::optional(outputs) : std::nullopt;
+}
 
 NamedOutput SwitchedOutput(Session& session, int index, const std::string& name, int output,
-                           Switch switchOutput) {
-    return {name, [&session, index, output, switchOutput](const std::string& text) -> Drive {
-                return [&session, index, output, switchOutput, on = ParseSwitch(text)] {
-                    return switchOutput(session, index, output, on) == Answer::Ok;
+                           const DigitalSide& side) {
+    return {.Name = name,
+            .Channel = side.FirstChannel + output,
+            .Plan = [&session, index, output, side](const std::string& text) -> Drive {
+                return [&session, index, output, side, on = ParseSwitch(text)] {
+                    return side.Switch(session, index, output, on) == Answer::Ok;
                 };
+            },
+            .Read = [&session, index, output, side]() -> std::optional<std::string> {
+                const auto outputs = ReadWord(session, index, side);
+                if (!outputs)
+                    return std::nullopt;
+                return (*outputs >> output & 1U) != 0 ? "on" : "off";
             }};
 }
 
-// The outputs as a word, given as on, off, or as all of its `digits`.
-NamedOutput WholeWord(Session& session, int index, unsigned all, std::int16_t digits) {
-    return {"all", [&session, index, all, digits](const std::string& text) -> Drive {
-                std::optional<unsigned> word;
-                if (SameText(text, "on") || SameText(text, "off"))
-                    word = SameText(text, "on") ? all : 0;
-                else if (text.size() == static_cast<std::size_t>(digits))
-                    word = HexNumber(text);
-                const std::string most = ToHex(static_cast<std::int32_t>(all), digits);
-                if (!word || *word > all)
-                    throw RuntimeFailure("'" + text + "' is not possible; give on, off, or " +
-                                         std::to_string(digits) + " hexadecimal digits, at most " + most +
-                                         ".");
-                return [&session, index, tail = "DO" + ToHex(static_cast<std::int32_t>(*word), digits)] {
+// A word of the outputs, given as on, off, or as all of its digits.
+unsigned ParseWord(const std::string& text, unsigned all, std::int16_t digits) {
+    std::optional<unsigned> word;
+    if (SameText(text, "on") || SameText(text, "off"))
+        word = SameText(text, "on") ? all : 0;
+    else if (text.size() == static_cast<std::size_t>(digits))
+        word = HexNumber(text);
+    if (word && *word <= all)
+        return *word;
+    throw RuntimeFailure("'" + text + "' is not possible; give on, off, or " + std::to_string(digits) +
+                         " hexadecimal digits, at most " + ToHex(static_cast<std::int32_t>(all), digits) +
+                         ".");
+}
+
+// All of them at once; `lines` are those that are outputs among `all` that can be given.
+NamedOutput WholeWord(Session& session, int index, unsigned all, unsigned lines, const DigitalSide& side) {
+    return {.Name = "all",
+            .Plan = [&session, index, all, digits = side.Digits](const std::string& text) -> Drive {
+                const unsigned word = ParseWord(text, all, digits);
+                return [&session, index, tail = "DO" + ToHex(static_cast<std::int32_t>(word), digits)] {
                     return TellModule(session, index, '@', tail) == Answer::Ok;
                 };
+            },
+            .Read = [&session, index, lines, side]() -> std::optional<std::string> {
+                const auto outputs = ReadWord(session, index, side);
+                if (!outputs)
+                    return std::nullopt;
+                return ToHex(static_cast<std::int32_t>(*outputs & lines), side.Digits);
             }};
 }
 
 // Outputs named by their numbers, and "all".
-std::vector<NamedOutput> NumberedOutputs(Session& session, int index, int count, std::int16_t digits,
-                                         Switch switchOutput) {
+std::vector<NamedOutput> NumberedOutputs(Session& session, int index, int count, const DigitalSide& side) {
     std::vector<NamedOutput> outputs;
     outputs.reserve(static_cast<std::size_t>(count) + 1);
     for (int output = 0; output < count; ++output)
-        outputs.push_back(SwitchedOutput(session, index, std::to_string(output), output, switchOutput));
+        outputs.push_back(SwitchedOutput(session, index, std::to_string(output), output, side));
+    const unsigned all = (1U << count) - 1;
     if (count > 0)
-        outputs.push_back(WholeWord(session, index, (1U << count) - 1, digits));
+        outputs.push_back(WholeWord(session, index, all, all, side));
     return outputs;
+}
+
+Answer ReadAlarmOutputs(Session& session, int index, unsigned& outputs) {
+    AlarmStates states;
+    const Answer answer = ReadAlarmStates(session, index, states);
+    outputs = states.Outputs;
+    return answer;
+}
+
+Answer ReadDigitalOutputs(Session& session, int index, unsigned& outputs) {
+    DigitalStates states;
+    const Answer answer = ReadDigitalStates(session, index, states);
+    outputs = states.Outputs;
+    return answer;
 }
 
 // The lines of the ports that are outputs.
 std::optional<std::vector<NamedOutput>> PortLines(Session& session, int index) {
+    constexpr DigitalSide side = {SwitchOutput, ReadPortLevels, 6, 0};
     unsigned directions = 0;
     if (ReadPortDirections(session, index, directions) != Answer::Ok)
         return std::nullopt;
     std::vector<NamedOutput> outputs;
-    for (const DigitalPort& port : DigitalPorts)
-        for (int line = 0; line < port.Lines && (directions & port.DirectionMask) == 0; ++line)
+    unsigned lines = 0;
+    for (const DigitalPort& port : DigitalPorts) {
+        if ((directions & port.DirectionMask) != 0)
+            continue;
+        lines |= port.Word();
+        for (int line = 0; line < port.Lines; ++line)
             outputs.push_back(SwitchedOutput(session, index, port.Name + std::to_string(line),
-                                             port.FirstLine + line, SwitchOutput));
+                                             port.FirstLine + line, side));
+    }
     if (!outputs.empty())
-        outputs.push_back(WholeWord(session, index, AllPortLines, 6));
+        outputs.push_back(WholeWord(session, index, AllPortLines, lines, side));
     return outputs;
 }
 
@@ -161,9 +230,13 @@ std::optional<std::vector<NamedOutput>> OutputsOf(Session& session) {
     case ModelKind::PortLines:
         return PortLines(session, index);
     case ModelKind::AlarmInput:
-        return NumberedOutputs(session, index, AlarmOutputTotal, 2, SwitchAlarmOutput);
-    default:
-        return NumberedOutputs(session, index, DigitalChannelsOf(model).Outputs, 4, SwitchOutput);
+        return NumberedOutputs(session, index, AlarmOutputTotal,
+                               {SwitchAlarmOutput, ReadAlarmOutputs, 2, FirstAlarmOutputChannel});
+    default: { // the outputs come behind the inputs
+        const DigitalChannels channels = DigitalChannelsOf(model);
+        return NumberedOutputs(session, index, channels.Outputs,
+                               {SwitchOutput, ReadDigitalOutputs, 4, channels.Inputs});
+    }
     }
 }
 
