@@ -108,6 +108,7 @@ private:
     void Calibration();
     void Tags();
     void Replace();
+    void AskBeforeDriving();
     void About();
     void Help();
 
@@ -127,6 +128,7 @@ private:
     DeviceList* device_ = nullptr;
     EmptyListForm* emptyList_ = nullptr;
     QAction* closeLineFile_ = nullptr;
+    QAction* askBeforeDriving_ = nullptr;
     std::unique_ptr<MainStatus> status_;
     std::unique_ptr<NetworkOperations> network_;
     QString operationNote_;  // what the last operation has to tell, until the next one begins

@@ -35,6 +35,12 @@ void KavroForm::BuildMenus() {
     AddItem(*operation, "mnuTags", "Ta&gs...", &KavroForm::Tags, Qt::Key_F2);
     device_->addActions(operation->actions());
     AddItem(*operation, "mnuReplace", "&Replace Module...", &KavroForm::Replace);
+    operation->addSeparator();
+    askBeforeDriving_ = AddItem(*operation, "mnuAskBeforeDriving", "Ask &Before Outputs Are Driven",
+                                &KavroForm::AskBeforeDriving);
+    askBeforeDriving_->setCheckable(true);
+    connect(operation, &QMenu::aboutToShow, this,
+            [this] { askBeforeDriving_->setChecked(session_.Preferences.AskBeforeDriving); });
     auto* about = menuBar()->addAction("&About!");
     about->setObjectName("mnuAbout");
     connect(about, &QAction::triggered, this, [this] { Run(&KavroForm::About); });
@@ -49,6 +55,14 @@ QAction* KavroForm::AddItem(QMenu& menu, const char* name, const char* text, voi
     action->setShortcut(shortcut);
     connect(action, &QAction::triggered, this, [this, operation] { Run(operation); });
     return action;
+}
+
+// It counts from now on, also when it cannot be remembered.
+void KavroForm::AskBeforeDriving() {
+    bool& asks = session_.Preferences.AskBeforeDriving;
+    asks = !asks;
+    askBeforeDriving_->setChecked(asks);
+    session_.SavePreferences(session_.Preferences);
 }
 
 void KavroForm::Report() {

@@ -20,6 +20,7 @@ struct RecordPreferences {
 struct Preferences {
     bool FastSearch = false;
     std::int16_t AnswerWithin = 30; ///< of the fast search, ms, 5 to 1000
+    bool AskBeforeDriving = false;  ///< before a window drives outputs by opening; shows what they stand at
     std::string LineFile{};         ///< path of the line file that is open; empty: none
     RecordPreferences Record{};
 

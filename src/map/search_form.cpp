@@ -229,7 +229,10 @@ void SearchForm::Keep(const Preferences& preferences) {
 void SearchForm::OKBtn_Click() {
     if (!CheckEntries())
         return;
-    Keep({.FastSearch = Fast(), .AnswerWithin = AnswerWithin().value_or(session_.Preferences.AnswerWithin)});
+    Preferences chosen = session_.Preferences; // the others stay
+    chosen.FastSearch = Fast();
+    chosen.AnswerWithin = AnswerWithin().value_or(chosen.AnswerWithin);
+    Keep(chosen);
     if (!isVisible())
         return; // closed while a message was up
     session_.Line.SettingsOf(session_.Line.CurrentPort).BaudEnabled = Rates();

@@ -14,6 +14,7 @@ namespace {
 
 constexpr const char* FastSearchKey = "FastSearch";
 constexpr const char* AnswerWithinKey = "AnswerWithin";
+constexpr const char* AskBeforeDrivingKey = "AskBeforeDriving";
 constexpr const char* LineFileKey = "LineFile";
 constexpr const char* ToleranceKey = "RecordTolerance";
 constexpr double LargestTolerance = 100; // percent of full scale
@@ -54,6 +55,7 @@ Preferences ReadPreferences(const std::string& path) {
     const auto answer = CappedNumber(ValueOf(settings, AnswerWithinKey));
     if (answer && *answer >= ShortestAnswerWithinMs && *answer <= LongestAnswerWithinMs)
         preferences.AnswerWithin = static_cast<std::int16_t>(*answer);
+    preferences.AskBeforeDriving = ValueOf(settings, AskBeforeDrivingKey) == Yes;
     preferences.LineFile = settings.value(LineFileKey).toString().toStdString();
     preferences.Record = ReadRecordPreferences(settings);
     return preferences;
@@ -61,9 +63,11 @@ Preferences ReadPreferences(const std::string& path) {
 
 void SavePreferences(const std::string& path, const Preferences& preferences) {
     const RecordPreferences& record = preferences.Record;
-    std::map<std::string, std::string> values = {{FastSearchKey, preferences.FastSearch ? Yes : No},
-                                                 {AnswerWithinKey, std::to_string(preferences.AnswerWithin)},
-                                                 {LineFileKey, preferences.LineFile}};
+    std::map<std::string, std::string> values = {
+        {FastSearchKey, preferences.FastSearch ? Yes : No},
+        {AnswerWithinKey, std::to_string(preferences.AnswerWithin)},
+        {AskBeforeDrivingKey, preferences.AskBeforeDriving ? Yes : No},
+        {LineFileKey, preferences.LineFile}};
     for (const auto& [key, text] : RecordTexts)
         values[key] = record.*text;
     const bool own = record.TolerancePercent != RecordPreferences().TolerancePercent;

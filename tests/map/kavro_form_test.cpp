@@ -172,6 +172,17 @@ TEST_F(KavroFormTest, SavesUnderTheNameThatWasMeant) {
     }
 }
 
+TEST_F(KavroFormTest, WhetherItAsksBeforeDrivingIsRemembered) {
+    std::vector<bool> saved;
+    Session.SavePreferences = [&](const Preferences& kept) { saved.push_back(kept.AskBeforeDriving); };
+    for (const bool on : {true, false}) {
+        Trigger(*Form, "mnuAskBeforeDriving");
+        EXPECT_EQ(Session.Preferences.AskBeforeDriving, on);
+        EXPECT_EQ(Find<QAction>(*Form, "mnuAskBeforeDriving").isChecked(), on);
+    }
+    EXPECT_EQ(saved, (std::vector{true, false}));
+}
+
 // A PDF made in memory is the one that the printer would have written.
 TEST_F(KavroFormTest, PrintsToAFile) {
     const TestFolder folder;

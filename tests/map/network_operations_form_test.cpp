@@ -199,7 +199,11 @@ TEST(SearchForm, TakesRatesAndWay) {
         throw RuntimeFailure("The disk is full.");
     };
     EnableBaudCodes(test.Session, {3});
-    const Preferences chosen = {.FastSearch = true, .AnswerWithin = 1000};
+    const Preferences before = {.AskBeforeDriving = true, .LineFile = "line.json"};
+    Preferences chosen = before; // what this dialog knows nothing of stays
+    chosen.FastSearch = true;
+    chosen.AnswerWithin = 1000;
+    test.Session.Preferences = before;
     for (const char* button : {"CancelBtn", "OKBtn"}) {
         SearchForm form(test.Session, test.Messages, nullptr);
         form.show();
@@ -236,7 +240,7 @@ TEST(SearchForm, TakesRatesAndWay) {
         EXPECT_EQ(test.Session.Line.SettingsOf(1).BaudEnabled,
                   ok ? (std::array<std::int16_t, 9>{0, 0, 0, 0, 0, 0, 1, 1})
                      : (std::array<std::int16_t, 9>{0, 0, 0, 1}));
-        EXPECT_EQ(test.Session.Preferences, ok ? chosen : Preferences{});
+        EXPECT_EQ(test.Session.Preferences, ok ? chosen : before);
         EXPECT_EQ(test.Messages.Shown, ShownMessages(ok ? 1 : 0, {"The disk is full.", "Error"}));
         EXPECT_EQ(saves, ok ? 1 : 0);
     }

@@ -134,8 +134,10 @@ TEST_F(FilesTest, PreferencesComeBackAndNonsenseCountsAsNotThere) {
     for (const auto& [text, preferences] : files)
         EXPECT_EQ(ReadPreferences(Folder.Write("file", text)), preferences) << text;
     Folder.Write("file", "[General]\nLater=x\nAnswerWithin=7\n[Other]\nFastSearch=y\n");
-    const Preferences chosen = {
-        .FastSearch = true, .AnswerWithin = 1000, .LineFile = "/a b/\"\u00fc\", 1.json"};
+    const Preferences chosen = {.FastSearch = true,
+                                .AnswerWithin = 1000,
+                                .AskBeforeDriving = true,
+                                .LineFile = "/a b/\"\u00fc\", 1.json"};
     SavePreferences(File, chosen);
     EXPECT_EQ(ReadPreferences(File), chosen);
     EXPECT_TRUE(Contains(Folder.Read("file"), "Later=x\n[Other]\nFastSearch=y\n")) << Folder.Read("file");
