@@ -6,6 +6,7 @@
 #include "map/module_command.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 
 namespace kavro {
@@ -14,6 +15,8 @@ namespace {
 
 constexpr float PortSpan = 20; // -10 V to 10 V
 constexpr std::size_t InputsReplyLength = 7;
+constexpr int StepsPerUnit = 1000;  // the data has three decimals
+constexpr int PercentSteps = 10000; // it has two
 
 struct OutputRange {
     std::int16_t Code = 0;
@@ -58,7 +61,44 @@ double ValueOfData(const ModuleRecord& record, const std::string& data) {
     return NumericValue(data);
 }
 
+// Where the positions of a bar count from.
+double OriginOf(const OutputBounds& bounds) {
+    return bounds.Low < 0 ? 0 : bounds.Low;
+}
+
 } // namespace
+
+OutputBounds SingleOutputBounds(const ModuleRecord& record) {
+    const OutputRange range = RangeOf(record.InputRange);
+    return {range.Low, range.Low + range.Span, Trim(RangeUnit(record.InputRange, EngineeringUnits))};
+}
+
+std::optional<double> ParseOutput(const std::string& text, const OutputBounds& bounds) {
+    const char* const begin = text.data() + (text.starts_with('+') ? 1 : 0);
+    const char* const end = text.data() + text.size();
+    double value = 0;
+    const auto [stop, error] = std::from_chars(begin, end, value, std::chars_format::fixed);
+    // The comparison is false for what is not a number, too.
+    if (error != std::errc() || stop != end || !(value >= bounds.Low && value <= bounds.High))
+        return std::nullopt;
+    return value;
+}
+
+BarPosition BarOf(double value, const OutputBounds& bounds) {
+    return {static_cast<int>(std::lround((value - OriginOf(bounds)) * StepsPerUnit)),
+            std::max(1, static_cast<int>(std::lround((bounds.High - bounds.Low) * StepsPerUnit)))};
+}
+
+double ValueAt(BarPosition bar, const OutputBounds& bounds) {
+    return OriginOf(bounds) + (bounds.High - bounds.Low) * bar.Position / bar.Total;
+}
+
+double OutputResolution(const ModuleRecord& record) {
+    const double span = RangeOf(record.InputRange).Span;
+    return record.DataFormat == PercentOfRange   ? span / PercentSteps
+           : record.DataFormat == TwosComplement ? span / OutputCounts
+                                                 : 1.0 / StepsPerUnit;
+}
 
 std::string ShownOutput(float value, const std::string& separator) {
     return ShownNumber(FormatNumber(value, 1, 3), separator);
@@ -100,6 +140,12 @@ std::optional<std::string> ReadSingleOutput(Session& session, int index) {
     if (value < range.Low || value > range.Low + range.Span)
         return std::nullopt; // another range was set meanwhile
     return FormatNumber(value, 1, 3);
+}
+
+std::optional<std::string> ReadTerminals(Session& session, int index) {
+    const ModuleReply reply = AskModule(session, index, '$', "8");
+    return reply.Answer == Answer::Ok ? std::optional(FormatNumber(NumericValue(reply.Data), 1, 3))
+                                      : std::nullopt;
 }
 
 std::optional<std::string> ReadPort(Session& session, int index, int port) {

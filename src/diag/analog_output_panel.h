@@ -18,6 +18,28 @@ struct BarPosition {
     int Total = 1;
 };
 
+/// The values that an analog output can have.
+struct OutputBounds {
+    double Low = 0, High = 0;
+    std::string Unit{}; ///< "mA" or "V"
+};
+
+/// Those of the single output of this record, in the unit of its range whatever its data format is. `High` is
+/// not above `Low` for a range that no such module has.
+OutputBounds SingleOutputBounds(const ModuleRecord& record);
+
+/// A value that was typed, with a decimal point. Nothing when it is no number within the bounds.
+std::optional<double> ParseOutput(const std::string& text, const OutputBounds& bounds);
+
+/// A value to its thousandth as a bar position, from `Low` or, of a range with both signs, from 0.
+BarPosition BarOf(double value, const OutputBounds& bounds);
+
+/// The value of a position.
+double ValueAt(BarPosition bar, const OutputBounds& bounds);
+
+/// The step in which the single output of this record is told and set, in the unit of its range.
+double OutputResolution(const ModuleRecord& record);
+
 /// An output as it is shown: "12.500", "-7.250", with the user's decimal separator.
 std::string ShownOutput(float value, const std::string& separator);
 
@@ -36,8 +58,14 @@ std::string OutputCommand(const std::string& address, const ModuleRecord& record
 /// data format: "12.500". Nothing when it does not tell, or what is not within the range.
 std::optional<std::string> ReadSingleOutput(Session& session, int index);
 
+/// What stands at the terminals of the single output as entry `index` tells ("$AA8"): "12.512". Nothing when
+/// it does not tell.
+std::optional<std::string> ReadTerminals(Session& session, int index);
+
 /// Ports A to D of a module with four voltage outputs.
 inline constexpr int OutputPorts = 4;
+
+inline const OutputBounds PortBounds = {-10, 10, "V"};
 
 /// Voltage of such a port, -10 to 10, when its bar stands there; in single precision.
 float PortValue(BarPosition bar);

@@ -1,7 +1,5 @@
 #include "diag/da_diag_form.h"
 
-#include "diag/analog_output_panel.h"
-#include "diag/output_bar_form.h"
 #include "diag/output_control_form.h"
 #include "link/codes.h"
 #include "link/text.h"
@@ -11,26 +9,34 @@
 
 namespace kavro {
 
-namespace {
-
-BarPosition BarAt(int position) {
-    return {position, OutputBarSteps};
-}
-
-} // namespace
-
 DaDiagForm::DaDiagForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent)
-    : PanelForm("DaDiagForm", "D/A Module Diagnostic", session, messages, parent) {
+    : OutputPanelForm("DaDiagForm", "D/A Module Diagnostic", session, messages, parent) {
     Build();
-    ReadRevision();
-    output_->ShowValue(0);
-    Operate([this] { Start(); });
+    Open();
 }
 
 void DaDiagForm::Build() {
     AddHead();
+    const OutputBounds bounds = SingleOutputBounds(Record());
+    OutputControl* const output = MakeOutput(bounds);
+    AddOutput({.Name = "the output",
+               .Control = output,
+               .Bounds = bounds,
+               .Start = bounds.Low,
+               .Resolution = OutputResolution(Record()),
+               .Command =
+                   [this](BarPosition bar) {
+                       return OutputCommand(AddressText(Session(), Index()), Record(), bar);
+                   },
+               .Read = [this] { return ReadSingleOutput(Session(), Index()); },
+               .Terminals = [this] { return ReadTerminals(Session(), Index()); }});
+    Rows().addWidget(output);
+    FinishOutputs();
+}
+
+OutputControl* DaDiagForm::MakeOutput(const OutputBounds& bounds) {
     const std::int16_t range = Record().InputRange;
-    output_ = new OutputControl({
+    return new OutputControl({
         .Title = "Output",
         .NameEnd = {},
         .UnitName = {"DataFormat_0", "DataFormat_1"},
@@ -38,45 +44,18 @@ void DaDiagForm::Build() {
         .High = HighRangeText(range),
         .Unit = Trim(RangeUnit(range, Record().DataFormat)),
         .Designed = "00.000",
+        .Bounds = bounds,
+        .Separator = Session().DecimalSeparator,
         .Shown =
-            [this](int position) {
-                return ShownOutput(OutputValue(Record().InputRange, BarAt(position)),
-                                   Session().DecimalSeparator);
+            [this](BarPosition bar) {
+                return ShownOutput(OutputValue(Record().InputRange, bar), Session().DecimalSeparator);
             },
-        .Change = [this](int position) { Operate([this, position] { Change(position); }); },
+        .Change = [this](BarPosition bar) { Move(0, bar); },
     });
-    Rows().addWidget(output_);
-    Finish();
-}
-
-void DaDiagForm::Start() {
-    Ask(OutputCommand(AddressText(Session(), Index()), Record(), BarAt(0)));
-    started_ = true;
-}
-
-// The reply to an output command is received to keep the line in step, and not tested.
-void DaDiagForm::Change(int position) {
-    Ask(OutputCommand(AddressText(Session(), Index()), Record(), BarAt(position)));
-    output_->Confirm();
-}
-
-// A start that was interrupted is made up for; what the user drove the output to is never sent by itself.
-void DaDiagForm::Tick() {
-    if (!started_)
-        Start();
 }
 
 void DaDiagForm::ShowChannelTags() {
-    output_->ShowTag(ChannelTags(0, 1).front());
-}
-
-void DaDiagForm::ShowStale(bool stale) {
-    output_->ShowStale(stale);
-}
-
-void DaDiagForm::reject() {
-    output_->SendDue();
-    PanelForm::reject();
+    Control(0).ShowTag(ChannelTags(0, 1).front());
 }
 
 } // namespace kavro

@@ -16,8 +16,10 @@ DioDiagForm::DioDiagForm(kavro::Session& session, kavro::Messages& messages, QWi
     Rows().addWidget(Named(new QLabel(QString::fromStdString(PolarityText(Record()))), "Polarity", {}));
     if (channels.Inputs > 0)
         AddInputs(channels.Inputs);
-    if (channels.Outputs > 0)
+    if (channels.Outputs > 0) {
         AddOutputs(channels.Outputs);
+        AddPutBack(4);
+    }
     AddRead({"States", [this] { return ReadDigitalStates(Session(), Index(), states_); },
              [this](bool stale) { ShowStates(stale); }});
     FinishDrive();
@@ -58,6 +60,8 @@ void DioDiagForm::ShowStates(bool stale) {
     };
     show(inputs_, states_.Inputs);
     show(outputs_, states_.Outputs);
+    if (!stale)
+        KeepBefore(states_.Outputs);
 }
 
 } // namespace kavro

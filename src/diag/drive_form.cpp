@@ -1,6 +1,8 @@
 #include "diag/drive_form.h"
 
+#include "diag/opening_state_form.h"
 #include "diag/reading_rows_form.h"
+#include "link/text.h"
 #include "ui/fixed_font.h"
 #include "ui/make_room.h"
 #include "ui/named.h"
@@ -15,6 +17,8 @@ namespace {
 
 constexpr double LargeFactor = 1.5;
 constexpr const char* NotYetRead = "-";
+constexpr const char* NotKnownBefore =
+    "Nothing can be put back: the module had not told what stood before when something was driven.";
 constexpr const char* StaleText = "What is marked as stale was read before.";
 
 QLabel* StateLabel(const char* name) {
@@ -41,7 +45,31 @@ std::string DriveForm::Revision() {
     return AskModule(Session(), Index(), '$', "F").Data;
 }
 
+void DriveForm::AddPutBack(std::int16_t digits) {
+    if (!Session().Preferences.AskBeforeDriving)
+        return;
+    digits_ = digits;
+    opening_ = new OpeningState([this] { PutBack(); });
+    opening_->Tell("Opening this window has not driven anything.");
+    Rows().addWidget(opening_);
+}
+
+void DriveForm::KeepBefore(unsigned outputs) {
+    if (!opening_ || before_ || driven_)
+        return;
+    before_ = outputs;
+    opening_->TellPutBack(true, "Put Back sets all outputs as they were when this window was opened.");
+}
+
+void DriveForm::PutBack() {
+    const std::string word = ToHex(static_cast<std::int32_t>(before_.value_or(0)), digits_);
+    Drive("Put back", [this, word] { return TellModule(Session(), Index(), '@', "DO" + word); });
+}
+
 void DriveForm::Drive(const QString& what, const std::function<Answer()>& command) {
+    driven_ = true;
+    if (opening_ && !before_)
+        opening_->TellPutBack(false, NotKnownBefore);
     const QString failed = WarningSign + what + " failed: ";
     ShowState(*commandState_, failed + "the port has failed."); // and so it stays, unless the command ends
     Operate([this, what, failed, command] {
@@ -86,6 +114,8 @@ void DriveForm::ShowFrom(std::size_t place, bool stale) const {
 }
 
 void DriveForm::ShowStale(bool stale) {
+    if (opening_)
+        opening_->ShowStale(stale);
     if (!stale)
         return; // each value is fresh again when it has been read
     ShowFrom(0, true);

@@ -7,10 +7,14 @@
 #include <QString>
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace kavro {
+
+class OpeningState;
 
 /// Something that a panel reads in every tick, by one transaction.
 struct PanelRead {
@@ -30,6 +34,13 @@ protected:
     void AddRead(PanelRead read) { reads_.push_back(std::move(read)); }
     /// Adds `PollState` and `CommandState`, finishes the panel, reads the revision and begins to poll.
     void FinishDrive();
+
+    /// Adds, where the user is asked before outputs are driven, that opening the panel drives nothing, and
+    /// `PutBackBtn`. `digits`: of the word that sets all outputs ("@AADO0F05").
+    void AddPutBack(std::int16_t digits);
+    /// What the outputs were read as: what stood before, unless the user has already driven something.
+    /// Nothing is sent for it.
+    void KeepBefore(unsigned outputs);
 
     /// Sends a command of the user. A failure is told in `CommandState`; what is shown changes only by what
     /// the module reports. `what` says what it does: "Output 3 on".
@@ -53,9 +64,15 @@ private:
     /// Shows a text below the values and makes room for it.
     void ShowState(QLabel& label, const QString& text);
 
+    void PutBack();
+
     std::vector<PanelRead> reads_;
-    QString failed_;              // what was read first without success in this tick
-    Answer failure_ = Answer::Ok; // and why
+    OpeningState* opening_ = nullptr; // only where the user is asked before outputs are driven
+    std::optional<unsigned> before_;  // what the outputs stood at
+    bool driven_ = false;             // the user has driven something
+    std::int16_t digits_ = 0;         // of the word of all outputs
+    QString failed_;                  // what was read first without success in this tick
+    Answer failure_ = Answer::Ok;     // and why
     QLabel* pollState_ = nullptr;
     QLabel* commandState_ = nullptr;
 };

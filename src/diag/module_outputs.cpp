@@ -10,33 +10,17 @@
 #include "link/text.h"
 #include "map/module_access.h"
 
-#include <charconv>
-#include <cmath>
-
 namespace kavro {
 
 namespace {
 
-constexpr int StepsPerUnit = 1000;         // the data has three decimals
 constexpr int FirstAlarmOutputChannel = 1; // behind the analog input
 
-// An analog output of a module.
-struct AnalogBounds {
-    double Low, High;
-    std::string Unit;
-};
-
-double ParseValue(const std::string& text, const AnalogBounds& bounds) {
-    const char* const begin = text.data() + (text.starts_with('+') ? 1 : 0);
-    const char* const end = text.data() + text.size();
-    double value = 0;
-    const auto [stop, error] = std::from_chars(begin, end, value, std::chars_format::fixed);
-    // The comparison is false for what is not a number, too.
-    if (error != std::errc() || stop != end || !(value >= bounds.Low && value <= bounds.High))
-        throw RuntimeFailure("'" + text + "' is not possible; give " + FormatNumber(bounds.Low, 1, 0) +
-                             " to " + FormatNumber(bounds.High, 1, 0) + " " + bounds.Unit +
-                             ", with a decimal point.");
-    return value;
+double ParseValue(const std::string& text, const OutputBounds& bounds) {
+    if (const auto value = ParseOutput(text, bounds))
+        return *value;
+    throw RuntimeFailure("'" + text + "' is not possible; give " + FormatNumber(bounds.Low, 1, 0) + " to " +
+                         FormatNumber(bounds.High, 1, 0) + " " + bounds.Unit + ", with a decimal point.");
 }
 
 bool ParseSwitch(const std::string& text) {
@@ -59,18 +43,13 @@ Drive AnalogDrive(Session& session, int index, const std::string& command) {
 }
 
 std::vector<NamedOutput> SingleOutput(Session& session, int index) {
-    const ModuleRecord& record = session.ModuleTable[index];
-    const double low = OutputValue(record.InputRange, {0, 1});
-    const AnalogBounds bounds = {low, OutputValue(record.InputRange, {1, 1}),
-                                 Trim(RangeUnit(record.InputRange, EngineeringUnits))};
+    const OutputBounds bounds = SingleOutputBounds(session.ModuleTable[index]);
     if (bounds.High <= bounds.Low)
         return {};
     const auto plan = [&session, index, bounds](const std::string& text) {
-        const double value = ParseValue(text, bounds);
-        const BarPosition bar = {static_cast<int>(std::lround((value - bounds.Low) * StepsPerUnit)),
-                                 static_cast<int>(std::lround((bounds.High - bounds.Low) * StepsPerUnit))};
         return AnalogDrive(session, index,
-                           OutputCommand(AddressText(session, index), session.ModuleTable[index], bar));
+                           OutputCommand(AddressText(session, index), session.ModuleTable[index],
+                                         BarOf(ParseValue(text, bounds), bounds)));
     };
     return {{.Name = {},
              .Channel = 0,
@@ -83,20 +62,17 @@ std::vector<NamedOutput> SingleOutput(Session& session, int index) {
 }
 
 NamedOutput VoltagePort(Session& session, int index, int port) {
-    const AnalogBounds bounds = {-10, 10, "V"};
-    const auto plan = [&session, index, port, bounds](const std::string& text) {
-        // Rounded here, so that what rounds to 0 has no sign "-".
-        const double value = std::round(ParseValue(text, bounds) * StepsPerUnit);
-        return AnalogDrive(
-            session, index,
-            PortCommand(AddressText(session, index), port, static_cast<float>(value / StepsPerUnit)));
+    const auto plan = [&session, index, port](const std::string& text) {
+        // To its thousandth, so that what rounds to 0 has no sign "-".
+        const BarPosition bar = BarOf(ParseValue(text, PortBounds), PortBounds);
+        return AnalogDrive(session, index, PortCommand(AddressText(session, index), port, PortValue(bar)));
     };
     return {.Name = std::string(1, static_cast<char>('A' + port)),
             .Channel = port,
             .Digital = false,
-            .Low = bounds.Low,
-            .High = bounds.High,
-            .Unit = bounds.Unit,
+            .Low = PortBounds.Low,
+            .High = PortBounds.High,
+            .Unit = PortBounds.Unit,
             .Plan = plan,
             .Read = [&session, index, port] { return ReadPort(session, index, port); }};
 }

@@ -36,6 +36,7 @@ MultiDiagForm::MultiDiagForm(kavro::Session& session, kavro::Messages& messages,
     AddReading();
     AddAlarm();
     AddLines();
+    AddPutBack(2);
     AddRead({"Alarm", [this] { return ReadAlarmStates(Session(), Index(), states_); },
              [this](bool stale) { ShowStates(stale); }});
     FinishDrive();
@@ -125,6 +126,8 @@ void MultiDiagForm::ShowStates(bool stale) {
     outputs_->SetSwitchable(states_.Mode == AlarmDisabled, OutputsTaken);
     input_->Show(states_.Input ? 1 : 0);
     SetUsable(*clear_, states_.Mode == AlarmLatched, NotLatched);
+    if (states_.Mode == AlarmDisabled) // else the alarm drives the outputs
+        KeepBefore(states_.Outputs);
 }
 
 } // namespace kavro

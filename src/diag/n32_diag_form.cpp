@@ -17,20 +17,14 @@ namespace kavro {
 namespace {
 
 constexpr int TagColumns = 12;
-
-BarPosition BarAt(int position) {
-    return {position, 2 * OutputBarSteps};
-}
+constexpr double PortResolution = 0.001; // V
 
 } // namespace
 
 N32DiagForm::N32DiagForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent)
-    : PanelForm("N32DiagForm", "D/A Module Diagnostic", session, messages, parent) {
+    : OutputPanelForm("N32DiagForm", "D/A Module Diagnostic", session, messages, parent) {
     Build();
-    ReadRevision();
-    for (OutputControl* output : outputs_)
-        output->ShowValue(0);
-    Operate([this] { Start(); });
+    Open();
     StartPolling();
 }
 
@@ -38,12 +32,22 @@ void N32DiagForm::Build() {
     AddHead();
     auto* ports = new QGridLayout;
     for (int port = 0; port < OutputPorts; ++port) {
-        outputs_[static_cast<std::size_t>(port)] = MakePort(port);
-        ports->addWidget(outputs_[static_cast<std::size_t>(port)], port / 2, port % 2);
+        OutputControl* const control = MakePort(port);
+        AddOutput({.Name = QChar('A' + port),
+                   .Control = control,
+                   .Bounds = PortBounds,
+                   .Resolution = PortResolution,
+                   .Command =
+                       [this, port](BarPosition bar) {
+                           return PortCommand(AddressText(Session(), Index()), port, PortValue(bar));
+                       },
+                   .Read = [this, port] { return ReadPort(Session(), Index(), port); },
+                   .Terminals = {}});
+        ports->addWidget(control, port / 2, port % 2);
     }
     Rows().addLayout(ports);
     Rows().addWidget(BuildInputs());
-    Finish();
+    FinishOutputs();
 }
 
 OutputControl* N32DiagForm::MakePort(int port) {
@@ -57,11 +61,10 @@ OutputControl* N32DiagForm::MakePort(int port) {
         .Unit = Trim(RangeUnit(Record().InputRange, Record().DataFormat)),
         .Minimum = -OutputBarSteps,
         .Designed = "-10.000",
-        .Shown =
-            [this](int position) {
-                return ShownOutput(PortValue(BarAt(position)), Session().DecimalSeparator);
-            },
-        .Change = [this, port](int position) { Operate([=, this] { Change(port, position); }); },
+        .Bounds = PortBounds,
+        .Separator = Session().DecimalSeparator,
+        .Shown = [this](BarPosition bar) { return ShownOutput(PortValue(bar), Session().DecimalSeparator); },
+        .Change = [this, port](BarPosition bar) { Move(static_cast<std::size_t>(port), bar); },
     });
 }
 
@@ -85,8 +88,8 @@ QWidget* N32DiagForm::BuildInputs() {
 
 void N32DiagForm::ShowChannelTags() {
     const auto outputTags = ChannelTags(0, OutputPorts);
-    for (std::size_t port = 0; port < outputs_.size(); ++port)
-        outputs_[port]->ShowTag(outputTags[port]);
+    for (std::size_t port = 0; port < outputTags.size(); ++port)
+        Control(port).ShowTag(outputTags[port]);
     const auto inputTags = ChannelTags(OutputPorts, OutputModuleInputs); // behind the outputs
     for (std::size_t input = 0; input < inputs_.size(); ++input) {
         inputs_[input]->ShowTag(inputTags[input]);
@@ -94,25 +97,8 @@ void N32DiagForm::ShowChannelTags() {
     }
 }
 
-void N32DiagForm::Start() {
-    for (int port = 0; port < OutputPorts; ++port)
-        Send(port, 0);
-    started_ = true;
-}
-
-// The reply to an output command is received to keep the line in step, and not tested.
-void N32DiagForm::Send(int port, int position) {
-    Ask(PortCommand(AddressText(Session(), Index()), port, PortValue(BarAt(position))));
-}
-
-void N32DiagForm::Change(int port, int position) {
-    Send(port, position);
-    outputs_[static_cast<std::size_t>(port)]->Confirm();
-}
-
 void N32DiagForm::Tick() {
-    if (!started_)
-        Start(); // the port failed while the panel opened
+    OutputPanelForm::Tick();
     const auto bits = ReadOutputModuleInputs(Session(), Index());
     if (!bits)
         return;
@@ -121,16 +107,9 @@ void N32DiagForm::Tick() {
 }
 
 void N32DiagForm::ShowStale(bool stale) {
-    for (OutputControl* output : outputs_)
-        output->ShowStale(stale);
+    OutputPanelForm::ShowStale(stale);
     for (Lamp* input : inputs_)
         input->SetStale(stale);
-}
-
-void N32DiagForm::reject() {
-    for (OutputControl* output : outputs_)
-        output->SendDue();
-    PanelForm::reject();
 }
 
 } // namespace kavro

@@ -30,6 +30,7 @@ N46DiagForm::N46DiagForm(kavro::Session& session, kavro::Messages& messages, QWi
     AddHead();
     AddPorts();
     AddAllOutputs();
+    AddPutBack(6); // the module ignores lines of input ports
     AddRead({"Directions", [this] { return ReadPortDirections(Session(), Index(), directions_); },
              [this](bool stale) {
                  if (!stale)
@@ -106,6 +107,8 @@ void N46DiagForm::ShowLevels(bool stale) {
         else
             ports_[i]->Show(levels_ >> DigitalPorts[i].FirstLine);
     }
+    if (!stale)
+        KeepBefore(levels_);
 }
 
 } // namespace kavro

@@ -43,11 +43,16 @@ void OutputBar::SendDue() {
     events_.Change(value());
 }
 
-void OutputBar::Revert() {
+void OutputBar::Place(int position) {
+    Stand(position);
+    change_.start(0);
+}
+
+void OutputBar::Stand(int position) {
     const QSignalBlocker silently(this);
     change_.stop();
     setSliderDown(false);
-    setValue(confirmed_);
+    setValue(position);
 }
 
 void OutputBar::paintEvent(QPaintEvent* event) {

@@ -31,8 +31,12 @@ public:
     void SendDue();
     /// The output now has the position that the bar shows.
     void Confirm() { confirmed_ = value(); }
+    /// Goes to a position without scrolling; the change follows as after steps.
+    void Place(int position);
+    /// Goes to a position that the output gets in another way: no event, and no change is due any more.
+    void Stand(int position);
     /// Goes back, without an event, to the position that the output has.
-    void Revert();
+    void Revert() { Stand(confirmed_); }
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -1,13 +1,18 @@
 #include "diag/output_control_form.h"
 
 #include "diag/output_bar_form.h"
+#include "diag/output_entry_form.h"
 #include "diag/reading_rows_form.h"
 #include "map/tag_label_form.h"
 #include "ui/fixed_font.h"
+#include "ui/make_room.h"
 #include "ui/named.h"
 #include "ui/tinted_label.h"
+#include "ui/warning_sign.h"
 
 #include <QHBoxLayout>
+
+#include <cmath>
 
 namespace kavro {
 
@@ -25,29 +30,84 @@ TintedLabel* Label(const QString& name, const std::string& text) {
 OutputControl::OutputControl(OutputDescription description)
     : QGroupBox(description.Title), description_(std::move(description)) {
     const OutputDescription& output = description_;
-    bar_ = new OutputBar("DaScroll" + output.NameEnd, output.Title, output.Minimum,
-                         {.Scroll = [this](int position) { ShowValue(position); },
-                          .Change = [this](int position) { description_.Change(position); }});
-    data_ = Label("DA_data" + output.NameEnd, output.Designed);
+    entry_ = new OutputEntry({output.Title, output.NameEnd, output.Bounds, output.Separator,
+                              [this](double value) { Enter(value); }});
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(BuildValue());
+    layout->addLayout(BuildRange());
+    layout->addWidget(entry_);
+}
+
+QLayout* OutputControl::BuildValue() {
+    data_ = Label("DA_data" + description_.NameEnd, description_.Designed);
     data_->setFont(FixedFont());
     data_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     data_->setMinimumWidth(QFontMetrics(data_->font()).horizontalAdvance(WidestValue));
-    unit_ = Label(output.UnitName.front(), output.Unit);
-
+    unit_ = Label(description_.UnitName.front(), description_.Unit);
     value_ = new QHBoxLayout;
     value_->addWidget(new QLabel("D/A data:"));
     value_->addWidget(data_);
     value_->addWidget(unit_);
     value_->addStretch(1);
+    return value_;
+}
+
+QLayout* OutputControl::BuildRange() {
+    const OutputDescription& output = description_;
+    bar_ = new OutputBar("DaScroll" + output.NameEnd, output.Title, output.Minimum,
+                         {.Scroll =
+                              [this](int position) {
+                                  entered_.reset();
+                                  ShowValue(position);
+                              },
+                          .Change = [this](int position) { Change(position); }});
     auto* range = new QHBoxLayout;
     range->addWidget(Label("LowRange" + output.NameEnd, output.Low));
     range->addWidget(bar_, 1);
     range->addWidget(Label("HighRange" + output.NameEnd, output.High));
     if (output.UnitName.size() > 1)
         range->addWidget(Label(output.UnitName[1], output.Unit));
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(value_);
-    layout->addLayout(range);
+    return range;
+}
+
+BarPosition OutputControl::At(int position) const {
+    return {position, OutputBarSteps - description_.Minimum};
+}
+
+int OutputControl::Nearest(BarPosition bar) const {
+    const double steps = At(0).Total;
+    return static_cast<int>(std::lround(steps * bar.Position / bar.Total));
+}
+
+// Sent as a movement of the bar is, so that keys that come faster do not let time-outs pile up either.
+void OutputControl::Enter(double value) {
+    entered_ = BarOf(value, description_.Bounds);
+    bar_->Place(Nearest(*entered_));
+    ShowText(description_.Shown(*entered_));
+}
+
+void OutputControl::Change(int position) {
+    const BarPosition bar = entered_.value_or(At(position));
+    entered_.reset();
+    description_.Change(bar);
+}
+
+void OutputControl::Stand(double value) {
+    const BarPosition bar = BarOf(value, description_.Bounds);
+    entered_.reset();
+    bar_->Stand(Nearest(bar));
+    ShowText(description_.Shown(bar));
+}
+
+void OutputControl::ShowReadBack(const ReadBackWords& words) {
+    if (!readBack_) {
+        readBack_ = Named(new QLabel, "ReadBack" + description_.NameEnd, {});
+        readBack_->setTextFormat(Qt::PlainText);
+        readBack_->setWordWrap(true);
+        static_cast<QVBoxLayout*>(layout())->insertWidget(1, readBack_);
+    }
+    readBack_->setText((words.Differs ? WarningSign : "") + QString::fromStdString(words.Text));
+    MakeRoom(*window());
 }
 
 void OutputControl::ShowTag(const TagAndNote& tag) {
@@ -62,7 +122,11 @@ void OutputControl::ShowTag(const TagAndNote& tag) {
 }
 
 void OutputControl::ShowValue(int position) {
-    data_->setText(QString::fromStdString(description_.Shown(position)));
+    ShowText(description_.Shown(At(position)));
+}
+
+void OutputControl::ShowText(const std::string& text) {
+    data_->setText(QString::fromStdString(text));
 }
 
 void OutputControl::SendDue() {
@@ -75,10 +139,14 @@ void OutputControl::Confirm() {
 
 void OutputControl::ShowStale(bool stale) {
     if (stale) {
+        entered_.reset();
         bar_->Revert();
         ShowValue(bar_->value());
     }
     bar_->setEnabled(!stale);
+    entry_->setEnabled(!stale);
+    if (readBack_)
+        readBack_->setEnabled(!stale);
     const QColor tint = stale ? QColor(StaleTint) : QColor();
     data_->SetTint(tint);
     unit_->SetTint(tint);

@@ -1,0 +1,58 @@
+#include "diag/output_read_back.h"
+
+#include "link/text.h"
+
+#include <cmath>
+
+namespace kavro {
+
+namespace {
+
+constexpr double Rounding = 0.00051; // of a value that is told with three decimals
+
+// How values are shown.
+struct Shown {
+    std::string Unit, Separator;
+
+    std::string operator()(const std::string& number) const {
+        return ShownNumber(number, Separator) + " " + Unit;
+    }
+    std::string operator()(double value) const { return (*this)(FormatNumber(value, 1, 3)); }
+};
+
+// How far a value is from what was sent: "+0.012 mA".
+std::string Difference(const std::string& value, double sent, const Shown& shown) {
+    const double difference = NumericValue(value) - sent;
+    const double thousandths = std::round(difference * 1000);
+    return (thousandths < 0 ? "-" : "+") + shown(std::abs(thousandths) / 1000);
+}
+
+std::string SentText(const OutputReadBack& readBack, const Shown& shown) {
+    const std::string sent = "Sent " + shown(readBack.Sent);
+    return readBack.Accepted == Answer::Ok ? sent : sent + ": " + AnswerText(readBack.Accepted);
+}
+
+std::string ToldText(const OutputReadBack& readBack, bool differs, const Shown& shown) {
+    if (!readBack.Told)
+        return "; the module does not tell what it stands at";
+    if (!differs)
+        return "; read back " + shown(*readBack.Told);
+    return "; the module stands at " + shown(*readBack.Told) + " (" +
+           Difference(*readBack.Told, readBack.Sent, shown) + ")";
+}
+
+} // namespace
+
+ReadBackWords WordsOf(const OutputReadBack& readBack, const std::string& unit, double resolution,
+                      const std::string& separator) {
+    const Shown shown = {unit, separator};
+    const bool stands =
+        readBack.Told && std::abs(NumericValue(*readBack.Told) - readBack.Sent) <= resolution + Rounding;
+    std::string text = SentText(readBack, shown) + ToldText(readBack, !stands, shown);
+    if (readBack.Measured)
+        text += "; at the terminals " + shown(*readBack.Measured) + " (" +
+                Difference(*readBack.Measured, readBack.Sent, shown) + ")";
+    return {text + ".", readBack.Accepted != Answer::Ok || !stands};
+}
+
+} // namespace kavro
