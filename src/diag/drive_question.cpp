@@ -12,7 +12,7 @@ namespace kavro {
 namespace {
 
 constexpr const char* NotTold = "the module does not tell";
-constexpr const char* DiagnosticText = "Opening this window drives %, at once:";
+constexpr const char* DiagnosticText = "Opening this window drives outputs of % at once:";
 constexpr const char* CalibrationText =
     "This calibration changes the configuration of % while it is open, and drives the output to 4 mA in step "
     "4 and to 20 mA in step 5. The output can also move when the configuration changes.";
@@ -31,7 +31,9 @@ std::string ModuleText(const Session& session, int index) {
 }
 
 std::string Shown(const Session& session, const std::optional<std::string>& value, const std::string& unit) {
-    return value ? ShownNumber(*value + " " + unit, session.DecimalSeparator) : NotTold;
+    if (!value)
+        return NotTold;
+    return ShownNumber(FormatNumber(NumericValue(*value), 1, 3), session.DecimalSeparator) + " " + unit;
 }
 
 DriveQuestion::Change SingleOutput(Session& session, int index) {

@@ -14,7 +14,7 @@ namespace kavro {
 namespace {
 
 constexpr int Percents[] = {0, 25, 50, 75, 100};
-constexpr int ButtonMargin = 16;
+constexpr int Margin = 8; // on either side of a text, so that four outputs have room beside each other
 constexpr const char* WidestEntry = "-00.0000";
 
 // "-10", "4".
@@ -32,7 +32,7 @@ OutputEntry::OutputEntry(Description description) : description_(std::move(descr
     const QString& nameEnd = description_.NameEnd;
     entry_ = Named(new QLineEdit, "DaEntry" + nameEnd, description_.Title + " value");
     entry_->setToolTip(RangeText(description_.Bounds) + "; Enter drives the output.");
-    entry_->setMaximumWidth(entry_->fontMetrics().horizontalAdvance(WidestEntry) + 2 * ButtonMargin);
+    entry_->setFixedWidth(entry_->fontMetrics().horizontalAdvance(WidestEntry) + 2 * Margin);
     auto* caption = Named(new QLabel("Set to:"), "EntryCaption" + nameEnd, {});
     caption->setBuddy(entry_);
     note_ = new Note("EntryNote" + nameEnd, *this);
@@ -65,7 +65,7 @@ void OutputEntry::AddPercents(QLayout& row) {
                                .arg(ShownOutput(static_cast<float>(value), description_.Separator).c_str(),
                                     bounds.Unit.c_str(), ends));
         button->setAutoDefault(false); // Enter in the field must not press it
-        button->setFixedWidth(button->fontMetrics().horizontalAdvance("100 %") + 2 * ButtonMargin);
+        button->setFixedWidth(button->fontMetrics().horizontalAdvance("100 %") + 2 * Margin);
         connect(button, &QPushButton::clicked, this, [this, value] {
             note_->Tell({});
             description_.Set(value);

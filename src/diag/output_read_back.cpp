@@ -14,10 +14,10 @@ constexpr double Rounding = 0.00051; // of a value that is told with three decim
 struct Shown {
     std::string Unit, Separator;
 
-    std::string operator()(const std::string& number) const {
-        return ShownNumber(number, Separator) + " " + Unit;
+    std::string operator()(double value) const {
+        return ShownNumber(FormatNumber(value, 1, 3), Separator) + " " + Unit;
     }
-    std::string operator()(double value) const { return (*this)(FormatNumber(value, 1, 3)); }
+    std::string operator()(const std::string& number) const { return (*this)(NumericValue(number)); }
 };
 
 // How far a value is from what was sent: "+0.012 mA".

@@ -200,10 +200,10 @@ TEST(DriveQuestion, SaysWhatIsDrivenFromWhereAndCancelIsTheDefault) {
         {9,
          Diagnostic,
          {"$096A", "$096B", "$096C", "$096D"},
-         {{"Output A, FCV-1", "+7,250 V", "0,000 V"},
-          {"Output B", "+0,000 V", "0,000 V"},
-          {"Output C", "+0,000 V", "0,000 V"},
-          {"Output D", "+0,000 V", "0,000 V"}}}};
+         {{"Output A, FCV-1", "7,250 V", "0,000 V"},
+          {"Output B", "0,000 V", "0,000 V"},
+          {"Output C", "0,000 V", "0,000 V"},
+          {"Output D", "0,000 V", "0,000 V"}}}};
     for (const auto& [address, window, sent, changes, silent] : cases) {
         SimulatedSession demo(DemoLine());
         demo.Session.DecimalSeparator = ",";
