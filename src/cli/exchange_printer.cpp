@@ -18,6 +18,10 @@ std::string JsonText(std::string_view text) {
     return quoted + '"';
 }
 
+std::string JsonValue(const std::optional<std::string>& value) {
+    return value ? JsonText(*value) : "null";
+}
+
 } // namespace
 
 std::string ExchangeText(const Exchanged& exchanged) {
@@ -31,6 +35,21 @@ std::string ExchangeJson(const Exchanged& exchanged) {
     return "{\"command\": " + JsonText(exchanged.Command) + ", \"reply\": " + JsonText(exchanged.Reply) +
            ", \"complete\": " + (exchanged.Complete ? "true" : "false") +
            ", \"baud\": " + std::to_string(exchanged.Baud) + "}";
+}
+
+std::string DrivenText(const DrivenOutput& driven) {
+    const auto shown = [&driven](const std::optional<std::string>& value) {
+        return value ? Trim(*value + " " + driven.Unit) : "(not told)";
+    };
+    return Trim("output " + driven.Name) + ": " + shown(driven.Old) + " -> " + shown(driven.New);
+}
+
+void ExchangePrinter::Print(const Exchanged& exchanged, const DrivenOutput& driven) {
+    if (!json_)
+        return rows_.Print(ExchangeText(exchanged) + "\n" + DrivenText(driven) + "\n");
+    std::string object = ExchangeJson(exchanged);
+    object.pop_back(); // its "}"
+    rows_.Print(object + ", \"old\": " + JsonValue(driven.Old) + ", \"new\": " + JsonValue(driven.New) + "}");
 }
 
 } // namespace kavro

@@ -19,12 +19,18 @@ namespace kavro {
 
 namespace {
 
-Drive PlannedDrive(const Session& session, const std::vector<NamedOutput>& outputs,
-                   const OutputChange& change) {
+// A change that is possible: what to read before and after, and what drives it.
+struct PlannedChange {
+    const NamedOutput& Output;
+    kavro::Drive Drive;
+};
+
+PlannedChange Planned(const Session& session, const std::vector<NamedOutput>& outputs,
+                      const OutputChange& change) {
     const auto output = std::ranges::find_if(
         outputs, [&](const NamedOutput& each) { return SameText(each.Name, change.Output); });
     if (output != outputs.end())
-        return output->Plan(change.Value);
+        return {*output, output->Plan(change.Value)};
     const std::string module =
         "The module " + Trim(ShownModel(session.ModuleTable[session.SelectedModule].Model)) + " ";
     if (outputs.empty())
@@ -39,21 +45,35 @@ Drive PlannedDrive(const Session& session, const std::vector<NamedOutput>& outpu
                          "'. Give OUTPUT=VALUE; the outputs are " + Listed(names) + ".");
 }
 
-void PrintExchange(Session& session, ExchangePrinter& printer) {
+Exchanged LastExchange(const Session& session) {
     const Line& line = session.Line;
-    printer.Print({.Command = line.CommandText,
-                   .Reply = line.ReplyText,
-                   .Complete = line.ReplyStatus != 0,
-                   .Baud = BaudFromCode(ModuleBaudCode(session, session.SelectedModule))});
+    return {.Command = line.CommandText,
+            .Reply = line.ReplyText,
+            .Complete = line.ReplyStatus != 0,
+            .Baud = BaudFromCode(ModuleBaudCode(session, session.SelectedModule))};
+}
+
+// True when the module accepted the command, which is printed also when nothing can be read after it.
+bool Run(const Session& session, const PlannedChange& change, ExchangePrinter& printer) {
+    const NamedOutput& output = change.Output;
+    DrivenOutput driven = {output.Name, output.Unit, output.Read(), {}};
+    const bool accepted = change.Drive();
+    const Exchanged exchanged = LastExchange(session);
+    try {
+        driven.New = output.Read();
+    } catch (const RuntimeFailure&) {
+        printer.Print(exchanged, driven);
+        throw;
+    }
+    printer.Print(exchanged, driven);
+    return accepted;
 }
 
 // The number of commands that were not accepted.
-int Run(Session& session, const std::vector<Drive>& drives, ExchangePrinter& printer) {
+int Run(const Session& session, const std::vector<PlannedChange>& changes, ExchangePrinter& printer) {
     int failed = 0;
-    for (const Drive& drive : drives) {
-        failed += drive() ? 0 : 1;
-        PrintExchange(session, printer);
-    }
+    for (const PlannedChange& change : changes)
+        failed += Run(session, change, printer) ? 0 : 1;
     return failed;
 }
 
@@ -119,10 +139,10 @@ int DriveOutputs(Session& session, const Contact& contact, const std::vector<Out
         PrintNote("The module does not tell which of its ports are outputs. Try again.");
         return ExitNotAccepted;
     }
-    std::vector<Drive> drives;
+    std::vector<PlannedChange> planned;
     try {
         for (const OutputChange& change : changes)
-            drives.push_back(PlannedDrive(session, *outputs, change));
+            planned.push_back(Planned(session, *outputs, change));
     } catch (const RuntimeFailure& failure) {
         PrintNote(failure.what()); // a wrong value, not a failure of the line
         return ExitWrongUse;
@@ -130,7 +150,7 @@ int DriveOutputs(Session& session, const Contact& contact, const std::vector<Out
     ExchangePrinter printer(json);
     int failed = 0;
     try {
-        failed = Run(session, drives, printer);
+        failed = Run(session, planned, printer);
     } catch (const RuntimeFailure&) {
         printer.Close();
         throw;
@@ -138,14 +158,15 @@ int DriveOutputs(Session& session, const Contact& contact, const std::vector<Out
     printer.Close();
     if (failed > 0)
         PrintNote("The module did not accept " + std::to_string(failed) + " of " +
-                  std::to_string(drives.size()) + (drives.size() == 1 ? " command." : " commands."));
+                  std::to_string(planned.size()) + (planned.size() == 1 ? " command." : " commands."));
     return failed > 0 ? ExitNotAccepted : ExitSuccess;
 }
 
 void AddOutputOptions(QCommandLineParser& parser) {
     parser.setApplicationDescription(
         "Drives outputs of the module at ADDRESS, in the order in which they are given, and prints each\n"
-        "command with its reply. ADDRESS 0 is the module that is in its initialisation state.\n\n"
+        "command with its reply, and what the module tells of the output before and after it. Nothing is\n"
+        "asked. ADDRESS 0 is the module that is in its initialisation state.\n\n"
         "Outputs by model, and what can be given:\n" +
         QString::fromStdString(OutputsHelp()) +
         "\nExit codes: 0 every command was accepted, 2 wrong use (nothing was driven), 3 port trouble,\n"
@@ -153,7 +174,7 @@ void AddOutputOptions(QCommandLineParser& parser) {
     AddContactOptions(parser);
     parser.addPositionalArgument("OUTPUT=VALUE", "An output and what it is to become.", "[OUTPUT=]VALUE...");
     parser.addOption({"json", "Print a JSON array with an object for each command: \"command\", \"reply\", "
-                              "\"complete\" and \"baud\"."});
+                              "\"complete\", \"baud\", \"old\" and \"new\"."});
 }
 
 CommandAction PrepareOutput(const QCommandLineParser& parser) {

@@ -14,8 +14,9 @@ struct OutputChange {
     std::string Value;
 };
 
-/// Drives outputs of a module on the open port, in order, and prints each command with its reply. Nothing is
-/// driven when one of the changes is not possible. Returns the exit code.
+/// Drives outputs of a module on the open port, in order, and prints each command with its reply and what the
+/// output stood at before and stands at now. Nothing is driven when one of the changes is not possible.
+/// Returns the exit code.
 int DriveOutputs(Session& session, const Contact& contact, const std::vector<OutputChange>& changes,
                  bool json);
 
