@@ -4,9 +4,14 @@
 #include "link/printable.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
+#include "sim/alarm_input_module.h"
+#include "sim/digital_module.h"
 #include "sim/module_factory.h"
+#include "sim/port_module.h"
+#include "sim/voltage_output_module.h"
 
 #include <algorithm>
+#include <charconv>
 #include <iterator>
 #include <sstream>
 #include <utility>
@@ -50,18 +55,57 @@ SimulatedModule& Named(const SimulatedLine& line, const std::string& name) {
     return *line.Modules()[static_cast<std::size_t>(*number)];
 }
 
-Lines PutOff(SimulatedLine& line, const std::string& name) {
-    Named(line, name).PowerDown();
+Lines PutOff(SimulatedLine& line, const Lines& given) {
+    Named(line, given.front()).PowerDown();
     return {"ok"};
 }
 
 template <PowerOn State>
-Lines PutOn(SimulatedLine& line, const std::string& name) {
-    Named(line, name).PowerUp(State);
+Lines PutOn(SimulatedLine& line, const Lines& given) {
+    Named(line, given.front()).PowerUp(State);
     return {"ok"};
 }
 
-Lines AddNew(SimulatedLine& line, const std::string& model) {
+double Value(const std::string& text) {
+    const char* const begin = text.data() + (text.starts_with('+') ? 1 : 0);
+    const char* const end = text.data() + text.size();
+    double value = 0;
+    const auto [stop, error] = std::from_chars(begin, end, value, std::chars_format::fixed);
+    if (error != std::errc() || stop != end)
+        throw RuntimeFailure("'" + text + "' is no value; give a number, with a decimal point.");
+    return value;
+}
+
+Lines HoldSignal(SimulatedLine& line, const Lines& given) {
+    auto* const input = dynamic_cast<CalibratedInput*>(&Named(line, given.front()));
+    if (!input)
+        throw RuntimeFailure("Module " + given.front() + " has no analog inputs.");
+    input->HeldSignal = given.size() > 1 ? std::optional(Value(given[1])) : std::nullopt;
+    return {"ok"};
+}
+
+template <class... Models>
+std::optional<unsigned>* HeldInputsOf(SimulatedModule& module) {
+    std::optional<unsigned>* held = nullptr;
+    const auto look = [&](auto* model) { held = model ? &model->HeldInputs : held; };
+    (look(dynamic_cast<Models*>(&module)), ...);
+    return held;
+}
+
+Lines HoldLevels(SimulatedLine& line, const Lines& given) {
+    SimulatedModule& module = Named(line, given.front());
+    auto* const held = HeldInputsOf<DigitalModule, PortModule, AlarmInputModule, VoltageOutputModule>(module);
+    if (!held)
+        throw RuntimeFailure("Module " + given.front() + " has no digital inputs.");
+    const auto word = HexNumber(given.back());
+    if (given.size() > 1 && !word)
+        throw RuntimeFailure("'" + given[1] + "' is no word of levels; give 1 to 8 hexadecimal digits.");
+    *held = given.size() > 1 ? word : std::nullopt;
+    return {"ok"};
+}
+
+Lines AddNew(SimulatedLine& line, const Lines& given) {
+    const std::string& model = given.front();
     if (!IsSimulatedModel(model))
         throw RuntimeFailure("There is no model " + model + "; give one such as 8250.");
     line.Add(MakeModule(FactorySettings(model))).PowerUp(PowerOn::Initialising);
@@ -74,7 +118,7 @@ const char* StateOf(const SimulatedModule& module) {
     return module.Settings.Initialisation ? "init" : "on";
 }
 
-Lines List(SimulatedLine& line, const std::string& /*name*/) {
+Lines List(SimulatedLine& line, const Lines& /*given*/) {
     Lines lines;
     for (const auto& module : line.Modules()) {
         const ModuleSettings& settings = module->Settings;
@@ -89,16 +133,18 @@ Lines List(SimulatedLine& line, const std::string& /*name*/) {
 
 struct ControlCommand {
     std::string_view Word;
-    std::size_t Names; // words that follow
-    Lines (*Do)(SimulatedLine& line, const std::string& name);
+    std::size_t Least, Most; // words that follow
+    Lines (*Do)(SimulatedLine& line, const Lines& given);
 };
 
 constexpr ControlCommand ControlCommands[] = {
-    {"off", 1, PutOff},
-    {"on", 1, PutOn<PowerOn::Normal>},
-    {"init", 1, PutOn<PowerOn::Initialising>},
-    {"new", 1, AddNew},
-    {"list", 0, List},
+    {"off", 1, 1, PutOff},
+    {"on", 1, 1, PutOn<PowerOn::Normal>},
+    {"init", 1, 1, PutOn<PowerOn::Initialising>},
+    {"signal", 1, 2, HoldSignal},
+    {"level", 1, 2, HoldLevels},
+    {"new", 1, 1, AddNew},
+    {"list", 0, 0, List},
 };
 
 Lines Words(std::string_view text) {
@@ -109,11 +155,12 @@ Lines Words(std::string_view text) {
 Lines Do(SimulatedLine& line, std::string_view text) {
     const Lines words = Words(text);
     for (const ControlCommand& command : ControlCommands)
-        if (words.size() == 1 + command.Names && words.front() == command.Word)
-            return command.Do(line, words.back());
-    throw RuntimeFailure("\"" + std::string(text) +
-                         "\" is not understood; there are off, on and init with an address or #number, new "
-                         "with a model, and list.");
+        if (words.size() > command.Least && words.size() <= 1 + command.Most && words.front() == command.Word)
+            return command.Do(line, {words.begin() + 1, words.end()});
+    throw RuntimeFailure(
+        "\"" + std::string(text) +
+        "\" is not understood; there are off, on and init with an address or #number, signal "
+        "and level with the same and what is held, new with a model, and list.");
 }
 
 } // namespace

@@ -8,10 +8,12 @@
 
 namespace kavro {
 
-/// Carries out one line of kavrosim's control: "off MODULE", "on MODULE", "init MODULE", "new MODEL" or
-/// "list". MODULE is its own address, where no other module has the same, or "#" and its number on the line,
-/// from 0 in the order in which the modules were added. Returns the lines to print: those of the list, and at
-/// the end "ok", of a new module with its number, or "error: " and why nothing was done.
+/// Carries out one line of kavrosim's control: "off MODULE", "on MODULE", "init MODULE", "signal MODULE
+/// VALUE" (held at the analog inputs, in the unit of the range), "level MODULE WORD" (held at the digital
+/// inputs, hexadecimal), both without what is held to let them move again, "new MODEL" or "list". MODULE is
+/// its own address, where no other module has the same, or "#" and its number on the line, from 0 in the
+/// order in which the modules were added. Returns the lines to print: those of the list, and at the end "ok",
+/// of a new module with its number, or "error: " and why nothing was done.
 std::vector<std::string> ControlAnswer(SimulatedLine& line, std::string_view command);
 
 /// The control of a line by text that comes in pieces. The line must outlive it.

@@ -36,5 +36,26 @@ TEST(LineControl, AnswersEveryLine) {
     EXPECT_FALSE(line.Modules()[2]->Settings.Initialisation);
 }
 
+TEST(LineControl, HoldsSignalsAndLevels) {
+    SimulatedLine line;
+    for (const auto& [model, address] : {std::pair{"8250", 5}, {"8210", 1}, {"8460", 15}, {"8310", 8}})
+        line.Add(MakeModule(model, address));
+    const std::pair<const char*, const char*> steps[] = {{"signal 5 -2.5", "ok"},
+                                                         {"level 15 A50000", "ok"},
+                                                         {"level 1 1", "ok"},
+                                                         {"signal 5 2,5", "error: '2,5'"},
+                                                         {"level 15 2G", "error: '2G'"},
+                                                         {"signal 8 1", "error: Module 8 has"},
+                                                         {"level 5 1", "error: Module 5 has"},
+                                                         {"signal", "error: \"signal\""}};
+    for (const auto& [text, start] : steps)
+        EXPECT_TRUE(ControlAnswer(line, text).front().starts_with(start)) << text;
+    EXPECT_EQ(line.ModuleAt(5).Hear("#052", 9600, 0), ">-02.500");
+    EXPECT_EQ(line.ModuleAt(15).Hear("$158", 9600, 0).value_or("").substr(0, 3), "!A5");
+    EXPECT_EQ(line.ModuleAt(1).Hear("@01DI", 9600, 0), "!0100001");
+    ControlAnswer(line, "signal 5");
+    EXPECT_NE(line.ModuleAt(5).Hear("#052", 9600, 0), ">-02.500") << "it moves again";
+}
+
 } // namespace
 } // namespace kavro
