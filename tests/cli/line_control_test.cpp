@@ -51,7 +51,7 @@ TEST(LineControl, HoldsSignalsAndLevels) {
     for (const auto& [text, start] : steps)
         EXPECT_TRUE(ControlAnswer(line, text).front().starts_with(start)) << text;
     EXPECT_EQ(line.ModuleAt(5).Hear("#052", 9600, 0), ">-02.500");
-    EXPECT_EQ(line.ModuleAt(15).Hear("$158", 9600, 0).value_or("").substr(0, 3), "!A5");
+    EXPECT_EQ(line.ModuleAt(15).Hear("$0F8", 9600, 0).value_or("").substr(0, 3), "!A5");
     EXPECT_EQ(line.ModuleAt(1).Hear("@01DI", 9600, 0), "!0100001");
     ControlAnswer(line, "signal 5");
     EXPECT_NE(line.ModuleAt(5).Hear("#052", 9600, 0), ">-02.500") << "it moves again";
