@@ -7,9 +7,6 @@
 
 namespace kavro {
 
-namespace {
-
-// As the file has it, then as the list has it, then at the same rate with the other checksum setting.
 Contact KnownContact(const SavedModule& module, const Contact& listed) {
     const SendSettings saved = SavedWay(module);
     if (listed.Address == 0)
@@ -22,6 +19,8 @@ Contact KnownContact(const SavedModule& module, const Contact& listed) {
             contact.Ways.push_back(way);
     return contact;
 }
+
+namespace {
 
 // Those modules that were silent so far.
 struct Search {
