@@ -4,6 +4,7 @@
 #include "diag/monitor_form.h"
 #include "link/network_address.h"
 #include "link/runtime_failure.h"
+#include "loop/loop_start_form.h"
 #include "ports/append_file.h"
 #include "ports/check_json.h"
 #include "ports/map_reader.h"
@@ -78,6 +79,7 @@ DialogOpeners Program::Openers() {
     };
     openers.Report = [this](QWidget* parent) { ShowReport(parent); };
     openers.Replace = [this](QWidget* parent) { ReplaceForm(session_, messages_, parent).exec(); };
+    openers.LoopCheck = [this](QWidget* parent) { CheckLoops(session_, messages_, UserName(), parent); };
     openers.BackUp = [this](QWidget* parent) { BackUpToFile(session_, messages_, parent); };
     openers.Compare = [this](QWidget* parent) { CompareWithFile(session_, messages_, parent); };
     openers.Restore = [this](QWidget* parent) { RestoreFromFile(session_, messages_, parent); };

@@ -38,6 +38,7 @@ struct DialogOpeners {
     std::function<void(QWidget* parent)> Report = [](QWidget*) {};
     /// May add an entry to the list, or change one.
     std::function<void(QWidget* parent)> Replace = [](QWidget*) {};
+    std::function<void(QWidget* parent)> LoopCheck = [](QWidget*) {};
     /// The operations on a line file; each asks for the file.
     std::function<void(QWidget* parent)> BackUp = [](QWidget*) {};
     std::function<void(QWidget* parent)> Compare = [](QWidget*) {};
@@ -108,6 +109,7 @@ private:
     void Calibration();
     void Tags();
     void Replace();
+    void LoopCheck();
     void AskBeforeDriving();
     void About();
     void Help();

@@ -35,6 +35,7 @@ void KavroForm::BuildMenus() {
     AddItem(*operation, "mnuTags", "Ta&gs...", &KavroForm::Tags, Qt::Key_F2);
     device_->addActions(operation->actions());
     AddItem(*operation, "mnuReplace", "&Replace Module...", &KavroForm::Replace);
+    AddItem(*operation, "mnuLoopCheck", "&Loop Check...", &KavroForm::LoopCheck);
     operation->addSeparator();
     askBeforeDriving_ = AddItem(*operation, "mnuAskBeforeDriving", "Ask &Before Outputs Are Driven",
                                 &KavroForm::AskBeforeDriving);
@@ -67,6 +68,10 @@ void KavroForm::AskBeforeDriving() {
 
 void KavroForm::Report() {
     openers_.Report(this);
+}
+
+void KavroForm::LoopCheck() {
+    openers_.LoopCheck(this);
 }
 
 } // namespace kavro
