@@ -8,6 +8,7 @@
 #include "cli/config_command.h"
 #include "cli/interrupt.h"
 #include "cli/listen_command.h"
+#include "cli/loop_check_command.h"
 #include "cli/monitor_command.h"
 #include "cli/output_command.h"
 #include "cli/read_command.h"
@@ -46,6 +47,8 @@ constexpr Subcommand Subcommands[] = {
     {"restore", "Write the settings of a file back to the line.", 1, AddRestoreOptions, PrepareRestore},
     {"report", "Write the commissioning report of a line from its file.", 2, AddReportOptions, PrepareReport},
     {"replace", "Give a new module the settings of a dead one.", 2, AddReplaceOptions, PrepareReplace},
+    {"loop-check", "Check the channels of a line one by one, with somebody in the field.", 1,
+     AddLoopCheckOptions, PrepareLoopCheck},
     {"output", "Drive outputs of a module.", INT_MAX, AddOutputOptions, PrepareOutput},
     {"listen", "Show what another master says, and send nothing.", 0, AddListenOptions, PrepareListen},
     {"traffic", "Print a recording of a line in words.", 1, AddTrafficOptions, PrepareTraffic, false},
@@ -129,7 +132,7 @@ CommandAction Prepare(const QStringList& arguments) {
 } // namespace
 
 bool NeedsFonts(std::string_view command) {
-    return command == "report";
+    return command == "report" || command == "loop-check";
 }
 
 int RunKavroctl(const QStringList& arguments) {

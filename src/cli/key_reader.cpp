@@ -1,0 +1,88 @@
+#include "cli/key_reader.h"
+
+#ifndef _WIN32
+#include <poll.h>
+#include <termios.h>
+#include <unistd.h>
+#endif
+
+namespace kavro {
+
+namespace {
+
+constexpr char EscapeKey = '\x1B', BackspaceKey = '\x7F';
+
+bool ContinuesCharacter(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
+
+} // namespace
+
+#ifndef _WIN32
+
+struct KeyReader::Terminal {
+    termios Before{};
+};
+
+bool IsAtTerminal() {
+    return isatty(STDIN_FILENO) != 0 && isatty(STDERR_FILENO) != 0;
+}
+
+KeyReader::KeyReader() : terminal_(std::make_unique<Terminal>()) {
+    tcgetattr(STDIN_FILENO, &terminal_->Before);
+    termios keys = terminal_->Before;
+    keys.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
+    keys.c_cc[VSUSP] = _POSIX_VDISABLE; // stopped it could not put outputs back
+    keys.c_cc[VMIN] = 1;
+    keys.c_cc[VTIME] = 0;
+    tcsetattr(STDIN_FILENO, TCSANOW, &keys);
+}
+
+KeyReader::~KeyReader() {
+    tcsetattr(STDIN_FILENO, TCSANOW, &terminal_->Before);
+}
+
+std::optional<char> KeyReader::Next(int milliseconds) {
+    pollfd wait = {STDIN_FILENO, POLLIN, 0};
+    if (poll(&wait, 1, milliseconds) <= 0)
+        return std::nullopt;
+    char key = 0;
+    return read(STDIN_FILENO, &key, 1) == 1 ? key : EndKey;
+}
+
+#else
+
+struct KeyReader::Terminal {};
+
+bool IsAtTerminal() {
+    return false;
+}
+
+KeyReader::KeyReader() = default;
+KeyReader::~KeyReader() = default;
+
+std::optional<char> KeyReader::Next(int /*milliseconds*/) {
+    return EndKey;
+}
+
+#endif
+
+bool TypedLine::Take(char key) {
+    if (key == '\r' || key == '\n')
+        return true;
+    if (key == EscapeKey || key == EndKey) {
+        GivenUp = true;
+        return true;
+    }
+    if (key == BackspaceKey || key == '\b') {
+        while (!Text.empty() && ContinuesCharacter(Text.back()))
+            Text.pop_back();
+        if (!Text.empty())
+            Text.pop_back();
+    } else if (static_cast<unsigned char>(key) >= ' ') {
+        Text += key;
+    }
+    return false;
+}
+
+} // namespace kavro
