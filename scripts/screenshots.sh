@@ -118,6 +118,33 @@ LINE
     finish
 }
 
+# A loop check of an input of the demo line, whose signal moves, and of an output.
+loop_windows() {
+    cat >"$work/boiler.kavro.json" <<'LINE'
+{"format": "kavro-line", "version": 1, "name": "Boiler house", "modules": [
+  {"address": 5, "model": "8250", "settings": {"channels": [0, 2]},
+   "channels": {"0": {"tag": "TT-101"}, "2": {"tag": "TT-102", "note": "behind the pump"}}},
+  {"address": 8, "model": "8310", "tag": "TV-103", "settings": {}}, {"address": 10, "model": "8410", "settings": {}}]}
+LINE
+    begin
+    open l
+    xdotool type "$work/boiler.kavro.json"
+    press Return
+    sleep 1
+    shot "loop-begin$1"
+    press alt+d
+    sleep 5
+    shot "loop-input$1"
+    press p p
+    sleep 2
+    press p
+    sleep 2
+    shot "loop-check$1"
+    press Escape
+    sleep 1
+    finish
+}
+
 # The windows of the whole line; SUFFIX tells light from dark.
 line_windows() {
     begin
@@ -248,7 +275,9 @@ mkdir -p "$shots"
 line_windows ""
 module_windows ""
 replace_windows ""
+loop_windows ""
 dark_theme
 line_windows "-dark"
 replace_windows "-dark"
+loop_windows "-dark"
 [ "$shots" = "$documents" ] || module_windows "-dark"
