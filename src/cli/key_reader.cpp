@@ -1,6 +1,8 @@
 #include "cli/key_reader.h"
 
 #ifndef _WIN32
+#include <csignal>
+
 #include <poll.h>
 #include <termios.h>
 #include <unistd.h>
@@ -22,6 +24,7 @@ bool ContinuesCharacter(char byte) {
 
 struct KeyReader::Terminal {
     termios Before{};
+    void (*BeforeHangup)(int) = SIG_DFL;
 };
 
 bool IsAtTerminal() {
@@ -36,10 +39,12 @@ KeyReader::KeyReader() : terminal_(std::make_unique<Terminal>()) {
     keys.c_cc[VMIN] = 1;
     keys.c_cc[VTIME] = 0;
     tcsetattr(STDIN_FILENO, TCSANOW, &keys);
+    terminal_->BeforeHangup = std::signal(SIGHUP, SIG_IGN); // a terminal that is closed ends the input
 }
 
 KeyReader::~KeyReader() {
     tcsetattr(STDIN_FILENO, TCSANOW, &terminal_->Before);
+    std::signal(SIGHUP, terminal_->BeforeHangup);
 }
 
 std::optional<char> KeyReader::Next(int milliseconds) {

@@ -19,7 +19,8 @@ public:
     KeyReader(const KeyReader&) = delete;
     KeyReader& operator=(const KeyReader&) = delete;
 
-    /// The next byte typed; nothing when none comes for so long. At the end of the input '\x04', as Ctrl+D.
+    /// The next byte typed; nothing when none comes for so long. At the end of the input, as of a
+    /// terminal that was closed, `EndKey`.
     std::optional<char> Next(int milliseconds);
 
 private:

@@ -141,29 +141,26 @@ private:
     void ShowLine(const LoopCheck& check) {
         if (check.Over())
             return;
-        const std::string text =
-            "    [ " + check.View().Value + " ]   " +
-            (portFailure_.empty() ? check.View().Notice : portFailure_ + " Trying again.");
+        const std::string text = "    [ " + check.View().Value + " ]   " + check.View().Notice;
         line_.Write(text.substr(0, LineWidth));
     }
 
     // A port that fails is told, and opened again as soon as it is there.
     void Step(LoopCheck& check) {
         if (!recovery_.Ready())
-            return;
+            return check.Lost(portFailure_);
         try {
             const LineWorkScope scope(session_);
             if (recovery_.Attempt([&] {
                     OpenPort(session_.Line);
                     check.Step(session_);
-                })) {
+                }))
                 recovery_.Succeeded();
-                portFailure_.clear();
-            }
         } catch (const Interruption&) {
             throw;
         } catch (const RuntimeFailure& failure) {
             portFailure_ = failure.what();
+            check.Lost(portFailure_);
         }
     }
 
@@ -249,7 +246,7 @@ private:
     KeyReader keys_;
     TerminalLine line_;
     LineRecovery recovery_{session_.Line, [](bool) {}};
-    std::string portFailure_;
+    std::string portFailure_; // of an outage
 };
 
 } // namespace

@@ -25,8 +25,10 @@ constexpr Todo Todos[] = {
      "Press the contact, or switch the signal, at the field end. When it came through, press P."},
     {LoopKind::Counter, "Let pulses come, of a counter that is started. When they are counted, press P."},
     {LoopKind::Frequency, "Apply a frequency at the field end. When the value is right, press P."},
-    {LoopKind::AnalogOutput, "Look what the device in the field shows. If it is this, press P."},
-    {LoopKind::DigitalOutput, "Look what the device in the field does. If it is this, press P."},
+    {LoopKind::AnalogOutput,
+     "What does the device in the field show? This: press P. Anything else: N to note it, then F."},
+    {LoopKind::DigitalOutput,
+     "What does the device in the field do? This: press P. Anything else: N to note it, then F."},
 };
 
 // Percent of the range at which an analog output is looked at.
@@ -175,6 +177,13 @@ void LoopCheck::Trouble(const std::string& text) {
     view_.Value = "-";
     view_.Notice = text;
     nextTry_ = session_->Line.Time().Microseconds() + RetryUs;
+}
+
+void LoopCheck::Lost(const std::string& why) {
+    if (Over())
+        return;
+    Trouble(why + " Trying again.");
+    nextTry_ = 0;
 }
 
 bool LoopCheck::InWork(const LoopPoint& point) const {

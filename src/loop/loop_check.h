@@ -75,6 +75,8 @@ public:
     /// Puts back what is due, then reads the channel in work, or drives it. `session` has its own list,
     /// within a `LineWorkScope`.
     void Step(Session& session);
+    /// The port has failed, so that nothing is known of the channel until the next step. `why`: a sentence.
+    void Lost(const std::string& why);
     /// Puts back every output that is driven; true when none is left. For the end.
     bool PutAllBack(Session& session);
     /// "TV-3 (was 4.000)" of each output that could not be put back so far; that is tried again.

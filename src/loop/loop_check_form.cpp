@@ -178,6 +178,8 @@ void LoopCheckForm::Tick() {
     running_ = true;
     if (recovery_.Ready())
         StepOnce(session_);
+    else
+        check_.Lost(portFailure_);
     running_ = false;
     if (closing_)
         return Leave();
@@ -196,6 +198,7 @@ void LoopCheckForm::StepOnce(kavro::Session& session) {
             throw;
         } catch (const RuntimeFailure& failure) {
             portFailure_ = failure.what();
+            check_.Lost(portFailure_);
             return false;
         }
     };
@@ -318,11 +321,8 @@ void LoopCheckForm::ShowView() {
     notice_->setText(Text(view.Notice));
     notice_->SetTint(TintOf(view.Mood));
     todo_->setText(Text(view.Todo));
-    std::string trouble = portFailure_.empty() ? "" : portFailure_ + " Trying again.";
-    if (const auto left = check_.NotPutBack(); !left.empty())
-        trouble += (trouble.empty() ? "" : "\n") + std::string("Not put back yet, tried again: ") +
-                   Listed(left) + ".";
-    trouble_->setText(Text(trouble));
+    const auto left = check_.NotPutBack();
+    trouble_->setText(left.empty() ? "" : "Not put back yet, tried again: " + Text(Listed(left)) + ".");
 }
 
 } // namespace kavro
