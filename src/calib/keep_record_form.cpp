@@ -99,7 +99,9 @@ Choice Ask(QWidget* parent, const std::string& failure) {
 }
 
 void Tell(Session& session, const std::string& text) {
-    session.Note += (session.Note.empty() ? "" : " ") + text;
+    if (!session.Note.empty())
+        session.Note += ' ';
+    session.Note += text;
 }
 
 // Nobody can be asked: better in a place that was not chosen than nowhere.

@@ -21,6 +21,7 @@ namespace kavro {
 namespace {
 
 constexpr int LabelColumn = 0, EntryColumn = 1, BehindColumn = 2;
+constexpr int EntryColumns = 32;  // of text
 constexpr int LongestEntry = 200; // characters; a page has room for it
 constexpr int NoteLines = 2;
 constexpr double ColdestAmbient = -90, HottestAmbient = 100; // degrees C
@@ -57,10 +58,11 @@ RecordBox::RecordBox(Session& session, Messages& messages, QWidget* parent)
     panel_ = Named(new QWidget, "RecordPanel", {});
     rows_ = new QGridLayout(panel_);
     rows_->setContentsMargins({});
+    rows_->setColumnStretch(EntryColumn, 1);
     operator_ = AddEntry("Operator", "O&perator:", Or(last.Operator, session.UserName));
     instrument_ = AddEntry("Instrument", "Reference &instrument:", last.Instrument);
     due_ = AddEntry("InstrumentDue", "Instrument &due:", last.InstrumentDue);
-    due_.Line->setPlaceholderText("year-month-day, as " + QDate::currentDate().toString("yyyy-MM-dd"));
+    due_.Line->setPlaceholderText("year-month-day");
     connect(due_.Line, &QLineEdit::textChanged, this, [this] { TellOfDue(); });
     ambient_ = AddEntry("Ambient", "&Ambient temperature:", {}, "\u00b0C");
     AddNote();
@@ -89,6 +91,7 @@ RecordBox::Entry RecordBox::AddEntry(const char* name, const QString& label, con
     Entry entry{Named(new QLineEdit(Shown(text)), name, behind.isEmpty() ? spoken : spoken + " in " + behind),
                 new Note(QString(name) + "Note", *panel_)};
     entry.Line->setMaxLength(LongestEntry);
+    entry.Line->setMinimumWidth(entry.Line->fontMetrics().averageCharWidth() * EntryColumns);
     auto* shown = new QLabel(label);
     shown->setBuddy(entry.Line);
     const int row = rows_->rowCount();

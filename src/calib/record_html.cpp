@@ -27,14 +27,19 @@ std::string Style(int points) {
            "h1 { " +
            size(points + 8) + "margin-bottom: 8px; }\np.result { " + size(points + 4) +
            "font-weight: bold; }\n"
-           "p.aborted { font-weight: bold; border: 2px solid #000000; padding: 4px; }\n"
+           "p.aborted { font-weight: bold; }\n"
            "table { border-collapse: collapse; border-color: #808080; }\n"
            "th { background-color: #e6e6e6; }\ntd, th { " +
            size(points - 1) + "vertical-align: top; }\n";
 }
 
+// Ends of lines count as long lines do: they need room, too.
 std::string Shortened(const std::string& text, std::size_t characters) {
-    const std::string start = FirstCharacters(text, characters);
+    constexpr std::size_t LineCharacters = 40;
+    std::size_t lines = 0, end = 0;
+    while (end < text.size() && lines <= characters / LineCharacters)
+        lines += text[end++] == '\n' ? 1 : 0;
+    const std::string start = FirstCharacters(text.substr(0, end), characters);
     return start.size() == text.size() ? text : start + "... (the JSON file has the rest)";
 }
 
@@ -72,7 +77,7 @@ std::string FactsTable(const CalibrationRecord& record, std::size_t characters) 
         {"Instrument due", DueText(record)},
         {"Ambient temperature", entries.Ambient.empty() ? NotGiven : entries.Ambient + " \u00b0C"},
         {"Note", Shortened(entries.Note, characters)},
-        {"Left as", Shortened(record.LeftAs, characters)},
+        {"Left as", record.Aborted ? "" : Shortened(record.LeftAs, characters)},
         {"Program", std::string(ApplicationTitle) + ", version " + ProductVersion}};
     std::erase_if(facts, [](const auto& fact) { return fact.second.empty(); });
     return HtmlFacts(facts);
@@ -100,8 +105,8 @@ std::string Shown(const std::optional<double>& number, int decimals) {
 std::vector<std::string> PointRow(const CalibrationRecord& record, const CalibrationPoint& point,
                                   std::size_t characters) {
     const int decimals = DecimalsOf(point);
-    std::vector<std::string> row = {Shortened(point.What, characters), Shown(point.Signal, decimals),
-                                    point.Unit, point.Source};
+    std::vector<std::string> row = {Shortened(point.What, characters), point.Source,
+                                    Shown(point.Signal, decimals) + " " + point.Unit};
     for (const auto& measured : {point.AsFound, point.AsLeft}) {
         const auto error = ErrorOf(point, measured);
         row.push_back(Shown(measured, decimals));
@@ -121,17 +126,16 @@ std::string PointsTable(const CalibrationRecord& record, const RecordFit& fit) {
     for (std::size_t i = 0; i < shown; ++i)
         rows.push_back(PointRow(record, record.Points[i], fit.Characters));
     std::string html = HtmlTable({{"Point", 12},
-                                  {"Signal", 9},
-                                  {"Unit", 7},
                                   {"Read by", 9},
-                                  {"As found", 10},
-                                  {"Error", 9},
-                                  {"% of full scale", 9},
-                                  {"As left", 10},
-                                  {"Error", 9},
-                                  {"% of full scale", 9},
-                                  {"Stored"},
-                                  {"Result"}},
+                                  {"Signal", 10},
+                                  {"As found", 9},
+                                  {"Error", 8},
+                                  {"% of full scale", 8},
+                                  {"As left", 9},
+                                  {"Error", 8},
+                                  {"% of full scale", 8},
+                                  {"Stored", 10},
+                                  {"Result", 9}},
                                  rows);
     if (shown < record.Points.size())
         html += "<p>... and " + std::to_string(record.Points.size() - shown) +

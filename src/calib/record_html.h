@@ -15,9 +15,9 @@ struct RecordFit {
 };
 
 /// From all of it on to what fits on one page whatever the record has. What is first shortened is the size of
-/// the letters.
-inline constexpr RecordFit RecordFits[] = {{10, 10000, 1000}, {9, 10000, 1000}, {8, 10000, 1000},
-                                           {8, 1200, 24},     {8, 300, 20},     {8, 60, 12}};
+/// the letters. No page has room for more than the first has, and it is laid out in a moment.
+inline constexpr RecordFit RecordFits[] = {{10, 3000, 60}, {9, 3000, 60}, {8, 3000, 60},
+                                           {8, 1000, 24},  {8, 200, 16},  {7, 40, 6}};
 
 /// A record as an HTML document for one page, in black and white, of what Qt's rich text understands. Numbers
 /// have a point, as in every file.
