@@ -102,6 +102,35 @@ TEST(LineFileText, KeepsTagsWhenTheLineIsReadAgain) {
     EXPECT_EQ(LostFrom(before, file), Lines{"The TT-100, 8250 at address 5 (05H) is no longer in the list."});
 }
 
+// Whatever writes the file: records stay, newer ones too.
+TEST(LineFileText, KeepsTheHistoryOfAModule) {
+    TestFolder folder;
+    WorkOnLine line(EachFamily());
+    const std::string record = R"({"format": "kavro-calibration", "version": 9, "full_scale": 10.50})";
+    const std::string history =
+        "},\n      \"history\": [\n        " + record + "\n      ],\n      \"cabinet\"";
+    const std::string path = folder.Write("h", Replaced("},\n      \"cabinet\"", history));
+    EXPECT_EQ(LineFileText(LoadLineFile(path)), folder.Read("h"));
+    LineFile again = ReadLineFileText(Replaced("\"08\"", "\"09\""));
+    KeepWhatIsTheUsers(again, LoadLineFile(path));
+    EXPECT_EQ(again.Modules[0].History, Lines{record});
+    ShowTagsOf(line.Session, path, LoadLineFile(path));
+    line.Session.Tags.Keep(5, line.Session.Tags.Modules.at(5));
+    line.Session.Tags.AppendHistory(5, "8250", R"({"result": "pass"})");
+    EXPECT_EQ(LoadLineFile(path).Modules[0].History, (Lines{record, R"({"result": "pass"})"}));
+    const std::tuple<std::int16_t, const char*, const char*> wrongs[] = {
+        {5, "8260", "has a 8250 at address 5 (05H) and not a 8260"}, {6, "8250", "no longer has a module"}};
+    for (const auto& [address, model, told] : wrongs)
+        EXPECT_TRUE(
+            Contains(FailureText([&] { line.Session.Tags.AppendHistory(address, model, "{}"); }), told));
+    for (const char* wrong : {"1", "[1]"})
+        EXPECT_TRUE(Contains(FailureText([&] {
+                                 ReadLineFileText(Replaced("\"cabinet\"",
+                                                           std::string("\"history\": ") + wrong + ", \"x\""));
+                             }),
+                             "line 25: "));
+}
+
 TEST(OpenLineFile, ChangesTagsAndNothingElse) {
     TestFolder folder;
     WorkOnLine line(EachFamily());

@@ -36,17 +36,19 @@ TEST(LineReport, HasEachModuleTagNoteSettingAndFinding) {
     SavedModule& module = *ModuleIn(file, 5);
     module.Tags = {"TT-<5>", "Behind the door\n& left"};
     module.Channels[2].Tags = {"TT-102", "spare"};
+    module.History = {R"({"ended": "2026-03-02T14:20:31Z", "operator": "A. <Roe>", "result": "fail"})", "{}"};
     std::erase_if(module.Settings, [](const SavedSetting& each) { return each.Name == "channels"; });
     const std::string html =
         ReportHtml(file, ReadCheckText(Check), {"/tmp/a", "COM1: x", "2026-03-02", "J. Doe"});
     ASSERT_GT(file.Modules.size(), 10U);
     for (const SavedModule& each : file.Modules)
         EXPECT_TRUE(Contains(html, each.Model + " at address " + std::to_string(each.Address) + " ("));
-    ExpectPieces(html, {"<title>Boiler &amp; Co: commissioning report</title>", "J. Doe",
-                        "<h2>TT-&lt;5&gt;, 8250 at address 5 (05H)</h2>",
-                        "<p>Behind the door<br>&amp; left</p>", ">2</td><td align=\"left\">TT-102</td>",
-                        "Enabled channels</td><td align=\"left\">not told</td>",
-                        "A reply is &lt;damaged&gt;.", "The whole line", "2 findings"});
+    ExpectPieces(html,
+                 {"<title>Boiler &amp; Co: commissioning report</title>", "J. Doe",
+                  "<h2>TT-&lt;5&gt;, 8250 at address 5 (05H)</h2>", "<p>Behind the door<br>&amp; left</p>",
+                  ">2</td><td align=\"left\">TT-102</td>",
+                  "Enabled channels</td><td align=\"left\">not told</td>", "2026-03-02 14:20:31 UTC",
+                  "A. &lt;Roe&gt;", "fail", "A reply is &lt;damaged&gt;.", "The whole line", "2 findings"});
 }
 
 TEST(LineReport, ADamagedCheckIsToldWithItsLine) {
