@@ -56,7 +56,7 @@ std::string DueText(const CalibrationRecord& record) {
 
 std::string ToleranceText(const CalibrationRecord& record) {
     const double percent = record.Entries.TolerancePercent;
-    const std::string text = ShortestText(percent) + " % of full scale";
+    std::string text = ShortestText(percent) + " % of full scale";
     if (record.FullScale <= 0)
         return text;
     return text + " (" + ShortestText(record.FullScale) + " " + record.Unit + ")";
