@@ -1,11 +1,11 @@
 #include "loop/loop_report.h"
 
+#include "link/html_text.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
 #include "loop/loop_words.h"
 #include "map/module_access.h"
 #include "map/product.h"
-#include "project/html_text.h"
 
 #include <algorithm>
 #include <set>
