@@ -1,6 +1,7 @@
 #include "loop/point_list_form.h"
 
 #include "ui/named.h"
+#include "ui/read_only_table.h"
 #include "ui/readable_color.h"
 
 #include <QHeaderView>
@@ -11,7 +12,6 @@ namespace {
 
 constexpr int NameColumn = 0, KindColumn = 1, ResultColumn = 2, ColumnTotal = 3;
 constexpr int NameCharacters = 28, KindCharacters = 16, ResultCharacters = 9;
-constexpr int RowRoom = 9; // pixels
 constexpr int Rows = 12;
 
 QColor TintOf(const std::optional<LoopResult>& result, const QPalette& palette) {
@@ -26,14 +26,7 @@ QColor TintOf(const std::optional<LoopResult>& result, const QPalette& palette) 
 PointList::PointList(const LoopRecord& record, std::function<void(int entry)> chosen)
     : QTableWidget(static_cast<int>(record.Entries.size()), ColumnTotal), record_(record) {
     Named(this, "Points", "Channels to be checked");
-    setHorizontalHeaderLabels({"Channel", "Kind", "Result"});
-    verticalHeader()->hide();
-    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + RowRoom);
-    setEditTriggers(NoEditTriggers);
-    setSelectionBehavior(SelectRows);
-    setSelectionMode(SingleSelection);
-    setWordWrap(false);
-    setTabKeyNavigation(false); // Tab goes on to the next control
+    ShowReadOnly(*this, {"Channel", "Kind", "Result"});
     const int character = fontMetrics().averageCharWidth();
     setColumnWidth(NameColumn, character * NameCharacters);
     setColumnWidth(KindColumn, character * KindCharacters);

@@ -4,6 +4,7 @@
 #include "ui/center_form.h"
 #include "ui/make_room.h"
 #include "ui/named.h"
+#include "ui/read_only_table.h"
 #include "ui/usable.h"
 
 #include <QApplication>
@@ -22,7 +23,6 @@ namespace {
 
 constexpr int TableCharacters = 96;
 constexpr int TableRows = 14;
-constexpr int RowRoom = 9;        // pixels
 constexpr int LongestColumn = 40; // characters; the whole text is in the tooltip
 
 struct Column {
@@ -64,19 +64,11 @@ CompareForm::CompareForm(kavro::Session& session, kavro::Messages& messages, con
 
 void CompareForm::BuildTable() {
     table_ = Named(new QTableWidget, "Differences", "What differs between the file and the line");
-    table_->setColumnCount(static_cast<int>(std::size(Columns)));
     QStringList headings;
     for (const Column& column : Columns)
         headings << column.Heading;
-    table_->setHorizontalHeaderLabels(headings);
+    ShowReadOnly(*table_, headings);
     table_->horizontalHeader()->setStretchLastSection(true);
-    table_->verticalHeader()->hide();
-    table_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + RowRoom);
-    table_->setEditTriggers(QTableWidget::NoEditTriggers);
-    table_->setSelectionBehavior(QTableWidget::SelectRows);
-    table_->setSelectionMode(QTableWidget::SingleSelection);
-    table_->setWordWrap(false);
-    table_->setTabKeyNavigation(false); // Tab goes on to the next control
     const QFontMetrics font(table_->font());
     table_->setMinimumSize(font.averageCharWidth() * TableCharacters, font.lineSpacing() * TableRows);
 }

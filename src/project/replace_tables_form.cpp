@@ -2,6 +2,7 @@
 
 #include "map/module_access.h"
 #include "ui/named.h"
+#include "ui/read_only_table.h"
 
 #include <QHeaderView>
 
@@ -10,23 +11,14 @@ namespace kavro {
 namespace {
 
 constexpr int FewestRows = 6; // in sight
-constexpr int RowRoom = 9;    // pixels around the text of a row
 constexpr int AnswerColumn = 3;
 constexpr int WidestColumn = 30; // characters
 constexpr const char* AnswerTexts[] = {"silent", "answers, but not well", "answers"};
 
 void Prepare(QTableWidget& table, const QStringList& headings) {
-    table.setColumnCount(static_cast<int>(headings.size()));
-    table.setHorizontalHeaderLabels(headings);
-    table.verticalHeader()->hide();
-    table.verticalHeader()->setDefaultSectionSize(table.fontMetrics().height() + RowRoom);
+    ShowReadOnly(table, headings);
     table.horizontalHeader()->setStretchLastSection(true);
     table.horizontalHeader()->setHighlightSections(false);
-    table.setEditTriggers(QAbstractItemView::NoEditTriggers);
-    table.setSelectionBehavior(QAbstractItemView::SelectRows);
-    table.setSelectionMode(QAbstractItemView::SingleSelection);
-    table.setWordWrap(false);
-    table.setTabKeyNavigation(false); // Tab goes on to the next control
     table.setMinimumHeight(table.horizontalHeader()->sizeHint().height() +
                            FewestRows * table.verticalHeader()->defaultSectionSize());
 }

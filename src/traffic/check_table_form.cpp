@@ -3,6 +3,7 @@
 #include "map/module_access.h"
 #include "traffic/line_check_report.h"
 #include "ui/named.h"
+#include "ui/read_only_table.h"
 #include "ui/readable_color.h"
 
 #include <QHeaderView>
@@ -30,7 +31,6 @@ constexpr int CountsRole = Qt::UserRole;
 constexpr int BarCharacters = 14; // width of a bar
 constexpr int WordCharacters = 26;
 constexpr int Room = 4; // pixels around it
-constexpr int RowRoom = 9;
 constexpr int UsualRows = 10;
 constexpr int FewestRows = 4;                                      // in sight, with a scroll bar below
 constexpr QRgb Tints[] = {0x13783A, 0x7A7A7A, 0xB3261E, 0x7B3FA0}; // complete, silent, damaged, refused
@@ -91,18 +91,10 @@ QSize OutcomeBar::sizeHint(const QStyleOptionViewItem& option, const QModelIndex
 
 CheckTable::CheckTable(std::string decimalSeparator) : decimalSeparator_(std::move(decimalSeparator)) {
     Named(this, "CheckTable", "Modules and how they answered");
-    setColumnCount(ColumnCount);
     QStringList headings;
     for (const char* heading : Headings)
         headings << heading;
-    setHorizontalHeaderLabels(headings);
-    verticalHeader()->hide();
-    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + RowRoom);
-    setEditTriggers(NoEditTriggers);
-    setSelectionBehavior(SelectRows);
-    setSelectionMode(SingleSelection);
-    setWordWrap(false);
-    setTabKeyNavigation(false); // Tab goes on to the next control
+    ShowReadOnly(*this, headings);
     setMinimumHeight(horizontalHeader()->sizeHint().height() +
                      FewestRows * verticalHeader()->defaultSectionSize());
     setItemDelegateForColumn(OutcomeColumn, new OutcomeBar(this));
