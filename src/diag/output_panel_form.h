@@ -60,8 +60,8 @@ private:
     // A value that was sent, and what the module said to it.
     struct Sent {
         BarPosition Bar;
-        Answer Accepted;
-        int Number; // as `State::Sends`
+        Answer Accepted = Answer::NoReply;
+        int Number = 0; // as `State::Sends`
     };
 
     bool Cares() const { return Session().Preferences.AskBeforeDriving; }

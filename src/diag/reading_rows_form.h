@@ -45,11 +45,11 @@ public:
 
 private:
     struct Row {
-        TintedLabel* Caption;
-        TintedLabel* Reading;
-        TintedLabel* Unit;
-        QLabel* Open;
-        bool Live;
+        TintedLabel* Caption = nullptr;
+        TintedLabel* Reading = nullptr;
+        TintedLabel* Unit = nullptr;
+        QLabel* Open = nullptr;
+        bool Live = false;
         TagLabel* Tag = nullptr; // once there are tags
     };
 

@@ -47,7 +47,7 @@ std::vector<std::string> Found(const std::string& text, const char* pattern) {
 
 // The options in a help text, found without the reader that the pages are written with.
 std::vector<std::string> OptionsIn(const std::string& help) {
-    const std::vector<std::string> options = Found(help, R"((?:\n  |, )(--?[a-z][a-z0-9-]*)(?=[ ,]))");
+    std::vector<std::string> options = Found(help, R"((?:\n  |, )(--?[a-z][a-z0-9-]*)(?=[ ,]))");
     EXPECT_GE(options.size(), 2U) << help;
     return options;
 }
