@@ -60,7 +60,7 @@ void BatchPanel::Build() {
     const Button buttons[] = {
         {run_, "RunBatchBtn", "&Run", [this] { RunBatchBtn_Click(); }},
         {step_, "StepBatchBtn", "&Step", [this] { control_.Step(skipComments_->isChecked()); }},
-        {stop_, "StopBatchBtn", "S&top", {}},
+        {stop_, "StopBatchBtn", "St&op", {}},
         {display_, "DisplayBatchBtn", "&Display", [this] { DisplayBatchBtn_Click(); }},
         {goTop_, "GoTopBtn", "&Go Top", [this] { control_.GoTop(); }},
         {repeat_, "RepeatBtn", "Re&peat...", [this] { RepeatBtn_Click(); }},

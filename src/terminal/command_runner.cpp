@@ -1,5 +1,6 @@
 #include "terminal/command_runner.h"
 
+#include "link/runtime_failure.h"
 #include "map/module_access.h"
 #include "terminal/address_rule.h"
 
@@ -81,6 +82,8 @@ void CommandRunner::Run(BatchFile& file, const RunOptions& options) {
     file.Rewind(); // wherever stepping stood
     RunProgress progress{
         .Pass = 0, .Passes = session_.BatchRepeatCount, .Commands = CountCommands(file, options)};
+    if (options.SkipComments && progress.Commands == 0)
+        throw RuntimeFailure("The batch file has no command: all of its lines are comments or blank.");
     while (progress.Pass < progress.Passes && !stop_) {
         ++progress.Pass;
         RunPass(file, options, progress);
@@ -94,8 +97,12 @@ void CommandRunner::Run(BatchFile& file, const RunOptions& options) {
 void CommandRunner::RunPass(BatchFile& file, const RunOptions& options, RunProgress& progress) {
     progress.Command = 0;
     while (!stop_ && HasCommand(file, options)) {
-        if (progress.Pass > 1 || progress.Command > 0)
+        if (options.PauseMs > 0 && (progress.Pass > 1 || progress.Command > 0)) {
+            progress.Pausing = true;
+            Tell(events_.Progress, progress);
             PauseBetween(options.PauseMs);
+            progress.Pausing = false;
+        }
         if (stop_)
             return;
         SendBatchLine(file);

@@ -30,6 +30,7 @@ struct RunProgress {
     int Command = 0;         ///< number of the command just sent in this pass, from 1
     int Commands = 0;        ///< commands of a pass
     int Line = 0;            ///< number of its line in the batch file, from 1; 0 in a repeat
+    bool Pausing = false;    ///< the pause that the user asked for goes on
 
     bool operator==(const RunProgress&) const = default;
 };

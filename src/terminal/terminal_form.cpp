@@ -46,7 +46,9 @@ QString ProgressText(const RunProgress& progress) {
         text = QString("Pass %1 of %2: ").arg(progress.Pass).arg(progress.Passes);
     text += QString("Command %1 of %2").arg(progress.Command).arg(progress.Commands);
     const bool skipped = progress.Line != 0 && progress.Line != progress.Command;
-    return skipped ? text + QString(" (line %1)").arg(progress.Line) : text;
+    if (skipped)
+        text += QString(" (line %1)").arg(progress.Line);
+    return progress.Pausing ? text + ", pausing" : text;
 }
 
 } // namespace

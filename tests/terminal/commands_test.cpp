@@ -167,14 +167,20 @@ TEST_F(ConsoleTest, PassesOverCommentsAndPausesBetweenCommands) {
 
     Session.BatchRepeatCount = 2;
     EXPECT_EQ(Cost([&] { Control.Run({true, 5000}); }), 4 * 500 + 3 * 5000 + 2 * 100);
-    EXPECT_EQ(Progress,
-              (std::vector<RunProgress>{{1, 2, 1, 2, 3}, {1, 2, 2, 2, 5}, {2, 2, 1, 2, 3}, {2, 2, 2, 2, 5}}));
+    EXPECT_EQ(Progress, (std::vector<RunProgress>{{1, 2, 1, 2, 3},
+                                                  {1, 2, 1, 2, 3, true},
+                                                  {1, 2, 2, 2, 5},
+                                                  {2, 2, 0, 2, 5, true},
+                                                  {2, 2, 1, 2, 3},
+                                                  {2, 2, 1, 2, 3, true},
+                                                  {2, 2, 2, 2, 5}}));
     OnYield = [&, yields = 0]() mutable { ++yields == 3 ? Runner.Stop() : void(); };
     EXPECT_EQ(Cost([&] { Control.Run({true, 5000}); }), 500 + 2 * 20) << "in the middle of the pause";
     EXPECT_EQ(Shown.size(), 7U);
     Choose("; alone\n");
     Control.Step(true);
     EXPECT_EQ(Control.Buttons(), SteppedToEnd);
+    EXPECT_NE(FailureText([&] { Control.Run({.SkipComments = true}); }), "");
 }
 
 TEST_F(ConsoleTest, StopEndsARunOfAnEmptyFile) {
