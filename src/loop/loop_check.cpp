@@ -2,9 +2,12 @@
 
 #include "link/models.h"
 #include "link/text.h"
+#include "loop/loop_words.h"
 
 #include <algorithm>
 #include <cmath>
+#include <exception>
+#include <utility>
 
 namespace kavro {
 
@@ -12,24 +15,9 @@ namespace {
 
 constexpr std::int64_t RetryUs = 1'000'000;
 constexpr std::int64_t PutBackRetryUs = 5'000'000;
-constexpr double FarOff = 0.002; // of the range, between what was sent and what is read back
+constexpr std::int64_t RefusalUs = 3'000'000; // that a refused key is told
+constexpr double FarOff = 0.002;              // of the range, between what was sent and what is read back
 constexpr const char* NotDriven = "outputs were not to be driven";
-
-struct Todo {
-    LoopKind Kind;
-    const char* Text;
-};
-constexpr Todo Todos[] = {
-    {LoopKind::AnalogInput, "Apply a signal at the field end. When the value is right, press P."},
-    {LoopKind::DigitalInput,
-     "Press the contact, or switch the signal, at the field end. When it came through, press P."},
-    {LoopKind::Counter, "Let pulses come, of a counter that is started. When they are counted, press P."},
-    {LoopKind::Frequency, "Apply a frequency at the field end. When the value is right, press P."},
-    {LoopKind::AnalogOutput,
-     "What does the device in the field show? This: press P. Anything else: N to note it, then F."},
-    {LoopKind::DigitalOutput,
-     "What does the device in the field do? This: press P. Anything else: N to note it, then F."},
-};
 
 // Percent of the range at which an analog output is looked at.
 constexpr int Percents[] = {0, 50, 100};
@@ -37,10 +25,6 @@ constexpr int Percents[] = {0, 50, 100};
 constexpr const char* AnswerWords[] = {"", "The module does not answer. Check its power and the line.",
                                        "The reply of the module cannot be read. Trying again.",
                                        "The module refuses to tell the value of this channel."};
-
-bool SamePlace(const LoopPoint& left, const LoopPoint& right) {
-    return left.Address == right.Address && left.Channel == right.Channel && left.Model == right.Model;
-}
 
 std::string RefusedDrive(const LoopPoint& point) {
     const bool hasAlarm = RowOfModel(point.Model).Kind == ModelKind::AlarmInput;
@@ -66,8 +50,9 @@ LoopCheck::LoopCheck(Session& session, LoopPlan plan)
     GoOn();
 }
 
-void LoopCheck::Save() const {
+void LoopCheck::Save() {
     session_->ReplaceFile(plan_.Path, LoopRecordText(plan_.Record));
+    forgotten_ = false;
 }
 
 // To the next entry without a result behind this one, else to the first one.
@@ -93,6 +78,7 @@ void LoopCheck::GoTo(int entry) {
     level_ = 0;
     nextTry_ = 0;
     nextPutBack_ = 0;
+    refusedUntil_ = 0;
     ShowTodo();
 }
 
@@ -103,38 +89,51 @@ void LoopCheck::ShowTodo() {
             plan_.Record.Entries.empty() ? "The line file has no channels." : "Every channel is checked.";
         return;
     }
-    const LoopPoint& point = Entry().Point;
-    for (const Todo& todo : Todos)
-        if (todo.Kind == point.Kind)
-            view_.Todo = todo.Text;
-    if (IsOutput(point.Kind) && !plan_.Drives)
-        view_ = {LoopMood::Waiting, "-", "Outputs are not driven in this check.", {}};
+    const bool waits = !IsOutput(Entry().Point.Kind) || plan_.Drives;
+    Tell(LoopMood::Waiting, "-", waits ? "" : "Outputs are not driven in this check.");
+}
+
+// A key that was refused is told for a while, whatever is seen meanwhile.
+void LoopCheck::Tell(LoopMood mood, const std::string& value, const std::string& notice) {
+    const LoopKind kind = Entry().Point.Kind;
+    const char* todo = mood == LoopMood::Trouble         ? TroubleTodo
+                       : IsOutput(kind) && !plan_.Drives ? "S is skip, F is fail."
+                                                         : LoopTodo(kind);
+    const bool refused = session_->Line.Time().Microseconds() < refusedUntil_;
+    view_ = {mood, value, refused ? view_.Notice : notice, todo};
 }
 
 void LoopCheck::SetNote(const std::string& note) {
     if (Over())
         return;
-    plan_.Record.Entries[static_cast<std::size_t>(current_)].Note = note;
-    Save();
+    std::string& kept = plan_.Record.Entries[static_cast<std::size_t>(current_)].Note;
+    const std::string before = std::exchange(kept, note);
+    try {
+        Save();
+    } catch (const RuntimeFailure&) {
+        kept = before;
+        throw;
+    }
 }
 
 void LoopCheck::Pass() {
     if (Over())
         return;
     if (!begun_ || view_.Mood == LoopMood::Trouble) {
-        view_.Notice = "There is no value yet, so this cannot pass. " +
-                       std::string(view_.Mood == LoopMood::Trouble ? "F is fail, S is skip." : "");
+        view_.Notice = "P came before there was a value, so it did not count.";
+        refusedUntil_ = session_->Line.Time().Microseconds() + RefusalUs;
         return;
     }
     if (!IsOutput(Entry().Point.Kind))
         return Conclude(LoopOutcome::Pass);
-    driven_.push_back(lastText_);
     if (level_ + 1 == levels_.size())
         return Conclude(LoopOutcome::Pass);
+    driven_.push_back(lastText_);
     ++level_;
     begun_ = false;
     lastText_.clear();
     nextTry_ = 0;
+    refusedUntil_ = 0;
 }
 
 void LoopCheck::Conclude(LoopOutcome outcome) {
@@ -173,9 +172,7 @@ std::vector<std::string> LoopCheck::Values() const {
 }
 
 void LoopCheck::Trouble(const std::string& text) {
-    view_.Mood = LoopMood::Trouble;
-    view_.Value = "-";
-    view_.Notice = text;
+    Tell(LoopMood::Trouble, "-", text);
     nextTry_ = session_->Line.Time().Microseconds() + RetryUs;
 }
 
@@ -196,7 +193,7 @@ void LoopCheck::Step(Session& session) {
         return;
     const LoopPoint& point = Entry().Point;
     if (IsOutput(point.Kind) && !plan_.Drives)
-        return;
+        return ShowTodo();
     if (const std::string why = module_.Enter(session, point); !why.empty())
         return Trouble(why);
     IsOutput(point.Kind) ? StepOutput(session) : StepInput(session);
@@ -219,26 +216,23 @@ void LoopCheck::StepInput(Session& session) {
     begun_ = true;
     lastText_ = reading.Text;
     watch_.Take(session.Line.Time().Microseconds(), {reading.Number, reading.Text});
-    view_.Value = reading.Text;
+    TellInput(point.Kind);
+}
+
+void LoopCheck::TellInput(LoopKind kind) {
     const auto& seen = watch_.Seen();
     const std::string from = seen[seen.size() > 1 ? seen.size() - 2 : 0].Text;
+    const bool level = kind != LoopKind::AnalogInput && kind != LoopKind::Frequency;
     switch (watch_.State()) {
     case ChangeState::Waiting:
-        view_.Mood = LoopMood::Waiting;
-        view_.Notice = "Waiting for a change.";
-        break;
+        return Tell(LoopMood::Waiting, lastText_, "Waiting for a change.");
     case ChangeState::Moving:
-        view_.Mood = LoopMood::Moving;
-        view_.Notice = "Changed from " + seen.back().Text +
-                       (watch_.Restless() ? ", and has not stood still yet." : ", and still moves.");
-        break;
+        return Tell(LoopMood::Moving, lastText_,
+                    "Changed from " + seen.back().Text +
+                        (watch_.Restless() ? ", and has not stood still yet." : ", and still moves."));
     case ChangeState::Steady:
-        view_.Mood = LoopMood::Noticed;
-        view_.Notice =
-            "Changed from " + from +
-            (point.Kind == LoopKind::AnalogInput || point.Kind == LoopKind::Frequency ? ", and steady now."
-                                                                                      : ".");
-        break;
+        return Tell(LoopMood::Noticed, lastText_,
+                    "Changed from " + from + (level ? "." : ", and steady now."));
     }
 }
 
@@ -277,7 +271,7 @@ void LoopCheck::KeepStanding(const StandingOutput& standing) {
 
 void LoopCheck::Forget(const LoopPoint& point) {
     std::erase_if(plan_.Record.Standing, [&](const auto& each) { return SamePlace(each.Point, point); });
-    Save();
+    forgotten_ = true;
 }
 
 // What stands there is on the disk before it is driven.
@@ -322,11 +316,10 @@ void LoopCheck::ReadBack(Session& session, const NamedOutput& output) {
     };
     lastText_ = shown(level) + (same ? "" : " (reads back " + shown(*read) + ")");
     const int percent = output.Digital ? 0 : Percents[level_];
-    view_.Mood = same ? LoopMood::Noticed : LoopMood::Moving;
-    view_.Value = shown(level);
-    view_.Notice = "Step " + std::to_string(level_ + 1) + " of " + std::to_string(levels_.size()) +
-                   ": driven to " + (output.Digital ? level : std::to_string(percent) + " %") +
-                   (same ? "." : ", but the module reads back " + shown(*read) + ".");
+    Tell(same ? LoopMood::Noticed : LoopMood::Moving, shown(level),
+         "Step " + std::to_string(level_ + 1) + " of " + std::to_string(levels_.size()) + ": driven to " +
+             (output.Digital ? level : std::to_string(percent) + " %") +
+             (same ? "." : ", but the module reads back " + shown(*read) + "."));
 }
 
 // True when it stands as before; then nothing is kept of it any more.
@@ -344,27 +337,50 @@ bool LoopCheck::PutBack(Session& session, const StandingOutput& standing) {
     return true;
 }
 
+// Each of them, and then what is kept, whatever fails; the first failure is thrown on behind the last one.
+// What cannot be saved does no harm: the next check puts it back once more.
+bool LoopCheck::PutBackEach(Session& session, const std::vector<StandingOutput>& standing) {
+    std::exception_ptr failure;
+    const auto done = [&](const std::function<bool()>& work) {
+        try {
+            return work();
+        } catch (const Interruption&) {
+            throw;
+        } catch (const RuntimeFailure&) {
+            failure = failure ? failure : std::current_exception();
+            return false;
+        }
+    };
+    bool all = true;
+    for (const StandingOutput& each : standing)
+        all = done([&] { return PutBack(session, each); }) && all;
+    if (forgotten_)
+        all = done([&] { return Save(), true; }) && all;
+    if (!all)
+        nextPutBack_ = session.Line.Time().Microseconds() + PutBackRetryUs;
+    if (failure)
+        std::rethrow_exception(failure);
+    return all;
+}
+
 void LoopCheck::PutBackDue(Session& session) {
     if (session.Line.Time().Microseconds() < nextPutBack_)
         return;
-    const std::vector<StandingOutput> standing = plan_.Record.Standing;
-    for (const StandingOutput& each : standing)
-        if ((!InWork(each.Point) || !plan_.Drives) && !PutBack(session, each))
-            nextPutBack_ = session.Line.Time().Microseconds() + PutBackRetryUs;
+    std::vector<StandingOutput> due = plan_.Record.Standing;
+    std::erase_if(due, [&](const auto& each) { return InWork(each.Point) && plan_.Drives; });
+    PutBackEach(session, due);
 }
 
 bool LoopCheck::PutAllBack(Session& session) {
     const std::vector<StandingOutput> standing = plan_.Record.Standing;
-    for (const StandingOutput& each : standing)
-        PutBack(session, each);
-    return plan_.Record.Standing.empty();
+    return PutBackEach(session, standing);
 }
 
 std::vector<std::string> LoopCheck::NotPutBack() const {
     std::vector<std::string> texts;
     for (const StandingOutput& each : plan_.Record.Standing)
         if (nextPutBack_ > 0 && !InWork(each.Point))
-            texts.push_back(ShortName(each.Point) + " (was " + each.Before + ")");
+            texts.push_back(StandingText(each));
     return texts;
 }
 

@@ -77,25 +77,31 @@ public:
     void Step(Session& session);
     /// The port has failed, so that nothing is known of the channel until the next step. `why`: a sentence.
     void Lost(const std::string& why);
-    /// Puts back every output that is driven; true when none is left. For the end.
+    /// Puts back every output that is driven; true when none is left. For the end. Throws `RuntimeFailure`
+    /// behind the last one, when the port failed or it cannot be kept that they are back.
     bool PutAllBack(Session& session);
+    /// Whether no output is driven, and the file says so: there is nothing for `PutAllBack`.
+    bool Settled() const { return plan_.Record.Standing.empty() && !forgotten_; }
     /// "TV-3 (was 4.000)" of each output that could not be put back so far; that is tried again.
     std::vector<std::string> NotPutBack() const;
 
 private:
     void Conclude(LoopOutcome outcome);
     void GoOn();
-    void Save() const;
+    void Save();
     std::vector<std::string> Values() const;
     void ShowTodo();
+    void Tell(LoopMood mood, const std::string& value, const std::string& notice);
     void Trouble(const std::string& text);
     void StepInput(Session& session);
+    void TellInput(LoopKind kind);
     void StepOutput(Session& session);
     bool Drive(Session& session, const NamedOutput& output);
     void ReadBack(Session& session, const NamedOutput& output);
     void KeepStanding(const StandingOutput& standing);
     void Forget(const LoopPoint& point);
     bool PutBack(Session& session, const StandingOutput& standing);
+    bool PutBackEach(Session& session, const std::vector<StandingOutput>& standing);
     void PutBackDue(Session& session);
     bool InWork(const LoopPoint& point) const;
     const StandingOutput* StandingOf(const LoopPoint& point) const;
@@ -114,6 +120,8 @@ private:
     std::vector<std::string> driven_; // steps that were seen, in words
     std::int64_t nextTry_ = 0;        // us, after trouble
     std::int64_t nextPutBack_ = 0;    // us, after one that failed
+    std::int64_t refusedUntil_ = 0;   // us, as long as the refusal of a key is told
+    bool forgotten_ = false;          // an output stands as before, and the file does not say so yet
 };
 
 } // namespace kavro

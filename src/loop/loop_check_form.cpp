@@ -3,6 +3,7 @@
 #include "link/text.h"
 #include "loop/big_label_form.h"
 #include "loop/loop_report.h"
+#include "loop/loop_words.h"
 #include "loop/point_list_form.h"
 #include "map/module_access.h"
 #include "pdf/html_pdf.h"
@@ -111,7 +112,7 @@ QBoxLayout* LoopCheckForm::BuildAnswers() {
 
 QBoxLayout* LoopCheckForm::BuildSide() {
     count_ = Named(new QLabel, "Count", {});
-    progress_ = Named(new QProgressBar, "Progress", "How many channels are checked");
+    progress_ = Named(new QProgressBar, "Progress", "How many channels are done");
     progress_->setRange(0, std::max(1, static_cast<int>(check_.Record().Entries.size())));
     points_ =
         new PointList(check_.Record(), [this](int entry) { Do([this, entry] { check_.GoTo(entry); }); });
@@ -247,15 +248,14 @@ void LoopCheckForm::PutAllBack() {
 void LoopCheckForm::Leave() {
     timer_->stop();
     running_ = true;
-    if (!check_.Record().Standing.empty())
+    if (!check_.Settled())
         PutAllBack();
     running_ = false;
-    std::vector<std::string> left;
-    for (const StandingOutput& each : check_.Record().Standing)
-        left.push_back(ShortName(each.Point) + " (was " + each.Before + ")");
-    if (!left.empty())
+    if (const auto left = StandingTexts(check_.Record()); !left.empty())
         session_.Note = "Not put back: " + Listed(left) +
                         ". The next loop check of this line file does it. " + portFailure_;
+    else if (!check_.Settled())
+        session_.Note = "Outputs are put back, but that could not be kept. " + portFailure_;
     QDialog::reject();
 }
 

@@ -125,6 +125,11 @@ std::optional<LoopKind> LoopKindNamed(std::string_view text) {
     return static_cast<LoopKind>(found - KindTexts.begin());
 }
 
+bool SamePlace(const LoopPoint& left, const LoopPoint& right) {
+    return std::tie(left.Address, left.Channel, left.Model) ==
+           std::tie(right.Address, right.Channel, right.Model);
+}
+
 bool TagBefore(std::string_view left, std::string_view right) {
     const std::string_view wholeLeft = left, wholeRight = right;
     while (!left.empty() && !right.empty()) {

@@ -42,6 +42,9 @@ struct LoopPoint {
     bool operator==(const LoopPoint&) const = default;
 };
 
+/// Whether both are the same channel of the same module, whatever it is called.
+bool SamePlace(const LoopPoint& left, const LoopPoint& right);
+
 /// Whether `left` comes before `right`, where runs of digits count as numbers: "TT-2" before "TT-10".
 /// Case of ASCII letters counts last.
 bool TagBefore(std::string_view left, std::string_view right);

@@ -47,13 +47,6 @@ std::string Ended(const LoopRecord& record) {
     return ShownTime(last);
 }
 
-std::string StandingText(const LoopRecord& record) {
-    std::vector<std::string> texts;
-    for (const StandingOutput& each : record.Standing)
-        texts.push_back(ShortName(each.Point) + " (was " + each.Before + ")");
-    return Listed(texts);
-}
-
 std::string Facts(const LoopRecord& record, const std::string& linePath) {
     std::vector<std::pair<std::string, std::string>> facts = {
         {"Line", record.Line},
@@ -63,7 +56,7 @@ std::string Facts(const LoopRecord& record, const std::string& linePath) {
         {"Person", People(record)},
         {"Program", std::string(ApplicationTitle) + ", version " + ProductVersion},
         {"Channels", LoopSummary(record)},
-        {"Not put back yet", StandingText(record)}};
+        {"Not put back yet", Listed(StandingTexts(record))}};
     std::erase_if(facts, [](const auto& fact) { return fact.second.empty(); });
     return HtmlFacts(facts);
 }
@@ -84,7 +77,7 @@ LoopReportKind LoopReportKindOf(const std::string& path) {
 
 std::string LoopSummary(const LoopRecord& record) {
     std::string text =
-        std::to_string(DoneCount(record)) + " of " + std::to_string(record.Entries.size()) + " checked";
+        std::to_string(DoneCount(record)) + " of " + std::to_string(record.Entries.size()) + " done";
     const char* before = ": ";
     for (const LoopOutcome outcome : {LoopOutcome::Pass, LoopOutcome::Fail, LoopOutcome::Skip})
         if (const int count = CountOf(record, outcome); count > 0) {

@@ -12,7 +12,7 @@ enum class LoopReportKind { Pdf, Csv };
 /// The kind that the path's suffix names, in whatever case. Throws `RuntimeFailure` for another suffix.
 LoopReportKind LoopReportKindOf(const std::string& path);
 
-/// "12 of 40 checked: 10 pass, 1 fail, 1 skip."
+/// "12 of 40 done: 10 pass, 1 fail, 1 skip."
 std::string LoopSummary(const LoopRecord& record);
 
 /// A row a channel, as RFC 4180 has it; `docs/formats.md` describes it.

@@ -27,6 +27,13 @@ void AddPoint(JsonObject& object, const LoopPoint& point) {
     object.Add("kind", JsonText(LoopKindText(point.Kind)));
 }
 
+template <class Element, class Json>
+std::vector<std::string> Jsons(const std::vector<Element>& elements, Json json) {
+    std::vector<std::string> jsons;
+    std::ranges::transform(elements, std::back_inserter(jsons), json);
+    return jsons;
+}
+
 std::string EntryJson(const LoopEntry& entry) {
     JsonObject object(-1);
     AddPoint(object, entry.Point);
@@ -37,10 +44,7 @@ std::string EntryJson(const LoopEntry& entry) {
         object.Add("result", JsonText(LoopOutcomeText(entry.Result->Outcome)));
         object.Add("time", JsonText(entry.Result->Time));
         object.Add("person", JsonText(entry.Result->Person));
-        std::string values;
-        for (const std::string& value : entry.Result->Values)
-            values += (values.empty() ? "" : ", ") + JsonText(value);
-        object.Add("values", "[" + values + "]");
+        object.Add("values", JsonList(Jsons(entry.Result->Values, JsonText), -1));
     }
     return object.Text();
 }
@@ -50,14 +54,6 @@ std::string StandingJson(const StandingOutput& standing) {
     AddPoint(object, standing.Point);
     object.Add("before", JsonText(standing.Before));
     return object.Text();
-}
-
-template <class Element>
-std::string ListJson(const std::vector<Element>& elements, std::string (*json)(const Element& element)) {
-    std::string text;
-    for (const Element& each : elements)
-        text += (text.empty() ? "\n    " : ",\n    ") + json(each);
-    return text.empty() ? "[]" : "[" + text + "\n  ]";
 }
 
 LoopPoint PointIn(const JsonNode& node) {
@@ -112,11 +108,6 @@ LoopRecord RecordIn(const JsonNode& root) {
     return record;
 }
 
-bool SameChannel(const LoopPoint& left, const LoopPoint& right) {
-    return left.Address == right.Address && left.Model == right.Model && left.Channel == right.Channel &&
-           left.Kind == right.Kind;
-}
-
 } // namespace
 
 const char* LoopOutcomeText(LoopOutcome outcome) {
@@ -147,8 +138,8 @@ std::string LoopRecordText(const LoopRecord& record) {
     object.Add("version", std::to_string(Version));
     object.Add("line", JsonText(record.Line));
     object.Add("began", JsonText(record.Began));
-    object.Add("standing", ListJson(record.Standing, StandingJson));
-    object.Add("channels", ListJson(record.Entries, EntryJson));
+    object.Add("standing", JsonList(Jsons(record.Standing, StandingJson), 1));
+    object.Add("channels", JsonList(Jsons(record.Entries, EntryJson), 1));
     return object.Text() + "\n";
 }
 
@@ -178,7 +169,7 @@ LoopRecord TakenUp(const LoopRecord& before, const LineFile& file) {
     LoopRecord record = NewLoopRecord(file, before.Line, before.Began, before);
     for (LoopEntry& entry : record.Entries)
         for (const LoopEntry& known : before.Entries)
-            if (SameChannel(entry.Point, known.Point)) {
+            if (SamePlace(entry.Point, known.Point) && entry.Point.Kind == known.Point.Kind) {
                 entry.Note = known.Note;
                 entry.Result = known.Result;
             }

@@ -81,8 +81,9 @@ TEST(LoopCheck, WatchesAnInputAndDrivesAnOutput) {
     test.Check->Pass();
     EXPECT_EQ(ShortName(test.Check->Entry().Point), "TV-3");
     test.Check->Pass(); // nothing yet
+    EXPECT_EQ(test.Step(2), "0.000 mA|P came before there was a value, so it did not count.");
     for (const char* seen : {"0.000 mA|Step 1 of 3: driven to 0 %.", "", ""}) {
-        const std::string view = test.Step();
+        const std::string view = test.Step(2);
         EXPECT_TRUE(*seen == '\0' || view == seen) << view;
         test.Check->Pass();
     }
@@ -126,8 +127,9 @@ TEST(LoopCheck, TellsWhatCannotBeChecked) {
     EXPECT_TRUE(test.Step().ends_with("No module answers at address 5 (05H). Check its power and the line."));
     test.Check->Pass();
     EXPECT_EQ(DoneCount(test.Check->Record()), 0) << "there is nothing that could pass";
+    EXPECT_EQ(test.Check->View().Todo, TroubleTodo);
     test.Input->OwnFaults.Silent = false;
-    EXPECT_TRUE(test.Step(2).starts_with("+1.0000 V|"));
+    EXPECT_EQ(test.Step(4), "+1.0000 V|Waiting for a change.");
     test.Input->EnabledMask = 0;
     EXPECT_TRUE(test.Step(2).ends_with("refuses to tell the value of this channel."));
     test.Check->Fail();
@@ -156,6 +158,34 @@ TEST(LoopCheck, TellsWhatCannotBeChecked) {
     test.Check->Skip();
     test.Step();
     EXPECT_EQ(test.Stands(), "!0807.500");
+}
+
+TEST(LoopCheck, PutsEverythingBackWhenNothingCanBeKept) {
+    for (const bool atEnd : {false, true}) {
+        Loops test;
+        for (const char* tag : {"XA-4", "TV-3"}) {
+            test.GoTo(tag);
+            test.Line.ModuleAt(1).OwnFaults.Silent = *tag == 'T'; // it is not put back before the end
+            test.Step();
+        }
+        test.Line.ModuleAt(1).OwnFaults.Silent = false;
+        const auto replace = std::exchange(test.Session.ReplaceFile,
+                                           [](const auto&, const auto&) { throw RuntimeFailure("full"); });
+        EXPECT_EQ(test.Check->Record().Standing.size(), 2U);
+        EXPECT_THROW(test.Check->SetNote("a"), RuntimeFailure);
+        EXPECT_THROW(test.Check->Fail(), RuntimeFailure);
+        EXPECT_EQ(test.Check->Entry().Note, "");
+        if (!atEnd)
+            test.GoTo("TT-2");
+        EXPECT_THROW(atEnd ? static_cast<void>(test.Check->PutAllBack(test.Session))
+                           : static_cast<void>(test.Step(7)),
+                     RuntimeFailure);
+        EXPECT_EQ(test.Stands(), "!0807.500");
+        EXPECT_TRUE(test.Check->Record().Standing.empty() && !test.Check->Settled());
+        test.Session.ReplaceFile = replace;
+        EXPECT_TRUE(test.Check->PutAllBack(test.Session) && test.Check->Settled());
+        EXPECT_TRUE(LoadLoopRecord(test.Path)->Standing.empty());
+    }
 }
 
 } // namespace
