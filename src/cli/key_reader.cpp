@@ -13,12 +13,21 @@ namespace kavro {
 namespace {
 
 constexpr char EscapeKey = '\x1B', BackspaceKey = '\x7F';
+constexpr int SequenceMs = 50; // in which the rest of a key's sequence comes
 
 bool ContinuesCharacter(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
 }
 
 } // namespace
+
+bool IsWholeSequence(std::string_view behindEscape) {
+    if (!behindEscape.starts_with('[') && !behindEscape.starts_with('O'))
+        return !behindEscape.empty(); // Alt and a key
+    if (behindEscape.starts_with("[["))
+        return behindEscape.size() > 2; // F1 to F5 of the Linux console
+    return behindEscape.size() > 1 && behindEscape.back() >= '@' && behindEscape.back() <= '~';
+}
 
 #ifndef _WIN32
 
@@ -47,12 +56,36 @@ KeyReader::~KeyReader() {
     std::signal(SIGHUP, terminal_->BeforeHangup);
 }
 
-std::optional<char> KeyReader::Next(int milliseconds) {
+std::optional<char> KeyReader::NextByte(int milliseconds) {
     pollfd wait = {STDIN_FILENO, POLLIN, 0};
     if (poll(&wait, 1, milliseconds) <= 0)
         return std::nullopt;
     char key = 0;
     return read(STDIN_FILENO, &key, 1) == 1 ? key : EndKey;
+}
+
+std::optional<char> KeyReader::Next(int milliseconds) {
+    const auto key = NextByte(milliseconds);
+    if (key != EscapeKey)
+        return key;
+    std::string sequence;
+    while (!IsWholeSequence(sequence)) {
+        const auto next = NextByte(SequenceMs);
+        if (next == EndKey)
+            return next;
+        if (!next)
+            return sequence.empty() ? key : std::nullopt;
+        sequence += *next;
+    }
+    return std::nullopt;
+}
+
+bool KeyReader::DropTyped(char key) {
+    bool again = false;
+    for (auto next = Next(0); next && *next != EndKey; next = Next(0))
+        again = again || *next == key;
+    tcflush(STDIN_FILENO, TCIFLUSH);
+    return again;
 }
 
 #else
@@ -66,8 +99,16 @@ bool IsAtTerminal() {
 KeyReader::KeyReader() = default;
 KeyReader::~KeyReader() = default;
 
-std::optional<char> KeyReader::Next(int /*milliseconds*/) {
+std::optional<char> KeyReader::NextByte(int /*milliseconds*/) {
     return EndKey;
+}
+
+std::optional<char> KeyReader::Next(int milliseconds) {
+    return NextByte(milliseconds);
+}
+
+bool KeyReader::DropTyped(char /*key*/) {
+    return false;
 }
 
 #endif

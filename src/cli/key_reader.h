@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace kavro {
 
@@ -19,14 +20,21 @@ public:
     KeyReader(const KeyReader&) = delete;
     KeyReader& operator=(const KeyReader&) = delete;
 
-    /// The next byte typed; nothing when none comes for so long. At the end of the input, as of a
-    /// terminal that was closed, `EndKey`.
+    /// The next byte typed; nothing when none comes for so long, or a key that sends a sequence, as F1 and
+    /// the arrows. At the end of the input, as of a terminal that was closed, `EndKey`.
     std::optional<char> Next(int milliseconds);
+    /// Drops what else has been typed so far; whether `key` was among it, as when it is held down.
+    bool DropTyped(char key = '\0');
 
 private:
+    std::optional<char> NextByte(int milliseconds);
+
     struct Terminal; // what only the operating system's side needs
     std::unique_ptr<Terminal> terminal_;
 };
+
+/// Whether these bytes behind an Escape are all that one key has sent.
+bool IsWholeSequence(std::string_view behindEscape);
 
 inline constexpr char EndKey = '\x04'; // Ctrl+D
 

@@ -23,12 +23,16 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdio>
+#include <set>
 
 namespace kavro {
 
 namespace {
 
 constexpr int PauseMs = 150; // between two looks at a channel
+// A key that is held down comes again within these: after its first time, and from then on.
+constexpr std::int64_t HeldFirstUs = 700'000, HeldNextUs = 200'000;
 constexpr const char* KeysText = "Keys: P pass, F fail, S skip, N note, A again, B back, Q leave.";
 
 struct LoopCheckOptions {
@@ -47,7 +51,7 @@ public:
 
     int Run() {
         if (!ChooseRecord() || !AskToDrive())
-            return ExitNotAccepted;
+            return Declined();
         LoopCheck check(session_, options_.Plan);
         PrintNote(KeysText);
         bool left = false;
@@ -55,6 +59,9 @@ public:
             left = !GoThrough(check);
         } catch (const Interruption&) {
             left = true;
+        } catch (const RuntimeFailure&) {
+            PutBack(check);
+            throw;
         }
         return End(check, left);
     }
@@ -66,6 +73,19 @@ private:
             throw Interruption();
         const auto key = keys_.Next(milliseconds);
         return key ? static_cast<char>(std::toupper(static_cast<unsigned char>(*key))) : '\0';
+    }
+
+    // What is typed ahead, or comes of a key that is held down, is no answer to what came up meanwhile.
+    char AnswerKey() {
+        const char key = Key(PauseMs);
+        if (key == '\0' || key == EndKey)
+            return key;
+        const bool several = keys_.DropTyped(key);
+        const std::int64_t now = session_.Line.Time().Microseconds();
+        const bool held =
+            key == last_.Key && (several || now - last_.Taken < HeldFirstUs || now - last_.Seen < HeldNextUs);
+        last_ = {key, held ? last_.Taken : now, now};
+        return held ? '\0' : key;
     }
 
     char Ask(const std::string& question, std::string_view answers) {
@@ -101,7 +121,7 @@ private:
     bool AskToDrive() {
         const auto& entries = options_.Plan.Record.Entries;
         if (std::ranges::none_of(entries, [](const auto& each) { return IsOutput(each.Point.Kind); }))
-            return true;
+            return PrintNote(BeginQuestion(options_.Plan.Record)), true;
         const char key = Ask(
             BeginQuestion(options_.Plan.Record) + " Drive outputs? Y yes, N inputs only, Q leave.", "YNQ");
         options_.Plan.Drives = key == 'Y';
@@ -120,7 +140,7 @@ private:
                 TellChannel(check);
             Step(check);
             ShowLine(check);
-            if (!check.Over() && !Answer(check, Key(PauseMs)))
+            if (!check.Over() && !Answer(check, AnswerKey()))
                 return false;
         }
         return true;
@@ -129,7 +149,9 @@ private:
     void TellChannel(const LoopCheck& check) {
         const LoopEntry& entry = check.Entry();
         line_.Clear();
-        PrintNote("");
+        troubles_.clear();
+        keys_.DropTyped();
+        std::fputc('\n', stderr);
         PrintNote(std::to_string(check.Current() + 1) + " of " +
                   std::to_string(check.Record().Entries.size()) + ": " + ShortName(entry.Point) + ", " +
                   LoopKindText(entry.Point.Kind) + ", " + PlaceText(entry.Point) +
@@ -141,8 +163,16 @@ private:
     void ShowLine(const LoopCheck& check) {
         if (check.Over())
             return;
-        const std::string text = "    [ " + check.View().Value + " ]   " + check.View().Notice;
-        line_.Write(text.substr(0, LineWidth));
+        const LoopView& view = check.View();
+        if (view.Mood == LoopMood::Trouble && troubles_.insert(view.Notice).second)
+            TellAside(view.Notice + " " + view.Todo);
+        line_.Write(FirstCharacters("    [ " + view.Value + " ]   " + view.Notice, LineWidth));
+    }
+
+    // On a line of its own.
+    void TellAside(const std::string& text) {
+        line_.Clear();
+        PrintNote(text);
     }
 
     // A port that fails is told, and opened again as soon as it is there.
@@ -164,8 +194,19 @@ private:
         }
     }
 
-    // False when the check is to be left.
+    // False when the check is to be left. An answer that cannot be kept leaves the channel in work.
     bool Answer(LoopCheck& check, char key) {
+        try {
+            return Take(check, key);
+        } catch (const Interruption&) {
+            throw;
+        } catch (const RuntimeFailure& failure) {
+            TellAside(std::string(failure.what()) + " The answer is not kept. Give it again, or Q leaves.");
+            return true;
+        }
+    }
+
+    bool Take(LoopCheck& check, char key) {
         switch (key) {
         case 'P':
             check.Pass();
@@ -206,6 +247,9 @@ private:
 
     // Ctrl+C has been heeded: putting back goes on, and another one ends the program.
     void PutBack(LoopCheck& check) {
+        line_.Clear();
+        if (check.Settled())
+            return;
         session_.Line.Interrupted = {};
         try {
             const LineWorkScope scope(session_);
@@ -214,21 +258,28 @@ private:
         } catch (const RuntimeFailure& failure) {
             PrintNote(failure.what());
         }
+        TellStanding(check.Record());
+    }
+
+    static void TellStanding(const LoopRecord& record) {
+        for (const StandingOutput& each : record.Standing)
+            PrintNote(ShortName(each.Point) + " was not put back to " + each.Before +
+                      ". The next loop check of this line does it.");
+    }
+
+    int Declined() const {
+        TellStanding(options_.Plan.Record);
+        return ExitNotAccepted;
     }
 
     int End(LoopCheck& check, bool left) {
-        line_.Clear();
-        if (!check.Record().Standing.empty())
-            PutBack(check);
-        for (const StandingOutput& each : check.Record().Standing)
-            PrintNote(ShortName(each.Point) + " was not put back to " + each.Before +
-                      ". The next loop check of this line does it.");
+        PutBack(check);
         PrintOut(LoopSummary(check.Record()) + "\n");
         if (!options_.Report.empty())
             WriteReport(check.Record());
         if (left)
             PrintNote("Left. kavroctl loop-check --resume goes on.");
-        if (left || !check.Record().Standing.empty())
+        if (left || !check.Settled())
             return ExitNotAccepted;
         return AllPassed(check.Record()) ? ExitSuccess : ExitDifference;
     }
@@ -246,7 +297,13 @@ private:
     KeyReader keys_;
     TerminalLine line_;
     LineRecovery recovery_{session_.Line, [](bool) {}};
-    std::string portFailure_; // of an outage
+    std::string portFailure_;        // of an outage
+    std::set<std::string> troubles_; // told of the channel in work
+    struct {
+        char Key = '\0';
+        std::int64_t Taken = 0; // us
+        std::int64_t Seen = 0;  // us, also when it did not count
+    } last_;
 };
 
 } // namespace
