@@ -80,7 +80,7 @@ private:
         const char key = Key(PauseMs);
         if (key == '\0' || key == EndKey)
             return key;
-        const bool several = keys_.DropTyped(key);
+        const bool several = key != 'N' && keys_.DropTyped(key); // the note follows at once
         const std::int64_t now = session_.Line.Time().Microseconds();
         const bool held =
             key == last_.Key && (several || now - last_.Taken < HeldFirstUs || now - last_.Seen < HeldNextUs);

@@ -40,8 +40,12 @@ LoopReading ReadAnalog(Session& session, int index, int channel) {
     if (reading.Answer == Answer::Ok && !analog.Value)
         reading.Answer = Answer::Garbled;
     reading.Number = analog.Value.value_or(0);
-    reading.Text = Trim(SignedReading(analog, session.DecimalSeparator) + " " +
-                        Trim(RangeUnit(record.InputRange, record.DataFormat)));
+    // The digits that the module tells where it tells them in this unit.
+    const bool told = analog.Value && record.DataFormat == EngineeringUnits;
+    const std::string number =
+        told ? ShownNumber(Trim(Middle(session.Line.ReplyText, 2)), session.DecimalSeparator)
+             : SignedReading(analog, session.DecimalSeparator);
+    reading.Text = Trim(number + " " + Trim(RangeUnit(record.InputRange, record.DataFormat)));
     return reading;
 }
 

@@ -73,10 +73,10 @@ struct Loops : SimulatedSession {
 
 TEST(LoopCheck, WatchesAnInputAndDrivesAnOutput) {
     Loops test;
-    EXPECT_EQ(test.Step(4), "+1.0000 V|Waiting for a change.");
+    EXPECT_EQ(test.Step(4), "+01.000 V|Waiting for a change.");
     test.Input->HeldSignal = 5;
-    EXPECT_EQ(test.Step(1), "+5.0000 V|Changed from +1.0000 V, and still moves.");
-    EXPECT_EQ(test.Step(4), "+5.0000 V|Changed from +1.0000 V, and steady now.");
+    EXPECT_EQ(test.Step(1), "+05.000 V|Changed from +01.000 V, and still moves.");
+    EXPECT_EQ(test.Step(4), "+05.000 V|Changed from +01.000 V, and steady now.");
     test.Check->SetNote("loose, \"red\" wire");
     test.Check->Pass();
     EXPECT_EQ(ShortName(test.Check->Entry().Point), "TV-3");
@@ -94,7 +94,7 @@ TEST(LoopCheck, WatchesAnInputAndDrivesAnOutput) {
     EXPECT_EQ(LoadLoopRecord(test.Path)->Standing.at(0).Point.Tag, "XA-4") << "which is driven now";
     const std::string csv = LoopCsv(test.Check->Record());
     EXPECT_TRUE(
-        csv.find("2026-03-02T15:05:09.000+01:00,TT-2,5,8250,channel 2,analog input,+1.0000 V; +5.0000 V,pass,"
+        csv.find("2026-03-02T15:05:09.000+01:00,TT-2,5,8250,channel 2,analog input,+01.000 V; +05.000 V,pass,"
                  "\"loose, \"\"red\"\" wire\",Ann\r\n") != std::string::npos)
         << csv;
     EXPECT_TRUE(csv.find(",0.000 mA; 10.000 mA; 20.000 mA,pass,,Ann\r\n") != std::string::npos) << csv;
@@ -129,7 +129,7 @@ TEST(LoopCheck, TellsWhatCannotBeChecked) {
     EXPECT_EQ(DoneCount(test.Check->Record()), 0) << "there is nothing that could pass";
     EXPECT_EQ(test.Check->View().Todo, TroubleTodo);
     test.Input->OwnFaults.Silent = false;
-    EXPECT_EQ(test.Step(4), "+1.0000 V|Waiting for a change.");
+    EXPECT_EQ(test.Step(4), "+01.000 V|Waiting for a change.");
     test.Input->EnabledMask = 0;
     EXPECT_TRUE(test.Step(2).ends_with("refuses to tell the value of this channel."));
     test.Check->Fail();
