@@ -138,7 +138,8 @@ std::string AdCalibration::ReplacesText() const {
         return "Execute replaces what the module makes of the signal now.";
     return std::abs(*error) < watch_.Last()->Step / 2
                ? "The module reads no error that Execute could take away."
-               : "Execute takes away the error of " + watch_.ErrorText(*error) + ".";
+               : "Execute takes away the error of " + watch_.ErrorText(*error) +
+                     (watch_.View().Stable ? "." : ", if the signal is applied.");
 }
 
 ReadingView AdCalibration::Readings() const {
@@ -252,10 +253,9 @@ void AdCalibration::ExecuteChosen() {
 }
 
 void AdCalibration::Store(const std::string& tail, const std::string& what) {
-    const Answer answer = Ask(tail, what, "stored");
+    const Answer answer = watch_.Store([&] { return Ask(tail, what, "stored"); }, FreshMs);
     if (answer == Answer::NoReply || answer == Answer::Garbled)
         doubt_ = DoubtText;
-    watch_.AfterStore(answer, FreshMs);
 }
 
 void AdCalibration::ExecuteColdJunction() {
@@ -283,12 +283,11 @@ void AdCalibration::ExecuteColdJunction() {
 void AdCalibration::Correct(const std::string& counts, bool clears) {
     const std::size_t gone = told_.size() + 1;
     const std::string what = "CJC correction" + (clears ? std::string() : " " + counts);
-    const Answer answer = Ask("9" + counts, what, clears ? "cleared" : "stored");
+    const auto ask = [&] { return Ask("9" + counts, what, clears ? "cleared" : "stored"); };
+    const Answer answer = clears ? ask() : watch_.Store(ask, FreshMs);
     if (answer == Answer::Ok)
         told_.erase(0, gone); // it is not missed now
     cleared_ = clears && answer == Answer::Ok;
-    if (!clears)
-        watch_.AfterStore(answer, FreshMs);
 }
 
 Answer AdCalibration::Ask(const std::string& tail, const std::string& what, const std::string& done) {

@@ -146,6 +146,7 @@ void CalibForm::ShowReadings() {
 void CalibForm::AwaitLeft() {
     if (const auto due = Watch().LeftIsDue()) {
         Wait(*due);
+        Watch().TryAgain();
         Poll();
     }
 }

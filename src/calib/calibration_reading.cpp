@@ -36,9 +36,7 @@ double StepOf(const std::string& data, const ModuleRecord& record) {
     const double fullScale = RangeFullScale(record.InputRange);
     if (record.DataFormat == TwosComplement)
         return fullScale / LargestCount;
-    const std::size_t point = data.find('.');
-    const std::size_t decimals = point == std::string::npos ? 0 : data.size() - point - 1;
-    const double step = std::pow(10, -static_cast<double>(decimals));
+    const double step = StepOfDigits(data);
     return record.DataFormat == PercentOfRange ? step * fullScale / 100 : step;
 }
 
@@ -77,10 +75,19 @@ CalibrationReading ReadCalibrated(Session& session, int index, ReadingOf what) {
     }
 }
 
-std::string ShownInSteps(double value, double step, bool sign, const std::string& separator) {
+double StepOfDigits(const std::string& text) {
+    const std::size_t point = text.find('.');
+    const std::size_t decimals = point == std::string::npos ? 0 : text.size() - point - 1;
+    return std::pow(10, -static_cast<double>(decimals));
+}
+
+int DecimalsOfStep(double step) {
     const double digits = step > 0 ? std::ceil(-std::log10(step) - Rounding) : 0;
-    const std::string text =
-        FormatNumber(value, 1, static_cast<int>(std::clamp(digits, 0.0, double{MostDecimals})));
+    return static_cast<int>(std::clamp(digits, 0.0, double{MostDecimals}));
+}
+
+std::string ShownInSteps(double value, double step, bool sign, const std::string& separator) {
+    const std::string text = FormatNumber(value, 1, DecimalsOfStep(step));
     return (sign && !text.starts_with('-') ? "+" : "") + ShownNumber(text, separator);
 }
 

@@ -21,6 +21,12 @@ struct CalibrationReading {
 /// Reads it once, believing what `AskModule` believes. Throws `RuntimeFailure` when the port fails.
 CalibrationReading ReadCalibrated(Session& session, int index, ReadingOf what);
 
+/// What the last digit of a number in that text stands for: 0.01 of "4.00".
+double StepOfDigits(const std::string& text);
+
+/// The decimals of such a step, 0 to 6.
+int DecimalsOfStep(double step);
+
 /// A number with as many decimals as `step` has, and the user's decimal separator; `sign`: with "+", too.
 std::string ShownInSteps(double value, double step, bool sign, const std::string& separator);
 

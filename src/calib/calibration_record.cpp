@@ -44,6 +44,12 @@ std::optional<double> PercentOfFullScale(const CalibrationRecord& record, const 
 }
 
 CalibrationResult ResultOf(const CalibrationRecord& record, const CalibrationPoint& point) {
+    if (!point.Adjusted)
+        return CalibrationResult::NotJudged;
+    if (point.Stored != true)
+        return CalibrationResult::Fail;
+    if (!point.Comparable)
+        return CalibrationResult::NotJudged;
     const auto error = ErrorOf(point, point.AsLeft);
     if (!error)
         return CalibrationResult::Fail;
@@ -64,14 +70,6 @@ CalibrationResult ResultOf(const CalibrationRecord& record) {
     if (any(CalibrationResult::Fail))
         return CalibrationResult::Fail;
     return any(CalibrationResult::Pass) ? CalibrationResult::Pass : CalibrationResult::NotJudged;
-}
-
-bool Passed(const CalibrationRecord& record, const CalibrationPoint& point) {
-    return ResultOf(record, point) == CalibrationResult::Pass;
-}
-
-bool Passed(const CalibrationRecord& record) {
-    return ResultOf(record) == CalibrationResult::Pass;
 }
 
 std::string ShownResult(CalibrationResult result) {

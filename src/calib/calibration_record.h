@@ -13,8 +13,11 @@ struct CalibrationPoint {
     double Signal = 0; ///< applied, or for an output asked for, in `Unit`
     std::string Unit{};
     std::optional<double> AsFound{}, AsLeft{}; ///< in `Unit`; none when it was not measured
-    std::string Source{};                      ///< who measured: "module" or "meter"
-    bool Stored = false;                       ///< the module said that it keeps what was calibrated
+    std::string Source{}; ///< who measured: "module", "meter", or of each "meter / module" (found / left)
+    std::optional<bool> Stored = false; ///< by the module; none when it is not known whether it has done it
+    double Step = 0;        ///< what the last digit of a measured value stands for, in `Unit`; 0: not known
+    bool Adjusted = true;   ///< else it was only looked at
+    bool Comparable = true; ///< what can be measured there can be compared with the signal
 };
 
 /// What the engineer enters for a record; texts are UTF-8 and may be empty.
@@ -55,17 +58,13 @@ std::optional<double> ErrorOf(const CalibrationPoint& point, const std::optional
 std::optional<double> PercentOfFullScale(const CalibrationRecord& record, const CalibrationPoint& point,
                                          const std::optional<double>& error);
 
-/// The point as left against the tolerance. Fails when it was not measured as left; is not judged when its
-/// error has no percentage.
+/// The point as left against the tolerance. Fails unless it was stored, and when it was not measured as left;
+/// is not judged when it was only looked at, cannot be compared, or its error has no percentage.
 CalibrationResult ResultOf(const CalibrationRecord& record, const CalibrationPoint& point);
 
 /// The whole: aborted when it was, or else fails with any point that fails, and passes when no point fails
 /// and at least one passes.
 CalibrationResult ResultOf(const CalibrationRecord& record);
-
-/// Whether the result is `Pass`.
-bool Passed(const CalibrationRecord& record, const CalibrationPoint& point);
-bool Passed(const CalibrationRecord& record);
 
 /// "pass", "fail", "not judged", "aborted".
 std::string ShownResult(CalibrationResult result);

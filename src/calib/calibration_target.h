@@ -27,6 +27,7 @@ struct CalibrationTarget {
     double Applied = 0;   ///< the signal in the unit that the guide names it in
     std::string AppliedUnit{};
     std::string Remark{}; ///< why no error can be shown
+    std::string Doubt{};  ///< why nothing that is stored here can be trusted; then there is no `Signal`
 };
 
 /// The reference signals of an input range, as the guide names them: "0 mV", "+10 V"; empty for a code

@@ -7,6 +7,7 @@
 #include "map/module_tags.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 namespace kavro {
@@ -15,7 +16,9 @@ namespace {
 
 constexpr int RetryMs = 1000;
 constexpr int PauseFactor = 4; // a try that takes its time leaves the guide more of it
+constexpr int MostPauses = 4;  // in a row, each longer than the one before
 constexpr double PercentStep = 0.001;
+constexpr const char* LostText = "the port has failed";
 
 std::string UtcNow(Session& session) {
     return UtcToSecond(session.Line.Time().UtcMicroseconds());
@@ -29,10 +32,16 @@ std::string SourceOf(const CalibrationPoint& point, bool foundByMeter, bool left
     const bool left = point.AsLeft ? leftByMeter : foundByMeter;
     if (found == left)
         return found ? "meter" : "module";
-    return found ? "as found: meter, as left: module" : "as found: module, as left: meter";
+    return found ? "meter / module" : "module / meter";
+}
+
+double FinerStep(double step, double other) {
+    return step > 0 ? std::min(step, other) : other;
 }
 
 std::string FirmwareOf(Session& session, int index) {
+    if (session.Ending) // the system leaves the program little time
+        return {};
     try {
         return Trim(AskModule(session, index, '$', "F").Data);
     } catch (const RuntimeFailure&) {
@@ -42,31 +51,54 @@ std::string FirmwareOf(Session& session, int index) {
 
 } // namespace
 
+std::string StepsText(int trims) {
+    return (trims > 0 ? "+" : "") + std::to_string(trims) + (std::abs(trims) == 1 ? " step" : " steps");
+}
+
 CalibrationWatch::CalibrationWatch(Session& session, int index, std::function<CalibrationTarget()> target)
     : session_(session), index_(index), target_(std::move(target)), started_(UtcNow(session)) {}
 
 void CalibrationWatch::Begin() {
+    points_ = Points();
+    rested_.reset();
     recent_.Clear();
     answer_ = Answer::Ok;
     leftDueMs_.reset();
+    if (!lost_)
+        nextTryMs_ = 0;
+}
+
+void CalibrationWatch::Pause(std::int64_t begin) {
+    const std::int64_t end = session_.Line.Time().GetTickCount();
+    failures_ = std::min(failures_ + 1, MostPauses);
+    nextTryMs_ = end + failures_ * std::max<std::int64_t>(RetryMs, PauseFactor * (end - begin));
 }
 
 bool CalibrationWatch::Poll() {
     const CalibrationTarget target = target_();
     Clock& clock = session_.Line.Time();
     const std::int64_t begin = clock.GetTickCount();
-    if (!On || target.Reading == ReadingOf::Nothing || (lost_ && begin < nextTryMs_))
+    if (!On || target.Reading == ReadingOf::Nothing || begin < nextTryMs_)
         return true;
     try {
         const CalibrationReading reading = ReadCalibrated(session_, index_, target.Reading);
         lost_ = false;
         answer_ = reading.Answer;
         recent_.Add(clock.GetTickCount(), reading);
-        if (leftDueMs_ && begin >= *leftDueMs_ && recent_.Last())
-            KeepLeft(target);
+        if (answer_ == Answer::NoReply)
+            Pause(begin);
+        else
+            failures_ = 0;
+        if (target.Signal && recent_.Stable(target))
+            rested_ = {target, reading};
+        if (leftDueMs_ && begin >= *leftDueMs_ && recent_.Last()) {
+            CalibrationPoint& point = PointOf(target).Point;
+            point.AsLeft = reading.Value;
+            point.Step = FinerStep(point.Step, reading.Step);
+            leftDueMs_.reset();
+        }
     } catch (const RuntimeFailure&) {
-        const std::int64_t end = clock.GetTickCount();
-        nextTryMs_ = end + std::max<std::int64_t>(RetryMs, PauseFactor * (end - begin));
+        Pause(begin);
         recent_.Clear();
         lost_ = true;
     }
@@ -76,19 +108,53 @@ bool CalibrationWatch::Poll() {
 CalibrationWatch::Kept& CalibrationWatch::PointOf(const CalibrationTarget& target) {
     const auto found =
         std::ranges::find_if(points_, [&](const Kept& kept) { return kept.Point.What == target.What; });
-    if (found != points_.end())
+    if (found != points_.end() && found->Point.Adjusted)
         return *found;
-    points_.push_back({{.What = target.What}});
-    Kept& kept = points_.back();
-    if (!target.Signal)
-        return kept;
-    if (!recent_.Last() && !Meter)
+    if (target.Signal && !recent_.Last() && !Meter && !rested_)
         Poll();
+    Kept kept{.Point = {.What = target.What}};
+    if (target.Signal)
+        KeepFound(kept, target);
+    if (found == points_.end())
+        return points_.emplace_back(std::move(kept));
+    if (kept.Point.AsFound)
+        *found = std::move(kept);
+    found->Point.Adjusted = true;
+    found->Outcome = kept.Outcome;
+    return *found;
+}
+
+// What was read last, whether it had come to rest or not: the button was pressed now.
+void CalibrationWatch::KeepFound(Kept& kept, const CalibrationTarget& target) {
+    const CalibrationReading* reading = Meter ? &*Meter : On ? recent_.Last() : nullptr;
+    if (!reading && rested_ && rested_->Target.What == target.What)
+        reading = &rested_->Reading;
+    if (!reading)
+        return;
     kept.FoundByMeter = Meter.has_value();
-    kept.Point.AsFound = Meter;
-    if (!Meter && On && recent_.Last())
-        kept.Point.AsFound = recent_.Last()->Value;
-    return kept;
+    kept.Point.AsFound = reading->Value;
+    kept.Point.Step = reading->Step;
+}
+
+// With the present one when it was looked at for long enough, and never changed.
+std::vector<CalibrationWatch::Kept> CalibrationWatch::Points() const {
+    std::vector<Kept> points = points_;
+    if (!rested_)
+        return points;
+    const auto& [target, reading] = *rested_;
+    const auto found =
+        std::ranges::find_if(points, [&](const Kept& kept) { return kept.Point.What == target.What; });
+    if (found != points.end() && found->Point.Adjusted)
+        return points;
+    Kept& kept = found == points.end() ? points.emplace_back() : *found;
+    kept = {.Point = {.What = target.What,
+                      .Signal = *target.Signal,
+                      .Unit = target.Unit,
+                      .AsFound = reading.Value,
+                      .Step = reading.Step,
+                      .Adjusted = false},
+            .Outcome = "not adjusted"};
+    return points;
 }
 
 void CalibrationWatch::BeforeChange(bool stores) {
@@ -107,25 +173,39 @@ void CalibrationWatch::BeforeChange(bool stores) {
     Begin();
 }
 
-void CalibrationWatch::AfterStore(Answer answer, int settleMs) {
+Answer CalibrationWatch::Store(const std::function<Answer()>& ask, int settleMs) {
     const CalibrationTarget target = target_();
+    PointOf(target).Point.Stored.reset(); // when the port fails in it, nobody knows
+    const Answer answer = ask();
     Kept& kept = PointOf(target);
-    kept.Point.Stored = answer == Answer::Ok;
-    kept.Outcome = kept.Point.Stored ? "stored" : AnswerText(answer);
+    CalibrationPoint& point = kept.Point;
+    if (answer == Answer::Ok || answer == Answer::Refused)
+        point.Stored = answer == Answer::Ok;
+    kept.Outcome = answer == Answer::Ok ? "stored" : AnswerText(answer);
+    if (!target.Doubt.empty())
+        kept.Outcome += ", but " + target.Doubt;
+    if (answer == Answer::Ok)
+        kept.Trims = 0;
     kept.LeftByMeter = Meter.has_value();
-    if (Meter)
-        kept.Point.AsLeft = Meter;
-    else if (target.Signal)
+    point.Comparable = target.Signal && (Meter || target.Reading != ReadingOf::Nothing);
+    if (!point.Comparable)
+        return answer;
+    if (Meter) {
+        point.AsLeft = Meter->Value;
+        point.Step = FinerStep(point.Step, Meter->Step);
+    } else {
         leftDueMs_ = session_.Line.Time().GetTickCount() + settleMs;
+    }
+    return answer;
 }
 
-void CalibrationWatch::KeepLeft(const CalibrationTarget& target) {
-    PointOf(target).Point.AsLeft = recent_.Last()->Value;
-    leftDueMs_.reset();
+void CalibrationWatch::Trimmed(int steps) {
+    PointOf(target_()).Trims += steps;
 }
 
 void CalibrationWatch::Drop() {
     const std::string what = target_().What;
+    rested_.reset();
     std::erase_if(points_, [&](const Kept& kept) { return kept.Point.What == what; });
 }
 
@@ -165,6 +245,8 @@ ReadingView CalibrationWatch::View() const {
     ReadingView view;
     if (target.Reading == ReadingOf::Nothing) {
         view.Error = target.Remark;
+        view.Faulty = lost_;
+        view.State = lost_ ? LostText : "";
         return view;
     }
     view.Faulty = lost_ || answer_ != Answer::Ok;
@@ -173,7 +255,7 @@ ReadingView CalibrationWatch::View() const {
         view.Reading =
             ShownInSteps(last->Value, last->Step, true, session_.DecimalSeparator) + ShownUnit(target.Unit);
     if (view.Faulty)
-        view.State = lost_ ? "the port has failed" : AnswerText(answer_);
+        view.State = lost_ ? LostText : AnswerText(answer_);
     else
         view.State = view.Stable ? "stable" : Last() ? "not stable yet" : "not read yet";
     const auto error = Error();
@@ -182,13 +264,14 @@ ReadingView CalibrationWatch::View() const {
 }
 
 bool CalibrationWatch::AnyStored() const {
-    return std::ranges::any_of(points_, [](const Kept& kept) { return kept.Point.Stored; });
+    return std::ranges::any_of(points_, [](const Kept& kept) { return kept.Point.Stored == true; });
 }
 
 std::string CalibrationWatch::StoredText() const {
     std::string text;
-    for (const Kept& kept : points_)
-        text += kept.Point.What + ": " + kept.Outcome + ". ";
+    for (const Kept& kept : Points())
+        text += kept.Point.What + ": " + kept.Outcome +
+                (kept.Trims == 0 ? ". " : ", trimmed by " + StepsText(kept.Trims) + ". ");
     return text.empty() ? "Nothing was stored. " : text;
 }
 
@@ -202,7 +285,7 @@ CalibrationRecord CalibrationWatch::Record() const {
                              .Range = Trim(RangeName(module.InputRange)),
                              .Started = started_,
                              .Ended = UtcNow(session_)};
-    for (const Kept& kept : points_) {
+    for (const Kept& kept : Points()) {
         record.Points.push_back(kept.Point);
         record.Points.back().Source = SourceOf(kept.Point, kept.FoundByMeter, kept.LeftByMeter);
     }

@@ -1,10 +1,9 @@
 #include "calib/da_calibration.h"
 
 #include "link/models.h"
+#include "link/number_text.h"
 #include "link/text.h"
 #include "map/module_access.h"
-
-#include <cstdlib>
 
 namespace kavro {
 
@@ -16,8 +15,9 @@ constexpr std::int16_t FirstOutputStep = 4;
 constexpr std::int16_t LastStep = 5;
 constexpr double FullScale = 20; // mA, of the range that it is set up with
 constexpr const char* NotSetUpText =
-    "\u26a0 The module is not known to be set up for calibration: nothing that "
-    "it stores here can be trusted.";
+    "The module is not known to be set up for calibration: nothing that it stores here can be trusted.";
+constexpr const char* InterruptedText = "none: the next button begins this step anew";
+constexpr const char* NoNumberText = "What the meter shows is no number: correct it. Nothing was sent.";
 
 constexpr const char* GuideTexts[LastStep] = {
     "Apply power to the analog output module and let it warm up for about 30 minutes.",
@@ -67,7 +67,7 @@ void DaCalibration::SetUp() {
 std::string DaCalibration::Foot() const {
     if (setUp_)
         return told_;
-    return NotSetUpText + (told_.empty() ? "" : " " + told_);
+    return std::string("\u26a0 ") + NotSetUpText + (told_.empty() ? "" : " " + told_);
 }
 
 void DaCalibration::ExitBtn_Click() {
@@ -92,22 +92,37 @@ CalibrationTarget DaCalibration::Target() const {
     const bool low = view_.StepNo == FirstOutputStep;
     const double current = low ? 4 : 20;
     const bool told = RowOfModel(session_.ModuleTable[index_].Model).Kind == ModelKind::SingleOutput;
-    return {.Reading = told ? ReadingOf::Terminals : ReadingOf::Nothing,
-            .What = low ? "4 mA" : "20 mA",
-            .Signal = current,
-            .Unit = "mA",
-            .FullScale = FullScale,
-            .Applied = current,
-            .AppliedUnit = "mA",
-            .Remark = told ? "" : "none: this model does not measure its output"};
+    CalibrationTarget target = {.What = low ? "4 mA" : "20 mA",
+                                .Unit = "mA",
+                                .FullScale = FullScale,
+                                .Applied = current,
+                                .AppliedUnit = "mA",
+                                .Doubt = DoubtText()};
+    if (target.Doubt.empty())
+        target.Signal = current;
+    if (!told)
+        target.Remark = "none: this model does not measure its output";
+    else if (interrupted_)
+        target.Remark = InterruptedText;
+    else if (!target.Doubt.empty())
+        target.Remark = "none: " + target.Doubt;
+    else
+        target.Reading = ReadingOf::Terminals;
+    return target;
+}
+
+// Why the output need not be what the step is about; empty when it is.
+const char* DaCalibration::DoubtText() const {
+    if (!setUp_)
+        return "the module is not known to be set up for calibration";
+    return outputSet_ ? "" : "the module is not known to have set this output";
 }
 
 // What the next store would replace.
 std::string DaCalibration::ReplacesText() const {
     if (view_.StepNo < FirstOutputStep)
         return {};
-    return std::string("Trimmed since the output was set: ") + (trims_ > 0 ? "+" : "") +
-           std::to_string(trims_) + (std::abs(trims_) == 1 ? " step. " : " steps. ") +
+    return "Trimmed since the output was set: " + StepsText(trims_) + ". " +
            (view_.StepNo == LastStep ? "Done" : "Next") + " stores what the terminals carry now.";
 }
 
@@ -124,11 +139,13 @@ void DaCalibration::Poll() {
 }
 
 std::string DaCalibration::LeftAsText() const {
+    const std::string warning = setUp_ ? "" : std::string(NotSetUpText) + " ";
     if (!givenBack_.empty())
-        return givenBack_;
-    return MustRestore() ? "Still set up for calibration. The command " + RestoringCommand() +
-                               " restores its own configuration " + savedConfig_ + "."
-                         : "Its configuration could not be read, so it was not set up for calibration.";
+        return warning + givenBack_;
+    return warning + (MustRestore()
+                          ? "Still set up for calibration. The command " + RestoringCommand() +
+                                " restores its own configuration " + savedConfig_ + "."
+                          : "Its configuration could not be read, so it was not set up for calibration.");
 }
 
 CalibrationRecord DaCalibration::Record() const {
@@ -140,12 +157,25 @@ CalibrationRecord DaCalibration::Record() const {
     return record;
 }
 
-// A number alone counts, and for one button.
-void DaCalibration::TakeMeter() {
+// For one button. False, and told, when something else than a number was typed.
+bool DaCalibration::TakeMeter() {
     std::string typed = kavro::Trim(MeterInput);
     NormalizeDecimalPoint(typed, session_.DecimalSeparator);
-    watch_.Meter = LeadingNumber(typed);
+    const auto value = PlainNumber(typed);
+    watch_.Meter.reset();
+    if (value) {
+        watch_.Meter = {Answer::Ok, *value, StepOfDigits(typed)};
+    } else if (!typed.empty()) {
+        told_ = NoNumberText;
+        return false;
+    }
     MeterInput.clear();
+    return true;
+}
+
+void DaCalibration::SetOutput(const char* current, const char* what) {
+    outputSet_ = false;
+    outputSet_ = Ask('#', current, what, "set") == Answer::Ok;
 }
 
 void DaCalibration::ShowStep() {
@@ -165,11 +195,11 @@ void DaCalibration::ShowStep() {
     case 4:
         view_.TrimShown = true;
         view_.NextCaption = "Next >"; // after Back, where it goes on to step 5 and does not end anything
-        Ask('#', "04.000", "Output of 4 mA", "set");
+        SetOutput("04.000", "Output of 4 mA");
         break;
     default:
         view_.NextCaption = "Done";
-        Ask('#', "20.000", "Output of 20 mA", "set");
+        SetOutput("20.000", "Output of 20 mA");
     }
 }
 
@@ -194,10 +224,10 @@ bool DaCalibration::NextBtn_Click() {
     told_.clear();
     if (TakeUp())
         return false;
-    if (view_.StepNo == FirstOutputStep)
-        Store("0", "Calibration at 4 mA");
-    if (view_.StepNo == LastStep)
-        Store("1", "Calibration at 20 mA");
+    if (view_.StepNo == FirstOutputStep && !Store("0", "Calibration at 4 mA"))
+        return false;
+    if (view_.StepNo == LastStep && !Store("1", "Calibration at 20 mA"))
+        return false;
     if (view_.StepNo == LastStep)
         return done_ = true;
     ++view_.StepNo;
@@ -205,22 +235,30 @@ bool DaCalibration::NextBtn_Click() {
     return false;
 }
 
-void DaCalibration::Store(const char* code, const char* what) {
-    TakeMeter();
+// False when nothing was sent.
+bool DaCalibration::Store(const char* code, const char* what) {
+    if (!TakeMeter())
+        return false;
     watch_.BeforeChange();
-    watch_.AfterStore(Ask('$', code, what, "stored"), 0);
-    if (watch_.LeftIsDue())
+    watch_.Store([&] { return Ask('$', code, what, "stored"); }, 0);
+    if (watch_.LeftIsDue()) {
+        watch_.TryAgain();
         Poll(); // before the next step drives another output
+    }
+    return true;
 }
 
 void DaCalibration::Trim(const char* code, const char* name, int step) {
     told_.clear();
     if (TakeUp())
         return;
-    TakeMeter();
+    if (!TakeMeter())
+        return;
     watch_.BeforeChange(false);
-    if (Ask('$', code, name, "done") == Answer::Ok)
-        trims_ += step;
+    if (Ask('$', code, name, "done") != Answer::Ok)
+        return;
+    trims_ += step;
+    watch_.Trimmed(step);
 }
 
 // A module in its initialisation state is spoken to at 00, but keeps an address of its own.

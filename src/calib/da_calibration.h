@@ -45,7 +45,8 @@ public:
     void TrimDownBtn_Click() { Trim("3FF", "Trim Down", -1); }
 
     /// What a milliammeter shows at the present output, mA, as typed with the decimal separator of the user's
-    /// locale; empty when nothing was typed. Used up by the next trim or store.
+    /// locale; empty when nothing was typed. Used up by the next trim or store, which sends nothing when it
+    /// is not a number.
     std::string MeterInput;
 
     /// What is read meanwhile, at the terminals; nothing unless it is switched on.
@@ -68,11 +69,13 @@ private:
     void ShowStep();
     bool TakeUp();
     void Trim(const char* code, const char* name, int step);
-    void Store(const char* code, const char* what);
+    bool Store(const char* code, const char* what);
     CalibrationTarget Target() const;
+    const char* DoubtText() const;
     std::string ReplacesText() const;
     std::string LeftAsText() const;
-    void TakeMeter();
+    void SetOutput(const char* current, const char* what);
+    bool TakeMeter();
     std::string Configuring(const std::string& config) const;
     std::string RestoringCommand() const;
     Answer Ask(const Question& question, int timeoutMs);
@@ -87,6 +90,7 @@ private:
     bool interrupted_ = false;
     bool configRead_ = false; // by a reply that is the module's own without doubt
     bool setUp_ = false;      // and it took its set-up for calibration
+    bool outputSet_ = false;  // it took the last command that set its output
     std::string told_;        // of the last button
     CalibrationWatch watch_;
     int trims_ = 0;         // steps up less steps down, since the output was set

@@ -16,8 +16,8 @@ std::string NumberJson(const std::optional<double>& number) {
     return number ? ShortestText(*number) : "null";
 }
 
-std::string SwitchJson(bool on) {
-    return on ? "true" : "false";
+std::string SwitchJson(const std::optional<bool>& on) {
+    return !on ? "null" : *on ? "true" : "false";
 }
 
 std::string MeasuredJson(const CalibrationRecord& record, const CalibrationPoint& point,

@@ -20,22 +20,37 @@ TEST(CalibrationRecord, JudgesEachPointAndTheWhole) {
         const char* Unit;
         std::optional<double> Left, Error, Percent;
         CalibrationResult Result;
+        std::optional<bool> Stored = true;
+        bool Adjusted = true, Comparable = true;
     };
-    const Case cases[] = {
-        {4, "V", 4.345, 0.345, 3.45, Fail},  {4, "V", 4.01, 0.01, 0.1, Pass}, // as large as the tolerance
-        {-4, "V", -4.01, -0.01, -0.1, Pass}, {4, "V", 4.0101, 0.0101, 0.101, Fail},
-        {4, "V", {}, {}, {}, Fail},          {25, "\u00b0C", 25.3, 0.3, {}, NotJudged}};
+    const Case cases[] = {{4, "V", 4.345, 0.345, 3.45, Fail},
+                          {4, "V", 4.01, 0.01, 0.1, Pass}, // as large as the tolerance
+                          {-4, "V", -4.01, -0.01, -0.1, Pass},
+                          {4, "V", 4.0101, 0.0101, 0.101, Fail},
+                          {4, "V", {}, {}, {}, Fail},
+                          {25, "\u00b0C", 25.3, 0.3, {}, NotJudged},
+                          {4, "V", 4.0, 0, 0, Fail, false},
+                          {4, "V", 4.0, 0, 0, Fail, std::nullopt},
+                          {4, "V", {}, {}, {}, NotJudged, false, false}, // only looked at
+                          {0, "mV", {}, {}, {}, NotJudged, true, true, false},
+                          {0, "mV", {}, {}, {}, Fail, false, true, false}};
     CalibrationRecord record{.FullScale = 10, .Unit = "V"};
     for (const Case& each : cases) {
-        const CalibrationPoint point{
-            .What = "Span", .Signal = each.Signal, .Unit = each.Unit, .AsLeft = each.Left};
+        const CalibrationPoint point{.What = "Span",
+                                     .Signal = each.Signal,
+                                     .Unit = each.Unit,
+                                     .AsLeft = each.Left,
+                                     .Stored = each.Stored,
+                                     .Adjusted = each.Adjusted,
+                                     .Comparable = each.Comparable};
         EXPECT_EQ(ErrorOf(point, point.AsLeft), each.Error) << each.Signal;
         EXPECT_EQ(PercentOfFullScale(record, point, each.Error), each.Percent) << each.Signal;
         EXPECT_EQ(ResultOf(record, point), each.Result) << each.Signal;
         record.Points.push_back(point);
     }
     const std::pair<std::vector<int>, CalibrationResult> wholes[] = {
-        {{}, NotJudged}, {{5}, NotJudged}, {{1, 5}, Pass}, {{1, 2, 4}, Fail}, {{1, 3, 5}, Fail}};
+        {{}, NotJudged},   {{5}, NotJudged}, {{1, 5}, Pass},   {{1, 2, 4}, Fail},
+        {{1, 3, 5}, Fail}, {{1, 6}, Fail},   {{1, 8, 9}, Pass}};
     for (const auto& [chosen, result] : wholes) {
         CalibrationRecord whole{.FullScale = 10, .Unit = "V"};
         for (const int index : chosen)
