@@ -2,10 +2,10 @@
 
 #include "calib/readings_panel_form.h"
 #include "link/text.h"
+#include "ui/busy_pointer.h"
 #include "ui/key_filter.h"
 #include "ui/named.h"
 
-#include <QApplication>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -37,9 +37,8 @@ LeaveAnswer AskToLeave(QWidget& parent, const char* failure) {
     auto* stay = Named(box.addButton("&Stay", QMessageBox::RejectRole), "StayBtn", "Stay");
     box.setDefaultButton(again);
     box.setEscapeButton(stay);
-    QApplication::setOverrideCursor(Qt::ArrowCursor); // the user is asked while the pointer is busy
+    const ArrowPointer arrow; // the user is asked while the pointer is busy
     box.exec();
-    QApplication::restoreOverrideCursor();
     if (box.clickedButton() == again)
         return LeaveAnswer::TryAgain;
     return box.clickedButton() == leave ? LeaveAnswer::Leave : LeaveAnswer::Stay;

@@ -4,12 +4,13 @@
 #include "calib/record_json.h"
 #include "link/runtime_failure.h"
 #include "pdf/html_pdf.h"
+#include "ui/busy_pointer.h"
 #include "ui/choose_file.h"
 #include "ui/named.h"
 
-#include <QApplication>
 #include <QDate>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QPushButton>
@@ -65,15 +66,26 @@ std::string FreePath(const std::string& folder, const CalibrationRecord& record)
     return free.toStdString();
 }
 
-// What went wrong; empty when nothing did.
+// What went wrong, and then there is neither; empty when nothing did.
 std::string SaveAt(const Session& session, const std::string& path, const RecordFiles& files) {
+    const std::string page = path + files.PageSuffix;
     try {
-        session.ReplaceFile(path + JsonSuffix, files.Json);
-        session.ReplaceFile(path + files.PageSuffix, files.Page);
-        return {};
+        session.ReplaceFile(page, files.Page);
     } catch (const RuntimeFailure& failure) {
         return failure.what();
     }
+    try {
+        session.ReplaceFile(path + JsonSuffix, files.Json);
+        return {};
+    } catch (const RuntimeFailure& failure) {
+        QFile::remove(QString::fromStdString(page));
+        return failure.what();
+    }
+}
+
+std::string SavedAs(std::string path, const RecordFiles& files) {
+    path += files.PageSuffix;
+    return path + " and " + JsonSuffix + ".";
 }
 
 Choice Ask(QWidget* parent, const std::string& failure) {
@@ -110,28 +122,33 @@ void SaveAtLast(Session& session, const CalibrationRecord& record, const RecordF
     for (const QString& folder : {QDir::homePath(), QDir::tempPath()}) {
         const std::string path = FreePath(folder.toStdString(), record);
         if (SaveAt(session, path, files).empty())
-            return Tell(session, "The record of the calibration is saved as " + path + files.PageSuffix +
-                                     " and " + JsonSuffix + ". " + failure);
+            return Tell(session,
+                        "The record of the calibration is saved as " + SavedAs(path, files) + " " + failure);
     }
     Tell(session, "The record of the calibration is lost. " + failure);
 }
 
-void Save(Session& session, std::string folder, const CalibrationRecord& record, QWidget* parent) {
+// False when the user has discarded it.
+bool Save(Session& session, std::string folder, const CalibrationRecord& record, QWidget* parent) {
     const RecordFiles files = FilesOf(record);
     std::string path = FreePath(folder, record);
     while (true) {
         const std::string failure = SaveAt(session, path, files);
-        if (session.Ending && !failure.empty())
-            return SaveAtLast(session, record, files, failure);
+        if (session.Ending && !failure.empty()) {
+            SaveAtLast(session, record, files, failure);
+            return true;
+        }
         if (failure.empty()) {
+            const std::string name = QFileInfo(QString::fromStdString(path)).fileName().toStdString();
             if (!session.Ending) // where only what went wrong is told
-                Tell(session,
-                     "Calibration record saved as " + path + files.PageSuffix + " and " + JsonSuffix + ".");
-            return;
+                Tell(session, "Calibration record saved as " + SavedAs(name, files));
+            return true;
         }
         const Choice choice = Ask(parent, failure);
-        if (choice == Choice::Discard)
-            return Tell(session, "The record of the calibration was discarded.");
+        if (choice == Choice::Discard) {
+            Tell(session, "The record of the calibration was discarded.");
+            return false;
+        }
         if (choice == Choice::TryAgain)
             continue;
         const QString chosen = ChooseFolder(parent, "Folder of Records", QString::fromStdString(folder));
@@ -161,11 +178,13 @@ void Append(const Session& session, Messages& messages, const CalibrationRecord&
 
 void KeepRecord(Session& session, Messages& messages, const std::string& folder,
                 const CalibrationRecord& record, QWidget* parent) {
-    // The user may be asked while the pointer is busy.
-    QApplication::setOverrideCursor(Qt::ArrowCursor);
-    Save(session, folder, record, parent);
-    QApplication::restoreOverrideCursor();
-    Append(session, messages, record);
+    bool kept = false;
+    {
+        const ArrowPointer arrow; // the user may be asked while the pointer is busy
+        kept = Save(session, folder, record, parent);
+    }
+    if (kept)
+        Append(session, messages, record);
 }
 
 } // namespace kavro

@@ -25,7 +25,6 @@ constexpr int EntryColumns = 32;  // of text
 constexpr int LongestEntry = 200; // characters; a page has room for it
 constexpr int NoteLines = 2;
 constexpr double ColdestAmbient = -90, HottestAmbient = 100; // degrees C
-constexpr double LargestTolerance = 100;                     // percent
 
 QString Shown(const std::string& text) {
     return QString::fromStdString(text);
@@ -169,7 +168,7 @@ QString RecordBox::WrongAmbient() const {
 
 QString RecordBox::WrongTolerance() const {
     const auto number = NumberIn(tolerance_);
-    return number && *number > 0 && *number <= LargestTolerance
+    return number && *number > 0 && *number <= LargestTolerancePercent
                ? QString()
                : "Enter a number above 0, up to 100. A common one is 0" + Shown(session_.DecimalSeparator) +
                      "1.";

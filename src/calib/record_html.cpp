@@ -1,5 +1,6 @@
 #include "calib/record_html.h"
 
+#include "calib/calibration_reading.h"
 #include "link/html_text.h"
 #include "link/number_text.h"
 #include "link/text.h"
@@ -17,20 +18,12 @@ using Rows = std::vector<std::vector<std::string>>;
 
 constexpr const char* NotGiven = "not given";
 constexpr const char* Missing = "-";
-constexpr int PercentDecimals = 4, MostDecimals = 6;
+constexpr int PercentDecimals = 3, MostDecimals = 6;
 
-// Attributes of the tables do not follow the size of the body in Qt's rich text.
 std::string Style(int points) {
     const auto size = [](int value) { return "font-size: " + std::to_string(value) + "pt; "; };
-    return "body { font-family: sans-serif; " + size(points) +
-           "color: #000000; background-color: #ffffff; }\n"
-           "h1 { " +
-           size(points + 8) + "margin-bottom: 8px; }\np.result { " + size(points + 4) +
-           "font-weight: bold; }\n"
-           "p.aborted { font-weight: bold; }\n"
-           "table { border-collapse: collapse; border-color: #808080; }\n"
-           "th { background-color: #e6e6e6; }\ntd, th { " +
-           size(points - 1) + "vertical-align: top; }\n";
+    return HtmlStyle(points, points - 1) + "h1 { " + size(points + 8) + "margin-bottom: 8px; }\np.result { " +
+           size(points + 4) + "font-weight: bold; }\np.aborted { font-weight: bold; }\n";
 }
 
 // Ends of lines count as long lines do: they need room, too.
@@ -89,9 +82,12 @@ std::size_t DecimalsOf(double value) {
     return point == std::string::npos ? 0 : text.size() - point - 1;
 }
 
-// All numbers of a point have the digits of the finest.
+// All numbers of a point have the digits of what measured it or of its signal; where that is not known, those
+// of the finest.
 int DecimalsOf(const CalibrationPoint& point) {
     std::size_t decimals = DecimalsOf(point.Signal);
+    if (point.Step > 0)
+        return std::max(static_cast<int>(decimals), DecimalsOfStep(point.Step));
     for (const auto& measured : {point.AsFound, point.AsLeft})
         if (measured)
             decimals = std::max(decimals, DecimalsOf(*measured));
@@ -113,7 +109,7 @@ std::vector<std::string> PointRow(const CalibrationRecord& record, const Calibra
         row.push_back(Shown(error, decimals));
         row.push_back(Shown(PercentOfFullScale(record, point, error), PercentDecimals));
     }
-    row.emplace_back(point.Stored ? "yes" : "no");
+    row.emplace_back(!point.Stored ? "not known" : *point.Stored ? "yes" : "no");
     row.push_back(ShownResult(ResultOf(record, point)));
     return row;
 }
@@ -125,15 +121,15 @@ std::string PointsTable(const CalibrationRecord& record, const RecordFit& fit) {
     Rows rows;
     for (std::size_t i = 0; i < shown; ++i)
         rows.push_back(PointRow(record, record.Points[i], fit.Characters));
-    std::string html = HtmlTable({{"Point", 12},
+    std::string html = HtmlTable({{"Point", 10},
                                   {"Read by", 9},
                                   {"Signal", 10},
                                   {"As found", 9},
                                   {"Error", 8},
-                                  {"% of full scale", 8},
+                                  {"% of full scale", 9},
                                   {"As left", 9},
                                   {"Error", 8},
-                                  {"% of full scale", 8},
+                                  {"% of full scale", 9},
                                   {"Stored", 10},
                                   {"Result", 9}},
                                  rows);

@@ -42,6 +42,16 @@ std::string HtmlText(std::string_view text) {
     return html;
 }
 
+// Attributes of the tables do not follow the size of the body in Qt's rich text.
+std::string HtmlStyle(int points, int cellPoints) {
+    return "body { font-family: sans-serif; font-size: " + std::to_string(points) +
+           "pt; color: #000000; background-color: #ffffff; }\n"
+           "table { border-collapse: collapse; border-color: #808080; }\n"
+           "th { background-color: #e6e6e6; }\n"
+           "td, th { font-size: " +
+           std::to_string(cellPoints) + "pt; vertical-align: top; }\n";
+}
+
 std::string HtmlTable(const std::vector<HtmlColumn>& columns,
                       const std::vector<std::vector<std::string>>& rows) {
     std::string html = std::string(TableBegin) + "<thead><tr>";

@@ -10,6 +10,10 @@ namespace kavro {
 /// A UTF-8 text as HTML: its lines as lines, and nothing in it taken for markup.
 std::string HtmlText(std::string_view text);
 
+/// The style that every document has: black on white, with letters of that size, and of `cellPoints` in
+/// tables.
+std::string HtmlStyle(int points, int cellPoints);
+
 /// A column of a table.
 struct HtmlColumn {
     std::string Name;

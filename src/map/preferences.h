@@ -5,12 +5,14 @@
 
 namespace kavro {
 
+inline constexpr double LargestTolerancePercent = 100;
+
 /// What the user has entered for the last record of a calibration.
 struct RecordPreferences {
     std::string Operator{};
     std::string Instrument{};      ///< the reference instrument
     std::string InstrumentDue{};   ///< local date: "2027-03-31"; empty: not known
-    double TolerancePercent = 0.1; ///< of full scale, above 0, to 100
+    double TolerancePercent = 0.1; ///< of full scale, above 0, to the largest
     std::string Folder{};          ///< where records go
 
     bool operator==(const RecordPreferences&) const = default;

@@ -17,7 +17,6 @@ constexpr const char* AnswerWithinKey = "AnswerWithin";
 constexpr const char* AskBeforeDrivingKey = "AskBeforeDriving";
 constexpr const char* LineFileKey = "LineFile";
 constexpr const char* ToleranceKey = "RecordTolerance";
-constexpr double LargestTolerance = 100; // percent of full scale
 constexpr const char* Yes = "true";
 constexpr const char* No = "false";
 
@@ -41,7 +40,7 @@ RecordPreferences ReadRecordPreferences(const QSettings& settings) {
     for (const auto& [key, text] : RecordTexts)
         record.*text = settings.value(key).toString().toStdString();
     const auto tolerance = PlainNumber(ValueOf(settings, ToleranceKey));
-    if (tolerance && *tolerance > 0 && *tolerance <= LargestTolerance)
+    if (tolerance && *tolerance > 0 && *tolerance <= LargestTolerancePercent)
         record.TolerancePercent = *tolerance;
     return record;
 }

@@ -24,15 +24,10 @@ using Row = std::vector<std::string>;
 constexpr const char* NotTold = "not told";
 
 // Qt's rich text does not know the rule that keeps a module together; who prints it by Qt does so itself.
-constexpr const char* Style =
-    "body { font-family: sans-serif; font-size: 10pt; color: #000000; background-color: #ffffff; }\n"
-    "h1 { font-size: 16pt; margin-bottom: 12px; page-break-before: always; }\n"
-    "h1.title { font-size: 24pt; page-break-before: auto; }\n"
-    "h2 { font-size: 12pt; margin-bottom: 8px; }\n"
-    "table { border-collapse: collapse; border-color: #808080; }\n"
-    "th { background-color: #e6e6e6; }\n"
-    "td, th { font-size: 9pt; vertical-align: top; }\n"
-    ".module { page-break-inside: avoid; }\n";
+constexpr const char* Style = "h1 { font-size: 16pt; margin-bottom: 12px; page-break-before: always; }\n"
+                              "h1.title { font-size: 24pt; page-break-before: auto; }\n"
+                              "h2 { font-size: 12pt; margin-bottom: 8px; }\n"
+                              ".module { page-break-inside: avoid; }\n";
 
 std::string NameOf(const LineFile& file, const ReportFacts& facts) {
     return file.Name.empty() ? NameFromPath(facts.Path) : file.Name;
@@ -174,9 +169,9 @@ std::optional<ReportKind> ReportKindOf(const std::string& path) {
 std::string ReportHtml(const LineFile& file, const std::optional<SavedCheck>& check,
                        const ReportFacts& facts) {
     std::string html = "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n<title>" +
-                       HtmlText(NameOf(file, facts)) + ": commissioning report</title>\n<style>\n" + Style +
-                       "</style>\n</head>\n<body>\n" + TitlePage(file, check, facts) + ModulesChapter(file) +
-                       "<h1>Settings</h1>\n";
+                       HtmlText(NameOf(file, facts)) + ": commissioning report</title>\n<style>\n" +
+                       HtmlStyle(10, 9) + Style + "</style>\n</head>\n<body>\n" +
+                       TitlePage(file, check, facts) + ModulesChapter(file) + "<h1>Settings</h1>\n";
     for (const SavedModule& module : file.Modules)
         html += ModuleBlock(module);
     if (check)

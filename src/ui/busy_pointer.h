@@ -5,13 +5,18 @@
 
 namespace kavro {
 
-/// Shows the busy pointer over every window of the program while it lives.
-class BusyPointer {
+/// Shows that pointer over every window of the program while it lives.
+template <Qt::CursorShape Shape>
+class OverridePointer {
 public:
-    BusyPointer() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~BusyPointer() { QApplication::restoreOverrideCursor(); }
-    BusyPointer(const BusyPointer&) = delete;
-    BusyPointer& operator=(const BusyPointer&) = delete;
+    OverridePointer() { QApplication::setOverrideCursor(Shape); }
+    ~OverridePointer() { QApplication::restoreOverrideCursor(); }
+    OverridePointer(const OverridePointer&) = delete;
+    OverridePointer& operator=(const OverridePointer&) = delete;
 };
+
+using BusyPointer = OverridePointer<Qt::WaitCursor>;
+/// Where the user is asked while the pointer is busy.
+using ArrowPointer = OverridePointer<Qt::ArrowCursor>;
 
 } // namespace kavro

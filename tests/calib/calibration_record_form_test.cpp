@@ -21,11 +21,12 @@ namespace {
 struct RecordForms : testing::Test, CalibSession {
     RecordForms() : CalibSession("8250", 5, 8) {
         Session.ReplaceFile = [this](const std::string& path, const std::string& content) {
-            if (Full)
+            if (Full || (NoJson && path.ends_with(".json")))
                 throw RuntimeFailure("The disk is full.");
             ReplaceFile(path, content);
         };
-        Name = Disk.Path("TT-100_05_" + QDate::currentDate().toString(Qt::ISODate).toStdString());
+        Title = "TT-100_05_" + QDate::currentDate().toString(Qt::ISODate).toStdString();
+        Name = Disk.Path(Title);
     }
 
     std::string Keep(std::vector<DialogDriver::Step> steps = {}, const std::string& folder = {}) {
@@ -41,8 +42,8 @@ struct RecordForms : testing::Test, CalibSession {
     }
 
     TestFolder Disk;
-    bool Full = false;
-    std::string Name;
+    bool Full = false, NoJson = false;
+    std::string Title, Name;
 };
 
 TEST_F(RecordForms, SavesBothFilesAndTheHistory) {
@@ -55,10 +56,10 @@ TEST_F(RecordForms, SavesBothFilesAndTheHistory) {
             throw RuntimeFailure("The disk is full.");
         history.push_back(std::to_string(address) + model + ReadJson(json).Member("operator")->Text);
     };
-    EXPECT_EQ(Keep(), "Calibration record saved as " + Name + ".pdf and .json.");
+    EXPECT_EQ(Keep(), "Calibration record saved as " + Title + ".pdf and .json.");
     EXPECT_EQ(history, Lines{"58250J. Doe"});
     EXPECT_TRUE(Messages.Shown.empty());
-    EXPECT_TRUE(Contains(Keep(), Name + "-2.pdf"));
+    EXPECT_TRUE(Contains(Keep(), " " + Title + "-2.pdf"));
     EXPECT_TRUE(std::filesystem::exists(Name + "-2.json"));
     EXPECT_EQ(Messages.Shown.size(), 1U);
     Session.Tags.Modules[5].Model = "8260"; // another module stands there now
@@ -67,16 +68,24 @@ TEST_F(RecordForms, SavesBothFilesAndTheHistory) {
 }
 
 TEST_F(RecordForms, AsksWhatToDoWhenItCannotBeSaved) {
+    Session.Tags.Path = "line";
+    Session.Tags.Modules[5].Model = "8250";
+    Session.Tags.AppendHistory = [](auto...) { FAIL() << "discarded"; };
+    NoJson = true;
+    EXPECT_EQ(Keep({Press("DiscardBtn")}), "The record of the calibration was discarded.");
+    EXPECT_FALSE(std::filesystem::exists(Name + ".pdf"));
     Full = true;
     EXPECT_EQ(Keep({Press("TryAgainBtn"), Press("DiscardBtn")}),
               "The record of the calibration was discarded.");
+    NoJson = false;
+    Session.Tags.Path.clear();
     EXPECT_TRUE(Contains(Keep({Press("TryAgainBtn"),
                                {"RecordQuestion",
                                 [&](QDialog& box) {
                                     Full = false;
                                     box.reject(); // as the end of the program does
                                 }}}),
-                         "saved as " + Name + ".pdf"));
+                         "saved as " + Title + ".pdf"));
     const std::string file = Disk.Write("file", "x");
     std::filesystem::create_directory(Disk.Path("other"));
     EXPECT_TRUE(
@@ -89,7 +98,8 @@ TEST_F(RecordForms, AsksWhatToDoWhenItCannotBeSaved) {
                             chooser.accept();
                         }}},
                       file),
-                 "other/TT-100_05_"));
+                 "saved as TT-100_05_"));
+    EXPECT_TRUE(std::filesystem::exists(Disk.Path("other/" + Title + ".json")));
 }
 
 // As when the system ends the program in the middle of a calibration.
