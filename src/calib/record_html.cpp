@@ -123,14 +123,14 @@ std::string PointsTable(const CalibrationRecord& record, const RecordFit& fit) {
         rows.push_back(PointRow(record, record.Points[i], fit.Characters));
     std::string html = HtmlTable({{"Point", 10},
                                   {"Read by", 9},
-                                  {"Signal", 10},
-                                  {"As found", 9},
-                                  {"Error", 8},
-                                  {"% of full scale", 9},
-                                  {"As left", 9},
-                                  {"Error", 8},
-                                  {"% of full scale", 9},
-                                  {"Stored", 10},
+                                  {"Signal", 9},
+                                  {"As found", 10},
+                                  {"Error", 9},
+                                  {"% of full scale", 8},
+                                  {"As left", 10},
+                                  {"Error", 9},
+                                  {"% of full scale", 8},
+                                  {"Stored", 9},
                                   {"Result", 9}},
                                  rows);
     if (shown < record.Points.size())
