@@ -6,6 +6,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace kavro {
@@ -23,7 +24,7 @@ void Show(QLabel& label, const QString& text) {
     if (label.text() == text)
         return;
     label.setText(text);
-    MakeRoom(*label.window());
+    QTimer::singleShot(0, &label, [&label] { MakeRoom(*label.window()); }); // when its layout knows of it
 }
 
 } // namespace
@@ -49,6 +50,8 @@ void OpeningState::Tell(const QString& text) {
 }
 
 void OpeningState::TellPutBack(bool possible, const QString& text) {
+    if (!putBack_ || (possible == possible_ && text == putBackState_->text()))
+        return;
     possible_ = possible;
     putBack_->setAccessibleDescription(text);
     Show(*putBackState_, text);

@@ -18,7 +18,7 @@ public:
 
     /// Says what opening the panel has driven.
     void Tell(const QString& text);
-    /// What Put Back is going to do, and why not when it is not possible.
+    /// What Put Back, where there is one, is going to do, and why not when it is not possible.
     void TellPutBack(bool possible, const QString& text);
     /// While the port is lost nothing can be put back.
     void ShowStale(bool stale);

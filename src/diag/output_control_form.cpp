@@ -7,10 +7,12 @@
 #include "ui/fixed_font.h"
 #include "ui/make_room.h"
 #include "ui/named.h"
+#include "ui/note.h"
 #include "ui/tinted_label.h"
 #include "ui/warning_sign.h"
 
 #include <QHBoxLayout>
+#include <QTimer>
 
 #include <cmath>
 
@@ -32,8 +34,13 @@ OutputControl::OutputControl(OutputDescription description)
     const OutputDescription& output = description_;
     entry_ = new OutputEntry({output.Title, output.NameEnd, output.Bounds, output.Separator,
                               [this](double value) { Enter(value); }});
+    readBack_ = Named(new QLabel, "ReadBack" + output.NameEnd, {});
+    readBack_->setTextFormat(Qt::PlainText);
+    readBack_->setWordWrap(true);
+    readBack_->hide();
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(BuildValue());
+    layout->addWidget(readBack_);
     layout->addLayout(BuildRange());
     layout->addWidget(entry_);
 }
@@ -100,14 +107,14 @@ void OutputControl::Stand(double value) {
 }
 
 void OutputControl::ShowReadBack(const ReadBackWords& words) {
-    if (!readBack_) {
-        readBack_ = Named(new QLabel, "ReadBack" + description_.NameEnd, {});
-        readBack_->setTextFormat(Qt::PlainText);
-        readBack_->setWordWrap(true);
-        static_cast<QVBoxLayout*>(layout())->insertWidget(1, readBack_);
-    }
-    readBack_->setText((words.Differs ? WarningSign : "") + QString::fromStdString(words.Text));
-    MakeRoom(*window());
+    const QString text = (words.Differs ? WarningSign : "") + QString::fromStdString(words.Text);
+    if (text == readBack_->text())
+        return;
+    readBack_->setText(text);
+    readBack_->show();
+    if (words.Differs)
+        Speak(*readBack_);
+    QTimer::singleShot(0, this, [this] { MakeRoom(*window()); }); // when the layouts around it know of it
 }
 
 void OutputControl::ShowTag(const TagAndNote& tag) {
@@ -145,8 +152,7 @@ void OutputControl::ShowStale(bool stale) {
     }
     bar_->setEnabled(!stale);
     entry_->setEnabled(!stale);
-    if (readBack_)
-        readBack_->setEnabled(!stale);
+    readBack_->setEnabled(!stale);
     const QColor tint = stale ? QColor(StaleTint) : QColor();
     data_->SetTint(tint);
     unit_->SetTint(tint);

@@ -69,7 +69,7 @@ private:
     std::optional<BarPosition> entered_; // not sent yet; more exact than the bar
     OutputBar* bar_ = nullptr;
     OutputEntry* entry_ = nullptr;
-    QLabel* readBack_ = nullptr; // once there is something to say
+    QLabel* readBack_ = nullptr; // shown once there is something to say
     QHBoxLayout* value_ = nullptr;
     TagLabel* tag_ = nullptr; // once there is one
     TintedLabel* data_ = nullptr;

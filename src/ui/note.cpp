@@ -10,6 +10,13 @@
 
 namespace kavro {
 
+void Speak(QWidget& widget) {
+    if (!widget.window()->isVisible())
+        return;
+    QAccessibleEvent spoken(&widget, QAccessible::Alert);
+    QAccessible::updateAccessibility(&spoken);
+}
+
 Note::Note(const QString& name, QWidget& form) : QLabel(&form) {
     Named(this, name, {});
     setTextFormat(Qt::PlainText);
@@ -25,8 +32,7 @@ void Note::Tell(const QString& text) {
     setVisible(!shown.isEmpty());
     if (shown.isEmpty() || !window()->isVisible())
         return;
-    QAccessibleEvent spoken(this, QAccessible::Alert);
-    QAccessible::updateAccessibility(&spoken);
+    Speak(*this);
     QTimer::singleShot(0, this, [this] { ComeIntoView(); }); // when the layouts around it know of it
 }
 
