@@ -46,19 +46,25 @@ std::string DriveForm::Revision() {
 }
 
 void DriveForm::AddPutBack(std::int16_t digits) {
-    if (!Session().Preferences.AskBeforeDriving)
-        return;
     digits_ = digits;
-    opening_ = new OpeningState([this] { PutBack(); });
+    opening_ = new OpeningState(Session().Preferences.AskBeforeDriving ? [this] { PutBack(); }
+                                                                       : std::function<void()>());
     opening_->Tell("Opening this window has not driven anything.");
     Rows().addWidget(opening_);
 }
 
 void DriveForm::KeepBefore(unsigned outputs) {
-    if (!opening_ || before_ || driven_)
+    if (!opening_ || before_)
         return;
+    if (driven_)
+        return opening_->TellPutBack(false, NotKnownBefore);
     before_ = outputs;
     opening_->TellPutBack(true, "Put Back sets all outputs as they were when this window was opened.");
+}
+
+void DriveForm::KeepNothing(const char* why) {
+    if (opening_ && !before_)
+        opening_->TellPutBack(false, why);
 }
 
 void DriveForm::PutBack() {

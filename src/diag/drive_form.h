@@ -35,12 +35,14 @@ protected:
     /// Adds `PollState` and `CommandState`, finishes the panel, reads the revision and begins to poll.
     void FinishDrive();
 
-    /// Adds, where the user is asked before outputs are driven, that opening the panel drives nothing, and
+    /// Adds that opening the panel drives nothing, and, where the user is asked before outputs are driven,
     /// `PutBackBtn`. `digits`: of the word that sets all outputs ("@AADO0F05").
     void AddPutBack(std::int16_t digits);
     /// What the outputs were read as: what stood before, unless the user has already driven something.
     /// Nothing is sent for it.
     void KeepBefore(unsigned outputs);
+    /// There is nothing that could be kept now, and why.
+    void KeepNothing(const char* why);
 
     /// Sends a command of the user. A failure is told in `CommandState`; what is shown changes only by what
     /// the module reports. `what` says what it does: "Output 3 on".
@@ -67,7 +69,7 @@ private:
     void PutBack();
 
     std::vector<PanelRead> reads_;
-    OpeningState* opening_ = nullptr; // only where the user is asked before outputs are driven
+    OpeningState* opening_ = nullptr; // only of a panel with outputs
     std::optional<unsigned> before_;  // what the outputs stood at
     bool driven_ = false;             // the user has driven something
     std::int16_t digits_ = 0;         // of the word of all outputs

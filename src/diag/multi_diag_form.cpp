@@ -126,8 +126,10 @@ void MultiDiagForm::ShowStates(bool stale) {
     outputs_->SetSwitchable(states_.Mode == AlarmDisabled, OutputsTaken);
     input_->Show(states_.Input ? 1 : 0);
     SetUsable(*clear_, states_.Mode == AlarmLatched, NotLatched);
-    if (states_.Mode == AlarmDisabled) // else the alarm drives the outputs
+    if (states_.Mode == AlarmDisabled)
         KeepBefore(states_.Outputs);
+    else
+        KeepNothing("The alarm has the outputs: nothing to put back.");
 }
 
 } // namespace kavro

@@ -30,7 +30,7 @@ N46DiagForm::N46DiagForm(kavro::Session& session, kavro::Messages& messages, QWi
     AddHead();
     AddPorts();
     AddAllOutputs();
-    AddPutBack(6); // the module ignores lines of input ports
+    AddPutBack(6);
     AddRead({"Directions", [this] { return ReadPortDirections(Session(), Index(), directions_); },
              [this](bool stale) {
                  if (!stale)
@@ -88,16 +88,17 @@ void N46DiagForm::AddAllOutputs() {
 }
 
 void N46DiagForm::ShowDirections() {
-    bool anyOutput = false;
+    unsigned lines = 0;
     for (std::size_t i = 0; i < ports_.size(); ++i) {
         const DigitalPort& port = DigitalPorts[i];
         const bool output = (directions_ & port.DirectionMask) == 0;
         ports_[i]->setTitle(QString("Port %1 (%2)").arg(port.Name, output ? "output" : "input"));
         ports_[i]->SetSwitchable(output, IsInput);
-        anyOutput |= output;
+        lines |= output ? port.Word() : 0;
     }
+    outputLines_ = lines;
     for (QPushButton* button : all_)
-        SetUsable(*button, anyOutput, NoOutputs);
+        SetUsable(*button, lines != 0, NoOutputs);
 }
 
 void N46DiagForm::ShowLevels(bool stale) {
@@ -107,8 +108,12 @@ void N46DiagForm::ShowLevels(bool stale) {
         else
             ports_[i]->Show(levels_ >> DigitalPorts[i].FirstLine);
     }
-    if (!stale)
-        KeepBefore(levels_);
+    if (stale || !outputLines_)
+        return;
+    if (*outputLines_ != 0)
+        KeepBefore(levels_ & *outputLines_);
+    else
+        KeepNothing("The module has no outputs.");
 }
 
 } // namespace kavro

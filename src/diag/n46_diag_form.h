@@ -4,6 +4,7 @@
 #include "diag/port_panel.h"
 
 #include <array>
+#include <optional>
 
 class QPushButton;
 
@@ -26,6 +27,7 @@ private:
     void ShowLevels(bool stale);
 
     unsigned directions_ = 0;
+    std::optional<unsigned> outputLines_; // of the ports that are outputs, once the module has told
     unsigned levels_ = 0;
     std::array<LineGroup*, DigitalPorts.size()> ports_{};
     std::array<QPushButton*, 2> all_{}; // of all outputs: on, off
