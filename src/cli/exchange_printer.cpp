@@ -18,8 +18,12 @@ std::string JsonText(std::string_view text) {
     return quoted + '"';
 }
 
-std::string JsonValue(const std::optional<std::string>& value) {
-    return value ? JsonText(*value) : "null";
+std::string JsonName(const std::string& name) {
+    return name.empty() ? "null" : JsonText(name);
+}
+
+std::string JsonValue(const std::optional<ToldOutput>& told) {
+    return told ? JsonText(told->Value) : "null";
 }
 
 } // namespace
@@ -38,8 +42,9 @@ std::string ExchangeJson(const Exchanged& exchanged) {
 }
 
 std::string DrivenText(const DrivenOutput& driven) {
-    const auto shown = [&driven](const std::optional<std::string>& value) {
-        return value ? Trim(*value + " " + driven.Unit) : "(not told)";
+    const auto shown = [&driven](const std::optional<ToldOutput>& told) {
+        return told ? Trim(told->Value + " " + driven.Unit) + (told->Outside ? OutsideText : "")
+                    : "(not told)";
     };
     return Trim("output " + driven.Name) + ": " + shown(driven.Old) + " -> " + shown(driven.New);
 }
@@ -49,7 +54,8 @@ void ExchangePrinter::Print(const Exchanged& exchanged, const DrivenOutput& driv
         return rows_.Print(ExchangeText(exchanged) + "\n" + DrivenText(driven) + "\n");
     std::string object = ExchangeJson(exchanged);
     object.pop_back(); // its "}"
-    rows_.Print(object + ", \"old\": " + JsonValue(driven.Old) + ", \"new\": " + JsonValue(driven.New) + "}");
+    rows_.Print(object + ", \"output\": " + JsonName(driven.Name) + ", \"unit\": " + JsonName(driven.Unit) +
+                ", \"old\": " + JsonValue(driven.Old) + ", \"new\": " + JsonValue(driven.New) + "}");
 }
 
 } // namespace kavro

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/row_printer.h"
+#include "diag/analog_output_panel.h"
 
 #include <cstdint>
 #include <optional>
@@ -18,8 +19,8 @@ struct Exchanged {
 
 /// What a command drove, and what the module told of it before and after.
 struct DrivenOutput {
-    std::string Name, Unit;              ///< "A" and "V"; empty where there is none
-    std::optional<std::string> Old, New; ///< "+7.250", "on"; nothing when it did not tell
+    std::string Name, Unit;             ///< "A" and "V"; empty where there is none
+    std::optional<ToldOutput> Old, New; ///< "+7.250", "on"; nothing when it did not tell
 };
 
 /// A pair as a line: "$012 -> !01400600", with codes such as "<0A>" for what cannot be printed.
@@ -41,7 +42,8 @@ public:
         rows_.Print(json_ ? ExchangeJson(exchanged) : ExchangeText(exchanged) + "\n");
     }
 
-    /// Prints a pair and what it drove: "output 3: off -> on", or the members "old" and "new".
+    /// Prints a pair and what it drove: "output 3: off -> on", or the members "output", "unit",
+    /// "old" and "new".
     void Print(const Exchanged& exchanged, const DrivenOutput& driven);
 
     /// Ends the output.

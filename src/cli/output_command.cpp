@@ -56,11 +56,11 @@ Exchanged LastExchange(const Session& session) {
 // True when the module accepted the command, which is printed also when nothing can be read after it.
 bool Run(const Session& session, const PlannedChange& change, ExchangePrinter& printer) {
     const NamedOutput& output = change.Output;
-    DrivenOutput driven = {output.Name, output.Unit, output.Read(), {}};
+    DrivenOutput driven = {output.Name, output.Unit, ReadTold(output), {}};
     const bool accepted = change.Drive();
     const Exchanged exchanged = LastExchange(session);
     try {
-        driven.New = output.Read();
+        driven.New = ReadTold(output);
     } catch (const RuntimeFailure&) {
         printer.Print(exchanged, driven);
         throw;
@@ -174,7 +174,7 @@ void AddOutputOptions(QCommandLineParser& parser) {
     AddContactOptions(parser);
     parser.addPositionalArgument("OUTPUT=VALUE", "An output and what it is to become.", "[OUTPUT=]VALUE...");
     parser.addOption({"json", "Print a JSON array with an object for each command: \"command\", \"reply\", "
-                              "\"complete\", \"baud\", \"old\" and \"new\"."});
+                              "\"complete\", \"baud\", \"output\", \"unit\", \"old\" and \"new\"."});
 }
 
 CommandAction PrepareOutput(const QCommandLineParser& parser) {

@@ -130,16 +130,14 @@ std::string PortCommand(const std::string& address, int port, float value) {
            FormatNumber(std::abs(value), 2, 3);
 }
 
-std::optional<std::string> ReadSingleOutput(Session& session, int index) {
+std::optional<ToldOutput> ReadSingleOutput(Session& session, int index) {
     const ModuleReply reply = AskModule(session, index, '$', "6");
     if (reply.Answer != Answer::Ok)
         return std::nullopt;
     const ModuleRecord& record = session.ModuleTable[index];
     const OutputRange range = RangeOf(record.InputRange);
     const double value = ValueOfData(record, reply.Data);
-    if (value < range.Low || value > range.Low + range.Span)
-        return std::nullopt; // another range was set meanwhile
-    return FormatNumber(value, 1, 3);
+    return ToldOutput{FormatNumber(value, 1, 3), value < range.Low || value > range.Low + range.Span};
 }
 
 std::optional<std::string> ReadTerminals(Session& session, int index) {
@@ -148,12 +146,13 @@ std::optional<std::string> ReadTerminals(Session& session, int index) {
                                       : std::nullopt;
 }
 
-std::optional<std::string> ReadPort(Session& session, int index, int port) {
+std::optional<ToldOutput> ReadPort(Session& session, int index, int port) {
     const ModuleReply reply = AskModule(session, index, '$', {'6', static_cast<char>('A' + port)});
     if (reply.Answer != Answer::Ok)
         return std::nullopt;
     const double value = NumericValue(reply.Data);
-    return (value < 0 ? "-" : "+") + FormatNumber(std::abs(value), 1, 3);
+    return ToldOutput{(value < 0 ? "-" : "+") + FormatNumber(std::abs(value), 1, 3),
+                      value < PortBounds.Low || value > PortBounds.High};
 }
 
 std::optional<unsigned> ReadOutputModuleInputs(Session& session, int index) {

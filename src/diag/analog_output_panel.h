@@ -54,9 +54,18 @@ std::string HighRangeText(std::int16_t rangeCode);
 /// record's data format, "12.500", "+062.50" or "A00".
 std::string OutputCommand(const std::string& address, const ModuleRecord& record, BarPosition bar);
 
+/// What a module tells that an output stands at.
+struct ToldOutput {
+    std::string Value;    ///< "12.500"
+    bool Outside = false; ///< of the output's range, as when the module was set to another than the list has
+};
+
+/// What is said behind such a value.
+inline constexpr const char* OutsideText = ", outside the range of the list";
+
 /// What the single output stands at, as entry `index` tells ("$AA6"), in the unit of its range whatever the
-/// data format: "12.500". Nothing when it does not tell, or what is not within the range.
-std::optional<std::string> ReadSingleOutput(Session& session, int index);
+/// data format: "12.500". Nothing when it does not tell.
+std::optional<ToldOutput> ReadSingleOutput(Session& session, int index);
 
 /// What stands at the terminals of the single output as entry `index` tells ("$AA8"): "12.512". Nothing when
 /// it does not tell.
@@ -75,7 +84,7 @@ std::string PortCommand(const std::string& address, int port, float value);
 
 /// The voltage that port 0 to 3 was set to, as entry `index` tells ("$AA6p"): "+7.250". Nothing when it does
 /// not tell.
-std::optional<std::string> ReadPort(Session& session, int index, int port);
+std::optional<ToldOutput> ReadPort(Session& session, int index, int port);
 
 /// Digital inputs of a module with four voltage outputs.
 inline constexpr int OutputModuleInputs = 7;

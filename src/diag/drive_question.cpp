@@ -18,6 +18,7 @@ constexpr const char* CalibrationText =
     "4 and to 20 mA in step 5. The output can also move when the configuration changes.";
 constexpr std::int16_t CalibrationRange = 48; // 0 to 20 mA
 constexpr const char* CalibrationOutput = "4 mA, later 20 mA";
+constexpr const char* RefusedCalibration = "would be sent 4 mA, later 20 mA"; // it has no such configuration
 
 std::string WithTag(const std::string& what, const std::string& tag) {
     return tag.empty() ? what : what + ", " + tag;
@@ -30,17 +31,18 @@ std::string ModuleText(const Session& session, int index) {
                    tags ? tags->Module.Tag : std::string());
 }
 
-std::string Shown(const Session& session, const std::optional<std::string>& value, const std::string& unit) {
-    if (!value)
+std::string Shown(const Session& session, const std::optional<ToldOutput>& told, const std::string& unit) {
+    if (!told)
         return NotTold;
-    return ShownNumber(FormatNumber(NumericValue(*value), 1, 3), session.DecimalSeparator) + " " + unit;
+    return ShownNumber(FormatNumber(NumericValue(told->Value), 1, 3), session.DecimalSeparator) + " " + unit +
+           (told->Outside ? OutsideText : "");
 }
 
 DriveQuestion::Change SingleOutput(Session& session, int index) {
     const auto [low, high, unit] = SingleOutputBounds(session.ModuleTable[index]);
     return {WithTag("Output", ChannelTagOf(session, index, 0).Tag),
             Shown(session, ReadSingleOutput(session, index), unit),
-            Shown(session, FormatNumber(low, 1, 3), unit)};
+            Shown(session, ToldOutput{FormatNumber(low, 1, 3)}, unit)};
 }
 
 // A module that does not answer for one port is not asked for the next.
@@ -51,7 +53,7 @@ void AddPorts(Session& session, int index, int ports, DriveQuestion& question) {
         asks = now || session.Line.FallenSilent();
         question.Changes.push_back({WithTag(std::string("Output ") + static_cast<char>('A' + port),
                                             ChannelTagOf(session, index, port).Tag),
-                                    Shown(session, now, "V"), Shown(session, "0.000", "V")});
+                                    Shown(session, now, "V"), Shown(session, ToldOutput{"0.000"}, "V")});
     }
 }
 
@@ -80,7 +82,7 @@ DriveQuestion QuestionBefore(Session& session, DrivingWindow window) {
     else
         question.Changes.push_back(SingleOutput(session, index));
     if (calibrates)
-        question.Changes.back().Becomes = CalibrationOutput;
+        question.Changes.back().Becomes = ports ? RefusedCalibration : CalibrationOutput;
     return question;
 }
 

@@ -1,7 +1,6 @@
 #include "diag/module_outputs.h"
 
 #include "diag/alarm_panel.h"
-#include "diag/analog_output_panel.h"
 #include "diag/digital_panel.h"
 #include "diag/port_panel.h"
 #include "link/codes.h"
@@ -9,6 +8,8 @@
 #include "link/models.h"
 #include "link/text.h"
 #include "map/module_access.h"
+
+#include <utility>
 
 namespace kavro {
 
@@ -42,6 +43,16 @@ Drive AnalogDrive(Session& session, int index, const std::string& command) {
     };
 }
 
+// An output that is read, and can be planned to be what it is read as.
+NamedOutput WithRead(NamedOutput output, std::function<std::optional<ToldOutput>()> read) {
+    output.ReadAny = read;
+    output.Read = [read = std::move(read)]() -> std::optional<std::string> {
+        const auto told = read();
+        return told && !told->Outside ? std::optional(told->Value) : std::nullopt;
+    };
+    return output;
+}
+
 std::vector<NamedOutput> SingleOutput(Session& session, int index) {
     const OutputBounds bounds = SingleOutputBounds(session.ModuleTable[index]);
     if (bounds.High <= bounds.Low)
@@ -51,14 +62,15 @@ std::vector<NamedOutput> SingleOutput(Session& session, int index) {
                            OutputCommand(AddressText(session, index), session.ModuleTable[index],
                                          BarOf(ParseValue(text, bounds), bounds)));
     };
-    return {{.Name = {},
-             .Channel = 0,
-             .Digital = false,
-             .Low = bounds.Low,
-             .High = bounds.High,
-             .Unit = bounds.Unit,
-             .Plan = plan,
-             .Read = [&session, index] { return ReadSingleOutput(session, index); }}};
+    return {WithRead({.Name = {},
+                      .Channel = 0,
+                      .Digital = false,
+                      .Low = bounds.Low,
+                      .High = bounds.High,
+                      .Unit = bounds.Unit,
+                      .Plan = plan,
+                      .Read = {}},
+                     [&session, index] { return ReadSingleOutput(session, index); })};
 }
 
 NamedOutput VoltagePort(Session& session, int index, int port) {
@@ -67,14 +79,15 @@ NamedOutput VoltagePort(Session& session, int index, int port) {
         const BarPosition bar = BarOf(ParseValue(text, PortBounds), PortBounds);
         return AnalogDrive(session, index, PortCommand(AddressText(session, index), port, PortValue(bar)));
     };
-    return {.Name = std::string(1, static_cast<char>('A' + port)),
-            .Channel = port,
-            .Digital = false,
-            .Low = PortBounds.Low,
-            .High = PortBounds.High,
-            .Unit = PortBounds.Unit,
-            .Plan = plan,
-            .Read = [&session, index, port] { return ReadPort(session, index, port); }};
+    return WithRead({.Name = std::string(1, static_cast<char>('A' + port)),
+                     .Channel = port,
+                     .Digital = false,
+                     .Low = PortBounds.Low,
+                     .High = PortBounds.High,
+                     .Unit = PortBounds.Unit,
+                     .Plan = plan,
+                     .Read = {}},
+                    [&session, index, port] { return ReadPort(session, index, port); });
 }
 
 std::vector<NamedOutput> VoltagePorts(Session& session, int index) {
@@ -214,6 +227,13 @@ std::optional<std::vector<NamedOutput>> OutputsOf(Session& session) {
                                {SwitchOutput, ReadDigitalOutputs, 4, channels.Inputs});
     }
     }
+}
+
+std::optional<ToldOutput> ReadTold(const NamedOutput& output) {
+    if (output.ReadAny)
+        return output.ReadAny();
+    const auto told = output.Read();
+    return told ? std::optional(ToldOutput{*told}) : std::nullopt;
 }
 
 } // namespace kavro

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "diag/analog_output_panel.h"
 #include "map/session.h"
 
 #include <functional>
@@ -25,10 +26,15 @@ struct NamedOutput {
     /// What the module says that it stands at now, in words that `Plan` takes: "12.500", "+7.250", "on",
     /// "0F05"; nothing when it does not tell. Throws `RuntimeFailure` when the port fails.
     std::function<std::optional<std::string>()> Read;
+    /// The same of an analog one with what lies outside the limits, which `Read` does not tell; else empty.
+    std::function<std::optional<ToldOutput>()> ReadAny{};
 };
 
 /// The outputs of the selected entry; none for a model without outputs. An 8460 is asked which of its ports
 /// are outputs; nothing when it does not tell. They hold on to the session.
 std::optional<std::vector<NamedOutput>> OutputsOf(Session& session);
+
+/// What an output stands at, whether `Plan` takes it or not; nothing when the module does not tell.
+std::optional<ToldOutput> ReadTold(const NamedOutput& output);
 
 } // namespace kavro

@@ -99,6 +99,8 @@ void N32DiagForm::ShowChannelTags() {
 
 void N32DiagForm::Tick() {
     OutputPanelForm::Tick();
+    if (AwaitsReadBack())
+        return;
     const auto bits = ReadOutputModuleInputs(Session(), Index());
     if (!bits)
         return;

@@ -78,7 +78,9 @@ void OutputEntry::Enter() {
     std::string text = Trim(entry_->text().toStdString());
     NormalizeDecimalPoint(text, description_.Separator);
     const auto value = ParseOutput(text, description_.Bounds);
-    note_->Tell(value ? QString() : "Give " + RangeText(description_.Bounds) + ". Nothing was sent.");
+    note_->Tell(value ? QString()
+                      : QString("Give %1, a number with the decimal separator \"%2\". Nothing was sent.")
+                            .arg(RangeText(description_.Bounds), description_.Separator.c_str()));
     entry_->selectAll();
     if (value)
         description_.Set(*value);

@@ -9,12 +9,16 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace kavro {
 
 namespace {
 
 constexpr std::size_t CommandHead = 3; // "#AA"
 constexpr int LookMs = 50;             // between two looks whether the line has fallen silent
+constexpr const char* NotYet = "not read back yet";
+constexpr const char* NotSinceFailure = "not read back since the port failed";
 
 } // namespace
 
@@ -40,7 +44,7 @@ void OutputPanelForm::Start() {
     for (State& state : outputs_) {
         const Answer answer = Send(state, BarOf(state.Output.Start, state.Output.Bounds));
         if (answer != Answer::Ok)
-            failed << QString("%1 (%2)").arg(state.Output.Name, AnswerText(answer));
+            failed << (outputs_.size() > 1 ? state.Output.Name + ": " : QString()) + AnswerText(answer);
     }
     started_ = true;
     TellOpened(failed);
@@ -50,33 +54,46 @@ void OutputPanelForm::Start() {
 void OutputPanelForm::ReadBefore() {
     bool asks = true;
     for (State& state : outputs_) {
-        const auto told = asks ? state.Output.Read() : std::nullopt;
-        asks = told || Session().Line.FallenSilent();
-        state.Before = told ? std::optional(NumericValue(*told)) : std::nullopt;
+        state.Stood = asks ? state.Output.Read() : std::nullopt;
+        asks = state.Stood || Session().Line.FallenSilent();
     }
     beforeRead_ = true;
     TellBefore();
 }
 
+std::optional<double> OutputPanelForm::Before(const State& state) {
+    const auto& stood = state.Stood;
+    return stood && !stood->Outside ? std::optional(NumericValue(stood->Value)) : std::nullopt;
+}
+
 void OutputPanelForm::TellBefore() {
-    QStringList known, unknown;
-    for (const State& state : outputs_)
-        if (state.Before)
-            known << state.Output.Name + " to " + Shown(state, *state.Before);
-        else
-            unknown << state.Output.Name;
-    const QString left = ": the module did not tell what stood there before.";
+    QStringList known, left, reasons;
+    bool told = true;
+    for (const State& state : outputs_) {
+        const QString& name = state.Output.Name;
+        if (const auto before = Before(state)) {
+            known << name + " to " + Shown(state, *before);
+            continue;
+        }
+        left << name;
+        told = told && state.Stood;
+        if (state.Stood)
+            reasons << name + " stood at " + Shown(state, NumericValue(state.Stood->Value)) + OutsideText;
+    }
+    if (!told)
+        reasons << "the module did not tell what stood there before";
+    const QString why = ": " + reasons.join("; ") + ".";
     if (known.isEmpty())
-        return opening_->TellPutBack(false, "Nothing can be put back" + left);
+        return opening_->TellPutBack(false, "Nothing can be put back" + why);
     opening_->TellPutBack(true, "Put Back sets " + known.join(", ") + ", as before this window was opened." +
-                                    (unknown.isEmpty() ? "" : " It leaves " + unknown.join(", ") + left));
+                                    (left.isEmpty() ? "" : " It leaves " + left.join(", ") + why));
 }
 
 void OutputPanelForm::TellOpened(const QStringList& failed) {
     const QString all = StartText();
     opening_->Tell(failed.isEmpty() ? "Opening this window has set " + all + "."
-                                    : "Opening this window has sent " + all +
-                                          "; the module did not confirm it of " + failed.join(", ") + ".");
+                                    : "Opening this window tried to set " + all + "; not confirmed (" +
+                                          failed.join(", ") + ").");
 }
 
 // "the output to 4.000 mA", or of several, which all start alike, "A, B, C, D to 0.000 V".
@@ -96,28 +113,49 @@ QString OutputPanelForm::Shown(const State& state, double value) const {
 Answer OutputPanelForm::Send(State& state, BarPosition bar) {
     const std::string command = state.Output.Command(bar);
     Ask(command);
-    const Answer answer = LastAnswer(Session(), Index(), '#', command.substr(CommandHead));
-    const Sent sent = {bar, answer, ++state.Sends};
-    if (Cares())
-        Then([this, &state, sent] { ReadBack(state, sent); });
-    return answer;
+    state.Last = {bar, LastAnswer(Session(), Index(), '#', command.substr(CommandHead)),
+                  state.Last.Number + 1};
+    if (Cares()) {
+        ShowNotReadBack(state, NotYet); // else what was read of another value would stand beside this one
+        ReadBackLater(state);
+    }
+    return state.Last.Accepted;
+}
+
+void OutputPanelForm::ShowNotReadBack(const State& state, const char* why) {
+    const OutputBounds& bounds = state.Output.Bounds;
+    ReadBackWords words = WordsBeforeReading({ValueAt(state.Last.Bar, bounds), state.Last.Accepted},
+                                             bounds.Unit, Session().DecimalSeparator, why);
+    words.Differs |= LineLost();
+    state.Output.Control->ShowReadBack(words);
+}
+
+void OutputPanelForm::ReadBackLater(State& state) {
+    state.ReadBackDue = true;
+    Then([this, &state, number = state.Last.Number] { ReadBack(state, number); });
+}
+
+bool OutputPanelForm::AwaitsReadBack() const {
+    return !LineLost() && std::ranges::any_of(outputs_, &State::ReadBackDue);
 }
 
 // A module that did not answer is left in peace until no late reply is to be expected any more, without
 // holding the window. Only the last value is read back.
-void OutputPanelForm::ReadBack(State& state, const Sent& sent) {
-    if (sent.Number != state.Sends)
+void OutputPanelForm::ReadBack(State& state, int number) {
+    if (number != state.Last.Number || !state.ReadBackDue)
         return;
     if (!Session().Line.FallenSilent()) {
-        QTimer::singleShot(
-            LookMs, this, [this, &state, sent] { Operate([this, &state, sent] { ReadBack(state, sent); }); });
+        QTimer::singleShot(LookMs, this, [this, &state, number] {
+            Operate([this, &state, number] { ReadBack(state, number); });
+        });
         return;
     }
     const PanelOutput& output = state.Output;
-    OutputReadBack readBack = {ValueAt(sent.Bar, output.Bounds), sent.Accepted};
+    OutputReadBack readBack = {ValueAt(state.Last.Bar, output.Bounds), state.Last.Accepted};
     readBack.Told = output.Read();
     if (readBack.Told && output.Terminals)
         readBack.Measured = output.Terminals();
+    state.ReadBackDue = false;
     output.Control->ShowReadBack(
         WordsOf(readBack, output.Bounds.Unit, output.Resolution, Session().DecimalSeparator));
 }
@@ -133,13 +171,14 @@ void OutputPanelForm::Move(std::size_t place, BarPosition bar) {
 // has not been sent yet is given up.
 void OutputPanelForm::PutBack() {
     for (const State& state : outputs_)
-        if (state.Before)
-            state.Output.Control->Stand(*state.Before);
+        if (const auto before = Before(state))
+            state.Output.Control->Stand(*before);
     Operate([this] {
         for (State& state : outputs_) {
-            if (!state.Before)
+            const auto before = Before(state);
+            if (!before)
                 continue;
-            Send(state, BarOf(*state.Before, state.Output.Bounds));
+            Send(state, BarOf(*before, state.Output.Bounds));
             state.Output.Control->Confirm();
         }
     });
@@ -151,9 +190,19 @@ void OutputPanelForm::Tick() {
         Start();
 }
 
+// What was read back before an outage is read again after it: the module may have lost its supply, too.
 void OutputPanelForm::ShowStale(bool stale) {
-    for (const State& state : outputs_)
+    for (State& state : outputs_) {
         state.Output.Control->ShowStale(stale);
+        if (!Cares() || state.Last.Number == 0)
+            continue;
+        if (stale) {
+            state.ReadBackDue = true;
+            ShowNotReadBack(state, NotSinceFailure);
+        } else if (state.ReadBackDue) {
+            ReadBackLater(state);
+        }
+    }
     opening_->ShowStale(stale);
 }
 

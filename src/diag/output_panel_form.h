@@ -20,7 +20,7 @@ struct PanelOutput {
     double Start = 0;                                      ///< what opening the panel drives it to
     double Resolution = 0;                                 ///< of what the module tells of it
     std::function<std::string(BarPosition bar)> Command;   ///< that sets it: "#0112.500"
-    std::function<std::optional<std::string>()> Read;      ///< what the module tells that it stands at
+    std::function<std::optional<ToldOutput>()> Read;       ///< what the module tells that it stands at
     std::function<std::optional<std::string>()> Terminals; ///< and what stands at its terminals; may be none
 };
 
@@ -45,24 +45,32 @@ protected:
     /// The user has moved an output, by its place.
     void Move(std::size_t place, BarPosition bar);
 
+    /// Whether a value that was sent waits to be read back. Nothing that could be left without a reply may be
+    /// sent meanwhile, as that would put the reading off.
+    bool AwaitsReadBack() const;
+
     OutputControl& Control(std::size_t place) const { return *outputs_[place].Output.Control; }
 
     void Tick() override; // a start that was interrupted is made up for
     void ShowStale(bool stale) override;
 
 private:
-    struct State {
-        PanelOutput Output;
-        std::optional<double> Before{}; // what it stood at before the panel was opened
-        int Sends = 0;                  // values sent
-    };
-
     // A value that was sent, and what the module said to it.
     struct Sent {
         BarPosition Bar;
         Answer Accepted = Answer::NoReply;
-        int Number = 0; // as `State::Sends`
+        int Number = 0; // 1 for the first
     };
+
+    struct State {
+        PanelOutput Output;
+        std::optional<ToldOutput> Stood{}; // what it stood at before the panel was opened
+        Sent Last{};
+        bool ReadBackDue = false; // what stands there since is not known
+    };
+
+    // What can be put back.
+    static std::optional<double> Before(const State& state);
 
     bool Cares() const { return Session().Preferences.AskBeforeDriving; }
     void Start();
@@ -73,7 +81,9 @@ private:
     QString Shown(const State& state, double value) const;
     void PutBack();
     Answer Send(State& state, BarPosition bar);
-    void ReadBack(State& state, const Sent& sent);
+    void ShowNotReadBack(const State& state, const char* why);
+    void ReadBackLater(State& state);
+    void ReadBack(State& state, int number);
 
     std::vector<State> outputs_;
     OpeningState* opening_ = nullptr;

@@ -20,11 +20,13 @@ struct Shown {
     std::string operator()(const std::string& number) const { return (*this)(NumericValue(number)); }
 };
 
-// How far a value is from what was sent: "+0.012 mA".
+// How far a value is from what was sent: " (+0.012 mA)"; nothing where that is nothing.
 std::string Difference(const std::string& value, double sent, const Shown& shown) {
     const double difference = NumericValue(value) - sent;
     const double thousandths = std::round(difference * 1000);
-    return (thousandths < 0 ? "-" : "+") + shown(std::abs(thousandths) / 1000);
+    if (thousandths == 0)
+        return {};
+    return std::string(" (") + (thousandths < 0 ? "-" : "+") + shown(std::abs(thousandths) / 1000) + ")";
 }
 
 std::string SentText(const OutputReadBack& readBack, const Shown& shown) {
@@ -36,9 +38,10 @@ std::string ToldText(const OutputReadBack& readBack, bool differs, const Shown& 
     if (!readBack.Told)
         return "; the module does not tell what it stands at";
     if (!differs)
-        return "; read back " + shown(*readBack.Told);
-    return "; the module stands at " + shown(*readBack.Told) + " (" +
-           Difference(*readBack.Told, readBack.Sent, shown) + ")";
+        return "; read back " + shown(readBack.Told->Value);
+    return "; the module stands at " + shown(readBack.Told->Value) +
+           (readBack.Told->Outside ? OutsideText : "") +
+           Difference(readBack.Told->Value, readBack.Sent, shown);
 }
 
 } // namespace
@@ -46,13 +49,21 @@ std::string ToldText(const OutputReadBack& readBack, bool differs, const Shown& 
 ReadBackWords WordsOf(const OutputReadBack& readBack, const std::string& unit, double resolution,
                       const std::string& separator) {
     const Shown shown = {unit, separator};
-    const bool stands =
-        readBack.Told && std::abs(NumericValue(*readBack.Told) - readBack.Sent) <= resolution + Rounding;
+    const auto same = [&](const std::string& value) {
+        return std::abs(NumericValue(value) - readBack.Sent) <= resolution + Rounding;
+    };
+    const bool stands = readBack.Told && !readBack.Told->Outside && same(readBack.Told->Value);
+    const bool arrives = !readBack.Measured || same(*readBack.Measured);
     std::string text = SentText(readBack, shown) + ToldText(readBack, !stands, shown);
     if (readBack.Measured)
-        text += "; at the terminals " + shown(*readBack.Measured) + " (" +
-                Difference(*readBack.Measured, readBack.Sent, shown) + ")";
-    return {text + ".", readBack.Accepted != Answer::Ok || !stands};
+        text += "; at the terminals " + shown(*readBack.Measured) +
+                Difference(*readBack.Measured, readBack.Sent, shown);
+    return {text + ".", readBack.Accepted != Answer::Ok || !stands || !arrives};
+}
+
+ReadBackWords WordsBeforeReading(const OutputReadBack& readBack, const std::string& unit,
+                                 const std::string& separator, const std::string& state) {
+    return {SentText(readBack, {unit, separator}) + "; " + state + ".", readBack.Accepted != Answer::Ok};
 }
 
 } // namespace kavro

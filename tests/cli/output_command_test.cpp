@@ -114,7 +114,7 @@ TEST(OutputCommand, WhatTheModuleDoesNotAnswerHasAnExitCode) {
                   return DriveOutputs(told.Session, contact, {{"", "20"}}, true);
               }).Out,
               "[\n  {\"command\": \"#08+100.00\", \"reply\": \">\", \"complete\": true, \"baud\": 9600, "
-              "\"old\": null, "
+              "\"output\": null, \"unit\": \"mA\", \"old\": null, "
               "\"new\": null}\n]\n");
     OutputSession unplugged;
     unplugged.Line.Unplug();
