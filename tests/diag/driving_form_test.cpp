@@ -28,6 +28,15 @@ struct CarefulPanel : SimulatedPanel {
         return std::exchange(Sent, {});
     }
 
+    /// What is sent when no late reply is to be expected any more.
+    Lines SentLater() {
+        Time.Sleep(3000);
+        QElapsedTimer real;
+        for (real.start(); Sent.empty() && !real.hasExpired(5000);)
+            QApplication::processEvents();
+        return SentNow();
+    }
+
     void Stands(const std::string& command) { Module.Hear(command, 9600, 0); }
 };
 
@@ -84,12 +93,13 @@ TEST(DaDiagForm, ReadsBackAndPutsBackWhereItIsAskedFor) {
     DaDiagForm form(test.Session, test.Messages);
     EXPECT_EQ(test.SentNow(), (Lines{"$01F", "$016", "#0104.000", "$016", "$018"}));
     EXPECT_EQ(Shown(form, "OpeningState"), "Opening this window has set the output to 4.000 mA.");
-    EXPECT_EQ(Shown(form, "ReadBack"),
-              "Sent 4.000 mA; read back 4.000 mA; at the terminals 4.000 mA (+0.000 mA).");
+    EXPECT_EQ(Shown(form, "ReadBack"), "Sent 4.000 mA; read back 4.000 mA; at the terminals 4.000 mA.");
     EXPECT_TRUE(Shown(form, "PutBackState").startsWith("Put Back sets the output to 12.500 mA,"));
     Enter(form, "DaEntry", "20");
     EXPECT_EQ(test.SentNow(), (Lines{"#0120.000", "$016", "$018"}));
-    EXPECT_TRUE(Shown(form, "ReadBack").endsWith("; at the terminals 20.020 mA (+0.020 mA)."));
+    EXPECT_EQ(Shown(form, "ReadBack"),
+              "\u26a0 Sent 20.000 mA; read back 20.000 mA; at the terminals 20.020 mA "
+              "(+0.020 mA).");
     Find<QScrollBar>(form, "DaScroll").setValue(0); // due, and given up
     Click(form, "PutBackBtn");
     EXPECT_EQ(test.SentNow(), (Lines{"#0112.500", "$016", "$018"}));
@@ -110,14 +120,20 @@ TEST(DaDiagForm, WhatTheModuleDoesNotTellCannotBePutBack) {
     test.Module.CommandFaults = [](std::string_view command) { return Faults{.Silent = command == "$016"}; };
     DaDiagForm form(test.Session, test.Messages);
     EXPECT_EQ(test.SentNow(), (Lines{"$01F", "$016", "#0104.000"})) << "until no late reply can come";
-    test.Time.Sleep(3000);
-    QElapsedTimer real;
-    for (real.start(); test.Sent.empty() && !real.hasExpired(5000);)
-        QApplication::processEvents();
-    EXPECT_EQ(test.SentNow(), Lines{"$016"});
+    EXPECT_EQ(test.SentLater(), Lines{"$016"});
     EXPECT_FALSE(Find<QPushButton>(form, "PutBackBtn").isEnabled());
     EXPECT_TRUE(Shown(form, "PutBackState").contains("the module did not tell"));
     EXPECT_TRUE(Shown(form, "ReadBack").startsWith("\u26a0 Sent 4.000 mA; the module does not tell"));
+}
+
+TEST(DaDiagForm, WhatLiesOutsideTheRangeOfTheListIsSaid) {
+    CarefulPanel test("8310  ");
+    test.Module.Settings.TypeCode = 48; // 0 to 20 mA
+    DaDiagForm form(test.Session, test.Messages);
+    test.SentNow();
+    EXPECT_EQ(Shown(form, "PutBackState"),
+              "Nothing can be put back: the output stood at 0.000 mA, outside the "
+              "range of the list.");
 }
 
 TEST(DaDiagForm, ReadsBeforeItDrivesAlsoWhenThePortComesLate) {
@@ -159,6 +175,32 @@ TEST(N32DiagForm, PutsBackEveryOutputAsOneOperation) {
     Click(form, "ExitBtn");
     EXPECT_EQ(Lines(test.Sent.end() - 4, test.Sent.end()),
               (Lines{"#01A+00.000", "#01B-07.250", "#01C+00.000", "#01D+00.000"}));
+}
+
+// A module that is off would put reading back off for ever, if its inputs were polled meanwhile.
+TEST(N32DiagForm, NothingOldStandsBesideAValueThatWasNotAnswered) {
+    CarefulPanel test("8320  ", 51);
+    N32DiagForm form(test.Session, test.Messages);
+    StopTimer(form);
+    test.SentNow();
+    test.Module.OwnFaults.Silent = true;
+    Enter(form, "DaEntry_0", "7");
+    EXPECT_EQ(Shown(form, "ReadBack_0"), "\u26a0 Sent 7.000 V: no reply; not read back yet.");
+    Tick(form);
+    EXPECT_EQ(test.SentNow(), Lines{"#01A+07.000"});
+    test.Module.OwnFaults = {};
+    EXPECT_EQ(test.SentLater(), Lines{"$016A"});
+    EXPECT_TRUE(Shown(form, "ReadBack_0").contains("no reply; the module stands at 0.000 V (-7.000 V)"));
+    test.Line.Unplug();
+    Tick(form);
+    EXPECT_TRUE(Shown(form, "ReadBack_1").endsWith("; not read back since the port failed."));
+    test.Line.Plug();
+    test.Time.Sleep(1000);
+    test.SentNow();
+    Tick(form);
+    EXPECT_EQ(test.SentNow(), Lines{"$018"});
+    EXPECT_EQ(test.SentLater(), (Lines{"$016A", "$016B", "$016C", "$016D"}));
+    EXPECT_EQ(Shown(form, "ReadBack_1"), "Sent 0.000 V; read back 0.000 V.");
 }
 
 TEST(DriveForm, PutsBackWhatItReadBeforeTheUserDroveSomething) {
