@@ -2,6 +2,7 @@
 #include "diag/dio_diag_form.h"
 #include "diag/drive_question_form.h"
 #include "diag/n32_diag_form.h"
+#include "diag/n46_diag_form.h"
 #include "diag/panel_on_line.h"
 #include "link/codes.h"
 #include "sim/analog_output_module.h"
@@ -219,6 +220,23 @@ TEST(DriveForm, PutsBackWhatItReadBeforeTheUserDroveSomething) {
         test.Sent.clear();
         Click(form, "PutBackBtn");
         EXPECT_EQ(std::ranges::count(test.Sent, "@01DO0F05"), told ? 1 : 0);
+    }
+}
+
+TEST(DriveForm, PutsBackOutputsOnly) {
+    for (const bool outputs : {false, true}) {
+        CarefulPanel test("8460  ");
+        test.Stands(outputs ? "$01S0A" : "$01S0F");
+        N46DiagForm form(test.Session, test.Messages);
+        Tick(form);
+        EXPECT_EQ(Shown(form, "OpeningState"), "Opening this window has not driven anything.");
+        EXPECT_EQ(Shown(form, "PutBackState") == "The module has no outputs.", !outputs);
+        EXPECT_EQ(Find<QPushButton>(form, "PutBackBtn").isEnabled(), outputs);
+        test.Session.Preferences.AskBeforeDriving = false;
+        N46DiagForm off(test.Session, test.Messages);
+        Tick(off);
+        EXPECT_EQ(Shown(off, "OpeningState"), Shown(form, "OpeningState"));
+        EXPECT_FALSE(off.findChild<QPushButton*>("PutBackBtn"));
     }
 }
 
