@@ -136,9 +136,9 @@ TEST_F(FilesTest, PreferencesComeBackAndNonsenseCountsAsNotThere) {
     Folder.Write("file", "[General]\nLater=x\nAnswerWithin=7\n[Other]\nFastSearch=y\n");
     const Preferences chosen = {.FastSearch = true,
                                 .AnswerWithin = 1000,
-                                 .AskBeforeDriving = true,
-                                 .LineFile = "/a b/\"\u00fc\", 1.json",
-                                 .Record = {"J. \u00d6, x", "no. \"7\"", "2027-03-31", 0.25, "/a b/r"}};
+                                .AskBeforeDriving = true,
+                                .LineFile = "/a b/\"\u00fc\", 1.json",
+                                .Record = {"J. \u00d6, x", "no. \"7\"", "2027-03-31", 0.25, "/a b/r"}};
     SavePreferences(File, chosen);
     EXPECT_EQ(ReadPreferences(File), chosen);
     EXPECT_TRUE(Contains(Folder.Read("file"), "Later=x\n[Other]\nFastSearch=y\n")) << Folder.Read("file");
