@@ -115,12 +115,15 @@ CalibrationWatch::Kept& CalibrationWatch::PointOf(const CalibrationTarget& targe
     Kept kept{.Point = {.What = target.What}};
     if (target.Signal)
         KeepFound(kept, target);
-    if (found == points_.end())
-        return points_.emplace_back(std::move(kept));
+    if (found == points_.end()) {
+        points_.push_back(std::move(kept));
+        return points_.back();
+    }
     if (kept.Point.AsFound)
         *found = std::move(kept);
+    else
+        found->Outcome = std::move(kept.Outcome);
     found->Point.Adjusted = true;
-    found->Outcome = kept.Outcome;
     return *found;
 }
 
