@@ -304,7 +304,10 @@ TEST(CalibForms, KeepARecordWhenTheyClose) {
          "KnnndddnuuuuunT",
          {R"("value": 4.012, "error": 0.012, "percent": 0.06)",
           R"("value": 19.98, "error": -0.02, "percent": -0.1)", R"("result": "pass")"}},
-        {8, "Knnnd", {R"("result": "aborted")", "4 mA: not stored. Own configuration 310641: restored."}}};
+        {8,
+         "Knnnd",
+         {R"("result": "aborted")",
+          "4 mA: not stored, trimmed by -1 step. Own configuration 310641: restored."}}};
     for (const auto& [address, buttons, kept] : cases) {
         FaultedModule test(address == 5 ? "8250" : "8310", address, address == 5 ? VoltRange : 0x31);
         auto* const input = dynamic_cast<CalibratedInput*>(&test.Module);
