@@ -20,6 +20,7 @@ namespace kavro {
 
 namespace {
 
+constexpr int ReadBackLines = 2; // kept, so that the window does not jump when a text grows
 constexpr int TagColumns = 24;
 constexpr const char* WidestValue = "-00.000";
 
@@ -37,6 +38,7 @@ OutputControl::OutputControl(OutputDescription description)
     readBack_ = Named(new QLabel, "ReadBack" + output.NameEnd, {});
     readBack_->setTextFormat(Qt::PlainText);
     readBack_->setWordWrap(true);
+    readBack_->setMinimumHeight(ReadBackLines * readBack_->fontMetrics().lineSpacing());
     readBack_->hide();
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(BuildValue());
