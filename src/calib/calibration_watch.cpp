@@ -145,8 +145,8 @@ std::vector<CalibrationWatch::Kept> CalibrationWatch::Points() const {
     if (!rested_)
         return points;
     const auto& [target, reading] = *rested_;
-    const auto found =
-        std::ranges::find_if(points, [&](const Kept& kept) { return kept.Point.What == target.What; });
+    const auto found = std::ranges::find_if(
+        points, [&](const Kept& kept) { return kept.Point.What == rested_->Target.What; });
     if (found != points.end() && found->Point.Adjusted)
         return points;
     Kept& kept = found == points.end() ? points.emplace_back() : *found;

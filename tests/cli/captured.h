@@ -27,7 +27,8 @@ Captured Capture(Work work) {
 inline void ExpectWrongUse(const std::vector<std::pair<QStringList, const char*>>& cases) {
     qputenv("XDG_CONFIG_HOME", "/nowhere");
     for (const auto& [arguments, piece] : cases) {
-        const Captured outcome = Capture([&] { return RunKavroctl(arguments + QStringList("--demo")); });
+        const Captured outcome =
+            Capture([words = arguments + QStringList("--demo")] { return RunKavroctl(words); });
         EXPECT_EQ(outcome.Exit, ExitWrongUse) << piece;
         EXPECT_TRUE(Contains(outcome.Err, piece));
         EXPECT_EQ(std::ranges::count(outcome.Err, '\n'), 1) << outcome.Err;

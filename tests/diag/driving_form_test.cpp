@@ -284,7 +284,7 @@ TEST(DriveQuestion, SaysWhatIsDrivenFromWhereAndCancelIsTheDefault) {
         for (const bool drives : {false, true}) {
             heard.clear();
             DialogDriver driver(
-                {{"DriveQuestionForm", [&](QDialog& dialog) {
+                {{"DriveQuestionForm", [drives, &changes = changes](QDialog& dialog) {
                       EXPECT_TRUE(Find<QPushButton>(dialog, "CancelBtn").isDefault());
                       for (std::size_t row = 0; row < changes.size(); ++row)
                           for (std::size_t i = 0; const char* name : {"What", "Now", "Becomes"})
@@ -301,8 +301,9 @@ TEST(DriveQuestion, SaysWhatIsDrivenFromWhereAndCancelIsTheDefault) {
             EXPECT_EQ(heard, sent);
         }
         demo.Line.Unplug();
-        EXPECT_TRUE(Contains(FailureText([&] { MayDrive(demo.Session, window, nullptr); }),
-                             "Nothing has been driven"));
+        EXPECT_TRUE(
+            Contains(FailureText([&demo, &window = window] { MayDrive(demo.Session, window, nullptr); }),
+                     "Nothing has been driven"));
     }
 }
 

@@ -29,7 +29,7 @@ struct ScriptedPanel : ScriptedSession {
 
 /// A simulated module, from the model's factory settings, and its panel's session.
 struct SimulatedPanel : SimulatedSession {
-    explicit SimulatedPanel(ModuleRecord record, int baud = 9600)
+    explicit SimulatedPanel(const ModuleRecord& record, int baud = 9600)
         : Module(Line.Add(MakeModule(Trim(record.Model), 1, baud, record.Checksum == 1))) {
         Select(Session, record);
         Line.Log = [this](const LineEvent& event) { Sent.push_back(event.Command); };
