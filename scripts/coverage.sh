@@ -9,4 +9,4 @@ build coverage
 find "$(folder_of coverage)" -name '*.gcda' -delete # of the run before
 export QT_QPA_PLATFORM=offscreen
 ctest --test-dir "$(folder_of coverage)" --output-on-failure "$@" || fail "a test failed; see above."
-gcovr --root "$root" --filter "$root/src/" --html "$(folder_of coverage)/coverage.html" --txt - "$(folder_of coverage)"
+gcovr -j "$(nproc)" --root "$root" --filter "$root/src/" --html "$(folder_of coverage)/coverage.html" --txt - "$(folder_of coverage)"
