@@ -17,10 +17,10 @@
 #include "diag/alarm_panel.h"
 #include "diag/counter_panel.h"
 #include "diag/digital_panel.h"
-#include "diag/monitor.h"
 #include "diag/port_panel.h"
 #include "link/text.h"
 #include "map/list_line.h"
+#include "monitor/monitor.h"
 
 #include <cstdlib>
 #include <set>

@@ -6,10 +6,10 @@
 //     late_bench [READINGS]
 
 #include "bench/figures.h"
-#include "diag/monitor.h"
 #include "link/codes.h"
 #include "map/module_access.h"
 #include "map/search.h"
+#include "monitor/monitor.h"
 #include "sim/digital_module.h"
 #include "sim/module_factory.h"
 #include "sim/simulated_port.h"

@@ -2,9 +2,9 @@
 // everything that it keeps is there, against after the last one.
 
 #include "bench/figures.h"
-#include "diag/csv_log.h"
-#include "diag/monitor.h"
 #include "map/search.h"
+#include "monitor/csv_log.h"
+#include "monitor/monitor.h"
 #include "ports/append_file.h"
 #include "sim/demo_line.h"
 #include "sim/simulated_port.h"

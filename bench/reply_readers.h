@@ -16,7 +16,6 @@
 #include "diag/analog_output_panel.h"
 #include "diag/counter_panel.h"
 #include "diag/digital_panel.h"
-#include "diag/monitor.h"
 #include "diag/port_panel.h"
 #include "link/baud.h"
 #include "link/codes.h"
@@ -25,6 +24,7 @@
 #include "map/module_access.h"
 #include "map/module_dispatch.h"
 #include "map/search.h"
+#include "monitor/monitor.h"
 #include "support/recorded_messages.h"
 
 namespace kavro {

@@ -1,10 +1,10 @@
 #include "app/program.h"
 
 #include "app/module_dialogs.h"
-#include "diag/monitor_form.h"
 #include "link/network_address.h"
 #include "link/runtime_failure.h"
 #include "loop/loop_start_form.h"
+#include "monitor/monitor_form.h"
 #include "ports/append_file.h"
 #include "ports/check_json.h"
 #include "ports/map_reader.h"

@@ -5,8 +5,8 @@
 #include "cli/cli_text.h"
 #include "cli/search_options.h"
 #include "cli/search_run.h"
-#include "diag/monitor.h"
 #include "link/runtime_failure.h"
+#include "monitor/monitor.h"
 
 #include <QCommandLineParser>
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "cli/row_printer.h"
-#include "diag/csv_log.h"
-#include "diag/module_values.h"
 #include "map/session.h"
+#include "monitor/csv_log.h"
+#include "monitor/module_values.h"
 
 #include <vector>
 

@@ -1,9 +1,9 @@
 #include "loop/loop_start_form.h"
 
-#include "diag/csv_log.h"
 #include "link/runtime_failure.h"
 #include "loop/loop_check_form.h"
 #include "loop/loop_words.h"
+#include "monitor/csv_log.h"
 #include "project/backup.h"
 #include "ui/center_form.h"
 #include "ui/choose_file.h"

@@ -1,9 +1,9 @@
 #include "app/module_dialogs.h"
 #include "diag/dio_diag_form.h"
-#include "diag/monitor_form.h"
 #include "diag/panel_on_line.h"
 #include "link/codes.h"
 #include "map/tagged_channels.h"
+#include "monitor/monitor_form.h"
 
 #include <QPushButton>
 #include <QRegularExpression>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "diag/module_values.h"
+#include "monitor/module_values.h"
 
 #include <array>
 #include <cstddef>

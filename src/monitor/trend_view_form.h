@@ -1,8 +1,8 @@
 #pragma once
 
-#include "diag/axis_ticks.h"
-#include "diag/time_marks.h"
-#include "diag/trend.h"
+#include "monitor/axis_ticks.h"
+#include "monitor/time_marks.h"
+#include "monitor/trend.h"
 
 #include <QString>
 #include <QWidget>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "diag/monitor.h"
-#include "diag/trend_view_form.h"
+#include "monitor/monitor.h"
+#include "monitor/trend_view_form.h"
 
 #include <QTableWidget>
 

@@ -1,4 +1,4 @@
-#include "diag/module_values.h"
+#include "monitor/module_values.h"
 
 #include "diag/analog_input_panel.h"
 #include "link/text.h"

@@ -1,4 +1,4 @@
-#include "diag/monitor_form.h"
+#include "monitor/monitor_form.h"
 
 #include "diag/panel_on_line.h"
 #include "map/search.h"

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "diag/csv_log.h"
-#include "diag/monitor.h"
 #include "diag/panel_form.h"
+#include "monitor/csv_log.h"
+#include "monitor/monitor.h"
 
 class QLabel;
 class QPushButton;

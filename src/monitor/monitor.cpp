@@ -1,4 +1,4 @@
-#include "diag/monitor.h"
+#include "monitor/monitor.h"
 
 #include "link/runtime_failure.h"
 

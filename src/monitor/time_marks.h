@@ -1,6 +1,6 @@
 #pragma once
 
-#include "diag/csv_log.h"
+#include "monitor/csv_log.h"
 
 #include <cstdint>
 #include <string>

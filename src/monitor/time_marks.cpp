@@ -1,4 +1,4 @@
-#include "diag/time_marks.h"
+#include "monitor/time_marks.h"
 
 namespace kavro {
 

@@ -1,9 +1,9 @@
-#include "diag/monitor_form.h"
+#include "monitor/monitor_form.h"
 
-#include "diag/monitor_grid_form.h"
-#include "diag/trend_view_form.h"
 #include "link/runtime_failure.h"
 #include "map/tag_form.h"
+#include "monitor/monitor_grid_form.h"
+#include "monitor/trend_view_form.h"
 #include "ui/choose_file.h"
 #include "ui/named.h"
 #include "ui/usable.h"

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "diag/module_values.h"
 #include "link/append_file.h"
 #include "map/session.h"
+#include "monitor/module_values.h"
 
 #include <cstdint>
 #include <functional>

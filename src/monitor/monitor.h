@@ -1,7 +1,7 @@
 #pragma once
 
-#include "diag/module_values.h"
-#include "diag/trend.h"
+#include "monitor/module_values.h"
+#include "monitor/trend.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,4 +1,4 @@
-#include "diag/axis_ticks.h"
+#include "monitor/axis_ticks.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "diag/csv_log.h"
+#include "monitor/csv_log.h"
 
 #include "link/local_time.h"
 #include "link/runtime_failure.h"

@@ -1,7 +1,7 @@
-#include "diag/trend_view_form.h"
+#include "monitor/trend_view_form.h"
 
-#include "diag/trend_style_form.h"
 #include "link/text.h"
+#include "monitor/trend_style_form.h"
 #include "ui/named.h"
 
 #include <QFontMetricsF>

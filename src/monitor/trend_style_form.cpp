@@ -1,4 +1,4 @@
-#include "diag/trend_style_form.h"
+#include "monitor/trend_style_form.h"
 
 #include <QPainter>
 #include <QStyleOptionViewItem>

@@ -1,10 +1,10 @@
-#include "diag/monitor_grid_form.h"
+#include "monitor/monitor_grid_form.h"
 
-#include "diag/trend_style_form.h"
 #include "link/text.h"
 #include "map/list_line.h"
 #include "map/module_access.h"
 #include "map/tag_label_form.h"
+#include "monitor/trend_style_form.h"
 #include "ui/named.h"
 
 #include <QHeaderView>

@@ -1,4 +1,4 @@
-#include "diag/trend.h"
+#include "monitor/trend.h"
 
 #include <algorithm>
 
