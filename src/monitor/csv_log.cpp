@@ -1,20 +1,12 @@
 #include "monitor/csv_log.h"
 
-#include "link/local_time.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
 #include "map/list_line.h"
 
-#include <chrono>
-#include <ctime>
-
 namespace kavro {
 
 namespace {
-
-std::string Digits(std::int64_t value, std::size_t width) {
-    return PadLeft(std::to_string(value), width, '0');
-}
 
 // The last field with its comma; nothing while no line file is open.
 std::string TagField(const Session& session, int index, const ChannelValue& value) {
@@ -34,36 +26,7 @@ std::error_code PutOnDisk(AppendFile& file, std::string_view lines) {
     return error;
 }
 
-int OffsetMinutes(std::chrono::sys_seconds moment, const std::tm& local) {
-    using namespace std::chrono;
-    const year_month_day date(year(local.tm_year + 1900), month(static_cast<unsigned>(local.tm_mon) + 1),
-                              day(static_cast<unsigned>(local.tm_mday)));
-    const auto shown = sys_days(date) + hours(local.tm_hour) + minutes(local.tm_min) + seconds(local.tm_sec);
-    return static_cast<int>(duration_cast<minutes>(shown - moment).count());
-}
-
 } // namespace
-
-WallTime SystemTime() {
-    using namespace std::chrono;
-    const auto now = system_clock::now();
-    return {duration_cast<milliseconds>(now.time_since_epoch()).count(),
-            OffsetMinutes(floor<seconds>(now), LocalTime(system_clock::to_time_t(now)))};
-}
-
-std::string IsoTime(const WallTime& time) {
-    using namespace std::chrono;
-    const sys_time<milliseconds> local{milliseconds(time.UnixMs) + minutes(time.OffsetMinutes)};
-    const auto day = floor<days>(local);
-    const year_month_day date(day);
-    const hh_mm_ss clock(local - day);
-    const int offset = std::abs(time.OffsetMinutes);
-    return Digits(static_cast<int>(date.year()), 4) + "-" + Digits(static_cast<unsigned>(date.month()), 2) +
-           "-" + Digits(static_cast<unsigned>(date.day()), 2) + "T" + Digits(clock.hours().count(), 2) + ":" +
-           Digits(clock.minutes().count(), 2) + ":" + Digits(clock.seconds().count(), 2) + "." +
-           Digits(clock.subseconds().count(), 3) + (time.OffsetMinutes < 0 ? "-" : "+") +
-           Digits(offset / 60, 2) + ":" + Digits(offset % 60, 2);
-}
 
 std::string CsvHeading(const Session& session) {
     const std::string heading = CsvHeader;

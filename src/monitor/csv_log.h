@@ -1,11 +1,10 @@
 #pragma once
 
 #include "link/append_file.h"
+#include "link/wall_time.h"
 #include "map/session.h"
 #include "monitor/module_values.h"
 
-#include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -13,21 +12,6 @@
 #include <vector>
 
 namespace kavro {
-
-/// A moment on the wall clock and how local time stands to it.
-struct WallTime {
-    std::int64_t UnixMs = 0; ///< milliseconds since 1970-01-01 00:00 UTC
-    int OffsetMinutes = 0;   ///< local time minus UTC
-};
-
-/// Tells what time it is.
-using WallClock = std::function<WallTime()>;
-
-/// The machine's time in its time zone.
-WallTime SystemTime();
-
-/// Local time with milliseconds and offset: "2031-02-03T04:05:06.789+01:00".
-std::string IsoTime(const WallTime& time);
 
 /// The first line of a log of values, with its line end.
 inline constexpr const char* CsvHeader = "time,address,model,channel,value,unit,state\n";
