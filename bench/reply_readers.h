@@ -132,8 +132,6 @@ inline void MonitorRounds(ReaderContext& context) {
     Monitor monitor(context.Session);
     for (int turn = 0; turn < 3; ++turn)
         monitor.Tick();
-    for (std::size_t place = 0; place < monitor.Values(0).size(); ++place)
-        monitor.TrendOf(0, place);
     monitor.State(0);
     monitor.AgeMs(0);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "map/monitor_preferences.h"
+
 #include <cstdint>
 #include <string>
 
@@ -25,6 +27,7 @@ struct Preferences {
     bool AskBeforeDriving = false;  ///< before a window drives outputs by opening; shows what they stand at
     std::string LineFile{};         ///< path of the line file that is open; empty: none
     RecordPreferences Record{};
+    MonitorPreferences Monitor{};
 
     bool operator==(const Preferences&) const = default;
 };

@@ -29,8 +29,6 @@ std::optional<MonitorTurn> Monitor::Step() {
     MonitorTurn turn{next_++, std::move(reader->Values)};
     module.Asked = true;
     Keep(module, turn.Values);
-    if (!turn.Values.empty())
-        trend_.Add(Now(), turn.Index, turn.Values);
     return turn;
 }
 
@@ -89,7 +87,6 @@ void Monitor::LineLost() {
         for (MonitoredValue& kept : module.Values)
             if (kept.Value.State != ValueState::Disabled)
                 kept.Value.State = ValueState::Lost;
-    trend_.AddBreak(Now());
 }
 
 const std::vector<MonitoredValue>& Monitor::Values(int index) const {
@@ -122,10 +119,6 @@ std::optional<std::int64_t> Monitor::AgeMs(int index) const {
         if (At(index).Values[place].Value.State != ValueState::Disabled)
             oldest = std::max(oldest, AgeMs(index, place));
     return oldest;
-}
-
-std::vector<TrendPoint> Monitor::TrendOf(int index, std::size_t place) const {
-    return trend_.Points(index, place, Now());
 }
 
 } // namespace kavro

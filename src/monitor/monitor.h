@@ -1,7 +1,6 @@
 #pragma once
 
 #include "monitor/module_values.h"
-#include "monitor/trend.h"
 
 #include <cstdint>
 #include <memory>
@@ -10,9 +9,6 @@
 #include <vector>
 
 namespace kavro {
-
-/// Time between two turns of a monitor, in ms; each turn reads one module.
-inline constexpr int MonitorTickMs = 500;
 
 /// A value as a monitor shows it.
 struct MonitoredValue {
@@ -64,9 +60,6 @@ public:
     /// Age of the oldest value of entry `index` whose channel is not disabled.
     std::optional<std::int64_t> AgeMs(int index) const;
 
-    /// The last ten minutes of value number `place` of entry `index`.
-    std::vector<TrendPoint> TrendOf(int index, std::size_t place) const;
-
 private:
     struct Module {
         bool Asked = false;
@@ -82,7 +75,6 @@ private:
     Session& session_;
     std::vector<Module> modules_;          // as the entries of the map
     std::unique_ptr<ModuleReader> reader_; // of the turn that goes on
-    Trend trend_;
     int next_ = 0;
     int lost_ = 0; // the next turn of a line that is lost
 };

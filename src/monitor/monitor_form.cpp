@@ -65,15 +65,15 @@ MonitorForm::MonitorForm(kavro::Session& session, kavro::Messages& messages, QWi
 }
 
 QWidget* MonitorForm::BuildValues() {
-    grid_ = new MonitorGrid(Session(), monitor_, [this] { ShowTrend(); });
-    trend_ = new TrendView(Session().DecimalSeparator);
+    grid_ = new MonitorGrid(Session(), monitor_, trend_, [this] { ShowTrend(); });
+    trendView_ = new TrendView(Session().DecimalSeparator);
     splitter_ = Named(new QSplitter, "Splitter", "Grid and trend");
     splitter_->addWidget(grid_);
-    splitter_->addWidget(trend_);
+    splitter_->addWidget(trendView_);
     splitter_->setStretchFactor(0, 1);
     splitter_->setStretchFactor(1, 1);
     splitter_->setChildrenCollapsible(false);
-    shares_ = {grid_->sizeHint().width(), trend_->sizeHint().width()};
+    shares_ = {grid_->sizeHint().width(), trendView_->sizeHint().width()};
     return splitter_;
 }
 
@@ -126,6 +126,8 @@ void MonitorForm::Tick() {
         Then([this] { Tick(); });
     if (!turn)
         return;
+    if (!turn->Values.empty())
+        trend_.Add(Session().Line.Time().GetTickCount(), turn->Index, turn->Values);
     grid_->ShowModule(turn->Index);
     ShowAges();
     Log(*turn);
@@ -138,6 +140,7 @@ void MonitorForm::ShowStale(bool stale) {
         return;
     }
     monitor_.LineLost();
+    trend_.AddBreak(Session().Line.Time().GetTickCount());
     grid_->ShowAll();
     ShowAges();
     outage_->start(MonitorTickMs);
@@ -151,8 +154,8 @@ void MonitorForm::ShowAges() {
 void MonitorForm::ShowTrend() {
     auto lines = grid_->TickedLines();
     const bool ticked = !lines.empty();
-    trend_->Show(std::move(lines), Session().Line.Time().GetTickCount());
-    if (ticked == trend_->isHidden())
+    trendView_->Show(std::move(lines), Session().Line.Time().GetTickCount());
+    if (ticked == trendView_->isHidden())
         GiveTrendRoom(ticked);
 }
 
@@ -160,7 +163,7 @@ void MonitorForm::ShowTrend() {
 void MonitorForm::GiveTrendRoom(bool ticked) {
     if (!ticked && isVisible())
         shares_ = splitter_->sizes();
-    trend_->setVisible(ticked);
+    trendView_->setVisible(ticked);
     trendHint_->setHidden(ticked);
     SetUsable(*pictureBtn_, ticked, "There is no trend. Tick a value first.");
     splitter_->setSizes(
@@ -207,7 +210,7 @@ void MonitorForm::PictureBtn_Click() {
         return;
     QBuffer file;
     file.open(QIODevice::WriteOnly);
-    trend_->Picture(wallClock_()).save(&file, "PNG");
+    trendView_->Picture(wallClock_()).save(&file, "PNG");
     Session().ReplaceFile(path.toStdString(), file.data().toStdString());
 }
 

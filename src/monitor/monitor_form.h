@@ -3,6 +3,7 @@
 #include "diag/panel_form.h"
 #include "monitor/csv_log.h"
 #include "monitor/monitor.h"
+#include "monitor/trend.h"
 
 class QLabel;
 class QPushButton;
@@ -40,11 +41,12 @@ private:
 
     WallClock wallClock_;
     Monitor monitor_;
+    Trend trend_;
     CsvLog log_{Session().OpenFile};
     MonitorGrid* grid_ = nullptr;
     QSplitter* splitter_ = nullptr;
     QList<int> shares_; // of the grid and the trend, when the trend was in sight last
-    TrendView* trend_ = nullptr;
+    TrendView* trendView_ = nullptr;
     QLabel* trendHint_ = nullptr;
     QLabel* logState_ = nullptr;
     QPushButton* logBtn_ = nullptr;

@@ -57,8 +57,9 @@ QString AgeText(std::optional<std::int64_t> ageMs, const std::string& separator)
 
 } // namespace
 
-MonitorGrid::MonitorGrid(const Session& session, const Monitor& monitor, std::function<void()> ticked)
-    : session_(session), monitor_(monitor), ticked_(std::move(ticked)) {
+MonitorGrid::MonitorGrid(const Session& session, const Monitor& monitor, const Trend& trend,
+                         std::function<void()> ticked)
+    : session_(session), monitor_(monitor), trend_(trend), ticked_(std::move(ticked)) {
     Named(this, "MonitorGrid", "Modules and their values");
     Build();
     connect(this, &QTableWidget::itemChanged, this, [this](QTableWidgetItem* item) { TakeTick(item); });
@@ -225,7 +226,7 @@ std::vector<TrendLine> MonitorGrid::TickedLines() const {
         line.Unit = QString::fromStdString(value.Unit);
         line.Word = value.Unit == WordUnit;
         line.Style = tick.Style;
-        line.Points = monitor_.TrendOf(tick.Row, place);
+        line.Points = trend_.Points(tick.Row, place, session_.Line.Time().GetTickCount());
         lines.push_back(std::move(line));
     }
     return lines;

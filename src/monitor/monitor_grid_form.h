@@ -1,6 +1,7 @@
 #pragma once
 
 #include "monitor/monitor.h"
+#include "monitor/trend.h"
 #include "monitor/trend_view_form.h"
 
 #include <QTableWidget>
@@ -15,7 +16,8 @@ namespace kavro {
 class MonitorGrid : public QTableWidget {
 public:
     /// `ticked` is called whenever the user ticks a value or takes the tick away.
-    MonitorGrid(const Session& session, const Monitor& monitor, std::function<void()> ticked);
+    MonitorGrid(const Session& session, const Monitor& monitor, const Trend& trend,
+                std::function<void()> ticked);
 
     /// Shows what the last turn on entry `index` brought.
     void ShowModule(int index);
@@ -54,6 +56,7 @@ private:
 
     const Session& session_;
     const Monitor& monitor_;
+    const Trend& trend_;
     std::function<void()> ticked_;
     std::vector<Tick> ticks_;
 };
