@@ -11,14 +11,14 @@
 #include <QCommandLineParser>
 
 #include <algorithm>
-#include <memory>
+#include <optional>
 #include <set>
 
 namespace kavro {
 
 namespace {
 
-constexpr int MostRounds = INT32_MAX / ModuleTable::Size;
+constexpr int MostRounds = INT32_MAX / ModuleTable::Size; // turns can be counted
 
 bool AnyFailed(const std::vector<ChannelValue>& values) {
     return std::ranges::any_of(values, IsMissing);
@@ -33,24 +33,26 @@ int MonitorModules(Session& session, const Pace& rounds, ValueForm form) {
     }
     Monitor monitor(session);
     ValuePrinter printer(session, form);
-    MonitorTurn turn;
+    std::optional<MonitorTurn> turn;
     std::set<int> failed; // modules with values that failed when they were read last
-    Pace pace = rounds;
-    if (rounds.Turns)
-        pace.Turns = *rounds.Turns * session.ModuleCount;
     PollEnd end = PollEnd::Done;
-    const auto printLost = [&] {
+    PollWork work;
+    work.Read = [&] { turn = monitor.Tick(); };
+    work.Print = [&] {
+        failed.erase(turn->Index);
+        if (AnyFailed(turn->Values))
+            failed.insert(turn->Index);
+        return printer.Print(turn->Index, turn->Values);
+    };
+    work.PrintLost = [&] {
         const auto lost = monitor.LostTurn();
-        return printer.Print(lost->Index, lost->Values);
+        return !lost || printer.Print(lost->Index, lost->Values);
     };
-    const auto print = [&] {
-        failed.erase(turn.Index);
-        if (AnyFailed(turn.Values))
-            failed.insert(turn.Index);
-        return printer.Print(turn.Index, turn.Values);
-    };
+    work.IdleMs = [&] { return turn ? 0 : std::max<std::int64_t>(monitor.DueInMs(), 1); };
+    if (session.ModuleCount > 1) // a single module's rounds are its turns
+        work.EndsRound = [&] { return turn->EndsRound; };
     try {
-        end = Poll(session.Line, pace, {[&] { turn = monitor.Tick().value(); }, print, printLost});
+        end = Poll(session.Line, rounds, work);
     } catch (const RuntimeFailure&) {
         printer.Close();
         throw;
@@ -67,13 +69,19 @@ void AddMonitorOptions(QCommandLineParser& parser) {
         "Reads the modules of a map in rounds, one module in each interval, and prints their values, those\n"
         "of a silent one as \"no reply\". Without --map the line is searched first. Ctrl+C ends it. A port\n"
         "that fails is opened again as soon as it is there; until then the values are \"line lost\".\n\n"
-        "Exit codes: 0 all rounds were made, 2 wrong use, 3 port trouble, 4 no module found, a value of the\n"
-        "last of the rounds that were asked for could not be read, or Ctrl+C came in the search or before "
-        "it.");
+        "A module that does not answer, or only with errors, is left out of the rounds and asked again "
+        "after\n"
+        "1, 2, 4 ... 32 s, then every 60 s; as soon as it tells a value it is read in every round again.\n\n"
+        "Exit codes: 0 all rounds were made, 2 wrong use, 3 port trouble, 4 no module found, a value could\n"
+        "not be read when its module was asked last in the rounds that were asked for, or Ctrl+C came in\n"
+        "the search or before it.");
     AddWholeLineOptions(parser, "Monitor the modules of FILE, a map printed by kavroctl search --json.");
     parser.addOptions({
-        {"interval", "Read the next module every MS milliseconds; 500 unless given.", "MS"},
-        {"count", "End after N rounds; without it only Ctrl+C ends it.", "N"},
+        {"interval",
+         "Read the next module every MS milliseconds; 500 unless given, 0: as fast as the line allows.",
+         "MS"},
+        {"count",
+         "End after N rounds, each a turn of every module that is due; without it only Ctrl+C ends it.", "N"},
     });
     AddGiveUpOption(parser);
     AddValueFormOptions(parser);

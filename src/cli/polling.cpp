@@ -16,7 +16,8 @@ namespace {
 
 constexpr int LongestIntervalMs = 86'400'000; // a day
 constexpr int LongestPatienceS = 86'400;
-constexpr std::int64_t NapUs = 50'000; // Ctrl+C is noticed within that time
+constexpr std::int64_t NapUs = 50'000;      // Ctrl+C is noticed within that time
+constexpr std::int64_t LongestIdleMs = 500; // so that a lost port is noticed while nothing is due
 constexpr std::int64_t Never = INT64_MAX;
 
 // Waits until `moment`; false when Ctrl+C came before.
@@ -40,7 +41,7 @@ class Poller {
 public:
     Poller(Line& line, const Pace& pace, const PollWork& work)
         : line_(line), pace_(pace), work_(work), patienceMs_(pace.GiveUpMs) {
-        if (pace.Turns == 1 && !patienceMs_)
+        if (pace.Turns == 1 && !work.EndsRound && !patienceMs_)
             patienceMs_ = 0;
     }
 
@@ -51,7 +52,9 @@ public:
         while (on && turns_ != pace_.Turns && WaitUntil(clock, std::min(due, givingUp_), watch_)) {
             on = Turn() && !GivenUp(); // before giving up the port is tried once more, whatever is due
             if (const std::int64_t now = clock.Microseconds(); now >= due)
-                due = std::max(NextMoment(due, std::int64_t{1000} * pace_.IntervalMs, now), Rested(now));
+                due = idleMs_ > 0 ? now + 1000 * idleMs_
+                                  : std::max(NextMoment(due, std::int64_t{1000} * pace_.IntervalMs, now),
+                                             Rested(now));
         }
         if (recovery_.Lost())
             return PollEnd::PortLost;
@@ -64,10 +67,14 @@ private:
 
     // False when nothing more is to be done.
     bool Turn() {
+        idleMs_ = 0;
         if (!recovery_.Ready() || !Read())
             return !recovery_.Lost() || !work_.PrintLost || work_.PrintLost();
         recovery_.Succeeded();
-        ++turns_;
+        if (work_.IdleMs && (idleMs_ = std::min(work_.IdleMs(), LongestIdleMs)) > 0)
+            return true;
+        if (!work_.EndsRound || work_.EndsRound())
+            ++turns_;
         return work_.Print();
     }
 
@@ -106,6 +113,7 @@ private:
     std::optional<int> patienceMs_;
     std::int64_t givingUp_ = Never; // moment of the clock
     int turns_ = 0;
+    std::int64_t idleMs_ = 0; // as nothing was due
 };
 
 } // namespace

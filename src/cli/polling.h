@@ -2,6 +2,7 @@
 
 #include "link/line.h"
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 
@@ -12,7 +13,7 @@ namespace kavro {
 /// How often something is done.
 struct Pace {
     int IntervalMs = 0;                      ///< between the beginnings of two turns
-    std::optional<int> Turns = std::nullopt; ///< nothing: until Ctrl+C
+    std::optional<int> Turns = std::nullopt; ///< or rounds of them; nothing: until Ctrl+C
     /// How long a lost port is waited for; nothing: for ever, but not at all in a single turn.
     std::optional<int> GiveUpMs = std::nullopt;
 };
@@ -29,6 +30,10 @@ struct PollWork {
     std::function<void()> Read;  ///< speaks to modules; a `RuntimeFailure` means that the port has failed
     std::function<bool()> Print; ///< prints what was read; false ends the work
     std::function<bool()> PrintLost = {}; ///< the same of a turn that the lost port left out; may be empty
+    /// Whether what was read ends a round, where rounds are counted; empty where turns are.
+    std::function<bool()> EndsRound = {};
+    /// 0 when something was read, else milliseconds until something is due; empty where it always is.
+    std::function<std::int64_t()> IdleMs = {};
 };
 
 /// How a polling came to its end.
@@ -39,9 +44,10 @@ enum class PollEnd {
 };
 
 /// Does the work on an absolute schedule: turns do not drift, and those that are missed because one took
-/// longer are left out. Ctrl+C ends it after the turn at hand, or at once between two turns. A port that
-/// fails is told once and opened again as soon as it is there, which leaves the turns between out. Where it
-/// is not to be waited for, the failure leaves the function.
+/// longer are left out. Where nothing is due the schedule goes on from when something is. Ctrl+C ends it
+/// after the turn at hand, or at once between two turns. A port that fails is told once and opened again as
+/// soon as it is there, which leaves the turns between out. Where it is not to be waited for, the failure
+/// leaves the function.
 PollEnd Poll(Line& line, const Pace& pace, const PollWork& work);
 
 } // namespace kavro
