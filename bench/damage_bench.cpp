@@ -94,6 +94,8 @@ void Read(BenchRun& run, const std::string& /*change*/, Statements& said) {
 void MonitorTwice(BenchRun& run, const std::string& /*change*/, Statements& said) {
     Monitor monitor(run.Session);
     for (int round = 0; round < 2; ++round) {
+        Clock& clock = run.Session.Line.Time();
+        clock.SleepUntil(clock.Microseconds() + 1000 * monitor.DueInMs()); // a module that failed backs off
         const auto turn = monitor.Tick();
         for (const std::string& row : LinesOf(CsvLines(run.Session, turn->Index, turn->Values, {})))
             AddRow(row, said);

@@ -69,12 +69,13 @@ void AddMonitorOptions(QCommandLineParser& parser) {
         "Reads the modules of a map in rounds, one module in each interval, and prints their values, those\n"
         "of a silent one as \"no reply\". Without --map the line is searched first. Ctrl+C ends it. A port\n"
         "that fails is opened again as soon as it is there; until then the values are \"line lost\".\n\n"
-        "A module that does not answer, or only with errors, is left out of the rounds and asked again "
-        "after\n"
-        "1, 2, 4 ... 32 s, then every 60 s; as soon as it tells a value it is read in every round again.\n\n"
-        "Exit codes: 0 all rounds were made, 2 wrong use, 3 port trouble, 4 no module found, a value could\n"
-        "not be read when its module was asked last in the rounds that were asked for, or Ctrl+C came in\n"
-        "the search or before it.");
+        "A module that does not answer, or with errors alone, backs off: it is asked again after 1, 2, 4 "
+        "...\n"
+        "32 s, then every 60 s, and as soon as it tells a value it is read in every round.\n\n"
+        "Exit codes: 0 all rounds were made, 2 wrong use, 3 port trouble, 4 no module found, with --count a\n"
+        "value that could not be read when its module was asked last, or Ctrl+C came in the search or "
+        "before\n"
+        "the last of the rounds.");
     AddWholeLineOptions(parser, "Monitor the modules of FILE, a map printed by kavroctl search --json.");
     parser.addOptions({
         {"interval",

@@ -177,16 +177,17 @@ TEST(MonitorCommand, GoesRoundOneModuleInEachInterval) {
     demo.Line.ModuleAt(5).CommandFaults = [](std::string_view) { return Faults{.Silent = true}; };
     const Captured monitor = Capture([&] { return MonitorModules(demo.Session, {500, 3}, ValueForm::Csv); });
     EXPECT_EQ(monitor.Exit, ExitReplyMissing);
-    EXPECT_EQ(std::ranges::count(monitor.Out, '\n'), 1 + 3 * (8 + 2)) << monitor.Out;
+    EXPECT_EQ(std::ranges::count(monitor.Out, '\n'), 1 + 2 * 8 + 3 * 2) << monitor.Out;
     EXPECT_TRUE(Contains(monitor.Out, ",5,8250,7,,V,no reply\n"));
-    EXPECT_EQ(demo.Heard, (Lines{"$056", "$0AM", "$0A6", "$056", "$0AM", "$0A6", "$056", "$0AM", "$0A6"}));
-    EXPECT_EQ(demo.MomentsMs, (std::vector<std::int64_t>{1000, 2000, 3000}));
+    EXPECT_EQ(demo.Heard, (Lines{"$056", "$0AM", "$0A6", "$0A6", "$056", "$0AM", "$0A6"}));
+    EXPECT_EQ(demo.MomentsMs, (std::vector<std::int64_t>{1000, 2500})) << "backs off for a round";
     int commands = 0; // what failed before the last round is past
     demo.Line.ModuleAt(5).CommandFaults = [&](std::string_view) { return Faults{.Silent = commands++ == 0}; };
-    EXPECT_EQ(Capture([&] {
-                  return MonitorModules(demo.Session, {500, 2}, ValueForm::Csv);
-              }).Exit,
-              ExitSuccess);
+    for (const auto& [rounds, exit] : {std::pair{3, ExitSuccess}, {2, ExitReplyMissing}}) { // asked again?
+        commands = 0;
+        const auto run = [&] { return MonitorModules(demo.Session, {500, rounds}, ValueForm::Csv); };
+        EXPECT_EQ(Capture(run).Exit, exit);
+    }
     demo.ActAt = "$0A6";
     demo.Act = [&] { demo.Line.Unplug(); };
     demo.Session.Tags.Path = "line.kavro.json";
@@ -197,6 +198,22 @@ TEST(MonitorCommand, GoesRoundOneModuleInEachInterval) {
     EXPECT_EQ(lost.Exit, ExitPortTrouble);
     for (const char* row : {"state,tag\n", ",10,8410,IN,,hex,line lost,Doors\n", ",5,8250,7,,V,line lost,\n"})
         EXPECT_TRUE(Contains(lost.Out, row));
+    demo.Session.Line.CommPort(1).PortOpen(false);
+    demo.Line.Plug();
+    demo.Session.Line.CommPort(1).PortOpen(true);
+    demo.ActAt.clear();
+    demo.Line.ModuleAt(5).OwnFaults.Silent = true;
+    const std::int64_t begin = demo.Time.GetTickCount();
+    demo.Heard.clear();
+    demo.MomentsMs.clear();
+    const auto fast = [&] { return MonitorModules(demo.Session, {0, 5}, ValueForm::Csv); };
+    EXPECT_EQ(Capture(fast).Exit, ExitReplyMissing);
+    EXPECT_EQ(demo.Heard, (Lines{"$056", "$0AM", "$0A6", "$0A6", "$0A6", "$0A6", "$0A6"}));
+    EXPECT_LT(demo.Time.GetTickCount() - begin, 1000);
+    demo.Session.ModuleCount = 1;
+    demo.MomentsMs.clear();
+    EXPECT_EQ(Capture(fast).Exit, ExitReplyMissing);
+    EXPECT_EQ(demo.MomentsMs.back() - demo.MomentsMs.front(), 15'400) << "waits 1, 2, 4 and 8 s";
     demo.Session.ModuleCount = 0;
     EXPECT_EQ(Capture([&] { return MonitorModules(demo.Session, {}, ValueForm::Csv); }).Exit,
               ExitNothingFound);
