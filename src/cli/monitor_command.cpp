@@ -69,13 +69,11 @@ void AddMonitorOptions(QCommandLineParser& parser) {
         "Reads the modules of a map in rounds, one module in each interval, and prints their values, those\n"
         "of a silent one as \"no reply\". Without --map the line is searched first. Ctrl+C ends it. A port\n"
         "that fails is opened again as soon as it is there; until then the values are \"line lost\".\n\n"
-        "A module that does not answer, or with errors alone, backs off: it is asked again after 1, 2, 4 "
-        "...\n"
+        "A module that does not answer, or with errors alone, backs off: it is asked again after 1, 2, 4 to\n"
         "32 s, then every 60 s, and as soon as it tells a value it is read in every round.\n\n"
         "Exit codes: 0 all rounds were made, 2 wrong use, 3 port trouble, 4 no module found, with --count a\n"
-        "value that could not be read when its module was asked last, or Ctrl+C came in the search or "
-        "before\n"
-        "the last of the rounds.");
+        "value that could not be read when its module was asked last, or Ctrl+C came in the search or\n"
+        "before the last of the rounds.");
     AddWholeLineOptions(parser, "Monitor the modules of FILE, a map printed by kavroctl search --json.");
     parser.addOptions({
         {"interval",
