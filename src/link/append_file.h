@@ -38,6 +38,7 @@ enum class OpenAs {
     Emptied,   ///< made, or emptied
     Unwaiting, ///< as `Emptied`; a pipe that nobody reads is an error and keeps nobody waiting
     Existing,  ///< must exist; its content stays
+    Continued, ///< made, or its content stays; a pipe is as with `Unwaiting`
 };
 
 /// What came of opening: a file, or why there is none.

@@ -2,6 +2,7 @@
 
 #include "link/append_file.h"
 #include "link/wall_time.h"
+#include "map/monitor_preferences.h"
 #include "map/session.h"
 #include "monitor/module_values.h"
 
@@ -20,6 +21,9 @@ inline constexpr const char* CsvHeader = "time,address,model,channel,value,unit,
 /// open.
 std::string CsvHeading(const Session& session);
 
+/// The tag of the channel of entry `index` that a value is of, or the module's where the channel has none.
+std::string TagText(const Session& session, int index, const ChannelValue& value);
+
 /// A log line for each of the values of entry `index`, disabled channels excepted; the address is decimal,
 /// the value empty unless the state is "ok". A field is quoted where its text needs it. While a line file is
 /// open the tag of the channel stands behind it, or the module's where the channel has none.
@@ -35,6 +39,11 @@ public:
     /// `heading`. Throws `RuntimeFailure` when that fails.
     void Open(const std::string& path, const std::string& heading = CsvHeader);
 
+    /// The same for a log that begins a new file each hour or day, as `PathOfPeriod` names them; `now` is in
+    /// the first. A file that is there already is gone on with, never emptied.
+    void OpenPeriods(const std::string& path, const std::string& heading, NewLogFile newFile,
+                     const WallTime& now);
+
     void Close();
 
     bool IsOpen() const { return file_ != nullptr; }
@@ -42,14 +51,22 @@ public:
     /// The file opened last; empty when none is open.
     const std::string& Path() const { return path_; }
 
-    /// Appends whole lines; does nothing when no file is open. Throws `RuntimeFailure`, with the file closed
-    /// and no part of the lines left in it, when they cannot be written.
-    void Write(std::string_view lines);
+    /// Appends whole lines, which were read at `time`, to the file of that time; does nothing when no file is
+    /// open. Throws `RuntimeFailure`, with the file closed and no part of the lines left in it, when they
+    /// cannot be written.
+    void Write(std::string_view lines, const WallTime& time);
 
 private:
+    void Continue(const std::string& path);
+    void Put(std::string_view lines);
+
     FileOpener opener_;
     std::unique_ptr<AppendFile> file_;
     std::string path_;
+    std::string chosen_;  // by the user, of a log of several files
+    std::string period_;  // what `PathOfPeriod` gives for the file that is open
+    std::string heading_; // of each of them
+    NewLogFile newFile_ = NewLogFile::Never;
 };
 
 } // namespace kavro

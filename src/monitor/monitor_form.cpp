@@ -177,7 +177,8 @@ void MonitorForm::Log(const MonitorTurn& turn) {
     if (!log_.IsOpen())
         return;
     try {
-        log_.Write(CsvLines(Session(), turn.Index, turn.Values, wallClock_()));
+        const WallTime time = wallClock_();
+        log_.Write(CsvLines(Session(), turn.Index, turn.Values, time), time);
     } catch (const RuntimeFailure& failure) {
         QTimer::singleShot(0, this,
                            [this, text = std::string(failure.what())] { Messages().Show(text, "Error"); });
