@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -35,7 +36,7 @@ public:
     void Close();
 
 private:
-    std::string Put(const std::string& logPath, const std::string& heading, const std::string& lines);
+    std::error_code Put(const std::string& heading, const std::string& lines);
 
     FileOpener opener_;
     std::unique_ptr<AppendFile> file_;

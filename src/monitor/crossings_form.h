@@ -23,10 +23,10 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    void BuildTable();
     void AddRow(const Crossing& crossing);
-    void Tint(int row);
+    void Tint(int row, Side side);
     void Copy() const;
-    void ClearBtn_Click();
     void SaveBtn_Click();
 
     Session& session_;
@@ -36,6 +36,7 @@ private:
     QPushButton* clearBtn_ = nullptr;
     QPushButton* saveBtn_ = nullptr;
     std::int64_t first_ = 0; // number of the crossing in the first row
+    bool following_ = true;  // the end of the list
 };
 
 } // namespace kavro

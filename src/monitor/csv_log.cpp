@@ -3,6 +3,7 @@
 #include "link/runtime_failure.h"
 #include "link/text.h"
 #include "map/list_line.h"
+#include "monitor/log_file.h"
 
 namespace kavro {
 
@@ -12,18 +13,12 @@ namespace {
 std::string TagField(const Session& session, int index, const ChannelValue& value) {
     if (session.Tags.Path.empty())
         return {};
-    const ModuleTags* const tags = TagsOf(session, index);
-    const std::string channel = TagOfValue(session, index, value).Tag;
-    return "," + CsvField(channel.empty() && tags ? tags->Module.Tag : channel);
+    return "," + CsvField(TagText(session, index, value));
 }
 
-// Puts whole lines on disk, or none of them: without the part of a line that may still have found room.
-std::error_code PutOnDisk(AppendFile& file, std::string_view lines) {
-    const std::int64_t before = file.Length();
-    const std::error_code error = WriteThrough(file, lines);
-    if (error && before >= 0)
-        file.CutTo(before);
-    return error;
+[[noreturn]] void ThrowUnopened(const std::string& path, const std::error_code& error) {
+    throw RuntimeFailure("The log file " + path + " cannot be opened: " + error.message() +
+                         ". Choose another file.");
 }
 
 } // namespace
@@ -31,6 +26,12 @@ std::error_code PutOnDisk(AppendFile& file, std::string_view lines) {
 std::string CsvHeading(const Session& session) {
     const std::string heading = CsvHeader;
     return session.Tags.Path.empty() ? heading : heading.substr(0, heading.size() - 1) + ",tag\n";
+}
+
+std::string TagText(const Session& session, int index, const ChannelValue& value) {
+    const ModuleTags* const tags = TagsOf(session, index);
+    const std::string channel = TagOfValue(session, index, value).Tag;
+    return channel.empty() && tags ? tags->Module.Tag : channel;
 }
 
 std::string CsvLines(const Session& session, int index, const std::vector<ChannelValue>& values,
@@ -49,13 +50,39 @@ std::string CsvLines(const Session& session, int index, const std::vector<Channe
 
 void CsvLog::Open(const std::string& path, const std::string& heading) {
     Close();
+    newFile_ = NewLogFile::Never;
     OpenedFile opened = opener_(path, OpenAs::Unwaiting);
     if (!opened.File)
-        throw RuntimeFailure("The log file " + path + " cannot be opened: " + opened.Error.message() +
-                             ". Choose another file.");
+        ThrowUnopened(path, opened.Error);
     file_ = std::move(opened.File);
     path_ = path;
-    Write(heading);
+    Write(heading, {});
+}
+
+void CsvLog::OpenPeriods(const std::string& path, const std::string& heading, NewLogFile newFile,
+                         const WallTime& now) {
+    if (newFile == NewLogFile::Never)
+        return Open(path, heading);
+    Close();
+    chosen_ = path;
+    heading_ = heading;
+    newFile_ = newFile;
+    const std::error_code error = Continue(now);
+    if (!error)
+        return;
+    const std::string wanted = path_;
+    Close();
+    ThrowUnopened(wanted, error);
+}
+
+// Closes what is open and goes on in the file of that time.
+std::error_code CsvLog::Continue(const WallTime& time) {
+    file_.reset();
+    period_ = PathOfPeriod(chosen_, newFile_, time);
+    ContinuedFile next = ContinueFile(opener_, period_, heading_);
+    file_ = std::move(next.File);
+    path_ = next.Path;
+    return next.Error;
 }
 
 void CsvLog::Close() {
@@ -63,10 +90,14 @@ void CsvLog::Close() {
     path_.clear();
 }
 
-void CsvLog::Write(std::string_view lines) {
+void CsvLog::Write(std::string_view lines, const WallTime& time) {
     if (!IsOpen())
         return;
-    const std::error_code error = PutOnDisk(*file_, lines);
+    std::error_code error;
+    if (newFile_ != NewLogFile::Never && PathOfPeriod(chosen_, newFile_, time) != period_)
+        error = Continue(time);
+    if (!error)
+        error = PutOnDisk(*file_, lines);
     if (!error)
         return;
     const std::string path = path_;

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -57,8 +58,7 @@ public:
     void Write(std::string_view lines, const WallTime& time);
 
 private:
-    void Continue(const std::string& path);
-    void Put(std::string_view lines);
+    std::error_code Continue(const WallTime& time);
 
     FileOpener opener_;
     std::unique_ptr<AppendFile> file_;

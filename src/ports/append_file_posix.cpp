@@ -45,6 +45,8 @@ int FlagsOf(OpenAs as) {
         return O_CREAT | O_TRUNC;
     case OpenAs::Unwaiting:
         return O_CREAT | O_TRUNC | O_NONBLOCK;
+    case OpenAs::Continued:
+        return O_CREAT | O_NONBLOCK;
     case OpenAs::Existing:
         break;
     }

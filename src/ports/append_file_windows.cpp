@@ -45,6 +45,8 @@ private:
 int FlagsOf(OpenAs as) {
     if (as == OpenAs::Existing)
         return 0;
+    if (as == OpenAs::Continued)
+        return _O_CREAT;
     return _O_CREAT | (as == OpenAs::New ? _O_EXCL : _O_TRUNC);
 }
 
