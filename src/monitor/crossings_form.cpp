@@ -32,8 +32,8 @@ enum Column { TimeColumn, ValueColumn, CrossedColumn, ReadingColumn, LimitColumn
 
 // A text as wide as most of each column.
 constexpr std::array<const char*, ColumnCount> Samples = {
-    "2031-02-03 04:05:06.789", "255 (FFH) 8250 ch 7, TT-101", "within \u2192 \u25b2 above", "134.7100 ohms",
-    "134.7100 ohms"};
+    "2031-02-03 04:05:06.789", "255 (FFH) 8250 ch 7, TT-101", "\u25b2 above \u2192 \u25bc below",
+    "134.7100 ohms", "134.7100 ohms"};
 constexpr int CellRoom = 14; // pixels
 constexpr int ShownRows = 4;
 constexpr const char* NothingYet = "No value has crossed a threshold.";

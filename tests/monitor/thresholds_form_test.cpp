@@ -18,7 +18,7 @@ namespace {
 class ThresholdsFormTest : public testing::Test, protected ScriptedSession {
 protected:
     ThresholdsFormTest() {
-        Select(Session, {.Model = "8250  ", .Address = 5});
+        Select(Session, {.Address = 5, .Model = "8250  "});
         Session.DecimalSeparator = ",";
     }
 
