@@ -15,6 +15,7 @@ struct ValueKey {
     std::int16_t Address = 0; ///< 0 to 255
     std::string Channel;      ///< as `ChannelValue` names it
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): takes the 0 that a comparison ends in for a pointer
     auto operator<=>(const ValueKey&) const = default;
 };
 
