@@ -61,14 +61,12 @@ TEST(CsvLog, APeriodHasAFileOfItsOwn) {
         {"log.csv", NewLogFile::Never, {Midnight, 60}, "log.csv"},
         {"log.csv", NewLogFile::EachDay, {Midnight, 60}, "log-2031-02-04.csv"},
         {"log.csv", NewLogFile::EachDay, {Midnight - 1, 60}, "log-2031-02-03.csv"},
-        {"log.csv", NewLogFile::EachDay, {Midnight, 0}, "log-2031-02-03.csv"},
         {"a.b/log", NewLogFile::EachHour, {Midnight, 60}, "a.b/log-2031-02-04T00"},
         {"a/.csv", NewLogFile::EachHour, {Midnight, -570}, "a/.csv-2031-02-03T13"},
         // The hour that comes twice when summer time ends.
         {"log.csv", NewLogFile::EachHour, {Midnight + 2 * Hour, 60}, "log-2031-02-04T02.csv"},
         {"log.csv", NewLogFile::EachHour, {Midnight + Hour, 120}, "log-2031-02-04T02.csv"},
         // A file of such a log is chosen.
-        {"log-2031-02-03.csv", NewLogFile::EachDay, {Midnight, 60}, "log-2031-02-04.csv"},
         {"log-2031-02-03T23.csv", NewLogFile::EachDay, {Midnight, 60}, "log-2031-02-04.csv"},
     };
     for (const auto& row : rows)

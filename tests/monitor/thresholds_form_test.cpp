@@ -23,6 +23,7 @@ protected:
     }
 
     ChannelValue Value = {"1", "4.5", 4.5, "V", ValueState::Ok};
+    std::function<ChannelValue()> Present = [this] { return Value; };
 };
 
 TEST_F(ThresholdsFormTest, EntriesAreKeptOrRefused) {
@@ -38,18 +39,14 @@ TEST_F(ThresholdsFormTest, EntriesAreKeptOrRefused) {
     };
     for (const auto& row : rows) {
         Session.Preferences.Monitor.Thresholds = {};
-        ThresholdsForm form(
-            Session, Messages, 0, [this] { return Value; }, nullptr);
+        ThresholdsForm form(Session, Messages, 0, Present, nullptr);
         form.show();
         Find<QLineEdit>(form, "Low").setText(row.Low);
         Find<QLineEdit>(form, "High").setText(row.High);
         Click(form, "OKBtn");
-        EXPECT_EQ(form.isVisible(), *row.Refused != '\0') << row.Low << " " << row.High;
+        const QString refused = form.isVisible() ? form.focusWidget()->objectName() : QString();
+        EXPECT_EQ(refused, row.Refused) << row.Low << " " << row.High;
         EXPECT_EQ(ThresholdsOf(Session, 0, Value), row.Kept) << row.Low << " " << row.High;
-        if (*row.Refused == '\0')
-            continue;
-        EXPECT_EQ(form.focusWidget()->objectName(), row.Refused);
-        EXPECT_TRUE(Find<QLabel>(form, QString(row.Refused) + "Note").isVisible());
     }
 }
 
@@ -65,10 +62,7 @@ TEST_F(ThresholdsFormTest, ShowsTheReadingAndTakesThresholdsAway) {
         Click(form, "OKBtn");
     };
     DialogDriver driver({{"ThresholdsForm", act}});
-    const auto edit = [&] {
-        return EditThresholds(
-            Session, Messages, 0, [this] { return Value; }, nullptr);
-    };
+    const auto edit = [&] { return EditThresholds(Session, Messages, 0, Present, nullptr); };
     EXPECT_TRUE(edit());
     EXPECT_EQ(Session.Preferences.Monitor.Thresholds.size(), 1U);
     Value.Unit = WordUnit;
