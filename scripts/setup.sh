@@ -1,6 +1,6 @@
 # What ./run, ./test and the scripts share: sourced, not run. Installs what is missing from Debian's packages and builds.
 
-packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-serialport-dev libqt6svg6 qt6-wayland nlohmann-json3-dev libgtest-dev fonts-dejavu-core)
+packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-serialport-dev libqt6sql6-sqlite libqt6svg6 qt6-wayland nlohmann-json3-dev libgtest-dev fonts-dejavu-core)
 
 test_packages=(ser2net) # a device server, for ./test alone
 

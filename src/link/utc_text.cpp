@@ -29,6 +29,28 @@ std::string UtcToSecond(std::int64_t utc) {
     return UtcText(utc).substr(0, Seconds) + "Z";
 }
 
+std::string UtcMsText(std::int64_t unixMs) {
+    std::string text = UtcText(1000 * unixMs);
+    text.erase(text.size() - 4, 3); // the microseconds before the Z
+    return text;
+}
+
+std::optional<std::int64_t> MsOfUtcText(std::string_view text) {
+    using namespace std::chrono;
+    int year = 0, hour = 0, minute = 0, second = 0, millisecond = 0;
+    unsigned month = 0, day = 0;
+    if (std::sscanf(std::string(text).c_str(), "%4d-%2u-%2uT%2d:%2d:%2d.%3dZ", &year, &month, &day, &hour,
+                    &minute, &second, &millisecond) != 7)
+        return std::nullopt;
+    const year_month_day date{std::chrono::year(year), std::chrono::month(month), std::chrono::day(day)};
+    if (!date.ok())
+        return std::nullopt;
+    const sys_time<milliseconds> moment =
+        sys_days(date) + hours(hour) + minutes(minute) + seconds(second) + milliseconds(millisecond);
+    const std::int64_t unixMs = moment.time_since_epoch().count();
+    return UtcMsText(unixMs) == text ? std::optional(unixMs) : std::nullopt;
+}
+
 std::string ShownUtc(std::string utc) {
     if (utc.size() != Seconds + 1 || utc[DateEnd] != 'T' || utc.back() != 'Z')
         return utc;
