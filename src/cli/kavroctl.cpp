@@ -6,6 +6,7 @@
 #include "cli/cli_text.h"
 #include "cli/compare_command.h"
 #include "cli/config_command.h"
+#include "cli/history_command.h"
 #include "cli/interrupt.h"
 #include "cli/listen_command.h"
 #include "cli/loop_check_command.h"
@@ -40,6 +41,7 @@ constexpr Subcommand Subcommands[] = {
     {"config", "Show or change the settings of a module.", INT_MAX, AddConfigOptions, PrepareConfig},
     {"read", "Read the values of a module.", 1, AddReadOptions, PrepareRead},
     {"monitor", "Read the modules of a line in rounds.", 0, AddMonitorOptions, PrepareMonitor},
+    {"history", "Print the values that a monitor has kept.", 1, AddHistoryOptions, PrepareHistory, false},
     {"check", "Ask the modules of a line again and again, and tell what is wrong.", 0, AddCheckOptions,
      PrepareCheck},
     {"backup", "Read all settings of a line into a file.", 1, AddBackupOptions, PrepareBackup},

@@ -5,6 +5,8 @@
 #include "cli/cli_text.h"
 #include "cli/search_options.h"
 #include "cli/search_run.h"
+#include "cli/store_options.h"
+#include "cli/turn_output.h"
 #include "link/runtime_failure.h"
 #include "monitor/monitor.h"
 
@@ -26,13 +28,13 @@ bool AnyFailed(const std::vector<ChannelValue>& values) {
 
 } // namespace
 
-int MonitorModules(Session& session, const Pace& rounds, ValueForm form) {
+int MonitorModules(Session& session, const Pace& rounds, ValueForm form, ReadingSink* history) {
     if (session.ModuleCount == 0) {
         PrintNote("No module found!");
         return ExitNothingFound;
     }
     Monitor monitor(session);
-    ValuePrinter printer(session, form);
+    TurnOutput printer(session, form, history);
     std::optional<MonitorTurn> turn;
     std::set<int> failed; // modules with values that failed when they were read last
     PollEnd end = PollEnd::Done;
@@ -83,6 +85,7 @@ void AddMonitorOptions(QCommandLineParser& parser) {
          "End after N rounds, each a turn of every module that is due; without it only Ctrl+C ends it.", "N"},
     });
     AddGiveUpOption(parser);
+    AddStoreOptions(parser);
     AddValueFormOptions(parser);
 }
 
@@ -91,9 +94,12 @@ CommandAction PrepareMonitor(const QCommandLineParser& parser) {
     if (rounds.Turns.value_or(1) > MostRounds)
         throw RuntimeFailure("--count is at most " + std::to_string(MostRounds) + " rounds.");
     const ValueForm form = ReadValueForm(parser);
+    RequireStoreOptions(parser);
     const WholeLine line = ReadWholeLine(parser);
+    const auto history = OpenStore(parser, line.Cli->Session);
     return [=] {
-        return RunOnModules(line, [&](Session& session) { return MonitorModules(session, rounds, form); });
+        return RunOnModules(
+            line, [&](Session& session) { return MonitorModules(session, rounds, form, history.get()); });
     };
 }
 

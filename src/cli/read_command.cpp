@@ -74,7 +74,7 @@ private:
         for (const ChannelValue& value : chosen)
             if (IsMissing(value) || (value.State == ValueState::Disabled && chosen.size() == 1))
                 exit_ = ExitReplyMissing;
-        return printer_.Print(0, chosen);
+        return printer_.Print(0, chosen, SystemTime());
     }
 
     bool TellWrongChannel() {

@@ -1,12 +1,11 @@
 #include "cli/value_printer.h"
 
+#include "cli/value_rows.h"
 #include "link/runtime_failure.h"
 #include "link/text.h"
 #include "map/list_line.h"
 
 #include <QCommandLineParser>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 #include <utility>
 
@@ -14,40 +13,10 @@ namespace kavro {
 
 namespace {
 
-// A line of the columns.
-struct Columns {
-    std::string Time, Address, Model, Channel, Value, Unit, State;
-};
-
-const Columns Heading = {"Time", "Address", "Model", "Channel", "Value", "Unit", "State"};
-
-std::string ColumnLine(const Columns& columns) {
-    return FixedText(columns.Time, 31) + FixedText(columns.Address, 9) + FixedText(columns.Model, 8) +
-           FixedText(columns.Channel, 9) + PadLeft(columns.Value, 11) + "  " + FixedText(columns.Unit, 6) +
-           columns.State + "\n";
-}
-
-std::string ModelOf(const ModuleRecord& record) {
-    return Trim(ShownModel(record.Model));
-}
-
-std::string TextRow(const ModuleRecord& record, const ChannelValue& value, const std::string& time) {
-    return ColumnLine({time, std::to_string(record.Address), ModelOf(record), value.Channel, value.Text,
-                       value.Unit, StateText(value.State)});
-}
-
-std::string JsonRow(const ModuleRecord& record, const ChannelValue& value, const std::string& time) {
-    const QJsonObject object = {
-        {"time", QString::fromStdString(time)},
-        {"address", record.Address},
-        {"model", QString::fromStdString(ModelOf(record))},
-        {"channel", QString::fromStdString(value.Channel)},
-        {"value", value.Number ? QJsonValue(*value.Number) : QJsonValue()},
-        {"text", QString::fromStdString(value.Text)},
-        {"unit", QString::fromStdString(value.Unit)},
-        {"state", StateText(value.State)},
-    };
-    return QJsonDocument(object).toJson(QJsonDocument::Compact).toStdString();
+ValueRow RowOf(const ModuleRecord& record, const ChannelValue& value, const std::string& time) {
+    return {
+        time,       std::to_string(record.Address), Trim(ShownModel(record.Model)), value.Channel, value.Text,
+        value.Unit, StateText(value.State)};
 }
 
 } // namespace
@@ -68,21 +37,21 @@ ValueForm ReadValueForm(const QCommandLineParser& parser) {
     return csv ? ValueForm::Csv : json ? ValueForm::Json : ValueForm::Text;
 }
 
-ValuePrinter::ValuePrinter(const Session& session, ValueForm form, WallClock wallClock)
-    : session_(session), form_(form), wallClock_(std::move(wallClock)), rows_(form == ValueForm::Json) {}
+ValuePrinter::ValuePrinter(const Session& session, ValueForm form)
+    : session_(session), form_(form), rows_(form == ValueForm::Json) {}
 
-bool ValuePrinter::Print(int index, const std::vector<ChannelValue>& values) {
-    const WallTime now = wallClock_();
+bool ValuePrinter::Print(int index, const std::vector<ChannelValue>& values, const WallTime& time) {
     const bool first = !std::exchange(begun_, true);
     if (form_ == ValueForm::Csv) {
-        rows_.Print((first ? CsvHeading(session_) : std::string()) + CsvLines(session_, index, values, now));
+        rows_.Print((first ? CsvHeading(session_) : std::string()) + CsvLines(session_, index, values, time));
         return !rows_.Abandoned();
     }
     if (first && form_ == ValueForm::Text)
-        rows_.Print(ColumnLine(Heading));
-    const auto row = form_ == ValueForm::Json ? JsonRow : TextRow;
-    for (const ChannelValue& value : values)
-        rows_.Print(row(session_.ModuleTable[index], value, IsoTime(now)));
+        rows_.Print(ColumnHeading());
+    for (const ChannelValue& value : values) {
+        const ValueRow row = RowOf(session_.ModuleTable[index], value, IsoTime(time));
+        rows_.Print(form_ == ValueForm::Json ? JsonRow(row, value.Number) : ColumnLine(row));
+    }
     return !rows_.Abandoned();
 }
 

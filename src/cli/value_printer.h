@@ -24,14 +24,15 @@ void AddValueFormOptions(QCommandLineParser& parser);
 /// Reads them. Throws `RuntimeFailure` when both are given.
 ValueForm ReadValueForm(const QCommandLineParser& parser);
 
-/// Prints the values of modules as they are read, each with the time at which it is printed. Throws
-/// `RuntimeFailure` when standard output cannot be written.
+/// Prints the values of modules as they are read. Throws `RuntimeFailure` when standard output cannot be
+/// written.
 class ValuePrinter {
 public:
-    ValuePrinter(const Session& session, ValueForm form, WallClock wallClock = SystemTime);
+    ValuePrinter(const Session& session, ValueForm form);
 
-    /// Prints values of entry `index`; false when nobody reads standard output any more.
-    bool Print(int index, const std::vector<ChannelValue>& values);
+    /// Prints values of entry `index`, which were read at that time; false when nobody reads standard output
+    /// any more.
+    bool Print(int index, const std::vector<ChannelValue>& values, const WallTime& time);
 
     /// Ends the output, which is whole then.
     void Close() { rows_.Close(); }
@@ -39,7 +40,6 @@ public:
 private:
     const Session& session_;
     ValueForm form_;
-    WallClock wallClock_;
     RowPrinter rows_;
     bool begun_ = false;
 };

@@ -7,6 +7,7 @@
 #include <QVariant>
 
 #include <cstdint>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -50,9 +51,6 @@ public:
     /// Opens the file. Throws `RuntimeFailure`, which says what to do, when it cannot be opened, is no
     /// history or one of a later version, and when the driver is not installed.
     HistoryConnection(const std::string& path, Access access);
-    ~HistoryConnection();
-    HistoryConnection(const HistoryConnection&) = delete;
-    HistoryConnection& operator=(const HistoryConnection&) = delete;
 
     /// A statement, prepared; it moves forward only. Throws `SqlFailure`.
     QSqlQuery Prepared(const char* sql) const;
@@ -60,13 +58,47 @@ public:
     /// Runs a statement. Throws `SqlFailure`.
     void Run(const char* sql) const;
 
+    /// How long other programs are waited for that write the file; `HistoryBusyMs` to begin with.
+    void WaitForOthers(int ms) const;
+
 private:
-    void Open(const std::string& path, const std::string& options);
+    // Open while it lives.
+    struct Handle {
+        Handle();
+        ~Handle();
+        Handle(const Handle&) = delete;
+        Handle& operator=(const Handle&) = delete;
+        QSqlDatabase Database;
+    };
+
+    void Open(const std::string& path, Access access);
     void Check(const std::string& path, Access access);
     void MakeTables();
+    void BeSafe();
     int Number(const char* sql) const;
 
-    QSqlDatabase database_;
+    std::unique_ptr<Handle> handle_;
+};
+
+/// Whether another program holds the file.
+bool IsLocked(const SqlFailure& failure);
+
+/// A transaction that writes: all that is run on the connection until `Commit`, or none of it. Throws
+/// `SqlFailure`.
+class Transaction {
+public:
+    explicit Transaction(const HistoryConnection& connection) : connection_(connection) {
+        connection_.Run("BEGIN IMMEDIATE");
+    }
+    ~Transaction();
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+
+    void Commit();
+
+private:
+    const HistoryConnection& connection_;
+    bool done_ = false;
 };
 
 /// Binds the values in order and runs the query. Throws `SqlFailure`.

@@ -3,8 +3,10 @@
 #include "link/wall_time.h"
 #include "monitor/kept_history.h"
 #include "ports/history_schema.h"
+#include "ports/history_trim.h"
 
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
@@ -23,9 +25,10 @@ public:
     ~SqliteHistory() override;
 
     /// Stores the readings in one transaction; they are on the disk when it returns. What cannot be stored is
-    /// counted: the gap is kept as soon as storing works again. Holds the caller up for as long as the disk
-    /// takes, for another program that writes the file by `HistoryBusyMs` at most, and once an hour, while
-    /// what is too old goes, by some 30 ms more a call.
+    /// counted, and the gap is kept as soon as storing works again. Holds the caller up for as long as the
+    /// disk takes, for another program that writes the file by `HistoryBusyMs` at most, and while what is too
+    /// old goes by some 30 ms more. A reading at a time that its value has already, as the clock was put
+    /// back, is kept at the next free millisecond.
     void Take(const std::vector<Reading>& readings) override;
 
     /// Looks whether storing works again when it has failed, and keeps the gap. For whoever has nothing to
@@ -33,11 +36,31 @@ public:
     void TryAgain();
 
 private:
+    // Readings that could not be stored.
     struct Gap {
-        std::int64_t FromMs = 0, ToMs = 0;
+        std::int64_t FromMs = 0;
         std::int64_t Lost = 0;
-        std::string Reason;
+        std::string Reason; // of the first
+        int Code = 0;       // of SQLite
+        bool Told = false;
     };
+
+    void Store(const std::vector<Reading>& readings, std::int64_t nowMs);
+    void Insert(QSqlQuery& insert, const Reading& reading) const;
+    void InsertGap(std::int64_t toMs) const;
+    const HistoryConnection& Connection();
+    void Failed(const std::vector<Reading>& readings, std::int64_t nowMs, const std::exception& failure);
+    void CloseGap();
+    void Trim(std::int64_t nowMs);
+
+    HistoryChoice choice_;
+    HistoryTeller tell_;
+    WallClock wallClock_;
+    std::unique_ptr<HistoryConnection> connection_; // none while the file cannot be used
+    std::optional<HistoryTrim> trim_;
+    std::optional<Gap> gap_;             // storing does not work
+    std::optional<std::int64_t> toldMs_; // of a failure, last
+    bool trimFails_ = false;
 };
 
 } // namespace kavro

@@ -83,9 +83,10 @@ TEST(ReadCommand, PrintsColumns) { // log lines, too, are counted below
     ReadSession demo;
     demo.Session.ModuleTable[0] = {.Address = 5, .Model = "8250  "};
     const Captured printed = Capture([&] {
-        ValuePrinter printer(demo.Session, ValueForm::Text, [] { return WallTime{1'234, -90}; });
-        printer.Print(0, {{"0", "-7.2500", -7.25, "V", ValueState::Ok}});
-        printer.Print(0, {{"IN", "", std::nullopt, "hex", ValueState::NoReply}});
+        ValuePrinter printer(demo.Session, ValueForm::Text);
+        const WallTime time = {1'234, -90};
+        printer.Print(0, {{"0", "-7.2500", -7.25, "V", ValueState::Ok}}, time);
+        printer.Print(0, {{"IN", "", std::nullopt, "hex", ValueState::NoReply}}, time);
         printer.Close();
         return 0;
     });

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "ports/history_schema.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace kavro {
+
+/// Deletes what is too old of a line in a history, at the start and then once an hour: of this line alone, as
+/// other lines in the file may be kept for longer. Their room in the file is used again; the file does not
+/// shrink.
+class HistoryTrim {
+public:
+    HistoryTrim(std::string line, int keepDays) : line_(std::move(line)), keepDays_(keepDays) {}
+
+    /// Deletes for some 30 ms what is due; cheap when nothing is. Throws `SqlFailure`.
+    void Slice(const HistoryConnection& connection, std::int64_t nowMs);
+
+private:
+    bool Due(std::int64_t nowMs) const;
+    bool DeleteSome(const HistoryConnection& connection);
+
+    std::string line_;
+    int keepDays_;
+    bool going_ = false;
+    std::int64_t begunMs_ = INT64_MIN;
+    std::string before_;             // what is older goes
+    std::vector<HistoryValue> left_; // values whose readings are still to be looked at
+};
+
+} // namespace kavro

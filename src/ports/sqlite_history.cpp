@@ -1,0 +1,179 @@
+#include "ports/sqlite_history.h"
+
+#include "link/runtime_failure.h"
+#include "link/utc_text.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+#include <utility>
+
+namespace kavro {
+
+namespace {
+
+constexpr int Full = 13;                       // SQLite's code of a full disk
+constexpr std::int64_t RestBetweenMs = 60'000; // between two tellings of failures
+
+constexpr const char* InsertReading =
+    "INSERT INTO readings (line, address, model, channel, time, value, text, unit, state) "
+    "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?) ON CONFLICT DO NOTHING";
+
+// The first moment from this one on at which the value has no reading.
+std::int64_t FreeMoment(const HistoryConnection& connection, const std::string& line,
+                        const Reading& reading) {
+    QSqlQuery taken = connection.Prepared("SELECT time FROM readings WHERE line = ? AND address = ? AND "
+                                          "channel = ? AND time >= ? ORDER BY time");
+    std::int64_t moment = reading.Time.UnixMs;
+    RunWith(taken, {BoundText(line), int{reading.Address}, BoundText(reading.Value.Channel),
+                    BoundText(UtcMsText(moment))});
+    while (NextRow(taken) && TextAt(taken, 0) == UtcMsText(moment))
+        ++moment;
+    return moment;
+}
+
+// Whether the connection does as before when the reason is gone.
+bool Passes(const SqlFailure& failure) {
+    return IsLocked(failure) || failure.Code == Full;
+}
+
+std::string Advice(const std::string& reason, int code) {
+    return reason + (code == Full ? ". Free space there." : ".");
+}
+
+std::string Counted(std::int64_t readings) {
+    return readings == 1 ? "1 reading" : std::to_string(readings) + " readings";
+}
+
+} // namespace
+
+SqliteHistory::SqliteHistory(const HistoryChoice& choice, HistoryTeller tell, WallClock wallClock)
+    : choice_(choice), tell_(std::move(tell)), wallClock_(std::move(wallClock)),
+      connection_(std::make_unique<HistoryConnection>(choice.Path, HistoryConnection::Access::Make)) {
+    if (choice.KeepDays)
+        trim_.emplace(choice.Line, *choice.KeepDays);
+}
+
+SqliteHistory::~SqliteHistory() {
+    TryAgain();
+    if (gap_ && gap_->Lost > 0)
+        tell_(Counted(gap_->Lost) + " since " + IsoTime(LocalMoment(gap_->FromMs)) +
+              " are missing in the history " + choice_.Path + ", which does not tell it: " + gap_->Reason +
+              ".");
+}
+
+void SqliteHistory::Take(const std::vector<Reading>& readings) {
+    if (readings.empty()) {
+        TryAgain();
+        return;
+    }
+    const std::int64_t now = readings.front().Time.UnixMs;
+    try {
+        Store(readings, now);
+    } catch (const std::exception& failure) {
+        Failed(readings, now, failure);
+        return;
+    }
+    CloseGap();
+    Trim(now);
+}
+
+void SqliteHistory::TryAgain() {
+    if (!gap_)
+        return;
+    const std::int64_t now = wallClock_().UnixMs;
+    try {
+        Store({}, now);
+    } catch (const std::exception& failure) {
+        Failed({}, now, failure);
+        return;
+    }
+    CloseGap();
+}
+
+// Opened again after a failure, but not made again: where a disk was mounted another one may be now.
+const HistoryConnection& SqliteHistory::Connection() {
+    if (!QFileInfo::exists(QString::fromStdString(choice_.Path))) {
+        connection_.reset();
+        throw RuntimeFailure("the file is gone");
+    }
+    if (!connection_)
+        connection_ = std::make_unique<HistoryConnection>(choice_.Path, HistoryConnection::Access::Write);
+    return *connection_;
+}
+
+void SqliteHistory::Store(const std::vector<Reading>& readings, std::int64_t nowMs) {
+    const HistoryConnection& connection = Connection();
+    connection.WaitForOthers(gap_ ? 0 : HistoryBusyMs); // who has failed once must not fail slowly each time
+    Transaction transaction(connection);
+    if (!readings.empty()) {
+        QSqlQuery insert = connection.Prepared(InsertReading);
+        for (const Reading& reading : readings)
+            Insert(insert, reading);
+    }
+    if (gap_)
+        InsertGap(nowMs);
+    transaction.Commit();
+}
+
+void SqliteHistory::Insert(QSqlQuery& insert, const Reading& reading) const {
+    const ChannelValue& value = reading.Value;
+    const bool number = value.State == ValueState::Ok && value.Number;
+    const auto insertAt = [&](std::int64_t moment) {
+        RunWith(insert, {BoundText(choice_.Line), int{reading.Address}, BoundText(reading.Model),
+                         BoundText(value.Channel), BoundText(UtcMsText(moment)),
+                         number ? QVariant(*value.Number) : QVariant(), BoundText(value.Text),
+                         BoundText(value.Unit), BoundText(StateText(value.State))});
+        return insert.numRowsAffected() > 0;
+    };
+    if (!insertAt(reading.Time.UnixMs))
+        insertAt(FreeMoment(*connection_, choice_.Line, reading));
+}
+
+void SqliteHistory::InsertGap(std::int64_t toMs) const {
+    QSqlQuery insert = connection_->Prepared(
+        "INSERT INTO gaps (line, \"from\", \"to\", lost, reason) VALUES (?, ?, ?, ?, ?)");
+    RunWith(insert, {BoundText(choice_.Line), BoundText(UtcMsText(gap_->FromMs)),
+                     BoundText(UtcMsText(std::max(toMs, gap_->FromMs))), qlonglong{gap_->Lost},
+                     BoundText(gap_->Reason)});
+}
+
+void SqliteHistory::Failed(const std::vector<Reading>& readings, std::int64_t nowMs,
+                           const std::exception& failure) {
+    const auto* const sql = dynamic_cast<const SqlFailure*>(&failure);
+    if (!sql || !Passes(*sql))
+        connection_.reset();
+    if (!gap_)
+        gap_ = Gap{.FromMs = nowMs, .Reason = failure.what(), .Code = sql ? sql->Code : 0};
+    gap_->Lost += static_cast<std::int64_t>(readings.size());
+    const bool toldLately = toldMs_ && nowMs >= *toldMs_ && nowMs - *toldMs_ < RestBetweenMs;
+    if (gap_->Told || toldLately)
+        return;
+    gap_->Told = true;
+    toldMs_ = nowMs;
+    tell_("The history " + choice_.Path + " cannot be written: " + Advice(gap_->Reason, gap_->Code) +
+          " The values go on, and so does the history as soon as it can be written again.");
+}
+
+void SqliteHistory::CloseGap() {
+    const auto gap = std::exchange(gap_, std::nullopt);
+    if (gap && gap->Told)
+        tell_("The history " + choice_.Path + " is written again. It does not have " + Counted(gap->Lost) +
+              " since " + IsoTime(LocalMoment(gap->FromMs)) + ".");
+}
+
+// A failure is the same as that of the readings, which tell it, or of old pages alone.
+void SqliteHistory::Trim(std::int64_t nowMs) {
+    if (!trim_)
+        return;
+    try {
+        trim_->Slice(*connection_, nowMs);
+        trimFails_ = false;
+    } catch (const SqlFailure& failure) {
+        if (!std::exchange(trimFails_, true) && !Passes(failure))
+            tell_("What is too old in the history " + choice_.Path + " cannot be deleted: " + failure.what() +
+                  ". The file grows; begin another one.");
+    }
+}
+
+} // namespace kavro
