@@ -14,9 +14,9 @@ constexpr int RowsAtOnce = 200;
 
 // The first rows of a value as far as they are too old: up to the row behind them, if that is one, too.
 constexpr const char* DeleteRows =
-    "DELETE FROM readings WHERE line = ?1 AND address = ?2 AND channel = ?3 AND time < coalesce((SELECT time "
-    "FROM readings WHERE line = ?1 AND address = ?2 AND channel = ?3 AND time < ?4 ORDER BY time LIMIT 1 "
-    "OFFSET ?5), ?4)";
+    "DELETE FROM readings WHERE line = ? AND address = ? AND channel = ? AND time < coalesce((SELECT time "
+    "FROM readings WHERE line = ? AND address = ? AND channel = ? AND time < ? ORDER BY time LIMIT 1 "
+    "OFFSET ?), ?)";
 
 } // namespace
 
@@ -49,9 +49,10 @@ bool HistoryTrim::DeleteSome(const HistoryConnection& connection) {
         return false;
     }
     const HistoryValue& value = left_.back();
+    const QVariant line = BoundText(value.Line), address = qlonglong{value.Address},
+                   channel = BoundText(value.Channel), before = BoundText(before_);
     QSqlQuery rows = connection.Prepared(DeleteRows);
-    RunWith(rows, {BoundText(value.Line), qlonglong{value.Address}, BoundText(value.Channel),
-                   BoundText(before_), RowsAtOnce});
+    RunWith(rows, {line, address, channel, line, address, channel, before, RowsAtOnce, before});
     if (rows.numRowsAffected() < RowsAtOnce)
         left_.pop_back();
     return true;

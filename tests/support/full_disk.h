@@ -14,7 +14,9 @@ namespace kavro {
 /// no file of the test may grow while it is full.
 class FullDisk : public TestFolder {
 public:
-    FullDisk() { mounted_ = mount("kavro-disk", Path().c_str(), "tmpfs", 0, "size=64k") == 0; }
+    explicit FullDisk(const char* size = "size=64k") {
+        mounted_ = mount("kavro-disk", Path().c_str(), "tmpfs", 0, size) == 0;
+    }
 
     ~FullDisk() {
         MakeRoom();
