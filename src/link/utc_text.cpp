@@ -37,18 +37,25 @@ std::string UtcMsText(std::int64_t unixMs) {
 
 std::optional<std::int64_t> MsOfUtcText(std::string_view text) {
     using namespace std::chrono;
-    int year = 0, hour = 0, minute = 0, second = 0, millisecond = 0;
-    unsigned month = 0, day = 0;
-    if (std::sscanf(std::string(text).c_str(), "%4d-%2u-%2uT%2d:%2d:%2d.%3dZ", &year, &month, &day, &hour,
-                    &minute, &second, &millisecond) != 7)
+    const std::string_view form = "0000-00-00T00:00:00.000Z";
+    if (text.size() != form.size())
         return std::nullopt;
-    const year_month_day date{std::chrono::year(year), std::chrono::month(month), std::chrono::day(day)};
-    if (!date.ok())
+    for (std::size_t at = 0; at < form.size(); ++at)
+        if (form[at] == '0' ? text[at] < '0' || text[at] > '9' : text[at] != form[at])
+            return std::nullopt;
+    const auto number = [&](std::size_t at, std::size_t digits) {
+        int value = 0;
+        for (const char c : text.substr(at, digits))
+            value = 10 * value + (c - '0');
+        return value;
+    };
+    const year_month_day date(year(number(0, 4)), month(static_cast<unsigned>(number(5, 2))),
+                              day(static_cast<unsigned>(number(8, 2))));
+    if (!date.ok() || number(11, 2) > 23 || number(14, 2) > 59 || number(17, 2) > 59)
         return std::nullopt;
-    const sys_time<milliseconds> moment =
-        sys_days(date) + hours(hour) + minutes(minute) + seconds(second) + milliseconds(millisecond);
-    const std::int64_t unixMs = moment.time_since_epoch().count();
-    return UtcMsText(unixMs) == text ? std::optional(unixMs) : std::nullopt;
+    const sys_time<milliseconds> moment = sys_days(date) + hours(number(11, 2)) + minutes(number(14, 2)) +
+                                          seconds(number(17, 2)) + milliseconds(number(20, 3));
+    return moment.time_since_epoch().count();
 }
 
 std::string ShownUtc(std::string utc) {

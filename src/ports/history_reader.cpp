@@ -11,6 +11,7 @@ namespace kavro {
 
 namespace {
 
+constexpr int FirstRows = 5;               // of each value, so that printing begins at once
 constexpr int RowsAtOnce = 100;            // of a value
 constexpr const char* AfterAllTimes = "A"; // behind any digit
 
@@ -89,8 +90,9 @@ private:
 
     void Refill(ValueCursor& cursor) {
         const HistoryValue& value = cursor.Value;
+        const int rows = cursor.Rows.empty() ? FirstRows : RowsAtOnce;
         RunWith(some_, {BoundText(value.Line), qlonglong{value.Address}, BoundText(value.Channel),
-                        BoundText(cursor.From), BoundText(until_), RowsAtOnce});
+                        BoundText(cursor.From), BoundText(until_), rows});
         cursor.Rows.clear();
         cursor.Next = 0;
         while (NextRow(some_)) {
@@ -100,7 +102,7 @@ private:
                                    number.isNull() ? std::nullopt : std::optional(number.toDouble()),
                                    TextAt(some_, 3), TextAt(some_, 4), TextAt(some_, 5)});
         }
-        cursor.Ended = cursor.Rows.size() < RowsAtOnce;
+        cursor.Ended = cursor.Rows.size() < static_cast<std::size_t>(rows);
         if (!cursor.Ended)
             cursor.From = UtcMsText(cursor.Rows.back().UnixMs) + " ";
     }

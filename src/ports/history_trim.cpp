@@ -9,7 +9,7 @@ namespace kavro {
 namespace {
 
 constexpr std::int64_t HourMs = 3'600'000, DayMs = 24 * HourMs;
-constexpr auto SliceTime = std::chrono::milliseconds(25); // and what the commit takes
+constexpr auto SliceTime = std::chrono::milliseconds(10); // and what the commit takes
 constexpr int RowsAtOnce = 200;
 
 // The first rows of a value as far as they are too old: up to the row behind them, if that is one, too.

@@ -15,7 +15,8 @@ class HistoryTrim {
 public:
     HistoryTrim(std::string line, int keepDays) : line_(std::move(line)), keepDays_(keepDays) {}
 
-    /// Deletes for some 30 ms what is due; cheap when nothing is. Throws `SqlFailure`.
+    /// Deletes for some 10 ms, and what the commit takes, what is due; cheap when nothing is. Throws
+    /// `SqlFailure`.
     void Slice(const HistoryConnection& connection, std::int64_t nowMs);
 
 private:

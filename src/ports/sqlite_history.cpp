@@ -6,6 +6,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace kavro {
@@ -47,6 +48,11 @@ std::string Counted(std::int64_t readings) {
 
 } // namespace
 
+WallTime UtcTime() {
+    using namespace std::chrono;
+    return {duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count(), 0};
+}
+
 SqliteHistory::SqliteHistory(const HistoryChoice& choice, HistoryTeller tell, WallClock wallClock)
     : choice_(choice), tell_(std::move(tell)), wallClock_(std::move(wallClock)),
       connection_(std::make_unique<HistoryConnection>(choice.Path, HistoryConnection::Access::Make)) {
@@ -57,9 +63,8 @@ SqliteHistory::SqliteHistory(const HistoryChoice& choice, HistoryTeller tell, Wa
 SqliteHistory::~SqliteHistory() {
     TryAgain();
     if (gap_ && gap_->Lost > 0)
-        tell_(Counted(gap_->Lost) + " since " + IsoTime(LocalMoment(gap_->FromMs)) +
-              " are missing in the history " + choice_.Path + ", which does not tell it: " + gap_->Reason +
-              ".");
+        tell_(Counted(gap_->Lost) + " since " + IsoTime(gap_->From) + " are missing in the history " +
+              choice_.Path + ", which does not tell it: " + gap_->Reason + ".");
 }
 
 void SqliteHistory::Take(const std::vector<Reading>& readings) {
@@ -67,23 +72,23 @@ void SqliteHistory::Take(const std::vector<Reading>& readings) {
         TryAgain();
         return;
     }
-    const std::int64_t now = readings.front().Time.UnixMs;
+    const WallTime now = readings.front().Time;
     try {
-        Store(readings, now);
+        Store(readings, now.UnixMs);
     } catch (const std::exception& failure) {
         Failed(readings, now, failure);
         return;
     }
     CloseGap();
-    Trim(now);
+    Trim(now.UnixMs);
 }
 
 void SqliteHistory::TryAgain() {
     if (!gap_)
         return;
-    const std::int64_t now = wallClock_().UnixMs;
+    const WallTime now = wallClock_();
     try {
-        Store({}, now);
+        Store({}, now.UnixMs);
     } catch (const std::exception& failure) {
         Failed({}, now, failure);
         return;
@@ -133,24 +138,24 @@ void SqliteHistory::Insert(QSqlQuery& insert, const Reading& reading) const {
 void SqliteHistory::InsertGap(std::int64_t toMs) const {
     QSqlQuery insert = connection_->Prepared(
         "INSERT INTO gaps (line, \"from\", \"to\", lost, reason) VALUES (?, ?, ?, ?, ?)");
-    RunWith(insert, {BoundText(choice_.Line), BoundText(UtcMsText(gap_->FromMs)),
-                     BoundText(UtcMsText(std::max(toMs, gap_->FromMs))), qlonglong{gap_->Lost},
+    RunWith(insert, {BoundText(choice_.Line), BoundText(UtcMsText(gap_->From.UnixMs)),
+                     BoundText(UtcMsText(std::max(toMs, gap_->From.UnixMs))), qlonglong{gap_->Lost},
                      BoundText(gap_->Reason)});
 }
 
-void SqliteHistory::Failed(const std::vector<Reading>& readings, std::int64_t nowMs,
+void SqliteHistory::Failed(const std::vector<Reading>& readings, const WallTime& now,
                            const std::exception& failure) {
     const auto* const sql = dynamic_cast<const SqlFailure*>(&failure);
     if (!sql || !Passes(*sql))
         connection_.reset();
     if (!gap_)
-        gap_ = Gap{.FromMs = nowMs, .Reason = failure.what(), .Code = sql ? sql->Code : 0};
+        gap_ = Gap{.From = now, .Reason = failure.what(), .Code = sql ? sql->Code : 0};
     gap_->Lost += static_cast<std::int64_t>(readings.size());
-    const bool toldLately = toldMs_ && nowMs >= *toldMs_ && nowMs - *toldMs_ < RestBetweenMs;
+    const bool toldLately = toldMs_ && now.UnixMs >= *toldMs_ && now.UnixMs - *toldMs_ < RestBetweenMs;
     if (gap_->Told || toldLately)
         return;
     gap_->Told = true;
-    toldMs_ = nowMs;
+    toldMs_ = now.UnixMs;
     tell_("The history " + choice_.Path + " cannot be written: " + Advice(gap_->Reason, gap_->Code) +
           " The values go on, and so does the history as soon as it can be written again.");
 }
@@ -159,7 +164,7 @@ void SqliteHistory::CloseGap() {
     const auto gap = std::exchange(gap_, std::nullopt);
     if (gap && gap->Told)
         tell_("The history " + choice_.Path + " is written again. It does not have " + Counted(gap->Lost) +
-              " since " + IsoTime(LocalMoment(gap->FromMs)) + ".");
+              " since " + IsoTime(gap->From) + ".");
 }
 
 // A failure is the same as that of the readings, which tell it, or of old pages alone.

@@ -14,12 +14,15 @@
 
 namespace kavro {
 
+/// The machine's time, in UTC: that of its time zone is for the main thread alone.
+WallTime UtcTime();
+
 /// A history in a SQLite file, over one connection, used in the thread that made it alone.
 class SqliteHistory : public ReadingSink {
 public:
     /// Opens the file or makes it. `tell` is called in the middle of the calls below. Throws `RuntimeFailure`
     /// when it cannot be opened or is no history.
-    SqliteHistory(const HistoryChoice& choice, HistoryTeller tell, WallClock wallClock = SystemTime);
+    SqliteHistory(const HistoryChoice& choice, HistoryTeller tell, WallClock wallClock = UtcTime);
 
     /// Keeps the gap that is open, or tells what is lost.
     ~SqliteHistory() override;
@@ -27,8 +30,8 @@ public:
     /// Stores the readings in one transaction; they are on the disk when it returns. What cannot be stored is
     /// counted, and the gap is kept as soon as storing works again. Holds the caller up for as long as the
     /// disk takes, for another program that writes the file by `HistoryBusyMs` at most, and while what is too
-    /// old goes by some 30 ms more. A reading at a time that its value has already, as the clock was put
-    /// back, is kept at the next free millisecond.
+    /// old goes by some 10 ms and a commit more. A reading at a time that its value has already, as the clock
+    /// was put back, is kept at the next free millisecond.
     void Take(const std::vector<Reading>& readings) override;
 
     /// Looks whether storing works again when it has failed, and keeps the gap. For whoever has nothing to
@@ -38,7 +41,7 @@ public:
 private:
     // Readings that could not be stored.
     struct Gap {
-        std::int64_t FromMs = 0;
+        WallTime From;
         std::int64_t Lost = 0;
         std::string Reason; // of the first
         int Code = 0;       // of SQLite
@@ -49,7 +52,7 @@ private:
     void Insert(QSqlQuery& insert, const Reading& reading) const;
     void InsertGap(std::int64_t toMs) const;
     const HistoryConnection& Connection();
-    void Failed(const std::vector<Reading>& readings, std::int64_t nowMs, const std::exception& failure);
+    void Failed(const std::vector<Reading>& readings, const WallTime& now, const std::exception& failure);
     void CloseGap();
     void Trim(std::int64_t nowMs);
 
