@@ -24,6 +24,8 @@ quietly apt-get install -y --no-install-recommends ./kavroctl_*.deb
 [ -z "$(dpkg-query --show 'libqt6widgets*' 2>/dev/null)" ] || fail "kavroctl brought windows with it."
 as_user kavroctl --version
 as_user kavroctl search --demo --to 3
+as_user kavroctl monitor --demo --to 3 --count 1 --interval 0 --store /home/tester/hall.sqlite
+as_user kavroctl history /home/tester/hall.sqlite --csv | grep -q ',1,8210,0,' || fail "kavroctl history has no value."
 echo '{"format": "kavro-line", "version": 1, "name": "Hall", "modules": [{"address": 1, "model": "8210", "settings": {}}]}' \
     >/home/tester/hall.kavro.json
 as_user kavroctl report /home/tester/hall.kavro.json /home/tester/hall.pdf

@@ -88,9 +88,9 @@ std::size_t LineWidth(const HistoryReader& reader, const HistoryRange& range) {
 
 void TellGaps(const HistoryReader& reader, const HistoryRange& range) {
     for (const KeptGap& gap : reader.Gaps(range))
-        PrintNote("Line " + gap.Line + ": " + std::to_string(gap.Lost) + " readings from " +
-                  IsoTime(LocalMoment(gap.FromMs)) + " to " + IsoTime(LocalMoment(gap.ToMs)) +
-                  " could not be stored: " + gap.Reason + ".");
+        PrintNote("Line " + gap.Line + ": " + std::to_string(gap.Lost) +
+                  (gap.Lost == 1 ? " reading from " : " readings from ") + IsoTime(LocalMoment(gap.FromMs)) +
+                  " to " + IsoTime(LocalMoment(gap.ToMs)) + " could not be stored: " + gap.Reason + ".");
 }
 
 int PrintHistory(const HistoryReader& reader, const HistoryRange& range, ValueForm form) {
@@ -137,15 +137,12 @@ HistoryRange ReadRange(const QCommandLineParser& parser) {
 
 void AddHistoryOptions(QCommandLineParser& parser) {
     parser.setApplicationDescription(
-        ("Prints what kavroctl monitor --store has kept, in order of time, in local time, also while it "
-         "goes\n"
-         "on. A time T is " +
-         std::string(MomentForms) +
-         ". Without Z or\nan offset it is local time.\n\n"
-         "Times in which the history could not be written are told on standard error.\n\n"
-         "Exit codes: 0 printed, 2 wrong use, or the file is no history, 3 it cannot be read or printed,\n"
-         "4 nothing was found, or Ctrl+C came.")
-            .c_str());
+        "Prints what kavroctl monitor --store has kept, in order of time, in local time, also while it goes\n"
+        "on. A time T is a date, 2026-03-02, a date and time, 2026-03-02T14:05 or 2026-03-02T14:05:09.120,\n"
+        "which is local unless Z or an offset such as +01:00 stands behind it, or an age: 90s, 15m, 2h, 3d,\n"
+        "1w. Times in which the history could not be written are told on standard error.\n\n"
+        "Exit codes: 0 printed, 2 wrong use, or the file is no history, 3 it cannot be read or printed,\n"
+        "4 nothing was found, or Ctrl+C came.");
     parser.addPositionalArgument("FILE", "The history.");
     parser.addOptions({
         {"line", "Only the line of that name.", "NAME"},
