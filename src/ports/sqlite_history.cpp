@@ -53,8 +53,8 @@ WallTime UtcTime() {
     return {duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count(), 0};
 }
 
-SqliteHistory::SqliteHistory(const HistoryChoice& choice, HistoryTeller tell, WallClock wallClock)
-    : choice_(choice), tell_(std::move(tell)), wallClock_(std::move(wallClock)),
+SqliteHistory::SqliteHistory(const HistoryChoice& choice, HistoryTeller tell, WallClock wallClock, int busyMs)
+    : choice_(choice), tell_(std::move(tell)), wallClock_(std::move(wallClock)), busyMs_(busyMs),
       connection_(std::make_unique<HistoryConnection>(choice.Path, HistoryConnection::Access::Make)) {
     if (choice.KeepDays)
         trim_.emplace(choice.Line, *choice.KeepDays);
@@ -83,6 +83,12 @@ void SqliteHistory::Take(const std::vector<Reading>& readings) {
     Trim(now.UnixMs);
 }
 
+void SqliteHistory::Miss(std::int64_t fromMs, std::int64_t lost, const std::string& reason) {
+    if (!gap_)
+        gap_ = Gap{.From = {fromMs, 0}, .Reason = reason, .Told = true};
+    gap_->Lost += lost;
+}
+
 void SqliteHistory::TryAgain() {
     if (!gap_)
         return;
@@ -109,7 +115,7 @@ const HistoryConnection& SqliteHistory::Connection() {
 
 void SqliteHistory::Store(const std::vector<Reading>& readings, std::int64_t nowMs) {
     const HistoryConnection& connection = Connection();
-    connection.WaitForOthers(gap_ ? 0 : HistoryBusyMs); // who has failed once must not fail slowly each time
+    connection.WaitForOthers(gap_ ? 0 : busyMs_); // who has failed once must not fail slowly each time
     Transaction transaction(connection);
     if (!readings.empty()) {
         QSqlQuery insert = connection.Prepared(InsertReading);

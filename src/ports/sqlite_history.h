@@ -21,18 +21,24 @@ WallTime UtcTime();
 class SqliteHistory : public ReadingSink {
 public:
     /// Opens the file or makes it. `tell` is called in the middle of the calls below. Throws `RuntimeFailure`
-    /// when it cannot be opened or is no history.
-    SqliteHistory(const HistoryChoice& choice, HistoryTeller tell, WallClock wallClock = UtcTime);
+    /// when it cannot be opened or is no history. `busyMs`: the longest wait for another program that writes
+    /// the file.
+    SqliteHistory(const HistoryChoice& choice, HistoryTeller tell, WallClock wallClock = UtcTime,
+                  int busyMs = HistoryBusyMs);
 
     /// Keeps the gap that is open, or tells what is lost.
     ~SqliteHistory() override;
 
     /// Stores the readings in one transaction; they are on the disk when it returns. What cannot be stored is
     /// counted, and the gap is kept as soon as storing works again. Holds the caller up for as long as the
-    /// disk takes, for another program that writes the file by `HistoryBusyMs` at most, and while what is too
+    /// disk takes, for another program that writes the file by `busyMs` at most, and while what is too
     /// old goes by some 10 ms and a commit more. A reading at a time that its value has already, as the clock
     /// was put back, is kept at the next free millisecond.
     void Take(const std::vector<Reading>& readings) override;
+
+    /// Counts readings that never came here, from that moment on, as a gap: the next `Take` or `TryAgain`
+    /// keeps it.
+    void Miss(std::int64_t fromMs, std::int64_t lost, const std::string& reason);
 
     /// Looks whether storing works again when it has failed, and keeps the gap. For whoever has nothing to
     /// take meanwhile; otherwise `Take` does it.
@@ -59,6 +65,7 @@ private:
     HistoryChoice choice_;
     HistoryTeller tell_;
     WallClock wallClock_;
+    int busyMs_;
     std::unique_ptr<HistoryConnection> connection_; // none while the file cannot be used
     std::optional<HistoryTrim> trim_;
     std::optional<Gap> gap_;             // storing does not work
