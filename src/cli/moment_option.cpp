@@ -13,11 +13,11 @@ namespace kavro {
 
 namespace {
 
-constexpr std::int64_t SecondMs = 1000, MinuteMs = 60 * SecondMs, DayMs = 24 * 60 * MinuteMs;
+constexpr std::int64_t SecondMs = 1000, MinuteMs = 60 * SecondMs, HourMs = 60 * MinuteMs, DayMs = 24 * HourMs;
 
 std::optional<std::int64_t> AgeMs(const QString& text) {
     constexpr std::pair<char, std::int64_t> units[] = {
-        {'s', SecondMs}, {'m', MinuteMs}, {'h', 60 * MinuteMs}, {'d', DayMs}, {'w', 7 * DayMs}};
+        {'s', SecondMs}, {'m', MinuteMs}, {'h', HourMs}, {'d', DayMs}, {'w', 7 * DayMs}};
     static const QRegularExpression form("^([0-9]{1,9})([smhdw])$");
     const auto match = form.match(text);
     for (const auto& [letter, ms] : units)
