@@ -65,8 +65,8 @@ MonitorForm::MonitorForm(kavro::Session& session, kavro::Messages& messages, QWi
 }
 
 QWidget* MonitorForm::BuildValues() {
-    grid_ = new MonitorGrid(Session(), monitor_, trend_, [this] { ShowTrend(); });
-    trendView_ = new TrendView(Session().DecimalSeparator);
+    grid_ = new MonitorGrid(Session(), monitor_, [this] { ShowTrend(); });
+    trendView_ = new TrendView(trend_, Session().DecimalSeparator);
     splitter_ = Named(new QSplitter, "Splitter", "Grid and trend");
     splitter_->addWidget(grid_);
     splitter_->addWidget(trendView_);
@@ -127,7 +127,7 @@ void MonitorForm::Tick() {
     if (!turn)
         return;
     if (!turn->Values.empty())
-        trend_.Add(Session().Line.Time().GetTickCount(), turn->Index, turn->Values);
+        trend_.Add(wallClock_().UnixMs, turn->Index, turn->Values);
     grid_->ShowModule(turn->Index);
     ShowAges();
     Log(*turn);
@@ -140,7 +140,7 @@ void MonitorForm::ShowStale(bool stale) {
         return;
     }
     monitor_.LineLost();
-    trend_.AddBreak(Session().Line.Time().GetTickCount());
+    trend_.AddBreak(wallClock_().UnixMs);
     grid_->ShowAll();
     ShowAges();
     outage_->start(MonitorTickMs);
@@ -154,7 +154,8 @@ void MonitorForm::ShowAges() {
 void MonitorForm::ShowTrend() {
     auto lines = grid_->TickedLines();
     const bool ticked = !lines.empty();
-    trendView_->Show(std::move(lines), Session().Line.Time().GetTickCount());
+    trendView_->SetLines(std::move(lines));
+    trendView_->SetNow(wallClock_());
     if (ticked == trendView_->isHidden())
         GiveTrendRoom(ticked);
 }
@@ -211,7 +212,8 @@ void MonitorForm::PictureBtn_Click() {
         return;
     QBuffer file;
     file.open(QIODevice::WriteOnly);
-    trendView_->Picture(wallClock_()).save(&file, "PNG");
+    trendView_->SetNow(wallClock_());
+    trendView_->Picture().save(&file, "PNG");
     Session().ReplaceFile(path.toStdString(), file.data().toStdString());
 }
 

@@ -57,9 +57,8 @@ QString AgeText(std::optional<std::int64_t> ageMs, const std::string& separator)
 
 } // namespace
 
-MonitorGrid::MonitorGrid(const Session& session, const Monitor& monitor, const Trend& trend,
-                         std::function<void()> ticked)
-    : session_(session), monitor_(monitor), trend_(trend), ticked_(std::move(ticked)) {
+MonitorGrid::MonitorGrid(const Session& session, const Monitor& monitor, std::function<void()> ticked)
+    : session_(session), monitor_(monitor), ticked_(std::move(ticked)) {
     Named(this, "MonitorGrid", "Modules and their values");
     Build();
     connect(this, &QTableWidget::itemChanged, this, [this](QTableWidgetItem* item) { TakeTick(item); });
@@ -226,7 +225,9 @@ std::vector<TrendLine> MonitorGrid::TickedLines() const {
         line.Unit = QString::fromStdString(value.Unit);
         line.Word = value.Unit == WordUnit;
         line.Style = tick.Style;
-        line.Points = trend_.Points(tick.Row, place, session_.Line.Time().GetTickCount());
+        line.Key = {session_.ModuleTable[tick.Row].Address, value.Channel};
+        line.Index = tick.Row;
+        line.Place = place;
         lines.push_back(std::move(line));
     }
     return lines;

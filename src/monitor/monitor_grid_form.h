@@ -1,7 +1,6 @@
 #pragma once
 
 #include "monitor/monitor.h"
-#include "monitor/trend.h"
 #include "monitor/trend_view_form.h"
 
 #include <QTableWidget>
@@ -16,8 +15,7 @@ namespace kavro {
 class MonitorGrid : public QTableWidget {
 public:
     /// `ticked` is called whenever the user ticks a value or takes the tick away.
-    MonitorGrid(const Session& session, const Monitor& monitor, const Trend& trend,
-                std::function<void()> ticked);
+    MonitorGrid(const Session& session, const Monitor& monitor, std::function<void()> ticked);
 
     /// Shows what the last turn on entry `index` brought.
     void ShowModule(int index);
@@ -56,7 +54,6 @@ private:
 
     const Session& session_;
     const Monitor& monitor_;
-    const Trend& trend_;
     std::function<void()> ticked_;
     std::vector<Tick> ticks_;
 };

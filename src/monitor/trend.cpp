@@ -4,33 +4,59 @@
 
 namespace kavro {
 
-Trend::Sample& Trend::Next(std::int64_t atMs, int index) {
-    Sample& sample = samples_[next_];
-    next_ = (next_ + 1) % Capacity;
-    count_ = std::min(count_ + 1, Capacity);
-    sample = {atMs, index, {}};
-    return sample;
+void Trend::Advance(std::int64_t utcMs) {
+    if (utcMs < newestMs_)
+        for (TrendSeries& series : series_)
+            series.ForgetAfter(utcMs);
+    newestMs_ = utcMs;
 }
 
-void Trend::Add(std::int64_t atMs, int index, const std::vector<ChannelValue>& values) {
-    Sample& sample = Next(atMs, index);
-    for (std::size_t place = 0; place < std::min(values.size(), MostValues); ++place)
-        sample.Values[place] = values[place].Number;
-}
-
-void Trend::AddBreak(std::int64_t atMs) {
-    Next(atMs, Everybody);
-}
-
-std::vector<TrendPoint> Trend::Points(int index, std::size_t place, std::int64_t nowMs) const {
-    std::vector<TrendPoint> points;
-    for (std::size_t back = count_; back > 0; --back) {
-        const Sample& sample = samples_[(next_ + Capacity - back) % Capacity];
-        const bool concerns = sample.Index == index || sample.Index == Everybody;
-        if (concerns && sample.AtMs >= nowMs - TrendSpanMs)
-            points.push_back({sample.AtMs, sample.Values.at(place)});
+void Trend::Add(std::int64_t utcMs, int index, const std::vector<ChannelValue>& values) {
+    Advance(utcMs);
+    const std::size_t first = static_cast<std::size_t>(index) * MostValues;
+    if (series_.size() < first + MostValues)
+        series_.resize(first + MostValues);
+    for (std::size_t place = 0; place < std::min(values.size(), MostValues); ++place) {
+        TrendSeries& series = series_[first + place];
+        if (const auto& number = values[place].Number)
+            series.Add(utcMs, *number);
+        else
+            series.Break(utcMs);
     }
-    return points;
+}
+
+void Trend::AddBreak(std::int64_t utcMs) {
+    Advance(utcMs);
+    for (TrendSeries& series : series_)
+        series.Break(utcMs);
+}
+
+const TrendSeries* Trend::Series(int index, std::size_t place) const {
+    const std::size_t number = static_cast<std::size_t>(index) * MostValues + place;
+    return number < series_.size() ? &series_[number] : nullptr;
+}
+
+std::vector<TrendColumn> Trend::Columns(int index, std::size_t place, std::int64_t fromMs, std::int64_t toMs,
+                                        std::int64_t columnMs) const {
+    const TrendSeries* const series = Series(index, place);
+    return series ? series->Columns(fromMs, toMs, columnMs) : std::vector<TrendColumn>{};
+}
+
+std::optional<std::int64_t> Trend::Oldest(int index, std::size_t place) const {
+    const TrendSeries* const series = Series(index, place);
+    return series ? series->Oldest() : std::nullopt;
+}
+
+std::optional<std::int64_t> Trend::KnownSince(int index, std::size_t place, std::int64_t columnMs) const {
+    const TrendSeries* const series = Series(index, place);
+    return series ? series->KnownSince(columnMs) : std::nullopt;
+}
+
+std::size_t Trend::Bytes() const {
+    std::size_t bytes = 0;
+    for (const TrendSeries& series : series_)
+        bytes += series.Bytes();
+    return bytes;
 }
 
 } // namespace kavro

@@ -53,11 +53,6 @@ QFont Bold(QFont font) {
     return font;
 }
 
-// Where on the time axis that moment stands.
-double PlaceOf(const QRectF& plot, std::int64_t ageMs) {
-    return plot.right() - static_cast<double>(ageMs) / static_cast<double>(TrendSpanMs) * plot.width();
-}
-
 QColor Faint(const QPalette& palette) {
     QColor color = palette.color(QPalette::Text);
     color.setAlpha(45);
@@ -66,14 +61,14 @@ QColor Faint(const QPalette& palette) {
 
 } // namespace
 
-TrendView::TrendView(std::string separator) : separator_(std::move(separator)) {
-    Named(this, "TrendView", "Trend of the ticked values over the last ten minutes");
+TrendView::TrendView(const Trend& trend, std::string separator)
+    : trend_(trend), separator_(std::move(separator)) {
+    Named(this, "TrendView", "Trend of the ticked values");
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 }
 
-void TrendView::Show(std::vector<TrendLine> lines, std::int64_t nowMs) {
+void TrendView::SetLines(std::vector<TrendLine> lines) {
     lines_ = std::move(lines);
-    nowMs_ = nowMs;
     QStringList names;
     for (const TrendLine& line : lines_)
         names << line.Name;
@@ -81,12 +76,40 @@ void TrendView::Show(std::vector<TrendLine> lines, std::int64_t nowMs) {
     update();
 }
 
-QImage TrendView::Picture(const WallTime& now) const {
+void TrendView::SetNow(const WallTime& now) {
+    now_ = now;
+    update();
+}
+
+void TrendView::SetSpan(int minutes) {
+    spanMs_ = std::int64_t{minutes} * 60'000;
+    update();
+}
+
+void TrendView::SetHistory(TrendHistory* history) {
+    history_ = history;
+    update();
+}
+
+std::string TrendView::Data() const {
+    return {};
+}
+
+std::vector<TrendColumn> TrendView::Columns(const TrendLine& line) const {
+    return trend_.Columns(line.Index, line.Place, now_.UnixMs - spanMs_, now_.UnixMs + 1, 100);
+}
+
+// Where on the time axis that moment stands.
+double TrendView::PlaceOf(const QRectF& plot, std::int64_t ageMs) const {
+    return plot.right() - static_cast<double>(ageMs) / static_cast<double>(spanMs_) * plot.width();
+}
+
+QImage TrendView::Picture() const {
     QImage image(size() * PictureScale, QImage::Format_RGB32);
     image.setDevicePixelRatio(PictureScale);
     QPainter painter(&image);
     painter.setFont(font());
-    Paint(painter, now);
+    Paint(painter);
     return image;
 }
 
@@ -95,20 +118,20 @@ void TrendView::paintEvent(QPaintEvent* /*event*/) {
     Paint(painter);
 }
 
-void TrendView::Paint(QPainter& painter, const std::optional<WallTime>& now) const {
+void TrendView::Paint(QPainter& painter) const {
     painter.fillRect(rect(), palette().color(QPalette::Base));
     painter.setRenderHint(QPainter::Antialiasing);
     std::vector<Pane> panes = Panes();
     if (panes.empty())
         return;
-    Place(panes, now ? 2 : 1);
-    const auto times = TimeMarks(panes.front().Plot.width(), now);
+    Place(panes, 2);
+    const auto times = TimeMarks(panes.front().Plot.width());
     for (const Pane& pane : panes) {
         PaintLegend(painter, pane);
         PaintAxes(painter, pane, times);
         painter.setClipRect(pane.Plot.adjusted(-Gap, -Gap, Gap, Gap));
-        for (const TrendLine* line : pane.Lines)
-            PaintLine(painter, pane, *line);
+        for (const std::size_t line : pane.Lines)
+            PaintLine(painter, pane, lines_[line]);
         painter.setClipping(false);
     }
     PaintTimes(painter, panes.back(), times);
@@ -116,11 +139,12 @@ void TrendView::Paint(QPainter& painter, const std::optional<WallTime>& now) con
 
 std::vector<TrendView::Pane> TrendView::Panes() const {
     std::vector<Pane> panes;
-    for (const TrendLine& line : lines_) {
+    for (std::size_t number = 0; number < lines_.size(); ++number) {
+        const TrendLine& line = lines_[number];
         auto pane = std::ranges::find(panes, line.Unit, &Pane::Unit);
         if (pane == panes.end())
             pane = panes.insert(pane, Pane{line.Unit, line.Word, {}, {}, {}, {}});
-        pane->Lines.push_back(&line);
+        pane->Lines.push_back(number);
     }
     return panes;
 }
@@ -153,22 +177,21 @@ void TrendView::Place(std::vector<Pane>& panes, int timeRows) const {
 
 void TrendView::ScaleAxis(Pane& pane, double height) const {
     std::optional<double> low, high;
-    for (const TrendLine* line : pane.Lines)
-        for (const TrendPoint& point : line->Points)
-            if (point.Value) {
-                low = std::min(low.value_or(*point.Value), *point.Value);
-                high = std::max(high.value_or(*point.Value), *point.Value);
-            }
+    for (const std::size_t line : pane.Lines)
+        for (const TrendColumn& column : Columns(lines_[line])) {
+            low = std::min(low.value_or(column.Least), column.Least);
+            high = std::max(high.value_or(column.Most), column.Most);
+        }
     const double steps = height / (LinesPerStep * QFontMetricsF(font()).height());
     pane.Axis = RoundTicks(low.value_or(0), high.value_or(1), std::min(static_cast<int>(steps), MostSteps),
                            pane.Word);
 }
 
-std::vector<TimeMark> TrendView::TimeMarks(double width, const std::optional<WallTime>& now) const {
+std::vector<TimeMark> TrendView::TimeMarks(double width) const {
     const double room = QFontMetricsF(font()).horizontalAdvance(WidestTime) + EntryGap;
-    const double minute = width * 60'000 / static_cast<double>(TrendSpanMs);
+    const double minute = width * 60'000 / static_cast<double>(spanMs_);
     const int step = minute >= room ? 1 : 2 * minute >= room ? 2 : 5;
-    return now ? ClockMarks(TrendSpanMs, step, *now) : MarksBeforeNow(TrendSpanMs, step);
+    return ClockMarks(spanMs_, step, now_);
 }
 
 QString TrendView::TickText(const Pane& pane, double mark) const {
@@ -181,8 +204,8 @@ double TrendView::LegendHeight(const Pane& pane, double width) const {
     const QFontMetricsF metrics(font());
     Flow flow({}, width, metrics.lineSpacing());
     flow.Place(QFontMetricsF(Bold(font())).horizontalAdvance(pane.Unit));
-    for (const TrendLine* line : pane.Lines)
-        flow.Place(TrendSampleWidth + Gap + metrics.horizontalAdvance(line->Name));
+    for (const std::size_t line : pane.Lines)
+        flow.Place(TrendSampleWidth + Gap + metrics.horizontalAdvance(lines_[line].Name));
     return flow.Height();
 }
 
@@ -196,7 +219,8 @@ void TrendView::PaintLegend(QPainter& painter, const Pane& pane) const {
                          QPointF(0, metrics.ascent()),
                      pane.Unit);
     painter.setFont(font());
-    for (const TrendLine* line : pane.Lines) {
+    for (const std::size_t number : pane.Lines) {
+        const TrendLine* const line = &lines_[number];
         const QPointF place = flow.Place(TrendSampleWidth + Gap + metrics.horizontalAdvance(line->Name));
         DrawTrendSample(painter, place + QPointF(0, metrics.height() / 2), line->Style, palette());
         painter.setPen(ink);
@@ -251,16 +275,12 @@ void TrendView::PaintLine(QPainter& painter, const Pane& pane, const TrendLine& 
     bool connected = false;
     const double phase = line.Style % 5 * MarkerSpacing / 5.0; // markers of two lines rarely meet
     int lastSlot = -1;
-    for (const TrendPoint& point : line.Points) {
-        if (!point.Value) {
-            connected = false;
-            continue;
-        }
-        const QPointF place(PlaceOf(plot, nowMs_ - point.AtMs),
-                            plot.bottom() - (*point.Value - pane.Axis.Low) /
+    for (const TrendColumn& column : Columns(line)) {
+        const QPointF place(PlaceOf(plot, now_.UnixMs - column.FirstMs),
+                            plot.bottom() - (column.First - pane.Axis.Low) /
                                                 (pane.Axis.High - pane.Axis.Low) * plot.height());
         const int slot = static_cast<int>(
-            (static_cast<double>(point.AtMs) / static_cast<double>(TrendSpanMs) * plot.width() + phase) /
+            (static_cast<double>(column.FirstMs) / static_cast<double>(spanMs_) * plot.width() + phase) /
             MarkerSpacing);
         if (slot != lastSlot || !connected)
             markers.push_back(place);
@@ -269,7 +289,7 @@ void TrendView::PaintLine(QPainter& painter, const Pane& pane, const TrendLine& 
             path.lineTo(place);
         else
             path.moveTo(place);
-        connected = true;
+        connected = !column.Broken;
     }
     painter.strokePath(path, TrendPen(line.Style, palette()));
     for (const QPointF& marker : markers)
