@@ -23,6 +23,8 @@ echo
 echo
 "$build/bench/traffic_bench"
 echo
+"$build/bench/trend_bench"
+echo
 "$build/bench/damage_bench"
 echo
 "$build/bench/reader_fuzz" 1 10

@@ -1,25 +1,32 @@
 #pragma once
 
-#include "monitor/csv_log.h"
+#include "link/wall_time.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
 namespace kavro {
 
-/// A mark of a time axis that ends now.
+/// A mark of a time axis.
 struct TimeMark {
-    std::int64_t AgeMs = 0; ///< how far before the end it stands
-    std::string Text;       ///< "-2 min", or "14:05"
-    std::string Date;       ///< to stand below it; empty where it is that of the mark before
+    std::int64_t AtMs = 0; ///< UTC
+    std::string Text;      ///< local time, "14:05" or "14:05:09"
+    std::string Date;      ///< to stand below it; empty where it is that of the mark before
 };
 
-/// Marks every `stepMinutes` back from the end of an axis of `spanMs`, oldest first: "-2 min", "now".
-std::vector<TimeMark> MarksBeforeNow(std::int64_t spanMs, int stepMinutes);
+/// How local time stood to UTC at a moment.
+using LocalTimes = std::function<WallTime(std::int64_t unixMs)>;
 
-/// The same at round minutes of local time when the axis ends at `now`. The first mark has its date, and so
-/// has each that begins a day.
-std::vector<TimeMark> ClockMarks(std::int64_t spanMs, int stepMinutes, const WallTime& now);
+/// Marks at round local times from `fromMs` to `toMs`, oldest first and at least `leastMs` apart, seconds to
+/// weeks. The first mark has its date, and so has each that begins a day. Where clocks are changed the marks
+/// stay at round times.
+std::vector<TimeMark> TimeMarks(std::int64_t fromMs, std::int64_t toMs, std::int64_t leastMs,
+                                const LocalTimes& local = LocalMoment);
+
+/// Local time of a moment, "14:05:09" or "14:05:09.120" with `milliseconds`, led by the date when that is not
+/// the date of `now`.
+std::string MomentText(const WallTime& time, const WallTime& now, bool milliseconds);
 
 } // namespace kavro

@@ -22,12 +22,19 @@ constexpr std::array<QRgb, Colors> OnLight = {0x0060A8, 0xD55E00, 0x00805C, 0xA8
 constexpr std::array<QRgb, Colors> OnDark = {0x6DB6F0, 0xF0A030, 0x2CC79C, 0xE79CC8,
                                              0xF0E442, 0xA9D8F5, 0xFF7F5C, 0xD0D0D0};
 
+constexpr QRgb WarningOnLight = 0xC00000;
+constexpr QRgb WarningOnDark = 0xFF5050;
+
 using Polygon = std::array<QPointF, 4>;
 constexpr Polygon Square = {QPointF{-0.85, -0.85}, {0.85, -0.85}, {0.85, 0.85}, {-0.85, 0.85}};
 constexpr Polygon Triangle = {QPointF{0, -1.1}, {1.05, 0.8}, {-1.05, 0.8}, {0, -1.1}};
 constexpr Polygon Diamond = {QPointF{0, -1.2}, {1.2, 0}, {0, 1.2}, {-1.2, 0}};
 constexpr Polygon TriangleDown = {QPointF{0, 1.1}, {1.05, -0.8}, {-1.05, -0.8}, {0, 1.1}};
 constexpr std::array<Polygon, 4> Polygons = {Square, Triangle, Diamond, TriangleDown};
+
+bool IsDark(const QPalette& palette) {
+    return palette.color(QPalette::Base).lightness() < DarkBelow;
+}
 
 } // namespace
 
@@ -39,9 +46,13 @@ QColor SoftText(const QPalette& palette) {
                             mix(text.blueF(), base.blueF()));
 }
 
+QColor TrendWarning(const QPalette& palette) {
+    return {IsDark(palette) ? WarningOnDark : WarningOnLight};
+}
+
 QPen TrendPen(int style, const QPalette& palette) {
     const auto number = static_cast<std::size_t>(style);
-    const bool dark = palette.color(QPalette::Base).lightness() < DarkBelow;
+    const bool dark = IsDark(palette);
     // The pattern changes with the colour's second turn only, so that few lines are solid ones.
     constexpr std::array<Qt::PenStyle, 4> patterns = {Qt::SolidLine, Qt::DashLine, Qt::DotLine,
                                                       Qt::DashDotLine};

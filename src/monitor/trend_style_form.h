@@ -14,6 +14,9 @@ QColor SoftText(const QPalette& palette);
 /// on light and on dark and that colour-blind eyes tell apart, and a dash pattern of its own.
 QPen TrendPen(int style, const QPalette& palette);
 
+/// The colour of what is beyond a threshold.
+QColor TrendWarning(const QPalette& palette);
+
 /// Radius of the markers on a line, in pixels.
 inline constexpr double TrendMarkerRadius = 3.6;
 

@@ -1,13 +1,14 @@
 #include "monitor/trend_view_form.h"
 
-#include "link/text.h"
-#include "monitor/trend_style_form.h"
+#include "monitor/time_marks.h"
+#include "monitor/trend_paint_form.h"
 #include "ui/named.h"
 
-#include <QFontMetricsF>
-#include <QImage>
+#include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPainter>
-#include <QPainterPath>
+#include <QStyleOptionFocusRect>
+#include <QWheelEvent>
 
 #include <algorithm>
 #include <cmath>
@@ -16,284 +17,303 @@ namespace kavro {
 
 namespace {
 
-constexpr double Margin = 10;
-constexpr double Gap = 6; // between a text and what it belongs to
-constexpr double EntryGap = 16;
-constexpr int MarkerSpacing = 70;    // pixels between two markers of a line
-constexpr double LinesPerStep = 1.8; // text lines that a step of an axis is high at least
-constexpr int MostSteps = 8;
 constexpr int PictureScale = 2;
-constexpr const char* WidestTime = "2000-00-00";
-
-// Where the entries of a legend stand: on as many lines as the width needs.
-class Flow {
-public:
-    Flow(QPointF start, double width, double lineHeight)
-        : start_(start), width_(width), lineHeight_(lineHeight), next_(start) {}
-
-    QPointF Place(double width) {
-        if (next_.x() > start_.x() && next_.x() + width > start_.x() + width_)
-            next_ = {start_.x(), next_.y() + lineHeight_};
-        const QPointF place = next_;
-        next_ += {width + EntryGap, 0};
-        return place;
-    }
-
-    double Height() const { return next_.y() + lineHeight_ - start_.y(); }
-
-private:
-    QPointF start_;
-    double width_;
-    double lineHeight_;
-    QPointF next_;
-};
-
-QFont Bold(QFont font) {
-    font.setBold(true);
-    return font;
-}
-
-QColor Faint(const QPalette& palette) {
-    QColor color = palette.color(QPalette::Text);
-    color.setAlpha(45);
-    return color;
-}
+constexpr std::int64_t MinuteMs = 60'000;
+constexpr double ZoomStep = 1.25;
+constexpr double WheelNotch = 120;
+constexpr double PanStep = 0.1; // of the span
+constexpr double Half = 0.5;
+constexpr int LongStep = 10; // columns that the cursor goes with Ctrl
 
 } // namespace
 
 TrendView::TrendView(const Trend& trend, std::string separator)
-    : trend_(trend), separator_(std::move(separator)) {
+    : separator_(std::move(separator)), past_(trend) {
     Named(this, "TrendView", "Trend of the ticked values");
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(true);
+    past_.Changed = [this] { Redraw(); };
 }
 
 void TrendView::SetLines(std::vector<TrendLine> lines) {
     lines_ = std::move(lines);
-    QStringList names;
-    for (const TrendLine& line : lines_)
-        names << line.Name;
-    setAccessibleDescription(names.join(", "));
-    update();
+    Redraw();
 }
 
 void TrendView::SetNow(const WallTime& now) {
     now_ = now;
-    update();
+    window_.SetNow(now.UnixMs, past_.Oldest(lines_), past_.HasHistory());
+    Redraw();
 }
 
 void TrendView::SetSpan(int minutes) {
-    spanMs_ = std::int64_t{minutes} * 60'000;
-    update();
+    window_.SetSpan(minutes * MinuteMs);
+    Redraw();
 }
 
 void TrendView::SetHistory(TrendHistory* history) {
-    history_ = history;
-    update();
+    past_.SetHistory(history);
+    SetNow(now_);
 }
 
-std::string TrendView::Data() const {
-    return {};
+TrendScene TrendView::Scene(double pixelRatio) const {
+    return MakeTrendScene(lines_, past_,
+                          {.Size = size(),
+                           .PixelRatio = pixelRatio,
+                           .Font = font(),
+                           .FromMs = window_.FromMs(),
+                           .ToMs = window_.ToMs(),
+                           .Separator = separator_});
 }
 
-std::vector<TrendColumn> TrendView::Columns(const TrendLine& line) const {
-    return trend_.Columns(line.Index, line.Place, now_.UnixMs - spanMs_, now_.UnixMs + 1, 100);
-}
-
-// Where on the time axis that moment stands.
-double TrendView::PlaceOf(const QRectF& plot, std::int64_t ageMs) const {
-    return plot.right() - static_cast<double>(ageMs) / static_cast<double>(spanMs_) * plot.width();
-}
-
-QImage TrendView::Picture() const {
-    QImage image(size() * PictureScale, QImage::Format_RGB32);
-    image.setDevicePixelRatio(PictureScale);
+QImage TrendView::Draw(const TrendScene& scene, double pixelRatio) const {
+    QImage image((QSizeF(size()) * pixelRatio).toSize(), QImage::Format_RGB32);
+    image.setDevicePixelRatio(pixelRatio);
+    image.fill(palette().color(QPalette::Base));
     QPainter painter(&image);
     painter.setFont(font());
-    Paint(painter);
+    PaintTrend(painter, scene, palette(), separator_);
     return image;
 }
 
-void TrendView::paintEvent(QPaintEvent* /*event*/) {
-    QPainter painter(this);
-    Paint(painter);
+void TrendView::DrawOver(QPainter& painter, const TrendScene& scene) const {
+    PaintTrendNote(painter, scene, palette(), Note());
+    if (const auto cursor = CursorMs())
+        PaintTrendCursor(painter, scene, palette(), *cursor, CursorTime(*cursor), separator_);
 }
 
-void TrendView::Paint(QPainter& painter) const {
-    painter.fillRect(rect(), palette().color(QPalette::Base));
-    painter.setRenderHint(QPainter::Antialiasing);
-    std::vector<Pane> panes = Panes();
-    if (panes.empty())
-        return;
-    Place(panes, 2);
-    const auto times = TimeMarks(panes.front().Plot.width());
-    for (const Pane& pane : panes) {
-        PaintLegend(painter, pane);
-        PaintAxes(painter, pane, times);
-        painter.setClipRect(pane.Plot.adjusted(-Gap, -Gap, Gap, Gap));
-        for (const std::size_t line : pane.Lines)
-            PaintLine(painter, pane, lines_[line]);
-        painter.setClipping(false);
-    }
-    PaintTimes(painter, panes.back(), times);
-}
-
-std::vector<TrendView::Pane> TrendView::Panes() const {
-    std::vector<Pane> panes;
-    for (std::size_t number = 0; number < lines_.size(); ++number) {
-        const TrendLine& line = lines_[number];
-        auto pane = std::ranges::find(panes, line.Unit, &Pane::Unit);
-        if (pane == panes.end())
-            pane = panes.insert(pane, Pane{line.Unit, line.Word, {}, {}, {}, {}});
-        pane->Lines.push_back(number);
-    }
-    return panes;
-}
-
-// Shares the height out; the panes stand under each other at the same left edge, as they share the time.
-void TrendView::Place(std::vector<Pane>& panes, int timeRows) const {
-    const QFontMetricsF metrics(font());
-    const double width = this->width() - 2 * Margin;
-    const double timeHeight = timeRows * metrics.height() + Gap;
-    double legends = 0;
-    for (const Pane& pane : panes)
-        legends += LegendHeight(pane, width) + Gap;
-    const double count = static_cast<double>(panes.size());
-    const double plotHeight = std::max((height() - 2 * Margin - timeHeight - legends) / count - Margin, 20.0);
-
-    double labelWidth = 0;
-    for (Pane& pane : panes) {
-        ScaleAxis(pane, plotHeight);
-        for (const double mark : pane.Axis.Marks)
-            labelWidth = std::max(labelWidth, metrics.horizontalAdvance(TickText(pane, mark)));
-    }
-    double top = Margin;
-    for (Pane& pane : panes) {
-        pane.Legend = {Margin, top, width, LegendHeight(pane, width)};
-        pane.Plot = {Margin + labelWidth + Gap, pane.Legend.bottom() + Gap, width - labelWidth - 2 * Gap,
-                     plotHeight};
-        top = pane.Plot.bottom() + Margin;
-    }
-}
-
-void TrendView::ScaleAxis(Pane& pane, double height) const {
-    std::optional<double> low, high;
-    for (const std::size_t line : pane.Lines)
-        for (const TrendColumn& column : Columns(lines_[line])) {
-            low = std::min(low.value_or(column.Least), column.Least);
-            high = std::max(high.value_or(column.Most), column.Most);
-        }
-    const double steps = height / (LinesPerStep * QFontMetricsF(font()).height());
-    pane.Axis = RoundTicks(low.value_or(0), high.value_or(1), std::min(static_cast<int>(steps), MostSteps),
-                           pane.Word);
-}
-
-std::vector<TimeMark> TrendView::TimeMarks(double width) const {
-    const double room = QFontMetricsF(font()).horizontalAdvance(WidestTime) + EntryGap;
-    const double minute = width * 60'000 / static_cast<double>(spanMs_);
-    const int step = minute >= room ? 1 : 2 * minute >= room ? 2 : 5;
-    return ClockMarks(spanMs_, step, now_);
-}
-
-QString TrendView::TickText(const Pane& pane, double mark) const {
-    if (pane.Word)
-        return (mark < 0 ? "-" : "") + QString::number(static_cast<qlonglong>(std::fabs(mark)), 16).toUpper();
-    return QString::fromStdString(ShownNumber(FormatNumber(mark, 1, pane.Axis.Decimals), separator_));
-}
-
-double TrendView::LegendHeight(const Pane& pane, double width) const {
-    const QFontMetricsF metrics(font());
-    Flow flow({}, width, metrics.lineSpacing());
-    flow.Place(QFontMetricsF(Bold(font())).horizontalAdvance(pane.Unit));
-    for (const std::size_t line : pane.Lines)
-        flow.Place(TrendSampleWidth + Gap + metrics.horizontalAdvance(lines_[line].Name));
-    return flow.Height();
-}
-
-void TrendView::PaintLegend(QPainter& painter, const Pane& pane) const {
-    const QFontMetricsF metrics(font());
-    Flow flow(pane.Legend.topLeft(), pane.Legend.width(), metrics.lineSpacing());
-    const QColor ink = palette().color(QPalette::Text);
-    painter.setPen(ink);
-    painter.setFont(Bold(font()));
-    painter.drawText(flow.Place(QFontMetricsF(painter.font()).horizontalAdvance(pane.Unit)) +
-                         QPointF(0, metrics.ascent()),
-                     pane.Unit);
+QImage TrendView::Picture() const {
+    const TrendScene scene = Scene(PictureScale);
+    QImage image = Draw(scene, PictureScale);
+    QPainter painter(&image);
     painter.setFont(font());
-    for (const std::size_t number : pane.Lines) {
-        const TrendLine* const line = &lines_[number];
-        const QPointF place = flow.Place(TrendSampleWidth + Gap + metrics.horizontalAdvance(line->Name));
-        DrawTrendSample(painter, place + QPointF(0, metrics.height() / 2), line->Style, palette());
-        painter.setPen(ink);
-        painter.drawText(place + QPointF(TrendSampleWidth + Gap, metrics.ascent()), line->Name);
+    DrawOver(painter, scene);
+    return image;
+}
+
+std::string TrendView::Data() const {
+    const TrendScene scene = Scene(devicePixelRatioF());
+    const TrendStretch& shown = scene.Time.Shown;
+    std::vector<TrendCurve> curves;
+    for (std::size_t line = 0; line < scene.Lines.size(); ++line) {
+        TrendCurve curve{scene.Lines[line].Name.toStdString(), scene.Lines[line].Unit.toStdString(), {}};
+        for (const TrendColumn& column : scene.Columns[line])
+            if (column.LastMs >= shown.FromMs && column.FirstMs < shown.ToMs)
+                curve.Columns.push_back(column);
+        curves.push_back(std::move(curve));
+    }
+    return TrendCsv(curves);
+}
+
+// The cursor and the note lie over a picture that is kept, so that moving the pointer costs nothing.
+void TrendView::paintEvent(QPaintEvent* /*event*/) {
+    if (image_.isNull()) {
+        scene_ = Scene(devicePixelRatioF());
+        image_ = Draw(scene_, devicePixelRatioF());
+        past_.Look(lines_, scene_.Time.Shown, moved_);
+        moved_ = false;
+        Describe();
+    }
+    QPainter painter(this);
+    painter.drawImage(QPointF(), image_);
+    DrawOver(painter, scene_);
+    if (hasFocus()) {
+        QStyleOptionFocusRect option;
+        option.initFrom(this);
+        style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
     }
 }
 
-void TrendView::PaintAxes(QPainter& painter, const Pane& pane, const std::vector<TimeMark>& times) const {
-    const QFontMetricsF metrics(font());
-    const QRectF& plot = pane.Plot;
-    const QColor ink = palette().color(QPalette::Text);
-    const QColor faint = Faint(palette());
-    for (const double mark : pane.Axis.Marks) {
-        const double y =
-            plot.bottom() - (mark - pane.Axis.Low) / (pane.Axis.High - pane.Axis.Low) * plot.height();
-        painter.setPen(faint);
-        painter.drawLine(QPointF(plot.left(), y), QPointF(plot.right(), y));
-        painter.setPen(ink);
-        const QString text = TickText(pane, mark);
-        painter.drawText(
-            QPointF(plot.left() - Gap - metrics.horizontalAdvance(text), y + metrics.capHeight() / 2), text);
-    }
-    painter.setPen(faint);
-    for (const TimeMark& time : times) {
-        const double x = PlaceOf(plot, time.AgeMs);
-        painter.drawLine(QPointF(x, plot.top()), QPointF(x, plot.bottom()));
-    }
-    painter.setPen(ink);
-    painter.drawLine(plot.topLeft(), plot.bottomLeft());
-    painter.drawLine(plot.bottomLeft(), plot.bottomRight());
+void TrendView::Redraw() {
+    image_ = {};
+    if (!CursorMs()) // what it reads is known when the lines are laid out
+        Describe();
+    update();
 }
 
-void TrendView::PaintTimes(QPainter& painter, const Pane& pane, const std::vector<TimeMark>& times) const {
-    const QFontMetricsF metrics(font());
-    painter.setPen(palette().color(QPalette::Text));
-    for (const TimeMark& time : times) {
-        double y = pane.Plot.bottom() + Gap + metrics.ascent();
-        for (const std::string& line : {time.Text, time.Date}) {
-            const QString text = QString::fromStdString(line);
-            const double width = metrics.horizontalAdvance(text);
-            const double x = PlaceOf(pane.Plot, time.AgeMs) - width / 2;
-            painter.drawText(QPointF(std::max(std::min(x, this->width() - width - 2), 2.0), y), text);
-            y += metrics.height();
+void TrendView::resizeEvent(QResizeEvent* /*event*/) {
+    Redraw();
+}
+
+void TrendView::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange)
+        Redraw();
+}
+
+void TrendView::Moved() {
+    moved_ = true;
+    Redraw();
+}
+
+void TrendView::Zoom(double factor, double share) {
+    const std::int64_t before = window_.SpanMs();
+    window_.Zoom(factor, std::clamp(share, 0.0, 1.0));
+    Moved();
+    if (SpanChanged && window_.SpanMs() != before)
+        SpanChanged();
+}
+
+void TrendView::wheelEvent(QWheelEvent* event) {
+    const QPoint turned = event->angleDelta();
+    if (std::abs(turned.x()) > std::abs(turned.y())) {
+        window_.Pan(-PanStep * turned.x() / WheelNotch);
+        Moved();
+    } else if (turned.y() != 0 && !scene_.Panes.empty()) {
+        const QRectF& plot = scene_.Panes.front().Plot;
+        Zoom(std::pow(ZoomStep, -turned.y() / WheelNotch),
+             (event->position().x() - plot.left()) / plot.width());
+    }
+    event->accept();
+}
+
+void TrendView::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton)
+        return;
+    dragged_ = event->position().x();
+    setCursor(Qt::ClosedHandCursor);
+}
+
+void TrendView::mouseMoveEvent(QMouseEvent* event) {
+    const double x = event->position().x();
+    if (dragged_ && !scene_.Panes.empty() && x != *dragged_) {
+        window_.Pan((*dragged_ - x) / scene_.Panes.front().Plot.width());
+        dragged_ = x;
+        Moved();
+    }
+    pointer_ = x;
+    cursor_.reset();
+    Describe();
+    update();
+}
+
+void TrendView::mouseReleaseEvent(QMouseEvent* /*event*/) {
+    dragged_.reset();
+    unsetCursor();
+}
+
+void TrendView::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton)
+        Steer(Qt::Key_F);
+}
+
+void TrendView::leaveEvent(QEvent* /*event*/) {
+    pointer_.reset();
+    Describe();
+    update();
+}
+
+void TrendView::keyPressEvent(QKeyEvent* event) {
+    const bool arrow = event->key() == Qt::Key_Left || event->key() == Qt::Key_Right;
+    const bool shift = event->modifiers().testFlag(Qt::ShiftModifier);
+    if (arrow && shift) {
+        const int step = event->modifiers().testFlag(Qt::ControlModifier) ? LongStep : 1;
+        MoveCursor(event->key() == Qt::Key_Left ? -step : step);
+    } else if (!Steer(event->key())) {
+        QWidget::keyPressEvent(event);
+    }
+}
+
+// Keys that zoom zoom about the end while it is now, else about the middle.
+bool TrendView::Steer(int key) {
+    const double share = window_.Following() ? 1 : Half;
+    const std::int64_t before = window_.SpanMs();
+    switch (key) {
+    case Qt::Key_Plus:
+    case Qt::Key_Equal:
+        Zoom(1 / ZoomStep, share);
+        return true;
+    case Qt::Key_Minus:
+        Zoom(ZoomStep, share);
+        return true;
+    case Qt::Key_Left:
+        window_.Pan(-PanStep);
+        break;
+    case Qt::Key_Right:
+        window_.Pan(PanStep);
+        break;
+    case Qt::Key_PageUp:
+        window_.Pan(-1);
+        break;
+    case Qt::Key_PageDown:
+        window_.Pan(1);
+        break;
+    case Qt::Key_Home:
+        window_.ToOldest();
+        break;
+    case Qt::Key_End:
+        window_.ToNow();
+        break;
+    case Qt::Key_F:
+        window_.ToWhole();
+        break;
+    case Qt::Key_C:
+        if (CursorMs()) {
+            pointer_.reset();
+            cursor_.reset();
+        } else {
+            cursor_ = window_.FromMs() + window_.SpanMs() / 2;
         }
+        break;
+    default:
+        return false;
     }
+    Moved();
+    if (SpanChanged && window_.SpanMs() != before)
+        SpanChanged();
+    return true;
 }
 
-void TrendView::PaintLine(QPainter& painter, const Pane& pane, const TrendLine& line) const {
-    const QRectF& plot = pane.Plot;
-    QPainterPath path;
-    std::vector<QPointF> markers;
-    bool connected = false;
-    const double phase = line.Style % 5 * MarkerSpacing / 5.0; // markers of two lines rarely meet
-    int lastSlot = -1;
-    for (const TrendColumn& column : Columns(line)) {
-        const QPointF place(PlaceOf(plot, now_.UnixMs - column.FirstMs),
-                            plot.bottom() - (column.First - pane.Axis.Low) /
-                                                (pane.Axis.High - pane.Axis.Low) * plot.height());
-        const int slot = static_cast<int>(
-            (static_cast<double>(column.FirstMs) / static_cast<double>(spanMs_) * plot.width() + phase) /
-            MarkerSpacing);
-        if (slot != lastSlot || !connected)
-            markers.push_back(place);
-        lastSlot = slot;
-        if (connected)
-            path.lineTo(place);
-        else
-            path.moveTo(place);
-        connected = !column.Broken;
-    }
-    painter.strokePath(path, TrendPen(line.Style, palette()));
-    for (const QPointF& marker : markers)
-        DrawTrendMarker(painter, marker, line.Style, palette());
+// Where it leaves the view the view goes with it.
+void TrendView::MoveCursor(int columns) {
+    const std::int64_t from = CursorMs().value_or(window_.ToMs());
+    cursor_ = std::min(from + columns * scene_.Time.Shown.ColumnMs, now_.UnixMs);
+    pointer_.reset();
+    const auto span = static_cast<double>(window_.SpanMs());
+    if (*cursor_ < window_.FromMs())
+        window_.Pan(static_cast<double>(*cursor_ - window_.FromMs()) / span);
+    else if (*cursor_ > window_.ToMs())
+        window_.Pan(static_cast<double>(*cursor_ - window_.ToMs()) / span);
+    Moved();
+}
+
+std::optional<std::int64_t> TrendView::CursorMs() const {
+    if (cursor_ || !pointer_ || scene_.Panes.empty())
+        return cursor_;
+    const QRectF& plot = scene_.Panes.front().Plot;
+    if (*pointer_ < plot.left() || *pointer_ > plot.right())
+        return {};
+    return scene_.Time.MomentAt(*pointer_);
+}
+
+QString TrendView::CursorTime(std::int64_t atMs) const {
+    constexpr std::int64_t second = 1000;
+    return QString::fromStdString(
+        MomentText(LocalMoment(atMs), LocalMoment(now_.UnixMs), scene_.Time.Shown.ColumnMs < second));
+}
+
+QString TrendView::Note() const {
+    QStringList notes;
+    if (!window_.Following())
+        notes << "Not live: press End to go back to now.";
+    if (!past_.State().isEmpty())
+        notes << past_.State();
+    return notes.join(" ");
+}
+
+// What a screen reader tells: the names; at a cursor its time and what each line was.
+void TrendView::Describe() {
+    QStringList texts;
+    const auto cursor = CursorMs();
+    for (std::size_t line = 0; line < lines_.size(); ++line)
+        texts << lines_[line].Name + (cursor && line < scene_.Columns.size()
+                                          ? " " + TrendReading(scene_, line, *cursor, separator_)
+                                          : QString());
+    QString description = (cursor ? CursorTime(*cursor) + ": " : QString()) + texts.join(", ");
+    if (const QString note = Note(); !note.isEmpty())
+        description += ". " + note;
+    setAccessibleDescription(description);
 }
 
 } // namespace kavro

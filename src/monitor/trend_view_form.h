@@ -1,42 +1,28 @@
 #pragma once
 
 #include "link/wall_time.h"
-#include "map/monitor_preferences.h"
-#include "monitor/axis_ticks.h"
-#include "monitor/time_marks.h"
-#include "monitor/trend.h"
-#include "monitor/trend_history.h"
+#include "monitor/trend_past_form.h"
+#include "monitor/trend_scene_form.h"
+#include "monitor/trend_window.h"
 
-#include <QString>
+#include <QImage>
 #include <QWidget>
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
-class QImage;
-class QPainter;
-
 namespace kavro {
 
-/// One line of a trend view.
-struct TrendLine {
-    QString Name;      ///< in the legend
-    QString Unit;      ///< lines of one unit share a pane and its axis; may be empty
-    bool Word = false; ///< a digital word, whose axis is labelled in hexadecimal
-    int Style = 0;     ///< of colour, pattern and marker
-    ValueKey Key;      ///< in a history
-    int Index = 0;     ///< entry of the map, in the trend
-    std::size_t Place = 0;
-    kavro::Thresholds Thresholds;
-};
-
 /// Some values over time: a pane with a scaled axis per unit, one above the other. Goes on with the time
-/// until the user looks back, zooms and pans with mouse and keys, and has a cursor that reads values.
+/// until the user looks back. Zoomed by the wheel, + and -, moved by dragging, arrows, Page Up and Page Down,
+/// Home and End; F and a double click show all that is known. A cursor that reads values follows the pointer,
+/// or is moved by Shift and arrows, and switched by C.
 class TrendView : public QWidget {
 public:
-    /// `separator`: the user's decimal separator, for all numbers.
+    /// `separator`: the user's decimal separator, for all numbers that are shown.
     TrendView(const Trend& trend, std::string separator);
 
     void SetLines(std::vector<TrendLine> lines);
@@ -48,14 +34,14 @@ public:
     void SetSpan(int minutes);
 
     /// How much time is shown, in ms.
-    std::int64_t SpanMs() const { return spanMs_; }
+    std::int64_t SpanMs() const { return window_.SpanMs(); }
 
     /// Where to look for what the memory does not have, or nullptr; it must outlive the view or be taken
     /// away.
     void SetHistory(TrendHistory* history);
 
     /// Whether the view goes on with the time.
-    bool Following() const { return true; }
+    bool Following() const { return window_.Following(); }
 
     /// What is shown, as an image of twice the resolution.
     QImage Picture() const;
@@ -71,36 +57,41 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    struct Pane {
-        QString Unit;
-        bool Word = false;
-        std::vector<std::size_t> Lines;
-        AxisTicks Axis;
-        QRectF Legend, Plot;
-    };
+    TrendScene Scene(double pixelRatio) const;
+    QImage Draw(const TrendScene& scene, double pixelRatio) const;
+    void DrawOver(QPainter& painter, const TrendScene& scene) const;
+    void Redraw();
+    void Moved();
+    void Zoom(double factor, double share);
+    bool Steer(int key);
+    void MoveCursor(int columns);
+    std::optional<std::int64_t> CursorMs() const;
+    QString CursorTime(std::int64_t atMs) const;
+    QString Note() const;
+    void Describe();
 
-    void Paint(QPainter& painter) const;
-    std::vector<Pane> Panes() const;
-    void Place(std::vector<Pane>& panes, int timeRows) const;
-    std::vector<TimeMark> TimeMarks(double width) const;
-    double LegendHeight(const Pane& pane, double width) const;
-    void ScaleAxis(Pane& pane, double height) const;
-    QString TickText(const Pane& pane, double mark) const;
-    void PaintLegend(QPainter& painter, const Pane& pane) const;
-    void PaintAxes(QPainter& painter, const Pane& pane, const std::vector<TimeMark>& times) const;
-    void PaintTimes(QPainter& painter, const Pane& pane, const std::vector<TimeMark>& times) const;
-    void PaintLine(QPainter& painter, const Pane& pane, const TrendLine& line) const;
-    std::vector<TrendColumn> Columns(const TrendLine& line) const;
-    double PlaceOf(const QRectF& plot, std::int64_t ageMs) const;
-
-    const Trend& trend_;
     std::string separator_;
     std::vector<TrendLine> lines_;
+    TrendPast past_;
     WallTime now_;
-    std::int64_t spanMs_ = std::int64_t{UsualTrendMinutes} * 60'000;
-    TrendHistory* history_ = nullptr;
+    TrendWindow window_;
+    TrendScene scene_; // as it is on the screen, with its picture, until something changes
+    QImage image_;
+    bool moved_ = false;
+    std::optional<double> pointer_;      // the cursor stands at the pointer, in pixels from the left
+    std::optional<std::int64_t> cursor_; // or where keys have moved it
+    std::optional<double> dragged_;      // where a drag has come to
 };
 
 } // namespace kavro

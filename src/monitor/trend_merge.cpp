@@ -1,0 +1,63 @@
+#include "monitor/trend_merge.h"
+
+#include "link/text.h"
+#include "link/wall_time.h"
+#include "monitor/trend_series.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <map>
+
+namespace kavro {
+
+namespace {
+
+std::string NumberText(double value) {
+    std::array<char, 32> text{};
+    return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr};
+}
+
+} // namespace
+
+std::vector<TrendColumn> MergeColumns(const std::vector<TrendColumn>& memory, const KeptStretch& kept) {
+    std::vector<TrendColumn> columns;
+    for (TrendColumn column : memory)
+        if (column.FirstMs < kept.FromMs) {
+            column.LastMs = std::min(column.LastMs, kept.FromMs - 1);
+            columns.push_back(column);
+        }
+    for (const TrendColumn& column : kept.Columns)
+        if (column.FirstMs < kept.ToMs)
+            AppendColumn(columns, column);
+    for (TrendColumn column : memory)
+        if (column.LastMs >= kept.ToMs) {
+            column.FirstMs = std::max(column.FirstMs, kept.ToMs);
+            AppendColumn(columns, column);
+        }
+    return columns;
+}
+
+std::string TrendCsv(const std::vector<TrendCurve>& curves) {
+    std::string text = "time";
+    std::map<std::int64_t, std::vector<std::string>> rows;
+    for (std::size_t number = 0; number < curves.size(); ++number) {
+        const auto& [name, unit, columns] = curves[number];
+        for (const char* which : {" least", " most"})
+            text += "," + CsvField(name + which + (unit.empty() ? "" : " [" + unit + "]"));
+        for (const TrendColumn& column : columns) {
+            auto& cells = rows.try_emplace(column.AtMs, curves.size(), ",").first->second;
+            cells[number] = NumberText(column.Least) + "," + NumberText(column.Most);
+        }
+    }
+    text += "\n";
+    for (const auto& [at, cells] : rows) {
+        text += IsoTime(LocalMoment(at));
+        for (const std::string& cell : cells)
+            text += "," + cell;
+        text += "\n";
+    }
+    return text;
+}
+
+} // namespace kavro
