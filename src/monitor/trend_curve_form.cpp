@@ -14,10 +14,12 @@ namespace kavro {
 namespace {
 
 constexpr int MarkerSpacing = 70; // pixels between two markers of a line
+constexpr int ManyLines = 20;     // of which each has fewer markers
+constexpr double FarOff = 1e6;    // pixels
 constexpr qsizetype PiecePoints = 4;
-constexpr int WideColumn = 4;     // pixels of the screen from which on a column has corners that can be seen
+constexpr int WideColumn = 4; // pixels of the screen from which on a column has corners that can be seen
 
-struct CurvePoints {
+struct CurvePlace {
     const TrendScene& Scene;
     const TrendPane& Pane;
 
@@ -27,7 +29,7 @@ struct CurvePoints {
 };
 
 // First, least and most, last: nobody knows whether the least or the most came first.
-void AddColumn(QPolygonF& points, const CurvePoints& place, const TrendColumn& column) {
+void AddColumn(QPolygonF& points, const CurvePlace& place, const TrendColumn& column) {
     const std::int64_t middle = column.FirstMs + (column.LastMs - column.FirstMs) / 2;
     points << place.At(column.FirstMs, column.First);
     if (column.FirstMs == column.LastMs)
@@ -54,7 +56,7 @@ void DrawPiece(QPainter& painter, const QPolygonF& points) {
     }
 }
 
-void DrawSmooth(QPainter& painter, const CurvePoints& place, const std::vector<TrendColumn>& columns) {
+void DrawSmooth(QPainter& painter, const CurvePlace& place, const std::vector<TrendColumn>& columns) {
     const QPen pen = painter.pen();
     QPolygonF points;
     for (const TrendColumn& column : columns) {
@@ -71,12 +73,15 @@ void DrawSmooth(QPainter& painter, const CurvePoints& place, const std::vector<T
 /// A curve in whole pixels of the screen: upright rectangles where it is dense, lines where it is not.
 class PixelCurve {
 public:
-    PixelCurve(const CurvePoints& place, double ratio, int thickness)
-        : place_(place), ratio_(ratio), thickness_(thickness) {}
+    PixelCurve(const CurvePlace& place, double ratio, int thickness)
+        : place_(place), ratio_(ratio), thickness_(thickness), perMs_(ratio / place.Scene.Time.MsPerPixel),
+          fromMs_(place.Scene.Time.FromMs - place.Scene.Time.Left * place.Scene.Time.MsPerPixel),
+          perUnit_(place.Pane.Plot.height() * ratio / (place.Pane.Axis.High - place.Pane.Axis.Low)),
+          high_(place.Pane.Axis.High), top_(static_cast<int>(place.Pane.Plot.top() * ratio)) {}
 
     void Add(const TrendColumn& column) {
-        const QPoint first = Pixel(column.FirstMs, column.First);
-        const QPoint last = Pixel(column.LastMs, column.Last);
+        const QPoint first(Column(column.FirstMs), Row(column.First));
+        const QPoint last(Column(column.LastMs), Row(column.Last));
         const bool near = joined_ && first.x() - last_.x() < WideColumn;
         if (joined_ && !near)
             lines_ << QLine(last_, first);
@@ -101,16 +106,17 @@ public:
     }
 
 private:
-    QPoint Pixel(std::int64_t atMs, double value) const {
-        const QPointF point = place_.At(atMs, value) * ratio_;
-        return {static_cast<int>(std::floor(std::clamp(point.x(), -1e6, 1e6))),
-                static_cast<int>(std::floor(point.y()))};
+    int Column(std::int64_t atMs) const {
+        return static_cast<int>((static_cast<double>(atMs) - fromMs_) * perMs_);
+    }
+    int Row(double value) const {
+        return static_cast<int>(std::clamp((high_ - value) * perUnit_, -FarOff, FarOff)) + top_;
     }
 
     // Tall enough to meet what came before it.
     void AddUpright(const TrendColumn& column, int left, int right, int from) {
-        const int top = std::min(Pixel(0, column.Most).y(), from);
-        const int bottom = std::max(Pixel(0, column.Least).y(), from);
+        const int top = std::min(Row(column.Most), from);
+        const int bottom = std::max(Row(column.Least), from);
         uprights_ << QRect(left, top - thickness_ / 2, std::max(right - left + 1, thickness_),
                            bottom - top + thickness_);
     }
@@ -125,9 +131,12 @@ private:
         }
     }
 
-    const CurvePoints& place_;
+    const CurvePlace& place_;
     double ratio_;
     int thickness_;
+    double perMs_, fromMs_; // pixels of the screen a ms, and the moment at its left edge
+    double perUnit_, high_; // pixels a unit, and the value at the top of the plot
+    int top_;
     bool joined_ = false;
     QPoint last_;
     QList<QRect> uprights_;
@@ -136,9 +145,17 @@ private:
 
 } // namespace
 
+std::size_t CurvePoints(const std::vector<TrendColumn>& columns) {
+    constexpr std::size_t corners = 4;
+    std::size_t points = 0;
+    for (const TrendColumn& column : columns)
+        points += column.FirstMs == column.LastMs ? 1 : corners;
+    return points;
+}
+
 void DrawCurve(QPainter& painter, const TrendScene& scene, const TrendPane& pane, std::size_t line,
                const QPen& pen, bool smooth) {
-    const CurvePoints place{scene, pane};
+    const CurvePlace place{scene, pane};
     if (smooth) {
         painter.setPen(pen);
         DrawSmooth(painter, place, scene.Columns[line]);
@@ -154,12 +171,14 @@ void DrawCurve(QPainter& painter, const TrendScene& scene, const TrendPane& pane
 void DrawCurveMarkers(QPainter& painter, const TrendScene& scene, const TrendPane& pane, std::size_t line,
                       const QPalette& palette) {
     const int style = scene.Lines[line].Style;
-    const double phase = style % 5 * MarkerSpacing / 5.0; // markers of two lines rarely meet
+    const double spacing =
+        MarkerSpacing * (1.0 + std::floor(static_cast<double>(scene.Lines.size()) / ManyLines));
+    const double phase = style % 5 * spacing / 5.0; // markers of two lines rarely meet
     bool joined = false;
     double lastSlot = 0;
     for (const TrendColumn& column : scene.Columns[line]) {
         const double slot =
-            std::floor((static_cast<double>(column.FirstMs) / scene.Time.MsPerPixel + phase) / MarkerSpacing);
+            std::floor((static_cast<double>(column.FirstMs) / scene.Time.MsPerPixel + phase) / spacing);
         if (slot != lastSlot || !joined)
             DrawTrendMarker(painter, {scene.Time.PlaceOf(column.FirstMs), pane.PlaceOf(column.First)}, style,
                             palette);

@@ -8,8 +8,11 @@ class QPainter;
 
 namespace kavro {
 
-/// How much there is to draw of all lines together: beyond this curves are not smoothed.
-inline constexpr std::size_t SmoothColumns = 3000;
+/// How many points all lines together may have for their curves to be smoothed.
+inline constexpr std::size_t SmoothPoints = 6000;
+
+/// How many points a line has as it is drawn smooth, at most.
+std::size_t CurvePoints(const std::vector<TrendColumn>& columns);
 
 /// Draws the curve of a line in its pane, as if each reading of it were drawn: smooth, or in whole pixels
 /// of the screen, which is many times as fast.

@@ -127,10 +127,10 @@ void PaintTrend(QPainter& painter, const TrendScene& scene, const QPalette& pale
     if (scene.Panes.empty())
         return;
     painter.setRenderHint(QPainter::Antialiasing);
-    std::size_t columns = 0;
-    for (const auto& line : scene.Columns)
-        columns += line.size();
-    const bool smooth = columns <= SmoothColumns;
+    std::size_t points = 0;
+    for (const auto& columns : scene.Columns)
+        points += CurvePoints(columns);
+    const bool smooth = points <= SmoothPoints;
     const double room = QFontMetricsF(painter.font()).horizontalAdvance(WidestTime) + TrendEntryGap;
     const auto times = TimeMarks(scene.Time.Shown.FromMs, scene.Time.Shown.ToMs,
                                  static_cast<std::int64_t>(room * scene.Time.MsPerPixel));

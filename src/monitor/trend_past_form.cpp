@@ -14,7 +14,7 @@ constexpr int Slack = 20; // a part of the span that may be missing while the vi
 
 } // namespace
 
-TrendPast::TrendPast(const Trend& trend) : trend_(trend) {
+TrendPast::TrendPast(const Trend& trend, QObject& owner) : trend_(trend), settled_(&owner), slow_(&owner) {
     settled_.setSingleShot(true);
     settled_.setInterval(SettledMs);
     settled_.setObjectName("HistorySettled");
@@ -108,7 +108,13 @@ void TrendPast::SetState(const QString& state) {
 std::vector<TrendColumn> TrendPast::Columns(const TrendLine& line, const TrendStretch& shown) const {
     auto memory = trend_.Columns(line.Index, line.Place, shown.FromMs, shown.ToMs, shown.ColumnMs);
     const auto kept = kept_.find(line.Key);
-    return kept == kept_.end() ? std::move(memory) : MergeColumns(memory, kept->second);
+    if (kept == kept_.end())
+        return memory;
+    auto columns = MergeColumns(memory, kept->second);
+    std::erase_if(columns, [&](const TrendColumn& column) {
+        return column.LastMs < shown.FromMs || column.FirstMs >= shown.ToMs;
+    });
+    return columns;
 }
 
 std::optional<std::int64_t> TrendPast::Oldest(const std::vector<TrendLine>& lines) const {

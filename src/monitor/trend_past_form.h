@@ -24,7 +24,7 @@ struct TrendStretch {
 /// what it does not have. Of the history only what was asked last is kept, a stretch a line.
 class TrendPast : public QObject {
 public:
-    explicit TrendPast(const Trend& trend);
+    TrendPast(const Trend& trend, QObject& owner);
 
     /// Where to ask, or nullptr.
     void SetHistory(TrendHistory* history);

@@ -28,11 +28,12 @@ constexpr int LongStep = 10; // columns that the cursor goes with Ctrl
 } // namespace
 
 TrendView::TrendView(const Trend& trend, std::string separator)
-    : separator_(std::move(separator)), past_(trend) {
+    : separator_(std::move(separator)), past_(trend, *this) {
     Named(this, "TrendView", "Trend of the ticked values");
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
+    setAttribute(Qt::WA_OpaquePaintEvent);
     past_.Changed = [this] { Redraw(); };
 }
 
@@ -67,14 +68,16 @@ TrendScene TrendView::Scene(double pixelRatio) const {
                            .Separator = separator_});
 }
 
-QImage TrendView::Draw(const TrendScene& scene, double pixelRatio) const {
-    QImage image((QSizeF(size()) * pixelRatio).toSize(), QImage::Format_RGB32);
-    image.setDevicePixelRatio(pixelRatio);
+// Into `image` when it has the right size, as a new one of a large screen costs time.
+void TrendView::Draw(QImage& image, const TrendScene& scene) const {
+    const QSize pixels = (QSizeF(size()) * scene.PixelRatio).toSize();
+    if (image.size() != pixels)
+        image = QImage(pixels, QImage::Format_RGB32);
+    image.setDevicePixelRatio(scene.PixelRatio);
     image.fill(palette().color(QPalette::Base));
     QPainter painter(&image);
     painter.setFont(font());
     PaintTrend(painter, scene, palette(), separator_);
-    return image;
 }
 
 void TrendView::DrawOver(QPainter& painter, const TrendScene& scene) const {
@@ -85,7 +88,8 @@ void TrendView::DrawOver(QPainter& painter, const TrendScene& scene) const {
 
 QImage TrendView::Picture() const {
     const TrendScene scene = Scene(PictureScale);
-    QImage image = Draw(scene, PictureScale);
+    QImage image;
+    Draw(image, scene);
     QPainter painter(&image);
     painter.setFont(font());
     DrawOver(painter, scene);
@@ -108,9 +112,10 @@ std::string TrendView::Data() const {
 
 // The cursor and the note lie over a picture that is kept, so that moving the pointer costs nothing.
 void TrendView::paintEvent(QPaintEvent* /*event*/) {
-    if (image_.isNull()) {
+    if (stale_ || scene_.PixelRatio != devicePixelRatioF()) {
         scene_ = Scene(devicePixelRatioF());
-        image_ = Draw(scene_, devicePixelRatioF());
+        Draw(image_, scene_);
+        stale_ = false;
         past_.Look(lines_, scene_.Time.Shown, moved_);
         moved_ = false;
         Describe();
@@ -126,7 +131,7 @@ void TrendView::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void TrendView::Redraw() {
-    image_ = {};
+    stale_ = true;
     if (!CursorMs()) // what it reads is known when the lines are laid out
         Describe();
     update();

@@ -69,7 +69,7 @@ protected:
 
 private:
     TrendScene Scene(double pixelRatio) const;
-    QImage Draw(const TrendScene& scene, double pixelRatio) const;
+    void Draw(QImage& image, const TrendScene& scene) const;
     void DrawOver(QPainter& painter, const TrendScene& scene) const;
     void Redraw();
     void Moved();
@@ -88,6 +88,7 @@ private:
     TrendWindow window_;
     TrendScene scene_; // as it is on the screen, with its picture, until something changes
     QImage image_;
+    bool stale_ = true;
     bool moved_ = false;
     std::optional<double> pointer_;      // the cursor stands at the pointer, in pixels from the left
     std::optional<std::int64_t> cursor_; // or where keys have moved it
