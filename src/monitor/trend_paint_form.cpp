@@ -91,33 +91,42 @@ void PaintTimes(QPainter& painter, const TrendScene& scene, const QPalette& pale
     }
 }
 
-// A dashed line in the colour of the curve, and the curve thicker and in another colour beyond it.
-void PaintThresholds(QPainter& painter, const TrendScene& scene, const TrendPane& pane, std::size_t number,
-                     const QPalette& palette, const std::string& separator, bool smooth) {
-    const TrendLine& line = scene.Lines[number];
-    const QFontMetricsF metrics(painter.font());
-    const auto paint = [&](std::optional<double> limit, const QString& name, bool above) {
-        if (!limit)
-            return;
-        const double y = pane.PlaceOf(*limit);
-        QRectF outside = pane.Plot.adjusted(-TrendGap, -TrendGap, TrendGap, TrendGap);
-        if (above)
-            outside.setBottom(std::clamp(y, outside.top(), outside.bottom()));
-        else
-            outside.setTop(std::clamp(y, outside.top(), outside.bottom()));
-        painter.setClipRect(outside.intersected(pane.Plot.adjusted(0, -TrendGap, 0, TrendGap)));
+// The curve beyond a threshold once more, thicker and in another colour.
+void PaintOutside(QPainter& painter, const TrendScene& scene, const TrendPane& pane, std::size_t number,
+                  const QPalette& palette, bool smooth) {
+    const kavro::Thresholds& limits = scene.Lines[number].Thresholds;
+    const QRectF all = pane.Plot.adjusted(0, -TrendGap, 0, TrendGap);
+    const auto paint = [&](double top, double bottom) {
+        painter.setClipRect(QRectF(QPointF(all.left(), std::clamp(top, all.top(), all.bottom())),
+                                   QPointF(all.right(), std::clamp(bottom, all.top(), all.bottom()))));
         DrawCurve(painter, scene, pane, number, QPen(TrendWarning(palette), OutsideWidth), smooth);
         painter.setClipping(false);
-        if (y < pane.Plot.top() || y > pane.Plot.bottom())
-            return;
-        painter.setPen(QPen(TrendPen(line.Style, palette).color(), 1, Qt::DashLine));
-        painter.drawLine(QPointF(pane.Plot.left(), y), QPointF(pane.Plot.right(), y));
-        const double below = y + (above ? metrics.ascent() + 1 : -metrics.descent() - 1);
-        painter.drawText(QPointF(pane.Plot.left() + TrendGap, below),
-                         name + " " + TrendValueText(*limit, line.Word, separator));
     };
-    paint(line.Thresholds.High, "high", true);
-    paint(line.Thresholds.Low, "low", false);
+    if (limits.High)
+        paint(all.top(), pane.PlaceOf(*limits.High));
+    if (limits.Low)
+        paint(pane.PlaceOf(*limits.Low), all.bottom());
+}
+
+// A dashed line in the colour of the curve, with what it is.
+void PaintThresholds(QPainter& painter, const TrendPane& pane, const TrendLine& line, const QPalette& palette,
+                     const std::string& separator) {
+    const QFontMetricsF metrics(painter.font());
+    const QRectF& plot = pane.Plot;
+    for (const auto& [limit, name, above] :
+         {std::tuple(line.Thresholds.High, "high ", true), std::tuple(line.Thresholds.Low, "low ", false)}) {
+        const double y = limit ? pane.PlaceOf(*limit) : plot.top() - 1;
+        if (y < plot.top() || y > plot.bottom())
+            continue;
+        painter.setPen(QPen(TrendPen(line.Style, palette).color(), 1, Qt::DashLine));
+        painter.drawLine(QPointF(plot.left(), y), QPointF(plot.right(), y));
+        const QString text = name + TrendValueText(*limit, line.Word, separator);
+        QRectF label(plot.left() + TrendGap, above ? y - metrics.height() - 1 : y + 1,
+                     metrics.horizontalAdvance(text), metrics.height());
+        label.moveTop(std::clamp(label.top(), plot.top(), plot.bottom() - metrics.height()));
+        painter.fillRect(label, palette.color(QPalette::Base));
+        painter.drawText(label, Qt::AlignCenter, text);
+    }
 }
 
 } // namespace
@@ -140,11 +149,13 @@ void PaintTrend(QPainter& painter, const TrendScene& scene, const QPalette& pale
         for (const std::size_t line : pane.Lines) {
             painter.setClipRect(pane.Plot.adjusted(0, -TrendGap, 0, TrendGap));
             DrawCurve(painter, scene, pane, line, TrendPen(scene.Lines[line].Style, palette), smooth);
-            PaintThresholds(painter, scene, pane, line, palette, separator, smooth);
+            PaintOutside(painter, scene, pane, line, palette, smooth);
             painter.setClipRect(pane.Plot.adjusted(-TrendGap, -TrendGap, TrendGap, TrendGap));
             DrawCurveMarkers(painter, scene, pane, line, palette);
             painter.setClipping(false);
         }
+        for (const std::size_t line : pane.Lines)
+            PaintThresholds(painter, pane, scene.Lines[line], palette, separator);
     }
     PaintTimes(painter, scene, palette, times);
 }

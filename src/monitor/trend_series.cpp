@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <ranges>
 
 namespace kavro {
 
@@ -18,10 +17,17 @@ std::int64_t ColumnEnd(std::int64_t atMs, std::int64_t widthMs) {
 // The first item that does not end before that moment.
 template <typename Item, typename Last>
 std::size_t FirstFrom(const Ring<Item>& items, std::int64_t fromMs, Last last) {
-    const auto places = std::views::iota(std::size_t{0}, items.Size());
-    return static_cast<std::size_t>(
-        std::ranges::partition_point(places, [&](std::size_t place) { return last(items[place]) < fromMs; }) -
-        places.begin());
+    std::size_t first = 0;
+    for (std::size_t count = items.Size(); count > 0;) {
+        const std::size_t half = count / 2;
+        if (last(items[first + half]) < fromMs) {
+            first += half + 1;
+            count -= half + 1;
+        } else {
+            count = half;
+        }
+    }
+    return first;
 }
 
 } // namespace

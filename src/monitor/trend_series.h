@@ -58,7 +58,7 @@ private:
     };
 
     struct Level {
-        std::int64_t WidthMs;
+        std::int64_t WidthMs = 0;
         Ring<Bucket> Buckets;
     };
 
