@@ -1,0 +1,29 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <future>
+#include <thread>
+
+namespace kavro {
+
+/// A thread that is waited for within a limit. One that hangs, on a disk that does not answer, cannot be
+/// broken off: it is left behind and ends by itself. So whatever it uses must be its own or shared.
+class LimitedThread {
+public:
+    explicit LimitedThread(std::function<void()> work);
+
+    /// Leaves a thread behind that was not waited for.
+    ~LimitedThread();
+    LimitedThread(const LimitedThread&) = delete;
+    LimitedThread& operator=(const LimitedThread&) = delete;
+
+    /// Waits until it has ended; false when it has not within the limit.
+    bool EndsWithin(std::chrono::milliseconds limit);
+
+private:
+    std::future<void> ended_;
+    std::thread thread_;
+};
+
+} // namespace kavro
