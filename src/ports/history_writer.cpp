@@ -5,7 +5,6 @@
 #include <condition_variable>
 #include <deque>
 #include <exception>
-#include <iterator>
 #include <mutex>
 #include <optional>
 #include <utility>
@@ -51,10 +50,9 @@ struct HistoryWriter::Desk {
         if (Closing && Waiting.empty())
             return std::nullopt;
         InWork = Waiting.size();
-        std::vector<Reading> readings(std::make_move_iterator(Waiting.begin()),
-                                      std::make_move_iterator(Waiting.end()));
-        Waiting.clear();
-        return readings;
+        const std::deque<Reading> taken = std::exchange(Waiting, {});
+        lock.unlock(); // whoever brings more must not wait for the rest
+        return std::vector<Reading>(taken.begin(), taken.end());
     }
 
     void Miss(const HistoryStore& store) {

@@ -14,8 +14,6 @@ namespace kavro {
 
 namespace {
 
-using testing::ElementsAre;
-
 constexpr std::int64_t Start = 1'772'460'300'000; // a multiple of ten seconds
 constexpr auto Unlimited = std::chrono::minutes(1);
 
