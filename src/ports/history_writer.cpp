@@ -5,6 +5,7 @@
 #include <condition_variable>
 #include <deque>
 #include <exception>
+#include <iterator>
 #include <mutex>
 #include <optional>
 #include <utility>
@@ -50,9 +51,10 @@ struct HistoryWriter::Desk {
         if (Closing && Waiting.empty())
             return std::nullopt;
         InWork = Waiting.size();
-        const std::deque<Reading> taken = std::exchange(Waiting, {});
+        std::deque<Reading> taken = std::exchange(Waiting, {});
         lock.unlock(); // whoever brings more must not wait for the rest
-        return std::vector<Reading>(taken.begin(), taken.end());
+        return std::vector<Reading>(std::make_move_iterator(taken.begin()),
+                                    std::make_move_iterator(taken.end()));
     }
 
     void Miss(const HistoryStore& store) {

@@ -10,11 +10,12 @@ namespace kavro {
 
 namespace {
 
+constexpr int BusyMs = 2000; // readings wait meanwhile, and nobody else does
 constexpr const char* Slow = "the disk did not answer";
 
 HistoryStoreMaker SqliteStore(const HistoryChoice& choice) {
     return [choice](const HistoryTeller& tell) {
-        const auto history = std::make_shared<SqliteHistory>(choice, tell);
+        const auto history = std::make_shared<SqliteHistory>(choice, tell, UtcTime, BusyMs);
         return HistoryStore{
             .Take = [history](const auto& readings) { history->Take(readings); },
             .Miss = [history](std::int64_t fromMs, std::int64_t lost) { history->Miss(fromMs, lost, Slow); },
