@@ -154,7 +154,7 @@ TEST_F(KeptHistoryTest, AFailureIsToldOnceAndStoringGoesOn) {
     const std::string elsewhere = Path + ".elsewhere";
     std::filesystem::rename(Path, elsewhere);
     for (int i = 0; i < 3; ++i)
-        history->Take({ReadingAt(i * 1000, i)});
+        history->Take({ReadingAt(i, i)});
     EXPECT_TRUE(LoopUntil([&] { return !Told.empty(); }));
     std::filesystem::rename(elsewhere, Path);
     EXPECT_TRUE(LoopUntil([&] { return Told.size() == 2; })) << "without a further reading";
