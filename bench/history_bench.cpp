@@ -100,34 +100,39 @@ struct Bench {
         return Seconds(CLOCK_MONOTONIC) - start;
     }
 
-    // Runs the event loop until it is left, and takes a hundred readings a second meanwhile: the longest time
-    // between two turns in seconds.
-    double Longest(KeptHistory& history) {
+    // Acts, and runs the event loop until it is left, with a hundred readings a second taken meanwhile: the
+    // longest time between two turns in seconds.
+    template <class Act>
+    double Longest(KeptHistory& history, Act act) {
         const double start = Seconds(CLOCK_MONOTONIC);
         double longest = 0;
         double last = start;
         int taken = 0;
-        QTimer turns;
-        QObject::connect(&turns, &QTimer::timeout, [&] {
+        const auto turn = [&] {
             const double now = Seconds(CLOCK_MONOTONIC);
             longest = std::max(longest, now - std::exchange(last, now));
             for (; taken < (now - start) * 100; ++taken)
                 history.Take(Turn());
-        });
+        };
+        QTimer turns;
+        QObject::connect(&turns, &QTimer::timeout, turn);
         turns.start(1);
+        act();
         QCoreApplication::exec();
-        return std::max(longest, Seconds(CLOCK_MONOTONIC) - last);
+        turn();
+        return longest;
     }
 
     void LookBack(KeptHistory& history, int values, const Span& span) {
         std::size_t columns = 0;
         const double start = Seconds(CLOCK_MONOTONIC);
-        history.Past().Ask(Questions(values, span), [&](const std::vector<HistoryAnswer>& answers) {
-            for (const HistoryAnswer& answer : answers)
-                columns += answer.Columns.size();
-            QCoreApplication::exit();
+        const double longest = Longest(history, [&] {
+            history.Past().Ask(Questions(values, span), [&](const std::vector<HistoryAnswer>& answers) {
+                for (const HistoryAnswer& answer : answers)
+                    columns += answer.Columns.size();
+                QCoreApplication::exit();
+            });
         });
-        const double longest = Longest(history);
         const double took = Seconds(CLOCK_MONOTONIC) - start;
         const std::string what = std::string(span.Name) + " of " + std::to_string(values);
         std::printf("  %-16s %9.1f ms longest, goal 100; answer %7.3f s, plain SELECT %7.3f, %6zu columns\n",
@@ -143,11 +148,16 @@ struct Bench {
             history.Past().Ask(Questions(8, Spans[2]),
                                [&](const std::vector<HistoryAnswer>&) { ++answered; });
         });
-        drags.start(20);
-        QTimer::singleShot(PanningMs, [] { QCoreApplication::exit(); });
-        const double longest = Longest(history);
+        const double longest = Longest(history, [&] {
+            drags.start(20);
+            LeaveLater();
+        });
         std::printf("  %-16s %9.1f ms longest, goal 100; %d asked, %d answered\n", "asked anew",
                     longest * 1000, asked, answered);
+    }
+
+    static void LeaveLater() {
+        QTimer::singleShot(PanningMs, [] { QCoreApplication::exit(); });
     }
 
     void Store() const {
@@ -172,8 +182,7 @@ struct Bench {
     void Run() {
         Fill();
         const auto history = OpenKeptHistory({.Path = Path, .Line = "line", .KeepDays = {}}, Say);
-        QTimer::singleShot(PanningMs, [] { QCoreApplication::exit(); });
-        std::printf("  %-16s %9.1f ms longest\n", "nothing asked", Longest(*history) * 1000);
+        std::printf("  %-16s %9.1f ms longest\n", "nothing asked", Longest(*history, LeaveLater) * 1000);
         for (const Span& span : Spans)
             for (const int values : {1, 8, 32})
                 LookBack(*history, values, span);
