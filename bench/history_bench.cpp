@@ -52,6 +52,7 @@ HistoryQuestion Question(int value, const Span& span) {
 
 std::vector<HistoryQuestion> Questions(int values, const Span& span) {
     std::vector<HistoryQuestion> questions;
+    questions.reserve(static_cast<std::size_t>(values));
     for (int value = 0; value < values; ++value)
         questions.push_back(Question(value, span));
     return questions;
