@@ -24,6 +24,7 @@ echo
 "$build/bench/traffic_bench"
 echo
 "$build/bench/trend_bench"
+echo
 "$build/bench/history_bench"
 echo
 "$build/bench/damage_bench"
