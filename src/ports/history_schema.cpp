@@ -144,7 +144,7 @@ void HistoryConnection::BeSafe() {
         if (!IsLocked(failure)) // by whoever does the same
             throw;
     }
-    Run("PRAGMA synchronous = FULL");
+    WaitForDisk(true);
     Run("PRAGMA journal_size_limit = 16777216");
 }
 
@@ -160,6 +160,10 @@ void HistoryConnection::Run(const char* sql) const {
     QSqlQuery query(handle_->Database);
     if (!query.exec(sql))
         ThrowSql(query.lastError());
+}
+
+void HistoryConnection::WaitForDisk(bool wait) const {
+    Run(wait ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL");
 }
 
 void HistoryConnection::WaitForOthers(int ms) const {

@@ -61,6 +61,10 @@ public:
     /// How long other programs are waited for that write the file; `HistoryBusyMs` to begin with.
     void WaitForOthers(int ms) const;
 
+    /// Whether commits wait for the disk from now on. Those that do not are safe when the program is killed,
+    /// and are on the disk with the next one that waits; the file is whole in either case.
+    void WaitForDisk(bool wait) const;
+
 private:
     // Open while it lives.
     struct Handle {

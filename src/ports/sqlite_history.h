@@ -5,6 +5,7 @@
 #include "ports/history_schema.h"
 #include "ports/history_trim.h"
 
+#include <chrono>
 #include <cstdint>
 #include <exception>
 #include <memory>
@@ -29,7 +30,8 @@ public:
     /// Keeps the gap that is open, or tells what is lost.
     ~SqliteHistory() override;
 
-    /// Stores the readings in one transaction; they are on the disk when it returns. What cannot be stored is
+    /// Stores the readings in one transaction, which a kill cannot take away when it returns. Once a second the
+    /// disk is waited for, so that a power cut costs what came in between at most. What cannot be stored is
     /// counted, and the gap is kept as soon as storing works again. Holds the caller up for as long as the
     /// disk takes, for another program that writes the file by `busyMs` at most, and while what is too
     /// old goes by some 10 ms and a commit more. A reading at a time that its value has already, as the clock
@@ -57,6 +59,7 @@ private:
     void Store(const std::vector<Reading>& readings, std::int64_t nowMs);
     void Insert(QSqlQuery& insert, const Reading& reading) const;
     void InsertGap(std::int64_t toMs) const;
+    bool DiskIsDue() const;
     const HistoryConnection& Connection();
     void Failed(const std::vector<Reading>& readings, const WallTime& now, const std::exception& failure);
     void CloseGap();
@@ -71,6 +74,7 @@ private:
     std::optional<Gap> gap_;             // storing does not work
     std::optional<std::int64_t> toldMs_; // of a failure, last
     bool trimFails_ = false;
+    std::optional<std::chrono::steady_clock::time_point> onDisk_; // when the disk was waited for last
 };
 
 } // namespace kavro
