@@ -13,6 +13,9 @@ namespace kavro {
 
 namespace {
 
+constexpr std::int64_t ShortestPauseMs = 600'000;
+constexpr std::int64_t PauseOverUsual = 10;
+
 std::string NumberText(double value) {
     std::array<char, 32> text{};
     return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr};
@@ -36,6 +39,21 @@ std::vector<TrendColumn> MergeColumns(const std::vector<TrendColumn>& memory, co
             AppendColumn(columns, column);
         }
     return columns;
+}
+
+void BreakAtPauses(std::vector<TrendColumn>& columns) {
+    std::int64_t usual = 0; // distance of readings, or more
+    for (std::size_t place = 0; place + 1 < columns.size(); ++place) {
+        TrendColumn& column = columns[place];
+        if (column.LastMs > column.FirstMs)
+            usual =
+                usual == 0 ? column.LastMs - column.FirstMs : std::min(usual, column.LastMs - column.FirstMs);
+        const std::int64_t distance = columns[place + 1].FirstMs - column.LastMs;
+        if (usual > 0 && distance > std::max(ShortestPauseMs, PauseOverUsual * usual))
+            column.Broken = true;
+        else
+            usual = distance;
+    }
 }
 
 std::string TrendCsv(const std::vector<TrendCurve>& curves) {

@@ -18,6 +18,10 @@ struct KeptStretch {
 /// The columns of the memory, with those of the history in their place where it was asked: each reading once.
 std::vector<TrendColumn> MergeColumns(const std::vector<TrendColumn>& memory, const KeptStretch& kept);
 
+/// Breaks the line at pauses in which nobody read: between two runs of the program, or while the computer
+/// slept. A pause is longer than ten minutes and than ten times the distance of the readings before it.
+void BreakAtPauses(std::vector<TrendColumn>& columns);
+
 /// A curve as it is written to a CSV file.
 struct TrendCurve {
     std::string Name;

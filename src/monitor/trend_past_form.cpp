@@ -108,9 +108,8 @@ void TrendPast::SetState(const QString& state) {
 std::vector<TrendColumn> TrendPast::Columns(const TrendLine& line, const TrendStretch& shown) const {
     auto memory = trend_.Columns(line.Index, line.Place, shown.FromMs, shown.ToMs, shown.ColumnMs);
     const auto kept = kept_.find(line.Key);
-    if (kept == kept_.end())
-        return memory;
-    auto columns = MergeColumns(memory, kept->second);
+    auto columns = kept == kept_.end() ? std::move(memory) : MergeColumns(memory, kept->second);
+    BreakAtPauses(columns);
     std::erase_if(columns, [&](const TrendColumn& column) {
         return column.LastMs < shown.FromMs || column.FirstMs >= shown.ToMs;
     });

@@ -100,6 +100,25 @@ TEST(Trend, EachReadingOnceAtTheSeamToAHistory) {
     EXPECT_NE(csv.find(",1.5,1.5,,\n"), std::string::npos) << csv;
 }
 
+TEST(TrendMerge, LinesBreakWhereNobodyRead) {
+    const std::pair<std::vector<std::int64_t>, std::vector<bool>> cases[] = {
+        {{0, 1000, 2000, 12 * Minute, 12 * Minute + 1000}, {false, false, true, false, false}},
+        {{0, Day, 2 * Day, 3 * Day}, {false, false, false, false}}, // an interval of a day
+        {{0, 1000, 9 * Minute}, {false, false, false}},
+        {{0, 2 * Minute, 4 * Minute, 19 * Minute}, {false, false, false, false}}};
+    for (const auto& [moments, broken] : cases) {
+        std::vector<TrendColumn> columns;
+        for (const std::int64_t at : moments)
+            columns.push_back({.AtMs = at, .FirstMs = at, .LastMs = at});
+        BreakAtPauses(columns);
+        for (std::size_t place = 0; place < columns.size(); ++place)
+            EXPECT_EQ(columns[place].Broken, broken[place]) << moments.back() << " at " << place;
+    }
+    std::vector<TrendColumn> wide = {{.FirstMs = 0, .LastMs = Minute}, {.FirstMs = Hour, .LastMs = Hour}};
+    BreakAtPauses(wide);
+    EXPECT_TRUE(wide[0].Broken);
+}
+
 TEST(TrendWindow, FollowsUntilTheUserLooksBack) {
     TrendWindow window;
     const auto shown = [&] {
