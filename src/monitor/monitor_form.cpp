@@ -2,7 +2,12 @@
 
 #include "link/runtime_failure.h"
 #include "map/tag_form.h"
-#include "monitor/monitor_grid_form.h"
+#include "monitor/crossings_form.h"
+#include "monitor/module_choice_form.h"
+#include "monitor/monitor_keeping_form.h"
+#include "monitor/monitor_pane_form.h"
+#include "monitor/monitor_settings_form.h"
+#include "monitor/thresholds_form.h"
 #include "monitor/trend_view_form.h"
 #include "ui/choose_file.h"
 #include "ui/named.h"
@@ -10,14 +15,15 @@
 
 #include <QAction>
 #include <QBuffer>
-#include <QHBoxLayout>
+#include <QImage>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
-#include <QSplitter>
 #include <QTimer>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace kavro {
 
@@ -25,184 +31,280 @@ namespace {
 
 constexpr int HintMargin = 40;
 constexpr int RowsStretch = 1000;
+constexpr int CrossingsShare = 4; // one of so many parts of the height
+constexpr int RefreshMs = 500;    // of ages and trend
+constexpr int LeastRefreshMs = 450;
+constexpr int SilenceLookMs = 5; // as fast as the line allows, it is looked at so often until it is silent
+constexpr int OutageTickMs = 500;
 constexpr const char* NoModules =
     "No modules are known yet. Search first: close this window and choose Network > Search.";
-constexpr const char* TrendHint = "Tick a value to see its trend: click its box, or press Space on it.";
+constexpr const char* NoValues = "There are no values. Choose modules to read first.";
+constexpr const char* NoTrend = "There is no trend. Tick a value first.";
+constexpr const char* NotKept = " What was chosen counts until the program ends.";
 
 } // namespace
 
 MonitorForm::MonitorForm(kavro::Session& session, kavro::Messages& messages, QWidget* parent,
-                         WallClock wallClock)
+                         WallClock wallClock, HistoryOpener openHistory)
     : PanelForm("MonitorForm", "Monitor", session, messages, parent), wallClock_(std::move(wallClock)),
       monitor_(session) {
     setWindowFlag(Qt::WindowMaximizeButtonHint);
     const bool empty = session.ModuleCount <= 0;
+    outage_ = new QTimer(this);
+    refresh_ = new QTimer(this);
     if (empty) {
         auto* hint = Named(new QLabel(NoModules), "NoModules", {});
         hint->setMargin(HintMargin);
         Rows().addWidget(hint, 1, Qt::AlignCenter);
     } else {
-        Rows().addWidget(BuildValues(), 1);
-        trendHint_ = Named(new QLabel(TrendHint), "TrendHint", {});
-        Rows().addWidget(trendHint_);
+        monitor_.LeaveOut(Chosen().LeftOut);
+        BuildRows(std::move(openHistory));
     }
-    Rows().addLayout(BuildButtons());
-    ShowLogState();
-    outage_ = new QTimer(this);
-    connect(outage_, &QTimer::timeout, this, [this] {
-        ShowAges();
-        if (const auto turn = monitor_.LostTurn())
-            Log(*turn);
-    });
     Finish();
     // Room that the window gets goes to the values, not below them.
     static_cast<QVBoxLayout*>(layout())->setStretchFactor(&Rows(), RowsStretch);
     if (empty)
         return;
-    GiveTrendRoom(false); // in a window that has its room already
-    grid_->setFocus();
-    StartPolling(MonitorTickMs);
+    pane_->Begin(); // in a window that has its room already
+    ShowUse();
+    connect(outage_, &QTimer::timeout, this, [this] {
+        if (const auto turn = monitor_.LostTurn())
+            keeping_->Take(*turn, wallClock_(), {});
+    });
+    connect(refresh_, &QTimer::timeout, this, [this] { ShowAges(); });
+    refresh_->start(RefreshMs);
+    tickMs_ = std::min(Chosen().IntervalMs, MonitorTickMs); // nobody waits an hour for the first value
+    StartPolling(tickMs_);
 }
 
-QWidget* MonitorForm::BuildValues() {
-    grid_ = new MonitorGrid(Session(), monitor_, [this] { ShowTrend(); });
-    trendView_ = new TrendView(trend_, Session().DecimalSeparator);
-    splitter_ = Named(new QSplitter, "Splitter", "Grid and trend");
-    splitter_->addWidget(grid_);
-    splitter_->addWidget(trendView_);
-    splitter_->setStretchFactor(0, 1);
-    splitter_->setStretchFactor(1, 1);
-    splitter_->setChildrenCollapsible(false);
-    shares_ = {grid_->sizeHint().width(), trendView_->sizeHint().width()};
-    return splitter_;
+// The trend is left without a history before that goes.
+MonitorForm::~MonitorForm() {
+    if (pane_)
+        pane_->Trend().SetHistory(nullptr);
+    delete keeping_;
 }
 
-QLayout* MonitorForm::BuildButtons() {
-    logState_ = Named(new QLabel, "LogState", {});
-    logState_->setTextFormat(Qt::PlainText);
-    logBtn_ = Named(new QPushButton, "LogBtn", "Log to file");
-    pictureBtn_ = Named(new QPushButton("Save &picture..."), "PictureBtn", "Save picture");
-    connect(logBtn_, &QPushButton::clicked, this, [this] { Guard(Messages(), [this] { LogBtn_Click(); }); });
-    connect(pictureBtn_, &QPushButton::clicked, this,
-            [this] { Guard(Messages(), [this] { PictureBtn_Click(); }); });
-    auto* row = new QHBoxLayout;
-    row->addWidget(logState_, 1);
-    if (Tagged() && grid_)
-        row->addWidget(BuildTagsButton());
-    for (QPushButton* button : {logBtn_, pictureBtn_}) {
-        button->setAutoDefault(false);
-        SetUsable(*button, grid_ != nullptr, "There are no values. Search for modules first.");
-        row->addWidget(button);
-    }
-    return row;
+void MonitorForm::BuildRows(HistoryOpener openHistory) {
+    BuildSettings();
+    pane_ =
+        new MonitorPane({Session(), monitor_, trend_}, {.Ticked =
+                                                            [this] {
+                                                                Remember([this](MonitorPreferences& chosen) {
+                                                                    chosen.Ticked = pane_->Grid().Ticked();
+                                                                });
+                                                                ShowUse();
+                                                            },
+                                                        .Swapped = [this] { ShowUse(); }});
+    pane_->Trend().SpanChanged = [this](int minutes) {
+        Remember([minutes](MonitorPreferences& chosen) { chosen.SpanMinutes = minutes; });
+        settings_->ShowSpan(minutes);
+    };
+    crossings_ = new CrossingsForm(Session(), Messages(), watch_);
+    crossings_->hide();
+    BuildKeeping(std::move(openHistory));
+    Rows().addWidget(settings_);
+    Rows().addWidget(pane_, CrossingsShare - 1);
+    Rows().addWidget(crossings_, 1);
+    Rows().addWidget(keeping_);
+    AddAction("&Large", "mnuLarge", "F11", &MonitorForm::LargeBtn_Click);
+    AddAction("Limit&s...", "mnuLimits", "Ctrl+L", &MonitorForm::LimitsBtn_Click);
+    if (Tagged())
+        AddAction("&Tags...", "mnuTags", "", &MonitorForm::TagsBtn_Click);
+    pane_->Grid().setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
-// Of the module whose row is current; the menu of the row offers the same.
-QPushButton* MonitorForm::BuildTagsButton() {
-    auto* button = Named(new QPushButton("&Tags..."), "TagsBtn", "Tags of the module");
+void MonitorForm::BuildSettings() {
+    settings_ = new MonitorSettings(
+        Chosen(), {.Interval = [this](int ms) { IntervalChanged(ms); },
+                   .Span =
+                       [this](int minutes) {
+                           Remember([minutes](MonitorPreferences& chosen) { chosen.SpanMinutes = minutes; });
+                           pane_->Trend().SetSpan(minutes);
+                       },
+                   .Modules = [this] { Guard(Messages(), [this] { ModulesBtn_Click(); }); }});
+    limitsBtn_ = BuildButton("Limit&s...", "LimitsBtn", "Limits of the value", &MonitorForm::LimitsBtn_Click);
+    largeBtn_ = BuildButton("Lar&ge", "LargeBtn", "Show one value alone", &MonitorForm::LargeBtn_Click);
+    crossingsBtn_ = BuildButton("&Crossings", "CrossingsBtn", "Show where values crossed their limits",
+                                &MonitorForm::CrossingsBtn_Click);
+    crossingsBtn_->setCheckable(true);
+    for (QPushButton* button : {limitsBtn_, largeBtn_, crossingsBtn_})
+        settings_->AddButton(button);
+    if (Tagged())
+        settings_->AddButton(
+            BuildButton("&Tags...", "TagsBtn", "Tags of the module", &MonitorForm::TagsBtn_Click));
+}
+
+void MonitorForm::BuildKeeping(HistoryOpener openHistory) {
+    keeping_ = new MonitorKeeping(
+        {Session(), Messages(), wallClock_, std::move(openHistory)},
+        {.NewFile =
+             [this](NewLogFile newFile) {
+                 Remember([newFile](MonitorPreferences& chosen) { chosen.NewFile = newFile; });
+             },
+         .HistoryNow = [this](TrendHistory* history) { pane_->Trend().SetHistory(history); }});
+    pictureBtn_ =
+        BuildButton("Save &picture...", "PictureBtn", "Save picture", &MonitorForm::PictureBtn_Click);
+    dataBtn_ = BuildButton("Save &data...", "DataBtn", "Save data", &MonitorForm::DataBtn_Click);
+    keeping_->AddButton(pictureBtn_);
+    keeping_->AddButton(dataBtn_);
+}
+
+QPushButton* MonitorForm::BuildButton(const char* text, const char* name, const char* spoken,
+                                      void (MonitorForm::*clicked)()) {
+    auto* button = Named(new QPushButton(text), name, spoken);
     button->setAutoDefault(false);
-    connect(button, &QPushButton::clicked, this, [this] { TagsBtn_Click(); });
-    auto* action = new QAction("&Tags...", grid_);
-    action->setObjectName("mnuTags");
-    connect(action, &QAction::triggered, this, [this] { TagsBtn_Click(); });
-    grid_->addAction(action);
-    grid_->setContextMenuPolicy(Qt::ActionsContextMenu);
+    connect(button, &QPushButton::clicked, this,
+            [this, clicked] { Guard(Messages(), [this, clicked] { (this->*clicked)(); }); });
     return button;
 }
 
-// Modules are read meanwhile.
-void MonitorForm::TagsBtn_Click() {
-    EditTags(Session(), Messages(), std::max(grid_->currentRow(), 0), this);
-    grid_->ShowTags();
-    ShowTrend();
+// In the menu of the grid; its key works wherever the focus is.
+void MonitorForm::AddAction(const char* text, const char* name, const char* shortcut,
+                            void (MonitorForm::*triggered)()) {
+    auto* action = new QAction(text, this);
+    action->setObjectName(name);
+    action->setShortcut(QKeySequence(shortcut));
+    connect(action, &QAction::triggered, this,
+            [this, triggered] { Guard(Messages(), [this, triggered] { (this->*triggered)(); }); });
+    addAction(action);
+    pane_->Grid().addAction(action);
+}
+
+// What cannot be saved is told once, beside what the user does.
+void MonitorForm::Remember(const Change& change) {
+    const MonitorPreferences before = Chosen();
+    change(Chosen());
+    if (Chosen() == before)
+        return;
+    try {
+        Session().SavePreferences(Session().Preferences);
+    } catch (const RuntimeFailure& failure) {
+        if (!std::exchange(saveTold_, true))
+            QTimer::singleShot(0, this, [this, text = std::string(failure.what()) + NotKept] {
+                Messages().Show(text, "Error");
+            });
+    }
 }
 
 // A question of the turn, then the next one. After a silent module the line may need longer than a turn.
 void MonitorForm::Tick() {
-    if (!LineLost() && !Session().Line.FallenSilent())
-        return;
-    const auto turn = monitor_.Step();
-    if (monitor_.InTurn())
-        Then([this] { Tick(); });
-    if (!turn)
-        return;
-    if (!turn->Values.empty())
-        trend_.Add(wallClock_().UnixMs, turn->Index, turn->Values);
-    grid_->ShowModule(turn->Index);
-    ShowAges();
-    Log(*turn);
+    if (LineLost() || Session().Line.FallenSilent()) {
+        const auto turn = monitor_.Step();
+        if (monitor_.InTurn())
+            Then([this] { Tick(); });
+        if (turn)
+            Take(*turn);
+    }
+    if (!monitor_.InTurn())
+        Pace();
+}
+
+void MonitorForm::Take(const MonitorTurn& turn) {
+    const WallTime now = wallClock_();
+    const auto crossings = watch_.Take(Session(), turn.Index, turn.Values, now);
+    if (!turn.Values.empty())
+        trend_.Add(now.UnixMs, turn.Index, turn.Values);
+    keeping_->Take(turn, now, crossings);
+    pane_->ShowModule(turn.Index);
+    if (!crossings.empty()) {
+        crossings_->ShowNew();
+        ShowUse();
+    }
+    if (Session().Line.Time().GetTickCount() - refreshedAt_ >= LeastRefreshMs)
+        ShowAges();
+}
+
+// How long until the next tick. As fast as the line allows there is none that does nothing: while no module
+// is due the window sleeps, but for a look at the port now and then.
+int MonitorForm::NextTickMs() const {
+    if (LineLost())
+        return OutageTickMs;
+    if (Chosen().IntervalMs > 0)
+        return Chosen().IntervalMs;
+    if (!Session().Line.FallenSilent())
+        return SilenceLookMs;
+    return static_cast<int>(std::clamp<std::int64_t>(monitor_.DueInMs(), 0, OutageTickMs));
+}
+
+void MonitorForm::Pace() {
+    if (const int next = NextTickMs(); next != tickMs_)
+        StartPolling(tickMs_ = next);
+}
+
+void MonitorForm::IntervalChanged(int ms) {
+    Remember([ms](MonitorPreferences& chosen) { chosen.IntervalMs = ms; });
+    Pace();
 }
 
 // Back on line, each module is fresh again with its own turn.
 void MonitorForm::ShowStale(bool stale) {
-    if (!stale) {
+    if (stale) {
+        monitor_.LineLost();
+        trend_.AddBreak(wallClock_().UnixMs);
+        pane_->ShowAll();
+        ShowAges();
+        outage_->start(std::max(Chosen().IntervalMs, MonitorTickMs));
+    } else {
         outage_->stop();
-        return;
     }
-    monitor_.LineLost();
-    trend_.AddBreak(wallClock_().UnixMs);
-    grid_->ShowAll();
-    ShowAges();
-    outage_->start(MonitorTickMs);
+    Pace();
 }
 
 void MonitorForm::ShowAges() {
-    grid_->ShowAges();
-    ShowTrend();
+    refreshedAt_ = Session().Line.Time().GetTickCount();
+    refresh_->start(RefreshMs);
+    pane_->ShowAges(wallClock_());
 }
 
-void MonitorForm::ShowTrend() {
-    auto lines = grid_->TickedLines();
-    const bool ticked = !lines.empty();
-    trendView_->SetLines(std::move(lines));
-    trendView_->SetNow(wallClock_());
-    if (ticked == trendView_->isHidden())
-        GiveTrendRoom(ticked);
+// Which buttons can be used, and what they say.
+void MonitorForm::ShowUse() {
+    const bool values = pane_->CurrentValue().has_value();
+    SetUsable(*limitsBtn_, values, NoValues);
+    SetUsable(*largeBtn_, values, NoValues);
+    largeBtn_->setText(pane_->ShowsLarge() ? "Show all (&G)" : "Lar&ge");
+    const auto crossed = static_cast<int>(watch_.Kept().size());
+    crossingsBtn_->setText(crossed == 0 ? QString("&Crossings") : QString("&Crossings (%1)").arg(crossed));
+    SetUsable(*pictureBtn_, pane_->ShowsTrend(), NoTrend);
+    SetUsable(*dataBtn_, pane_->ShowsTrend(), NoTrend);
+    settings_->ShowModules(pane_->Grid().Table().Rows().ModuleCount(), Session().ModuleCount);
 }
 
-// The trend comes back with the share of the window that the user gave it.
-void MonitorForm::GiveTrendRoom(bool ticked) {
-    if (!ticked && isVisible())
-        shares_ = splitter_->sizes();
-    trendView_->setVisible(ticked);
-    trendHint_->setHidden(ticked);
-    SetUsable(*pictureBtn_, ticked, "There is no trend. Tick a value first.");
-    splitter_->setSizes(
-        shares_); // also without the trend, as the splitter does not lay itself out anew unseen
-    if (ticked)
-        grid_->scrollToItem(grid_->currentItem()); // which the trend may have come to lie over
-}
-
-// What cannot be written ends the log, and is told once, beside the turns, which go on meanwhile.
-void MonitorForm::Log(const MonitorTurn& turn) {
-    if (!log_.IsOpen())
+// Modules are read meanwhile, below each of these dialogs.
+void MonitorForm::ModulesBtn_Click() {
+    const auto leftOut = ChooseModules(Session(), Chosen().LeftOut, this);
+    if (!leftOut)
         return;
-    try {
-        const WallTime time = wallClock_();
-        log_.Write(CsvLines(Session(), turn.Index, turn.Values, time), time);
-    } catch (const RuntimeFailure& failure) {
-        QTimer::singleShot(0, this,
-                           [this, text = std::string(failure.what())] { Messages().Show(text, "Error"); });
-    }
-    ShowLogState();
+    Remember([&](MonitorPreferences& chosen) { chosen.LeftOut = *leftOut; });
+    monitor_.LeaveOut(*leftOut);
+    pane_->ShowModules();
+    ShowUse();
+    Pace();
 }
 
-void MonitorForm::LogBtn_Click() {
-    if (log_.IsOpen()) {
-        log_.Close();
-        ShowLogState();
+void MonitorForm::TagsBtn_Click() {
+    EditTags(Session(), Messages(), pane_->Grid().CurrentModule().value_or(0), this);
+    pane_->ShowAll();
+}
+
+void MonitorForm::LimitsBtn_Click() {
+    const auto value = pane_->CurrentValue();
+    if (!value)
         return;
-    }
-    const QString path = ChooseSaveFile(
-        this, {.Title = "Log to File", .Kind = "CSV Files", .Suffix = "csv", .Name = "monitor.csv"});
-    if (!path.isEmpty())
-        log_.Open(path.toStdString(), CsvHeading(Session()));
-    ShowLogState();
+    const auto present = [this, at = *value] { return pane_->Grid().Table().Shown(at).Value; };
+    if (EditThresholds(Session(), Messages(), value->Index, present, this))
+        pane_->ShowAll();
 }
 
-void MonitorForm::ShowLogState() {
-    logBtn_->setText(log_.IsOpen() ? "Stop &logging" : "&Log to file...");
-    logState_->setText(log_.IsOpen() ? "Logging to " + QString::fromStdString(log_.Path()) : "Not logging");
+void MonitorForm::LargeBtn_Click() {
+    if (pane_->ShowsLarge())
+        pane_->ShowGrid();
+    else if (const auto value = pane_->CurrentValue())
+        pane_->Enlarge(*value);
+}
+
+void MonitorForm::CrossingsBtn_Click() {
+    crossings_->setVisible(crossingsBtn_->isChecked());
+    crossings_->ShowNew();
 }
 
 void MonitorForm::PictureBtn_Click() {
@@ -212,9 +314,23 @@ void MonitorForm::PictureBtn_Click() {
         return;
     QBuffer file;
     file.open(QIODevice::WriteOnly);
-    trendView_->SetNow(wallClock_());
-    trendView_->Picture().save(&file, "PNG");
+    pane_->Trend().Picture().save(&file, "PNG");
     Session().ReplaceFile(path.toStdString(), file.data().toStdString());
+}
+
+void MonitorForm::DataBtn_Click() {
+    const QString path = ChooseSaveFile(
+        this, {.Title = "Save Data", .Kind = "CSV Files", .Suffix = "csv", .Name = "trend.csv"});
+    if (!path.isEmpty())
+        Session().ReplaceFile(path.toStdString(), pane_->Trend().Data());
+}
+
+// Escape leaves what the window shows alone, and only then the window.
+void MonitorForm::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape && pane_ && pane_->ShowsLarge())
+        pane_->ShowGrid();
+    else
+        PanelForm::keyPressEvent(event);
 }
 
 } // namespace kavro

@@ -1,16 +1,14 @@
 #include "monitor/monitor_grid_form.h"
 
-#include "link/text.h"
-#include "map/list_line.h"
-#include "map/module_access.h"
 #include "map/tag_label_form.h"
+#include "monitor/monitor_cell_form.h"
+#include "monitor/shown_unit.h"
 #include "monitor/trend_style_form.h"
 #include "ui/named.h"
 
 #include <QHeaderView>
-#include <QHelpEvent>
+#include <QKeyEvent>
 #include <QScrollBar>
-#include <QSignalBlocker>
 
 #include <algorithm>
 
@@ -18,240 +16,189 @@ namespace kavro {
 
 namespace {
 
-enum Column { StateColumn, AgeColumn, FirstValueColumn, ColumnCount = FirstValueColumn + MostValues };
-
-constexpr int ShownRows = 28; // of the window as it opens
-constexpr int RowRoom = 9;    // pixels above and below the text
+constexpr int ShownRows = 28;   // of the window as it opens
+constexpr int ShownColumns = 4; // likewise, of values
+constexpr int RowRoom = 9;      // pixels above and below the text
 constexpr int CellRoom = 14;
-constexpr int TickBoxRoom = 20;
-constexpr int TagColumns = 20; // of a heading
+constexpr int TickBoxRoom = 24;
+constexpr int TagCharacters = 8; // of a tag beside a value, where any has one
+constexpr const char* WidestValue = "\u25b2 1234.5678 mV";
+constexpr const char* WidestState = "no values";
+constexpr const char* WidestAge = "120 min";
 
-// "5 (05H) 8250"
-QString ModuleText(const Session& session, int index) {
-    const ModuleRecord& record = session.ModuleTable[index];
-    return QString::fromStdString(ShownAddress(record.Address) + " " + Trim(ShownModel(record.Model)));
-}
-
-bool IsNumber(const std::string& channel) {
-    return channel.size() == 1 && channel[0] >= '0' && channel[0] <= '9';
-}
-
-// "1.2500 V"; the value of a channel that has no number is led by its name.
-QString ValueText(const MonitoredValue& value, const std::string& separator) {
-    const std::string name = IsNumber(value.Value.Channel) ? "" : value.Value.Channel + ": ";
-    const std::string text = value.Value.State == ValueState::Disabled || !value.GoodAt
-                                 ? StateText(value.Value.State)
-                                 : ShownNumber(value.Value.Text, separator) + " " + value.Value.Unit;
-    return QString::fromStdString(name + Trim(text));
-}
-
-QString AgeText(std::optional<std::int64_t> ageMs, const std::string& separator) {
-    constexpr std::int64_t tenths = 10'000, seconds = 120'000; // up to here
-    if (!ageMs)
-        return {};
-    if (*ageMs < tenths)
-        return QString::fromStdString(
-            ShownNumber(FormatNumber(static_cast<double>(*ageMs) / 1000, 1, 1), separator) + " s");
-    return *ageMs < seconds ? QString("%1 s").arg(*ageMs / 1000) : QString("%1 min").arg(*ageMs / 60'000);
-}
+constexpr int FirstValue = MonitorTable::FirstValueColumn;
 
 } // namespace
 
-MonitorGrid::MonitorGrid(const Session& session, const Monitor& monitor, std::function<void()> ticked)
-    : session_(session), monitor_(monitor), ticked_(std::move(ticked)) {
+MonitorGrid::MonitorGrid(Session& session, const Monitor& monitor, const std::vector<ValueKey>& ticked,
+                         GridEvents events)
+    : session_(session), events_(std::move(events)), ticks_(ticked),
+      table_(session, monitor, ticks_, [this] { events_.Ticked(); }) {
     Named(this, "MonitorGrid", "Modules and their values");
-    Build();
-    connect(this, &QTableWidget::itemChanged, this, [this](QTableWidgetItem* item) { TakeTick(item); });
-}
-
-void MonitorGrid::Build() {
-    QStringList headings = {"State", "Age"};
-    for (std::size_t place = 0; place < MostValues; ++place)
-        headings << QString("Value %1").arg(place);
-    setColumnCount(ColumnCount);
-    setRowCount(session_.ModuleCount);
-    setHorizontalHeaderLabels(headings);
-    setEditTriggers(NoEditTriggers);
+    setModel(&table_);
+    setItemDelegate(new MonitorCell(this, [this](const QModelIndex& cell) { Enlarge(cell); }));
     setSelectionMode(SingleSelection);
     setWordWrap(false);
     auto* tickBoxes = new TickBoxStyle;
     tickBoxes->setParent(this);
     setStyle(tickBoxes);
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + RowRoom);
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     setTabKeyNavigation(false); // Tab goes on to the next control
-    setAlternatingRowColors(true);
     setHorizontalScrollMode(ScrollPerPixel);
+}
+
+void MonitorGrid::SetModules(const std::vector<int>& indexes) {
+    const auto current = CurrentValue();
+    table_.SetModules(indexes);
+    LayOut();
+    if (current)
+        SetCurrentValue(*current);
+    if (!currentIndex().isValid() && table_.rowCount() > 0)
+        setCurrentIndex(table_.index(0, FirstValue));
+}
+
+int MonitorGrid::WidthFor(const QString& text, int room) const {
     QFont bold = font();
     bold.setBold(true);
-    const auto fit = [&](int column, const char* widest, int room) {
-        setColumnWidth(column, QFontMetrics(bold).horizontalAdvance(widest) + room);
-    };
-    fit(StateColumn, "no values", CellRoom);
-    fit(AgeColumn, "120 min", CellRoom);
-    for (int column = FirstValueColumn; column < ColumnCount; ++column)
-        fit(column, "134.7100 ohms", CellRoom + TickBoxRoom);
-    const QSignalBlocker silent(this);
-    for (int index = 0; index < rowCount(); ++index)
-        FillRow(index);
+    return QFontMetrics(bold).horizontalAdvance(text) + room;
 }
 
-// Wide enough for four values and what stands before them.
-QSize MonitorGrid::sizeHint() const {
-    const int width = horizontalHeader()->sectionPosition(FirstValueColumn + 4);
-    return {verticalHeader()->sizeHint().width() + width + verticalScrollBar()->sizeHint().width() +
-                2 * frameWidth(),
-            ShownRows * verticalHeader()->defaultSectionSize()};
+// Of a column of values, below which its texts are cut.
+int MonitorGrid::LeastWidth() const {
+    const bool tagged = std::ranges::any_of(table_.Rows().Modules(), [this](const GridRows::Module& module) {
+        const ModuleTags* const tags = TagsOf(session_, module.Index);
+        return tags && !tags->Channels.empty();
+    });
+    const int tag = QFontMetrics(SmallTagFont(font())).averageCharWidth() * TagCharacters + 2 * CellRoom;
+    return WidthFor(WidestValue, CellRoom + TickBoxRoom) + (tagged ? tag : 0);
 }
 
-void MonitorGrid::FillRow(int index) {
-    for (int column = 0; column < ColumnCount; ++column) {
-        auto* item = new QTableWidgetItem;
-        item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
-        setItem(index, column, item);
+void MonitorGrid::LayOut() {
+    if (layingOut_)
+        return;
+    layingOut_ = true;
+    ShareWidth();
+    updateGeometries(); // the scroll bar may have come or gone
+    ShareWidth();
+    layingOut_ = false;
+}
+
+// As many columns as there is room for share it.
+void MonitorGrid::ShareWidth() {
+    const int least = LeastWidth();
+    const int state = WidthFor(WidestState, CellRoom);
+    const int age = WidthFor(WidestAge, CellRoom);
+    const int room = viewport()->width() - state - age;
+    const int columns = std::clamp(room / least, 1, std::max(table_.Rows().MostValues(), 1));
+    SetColumnsInPlace(columns);
+    setColumnWidth(MonitorTable::StateColumn, state);
+    setColumnWidth(MonitorTable::AgeColumn, age);
+    int left = std::max(room, least);
+    for (int column = 0; column < columns; ++column) {
+        const int width = left / (columns - column);
+        setColumnWidth(FirstValue + column, width);
+        left -= width;
     }
-    // As the heading of the row it is in sight also when the values are scrolled.
-    auto* heading = new QTableWidgetItem;
-    heading->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    setVerticalHeaderItem(index, heading);
-    ShowHeading(index);
-    SetText(index, StateColumn, QString::fromStdString(monitor_.State(index)));
 }
 
-// "5 (05H) 8250  Tank room"
-void MonitorGrid::ShowHeading(int index) {
-    const ModuleTags* const tags = TagsOf(session_, index);
-    const TagAndNote tag = tags ? tags->Module : TagAndNote{};
-    const QString shown = fontMetrics().elidedText(ShownTag(tag), Qt::ElideRight,
-                                                   fontMetrics().averageCharWidth() * TagColumns);
-    QTableWidgetItem* heading = verticalHeaderItem(index);
-    heading->setText(ModuleText(session_, index) + (shown.isEmpty() ? shown : "  " + shown));
-    heading->setToolTip(TagTip(tag));
-}
-
-TagAndNote MonitorGrid::TagAt(int index, int place) const {
-    return TagOfValue(session_, index, monitor_.Values(index)[static_cast<std::size_t>(place)].Value);
+// What the user looks at stays where it is.
+void MonitorGrid::SetColumnsInPlace(int columns) {
+    const GridRows& rows = table_.Rows();
+    if (columns == rows.Columns())
+        return;
+    const QModelIndex current = currentIndex();
+    const auto value = table_.ValueAt(current);
+    const int index = current.isValid() ? rows.At(current.row()).Index : -1;
+    const int top = rowAt(0);
+    const int topIndex = top > 0 ? rows.At(top).Index : -1;
+    table_.SetColumns(columns);
+    updateGeometries(); // else it could not be scrolled yet
+    if (const auto row = rows.FirstRowOf(index))
+        selectionModel()->setCurrentIndex(value ? table_.CellOf(*value)
+                                                : table_.index(*row, std::max(current.column(), 0)),
+                                          QItemSelectionModel::ClearAndSelect);
+    if (const auto row = rows.FirstRowOf(topIndex))
+        verticalScrollBar()->setValue(*row);
 }
 
 void MonitorGrid::ShowTags() {
-    for (int index = 0; index < rowCount(); ++index)
-        ShowHeading(index);
-    ShowAll();
-}
-
-void MonitorGrid::SetText(int row, int column, const QString& text) {
-    if (item(row, column)->text() != text)
-        item(row, column)->setText(text);
-}
-
-void MonitorGrid::ShowModule(int index) {
-    const QSignalBlocker silent(this);
-    for (int place = 0; place < static_cast<int>(monitor_.Values(index).size()); ++place)
-        ShowValue(index, place);
-    const QString state = QString::fromStdString(monitor_.State(index));
-    SetText(index, StateColumn, state);
-    QFont font = this->font();
-    font.setBold(state == StateText(ValueState::Error) || state == StateText(ValueState::NoReply));
-    item(index, StateColumn)->setFont(font);
-    viewport()->update();
-}
-
-void MonitorGrid::ShowValue(int index, int place) {
-    const MonitoredValue& value = monitor_.Values(index)[static_cast<std::size_t>(place)];
-    const bool disabled = value.Value.State == ValueState::Disabled;
-    const bool live = value.Value.State == ValueState::Ok;
-    QTableWidgetItem* cell = item(index, FirstValueColumn + place);
-    if (!disabled && !(cell->flags() & Qt::ItemIsUserCheckable)) {
-        cell->setFlags(cell->flags() | Qt::ItemIsUserCheckable);
-        cell->setCheckState(Qt::Unchecked);
-    }
-    SetText(index, FirstValueColumn + place, ValueText(value, session_.DecimalSeparator));
-    if (const QString tag = ShownTag(TagAt(index, place)); !session_.Tags.Path.empty())
-        cell->setData(Qt::AccessibleTextRole, tag.isEmpty() ? QVariant() : tag + ": " + cell->text());
-    // A value that may no longer be so is soft and slanted.
-    QFont font = this->font();
-    font.setItalic(!live && !disabled);
-    cell->setFont(font);
-    cell->setForeground(live ? palette().color(QPalette::Text) : SoftText(palette()));
-}
-
-void MonitorGrid::ShowAll() {
-    for (int index = 0; index < rowCount(); ++index)
-        ShowModule(index);
-}
-
-void MonitorGrid::ShowAges() {
-    const QSignalBlocker silent(this);
-    for (int index = 0; index < rowCount(); ++index)
-        SetText(index, AgeColumn, AgeText(monitor_.AgeMs(index), session_.DecimalSeparator));
-    viewport()->update();
-}
-
-void MonitorGrid::TakeTick(QTableWidgetItem* item) {
-    const auto found = std::ranges::find_if(ticks_, [item](const Tick& tick) {
-        return tick.Row == item->row() && tick.Column == item->column();
-    });
-    const bool ticked = item->checkState() == Qt::Checked;
-    if (ticked == (found != ticks_.end()))
-        return;
-    const QSignalBlocker silent(this);
-    if (ticked) {
-        ticks_.push_back({item->row(), item->column(), FreeStyle()});
-        item->setData(TrendStyleRole, ticks_.back().Style);
-    } else {
-        ticks_.erase(found);
-    }
-    viewport()->update();
-    ticked_();
-}
-
-// The other lines keep their colours when a tick is taken away.
-int MonitorGrid::FreeStyle() const {
-    int style = 0;
-    while (std::ranges::find(ticks_, style, &Tick::Style) != ticks_.end())
-        ++style;
-    return style;
+    table_.AllChanged();
+    LayOut();
 }
 
 std::vector<TrendLine> MonitorGrid::TickedLines() const {
     std::vector<TrendLine> lines;
-    for (const Tick& tick : ticks_) {
-        const auto place = static_cast<std::size_t>(tick.Column - FirstValueColumn);
-        const ChannelValue& value = monitor_.Values(tick.Row)[place].Value;
-        const std::string channel = IsNumber(value.Channel) ? "ch " + value.Channel : value.Channel;
+    for (const TrendTick& tick : ticks_.All()) {
+        const auto at = tick.Shown ? table_.Find(tick.Key) : std::nullopt;
+        if (!at)
+            continue;
+        const ChannelValue value = table_.Shown(*at).Value;
         TrendLine line;
-        line.Name = ModuleText(session_, tick.Row) + " " + QString::fromStdString(channel);
-        if (const QString tag = ShownTag(TagOfValue(session_, tick.Row, value)); !tag.isEmpty())
-            line.Name += ", " + tag;
-        line.Unit = QString::fromStdString(value.Unit);
+        line.Name = QString::fromStdString(NameOfValue(session_, at->Index, value));
+        line.Unit = QString::fromStdString(ShownUnit(value.Unit));
         line.Word = value.Unit == WordUnit;
         line.Style = tick.Style;
-        line.Key = {session_.ModuleTable[tick.Row].Address, value.Channel};
-        line.Index = tick.Row;
-        line.Place = place;
+        line.Key = tick.Key;
+        line.Index = at->Index;
+        line.Place = static_cast<std::size_t>(at->Place);
+        line.Thresholds = ThresholdsOf(session_, at->Index, value);
         lines.push_back(std::move(line));
     }
     return lines;
 }
 
-bool MonitorGrid::viewportEvent(QEvent* event) {
-    if (event->type() == QEvent::ToolTip) {
-        const QModelIndex cell = indexAt(static_cast<QHelpEvent*>(event)->pos());
-        const auto place = static_cast<std::size_t>(cell.column() - FirstValueColumn);
-        if (cell.isValid() && place < monitor_.Values(cell.row()).size()) {
-            const QString age = AgeText(monitor_.AgeMs(cell.row(), place), session_.DecimalSeparator);
-            const QSignalBlocker silent(this);
-            const QString read = age.isEmpty() ? QString("Never read") : "Read " + age + " ago";
-            const TagAndNote tag = TagAt(cell.row(), static_cast<int>(place));
-            item(cell.row(), cell.column())->setToolTip(tag == TagAndNote{} ? read : TagTip(tag, read));
-        }
-    }
-    return QTableWidget::viewportEvent(event);
+std::optional<int> MonitorGrid::CurrentModule() const {
+    const GridRows& rows = table_.Rows();
+    if (rows.Count() == 0)
+        return std::nullopt;
+    return rows.At(std::max(currentIndex().row(), 0)).Index;
+}
+
+std::optional<ValuePlace> MonitorGrid::CurrentValue() const {
+    if (const auto value = table_.ValueAt(currentIndex()))
+        return value;
+    const auto index = CurrentModule();
+    return index ? table_.Rows().ValueAt(*table_.Rows().FirstRowOf(*index), 0) : std::nullopt;
+}
+
+void MonitorGrid::SetCurrentValue(const ValuePlace& value) {
+    if (const QModelIndex cell = table_.CellOf(value); cell.isValid())
+        setCurrentIndex(cell);
+}
+
+void MonitorGrid::Enlarge(const QModelIndex& cell) {
+    if (const auto value = table_.ValueAt(cell))
+        events_.Enlarge(*value);
+}
+
+// Wide enough for some values and what stands before them.
+QSize MonitorGrid::sizeHint() const {
+    const int values = std::clamp(table_.Rows().MostValues(), 1, ShownColumns);
+    const int width = WidthFor(WidestState, CellRoom) + WidthFor(WidestAge, CellRoom) + values * LeastWidth();
+    return {verticalHeader()->sizeHint().width() + width + verticalScrollBar()->sizeHint().width() +
+                2 * frameWidth(),
+            ShownRows * verticalHeader()->defaultSectionSize()};
+}
+
+void MonitorGrid::resizeEvent(QResizeEvent* event) {
+    QTableView::resizeEvent(event);
+    LayOut();
 }
 
 void MonitorGrid::changeEvent(QEvent* event) {
-    QTableWidget::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange)
-        ShowAll();
+    QTableView::changeEvent(event);
+    if (event->type() == QEvent::FontChange)
+        LayOut();
+}
+
+void MonitorGrid::keyPressEvent(QKeyEvent* event) {
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (enter && !event->isAutoRepeat() && table_.ValueAt(currentIndex()))
+        Enlarge(currentIndex());
+    else
+        QTableView::keyPressEvent(event);
 }
 
 } // namespace kavro

@@ -4,6 +4,7 @@
 #include "link/text.h"
 #include "map/search_times.h"
 #include "ports/ini_text.h"
+#include "ports/monitor_preferences_file.h"
 #include "ports/replace_file.h"
 
 #include <QSettings>
@@ -57,6 +58,7 @@ Preferences ReadPreferences(const std::string& path) {
     preferences.AskBeforeDriving = ValueOf(settings, AskBeforeDrivingKey) == Yes;
     preferences.LineFile = settings.value(LineFileKey).toString().toStdString();
     preferences.Record = ReadRecordPreferences(settings);
+    preferences.Monitor = ReadMonitorPreferences(settings);
     return preferences;
 }
 
@@ -71,6 +73,7 @@ void SavePreferences(const std::string& path, const Preferences& preferences) {
         values[key] = record.*text;
     const bool own = record.TolerancePercent != RecordPreferences().TolerancePercent;
     values[ToleranceKey] = own ? ShortestText(record.TolerancePercent) : "";
+    values.merge(MonitorValues(preferences.Monitor));
     ReplaceFile(path, WithIniValues(IniText(path, "What is remembered for the next start"), values));
 }
 

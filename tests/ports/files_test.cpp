@@ -129,6 +129,9 @@ TEST_F(FilesTest, PreferencesComeBackAndNonsenseCountsAsNotThere) {
         {"[General]\nFastSearch=perhaps\nAnswerWithin=1001\n", {}},
         {"FastSearch=true\nAnswerWithin=4\n\n[Other]\nAnswerWithin=7", {true, 30}},
         {"[General]\nAnswerWithin=-30\nFastSearch=", {}},
+        {"[General]\nMonitorLeftOut=7, x, 300,8\nMonitorTicked=\"5/ 5/0 256/1 5/0\"\nMonitorSpan=0\n"
+         "MonitorThresholds=\"5/0:3..1 5/1:..\u00fc : 5/2:-1..\"\nMonitorInterval=-1\nMonitorNewFile=year\n",
+         {.Monitor = {.LeftOut = {7, 8}, .Thresholds = {{{5, "2"}, {.Low = -1}}}, .Ticked = {{5, "0"}}}}},
         {"\x01\xff[[=", {}}};
     EXPECT_EQ(ReadPreferences(Folder.Path("none")), Preferences{});
     for (const auto& [text, preferences] : files)
@@ -138,7 +141,13 @@ TEST_F(FilesTest, PreferencesComeBackAndNonsenseCountsAsNotThere) {
                                 .AnswerWithin = 1000,
                                 .AskBeforeDriving = true,
                                 .LineFile = "/a b/\"\u00fc\", 1.json",
-                                .Record = {"J. \u00d6, x", "no. \"7\"", "2027-03-31", 0.25, "/a b/r"}};
+                                .Record = {"J. \u00d6, x", "no. \"7\"", "2027-03-31", 0.25, "/a b/r"},
+                                .Monitor = {.IntervalMs = 0,
+                                            .SpanMinutes = 1440,
+                                            .LeftOut = {0, 255},
+                                            .Thresholds = {{{5, "0"}, {1e-9, 1.5}}, {{6, "A"}, {{}, -2}}},
+                                            .NewFile = NewLogFile::EachDay,
+                                            .Ticked = {{9, "IN"}, {5, "0"}}}};
     SavePreferences(File, chosen);
     EXPECT_EQ(ReadPreferences(File), chosen);
     EXPECT_TRUE(Contains(Folder.Read("file"), "Later=x\n[Other]\nFastSearch=y\n")) << Folder.Read("file");

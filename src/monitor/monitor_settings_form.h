@@ -1,0 +1,48 @@
+#pragma once
+
+#include "map/monitor_preferences.h"
+
+#include <QWidget>
+
+#include <functional>
+
+class QComboBox;
+class QHBoxLayout;
+class QPushButton;
+class QSpinBox;
+
+namespace kavro {
+
+/// What the user does in the settings of a monitor.
+struct MonitorSettingsEvents {
+    std::function<void(int ms)> Interval;
+    std::function<void(int minutes)> Span;
+    std::function<void()> Modules; ///< wants to choose which ones are read
+};
+
+/// The row of settings above a monitor: how often a module is read, the time span of the trend, and which
+/// modules are read.
+class MonitorSettings : public QWidget {
+public:
+    MonitorSettings(const MonitorPreferences& preferences, MonitorSettingsEvents events);
+
+    /// Says how many of the modules are read.
+    void ShowModules(int read, int all);
+    /// Shows a time span; one that is not among those to choose from is shown all the same.
+    void ShowSpan(int minutes);
+
+    /// Adds a button at the end of the row.
+    void AddButton(QPushButton* button);
+
+private:
+    void AddInterval(int ms);
+    void AddSpan(int minutes);
+
+    MonitorSettingsEvents events_;
+    QHBoxLayout* row_ = nullptr;
+    QSpinBox* interval_ = nullptr;
+    QComboBox* span_ = nullptr;
+    QPushButton* modules_ = nullptr;
+};
+
+} // namespace kavro
