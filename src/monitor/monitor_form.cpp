@@ -95,10 +95,7 @@ void MonitorForm::BuildRows(HistoryOpener openHistory) {
                                                                 ShowUse();
                                                             },
                                                         .Swapped = [this] { ShowUse(); }});
-    pane_->Trend().SpanChanged = [this](int minutes) {
-        Remember([minutes](MonitorPreferences& chosen) { chosen.SpanMinutes = minutes; });
-        settings_->ShowSpan(minutes);
-    };
+    pane_->Trend().SpanChanged = [this] { settings_->ShowSpan(pane_->Trend().SpanMs()); };
     crossings_ = new CrossingsForm(Session(), Messages(), watch_);
     crossings_->hide();
     BuildKeeping(std::move(openHistory));
@@ -107,7 +104,7 @@ void MonitorForm::BuildRows(HistoryOpener openHistory) {
     Rows().addWidget(crossings_, 1);
     Rows().addWidget(keeping_);
     AddAction("&Large", "mnuLarge", "F11", &MonitorForm::LargeBtn_Click);
-    AddAction("Limit&s...", "mnuLimits", "Ctrl+L", &MonitorForm::LimitsBtn_Click);
+    AddAction("T&hresholds...", "mnuThresholds", "Ctrl+L", &MonitorForm::ThresholdsBtn_Click);
     if (Tagged())
         AddAction("&Tags...", "mnuTags", "", &MonitorForm::TagsBtn_Click);
     pane_->Grid().setContextMenuPolicy(Qt::ActionsContextMenu);
@@ -122,12 +119,13 @@ void MonitorForm::BuildSettings() {
                            pane_->Trend().SetSpan(minutes);
                        },
                    .Modules = [this] { Guard(Messages(), [this] { ModulesBtn_Click(); }); }});
-    limitsBtn_ = BuildButton("Limit&s...", "LimitsBtn", "Limits of the value", &MonitorForm::LimitsBtn_Click);
+    thresholdsBtn_ = BuildButton("T&hresholds...", "ThresholdsBtn", "Thresholds of the value",
+                                 &MonitorForm::ThresholdsBtn_Click);
     largeBtn_ = BuildButton("Lar&ge", "LargeBtn", "Show one value alone", &MonitorForm::LargeBtn_Click);
-    crossingsBtn_ = BuildButton("&Crossings", "CrossingsBtn", "Show where values crossed their limits",
+    crossingsBtn_ = BuildButton("&Crossings", "CrossingsBtn", "Show where values crossed their thresholds",
                                 &MonitorForm::CrossingsBtn_Click);
     crossingsBtn_->setCheckable(true);
-    for (QPushButton* button : {limitsBtn_, largeBtn_, crossingsBtn_})
+    for (QPushButton* button : {thresholdsBtn_, largeBtn_, crossingsBtn_})
         settings_->AddButton(button);
     if (Tagged())
         settings_->AddButton(
@@ -259,7 +257,7 @@ void MonitorForm::ShowAges() {
 // Which buttons can be used, and what they say.
 void MonitorForm::ShowUse() {
     const bool values = pane_->CurrentValue().has_value();
-    SetUsable(*limitsBtn_, values, NoValues);
+    SetUsable(*thresholdsBtn_, values, NoValues);
     SetUsable(*largeBtn_, values, NoValues);
     largeBtn_->setText(pane_->ShowsLarge() ? "Show all (&G)" : "Lar&ge");
     const auto crossed = static_cast<int>(watch_.Kept().size());
@@ -286,7 +284,7 @@ void MonitorForm::TagsBtn_Click() {
     pane_->ShowAll();
 }
 
-void MonitorForm::LimitsBtn_Click() {
+void MonitorForm::ThresholdsBtn_Click() {
     const auto value = pane_->CurrentValue();
     if (!value)
         return;
@@ -314,6 +312,7 @@ void MonitorForm::PictureBtn_Click() {
         return;
     QBuffer file;
     file.open(QIODevice::WriteOnly);
+    pane_->Trend().SetNow(wallClock_());
     pane_->Trend().Picture().save(&file, "PNG");
     Session().ReplaceFile(path.toStdString(), file.data().toStdString());
 }

@@ -54,7 +54,7 @@ private:
     void IntervalChanged(int ms);
     void ModulesBtn_Click();
     void TagsBtn_Click();
-    void LimitsBtn_Click();
+    void ThresholdsBtn_Click();
     void LargeBtn_Click();
     void CrossingsBtn_Click();
     void PictureBtn_Click();
@@ -68,7 +68,7 @@ private:
     MonitorPane* pane_ = nullptr;
     CrossingsForm* crossings_ = nullptr;
     MonitorKeeping* keeping_ = nullptr;
-    QPushButton* limitsBtn_ = nullptr;
+    QPushButton* thresholdsBtn_ = nullptr;
     QPushButton* largeBtn_ = nullptr;
     QPushButton* crossingsBtn_ = nullptr;
     QPushButton* pictureBtn_ = nullptr;

@@ -121,7 +121,7 @@ void MonitorKeeping::WriteLog(const MonitorTurn& turn, const WallTime& time,
                               const std::vector<Crossing>& crossings) {
     try {
         log_.Write(CsvLines(means_.Session, turn.Index, turn.Values, time), time);
-        crossingLog_.Write(means_.Session, logPath_, crossings);
+        crossingLog_.Write(means_.Session, log_.Path(), crossings);
     } catch (const RuntimeFailure& failure) {
         TellLater(failure.what());
     }
@@ -143,13 +143,12 @@ void MonitorKeeping::LogBtn_Click() {
                                                    .AsksToReplace = newFile == NewLogFile::Never});
     if (path.isEmpty())
         return;
-    logPath_ = path.toStdString();
     crossingLog_.Close();
     const std::string heading = CsvHeading(means_.Session);
     if (newFile == NewLogFile::Never)
-        log_.Open(logPath_, heading);
+        log_.Open(path.toStdString(), heading);
     else
-        log_.OpenPeriods(logPath_, heading, newFile, means_.WallClock());
+        log_.OpenPeriods(path.toStdString(), heading, newFile, means_.WallClock());
     ShowStates();
 }
 

@@ -63,7 +63,6 @@ private:
     KeepingEvents events_;
     CsvLog log_;
     CrossingLog crossingLog_;
-    std::string logPath_;     // that the user has chosen
     std::string historySays_; // what it told last, while it is in trouble
     bool telling_ = false;    // while a message about the history is up
     QHBoxLayout* row_ = nullptr;

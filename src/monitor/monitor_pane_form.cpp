@@ -174,7 +174,7 @@ LargeText MonitorPane::TextOf(const ValuePlace& value) const {
         text.Unit = QString::fromStdString(ShownUnit(shown.Value.Unit));
         text.State = text.Side == Side::Within
                          ? "Read " + ago
-                         : QString("%1 its limit, read %2").arg(SideText(text.Side), ago);
+                         : QString("%1 its threshold, read %2").arg(SideText(text.Side), ago);
     }
     return text;
 }

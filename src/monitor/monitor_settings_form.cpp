@@ -13,6 +13,7 @@ namespace kavro {
 
 namespace {
 
+constexpr std::int64_t MinuteMs = 60'000;
 constexpr int Hour = 60, Day = 24 * Hour; // minutes
 constexpr int Spans[] = {1,        2,        5,         10,  30,      Hour,
                          2 * Hour, 6 * Hour, 12 * Hour, Day, 2 * Day, LongestTrendMinutes};
@@ -72,21 +73,19 @@ void MonitorSettings::AddSpan(int minutes) {
     span_ = Named(new QComboBox, "Span", "Time span of the trend");
     for (const int span : Spans)
         span_->addItem(SpanText(span), span);
-    ShowSpan(minutes);
+    if (span_->findData(minutes) < 0) // from a file that was written by hand
+        span_->addItem(SpanText(minutes), minutes);
+    span_->setPlaceholderText("as zoomed");
+    ShowSpan(minutes * MinuteMs);
     connect(span_, &QComboBox::currentIndexChanged, this,
-            [this] { events_.Span(span_->currentData().toInt()); });
+            [this](int at) { events_.Span(span_->itemData(at).toInt()); });
     row_->addWidget(LabelOf("T&rend:", span_));
     row_->addWidget(span_);
 }
 
-void MonitorSettings::ShowSpan(int minutes) {
+void MonitorSettings::ShowSpan(std::int64_t ms) {
     const QSignalBlocker silent(span_);
-    int at = span_->findData(minutes);
-    if (at < 0) {
-        span_->addItem(SpanText(minutes), minutes);
-        at = span_->count() - 1;
-    }
-    span_->setCurrentIndex(at);
+    span_->setCurrentIndex(ms % MinuteMs == 0 ? span_->findData(static_cast<int>(ms / MinuteMs)) : -1);
 }
 
 void MonitorSettings::ShowModules(int read, int all) {

@@ -4,6 +4,7 @@
 
 #include <QWidget>
 
+#include <cstdint>
 #include <functional>
 
 class QComboBox;
@@ -28,8 +29,8 @@ public:
 
     /// Says how many of the modules are read.
     void ShowModules(int read, int all);
-    /// Shows a time span; one that is not among those to choose from is shown all the same.
-    void ShowSpan(int minutes);
+    /// Shows a time span of the trend, in ms; none for one that is not among those to choose from.
+    void ShowSpan(std::int64_t ms);
 
     /// Adds a button at the end of the row.
     void AddButton(QPushButton* button);

@@ -207,7 +207,7 @@ QString MonitorTable::SpokenText(const ValuePlace& value) const {
         text += ": ";
     text += Text(ValueText(Shown(value), session_.DecimalSeparator));
     const Side side = SideOf(value);
-    return side == Side::Within ? text : text + ", " + SideText(side) + " its limit";
+    return side == Side::Within ? text : text + ", " + SideText(side) + " its threshold";
 }
 
 QString MonitorTable::Tip(const ValuePlace& value) const {
@@ -217,7 +217,7 @@ QString MonitorTable::Tip(const ValuePlace& value) const {
     const auto age = monitor_.AgeMs(value.Index, static_cast<std::size_t>(value.Place));
     QString text = age ? Text("Read " + AgeText(age, separator) + " ago") : QString("Never read");
     if (const Side side = SideOf(value); side != Side::Within)
-        text += QString(", %1 its limit").arg(SideText(side));
+        text += QString(", %1 its threshold").arg(SideText(side));
     const TagAndNote tag = TagOf(value);
     return tag == TagAndNote{} ? text : TagTip(tag, text);
 }
