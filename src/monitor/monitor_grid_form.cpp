@@ -16,7 +16,8 @@ namespace kavro {
 
 namespace {
 
-constexpr int ShownRows = 28;   // of the window as it opens
+constexpr int ShownRows = 28; // of the window as it opens
+constexpr int LeastRows = 4;
 constexpr int ShownColumns = 4; // likewise, of values
 constexpr int RowRoom = 9;      // pixels above and below the text
 constexpr int CellRoom = 14;
@@ -173,13 +174,20 @@ void MonitorGrid::Enlarge(const QModelIndex& cell) {
         events_.Enlarge(*value);
 }
 
-// Wide enough for some values and what stands before them.
+// Of the grid with so many columns of values, as narrow as they can be.
+int MonitorGrid::WidthOf(int valueColumns) const {
+    return verticalHeader()->sizeHint().width() + WidthFor(WidestState, CellRoom) +
+           WidthFor(WidestAge, CellRoom) + valueColumns * LeastWidth() +
+           verticalScrollBar()->sizeHint().width() + 2 * frameWidth();
+}
+
 QSize MonitorGrid::sizeHint() const {
-    const int values = std::clamp(table_.Rows().MostValues(), 1, ShownColumns);
-    const int width = WidthFor(WidestState, CellRoom) + WidthFor(WidestAge, CellRoom) + values * LeastWidth();
-    return {verticalHeader()->sizeHint().width() + width + verticalScrollBar()->sizeHint().width() +
-                2 * frameWidth(),
-            ShownRows * verticalHeader()->defaultSectionSize()};
+    const int columns = std::clamp(table_.Rows().MostValues(), 1, ShownColumns);
+    return {WidthOf(columns), ShownRows * verticalHeader()->defaultSectionSize()};
+}
+
+QSize MonitorGrid::minimumSizeHint() const {
+    return {WidthOf(1), LeastRows * verticalHeader()->defaultSectionSize()};
 }
 
 void MonitorGrid::resizeEvent(QResizeEvent* event) {

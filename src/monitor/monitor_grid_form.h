@@ -53,6 +53,7 @@ public:
     const MonitorTable& Table() const { return table_; }
 
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
     void keyboardSearch(const QString&) override {} // letters are for buttons
 
 protected:
@@ -65,6 +66,7 @@ private:
     void ShareWidth();
     void SetColumnsInPlace(int columns);
     int LeastWidth() const;
+    int WidthOf(int valueColumns) const;
     int WidthFor(const QString& text, int room) const;
     void Enlarge(const QModelIndex& cell);
 

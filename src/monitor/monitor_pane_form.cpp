@@ -24,7 +24,7 @@ MonitorPane::MonitorPane(const PaneSources& sources, PaneEvents events)
     addWidget(BuildGridAndTrend(sources));
     large_ = new LargeValue({.Step = [this](int steps) { Step(steps); }, .Leave = [this] { ShowGrid(); }});
     addWidget(large_);
-    ShowModules();
+    grid_->SetModules(ModulesToRead());
 }
 
 QWidget* MonitorPane::BuildGridAndTrend(const PaneSources& sources) {
@@ -43,7 +43,6 @@ QWidget* MonitorPane::BuildGridAndTrend(const PaneSources& sources) {
     splitter_->setStretchFactor(0, 1);
     splitter_->setStretchFactor(1, 1);
     splitter_->setChildrenCollapsible(false);
-    shares_ = {grid_->sizeHint().width(), trendView_->sizeHint().width()};
     hint_ = Named(new QLabel(TickHint), "TrendHint", {});
     hint_->setWordWrap(true);
     auto* page = new QWidget;
@@ -55,16 +54,22 @@ QWidget* MonitorPane::BuildGridAndTrend(const PaneSources& sources) {
 }
 
 void MonitorPane::Begin() {
+    shares_ = {grid_->sizeHint().width(), trendView_->sizeHint().width()};
     GiveTrendRoom(false);
-    ShowTicked();
+    ShowModules();
     grid_->setFocus();
 }
 
-void MonitorPane::ShowModules() {
+std::vector<int> MonitorPane::ModulesToRead() const {
     std::vector<int> indexes;
     for (int index = 0; index < session_.ModuleCount; ++index)
         if (!session_.Preferences.Monitor.LeftOut.contains(session_.ModuleTable[index].Address))
             indexes.push_back(index);
+    return indexes;
+}
+
+void MonitorPane::ShowModules() {
+    const std::vector<int> indexes = ModulesToRead();
     hint_->setText(indexes.empty() ? NoneChosen : TickHint);
     grid_->SetModules(indexes);
     if (ShowsLarge() && !grid_->Table().CellOf(*enlarged_).isValid())

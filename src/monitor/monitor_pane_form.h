@@ -57,6 +57,7 @@ public:
     std::optional<ValuePlace> CurrentValue() const;
 
 private:
+    std::vector<int> ModulesToRead() const;
     QWidget* BuildGridAndTrend(const PaneSources& sources);
     void GiveTrendRoom(bool ticked);
     void ShowTicked();

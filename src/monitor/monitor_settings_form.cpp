@@ -49,6 +49,7 @@ MonitorSettings::MonitorSettings(const MonitorPreferences& preferences, MonitorS
     AddInterval(preferences.IntervalMs);
     AddSpan(preferences.SpanMinutes);
     modules_ = Named(new QPushButton, "ModulesBtn", "Modules that are read");
+    modules_->setAutoDefault(false);
     modules_->setToolTip("Choose which modules are read");
     connect(modules_, &QPushButton::clicked, this, [this] { events_.Modules(); });
     row_->addWidget(modules_);

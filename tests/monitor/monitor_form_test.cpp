@@ -6,13 +6,31 @@
 
 #include <QFileDialog>
 #include <QImage>
+#include <QListWidget>
+#include <QScrollBar>
+#include <QSpinBox>
 #include <QSplitter>
-#include <QTableWidget>
+#include <QTableView>
 
 namespace kavro {
 namespace {
 
 enum { StateColumn, AgeColumn, Value0 }; // of the grid
+
+struct FakeHistory : KeptHistory, TrendHistory {
+    FakeHistory(HistoryChoice choice, std::vector<Reading>& stored)
+        : Chosen(std::move(choice)), Stored(stored) {}
+
+    void Take(const std::vector<Reading>& readings) override {
+        Stored.insert(Stored.end(), readings.begin(), readings.end());
+    }
+    TrendHistory& Past() override { return *this; }
+    const HistoryChoice& Choice() const override { return Chosen; }
+    void Ask(std::vector<HistoryQuestion>, std::function<void(std::vector<HistoryAnswer>)>) override {}
+
+    HistoryChoice Chosen;
+    std::vector<Reading>& Stored;
+};
 
 /// The demo line up to address 7, found by a search.
 class MonitorFormTest : public testing::Test, protected SimulatedSession {
@@ -22,7 +40,18 @@ protected:
         Session.SearchHighAddress = 7;
         NetworkSearch(Session, {}).Run();
         Time.Sleep(MonitorTickMs); // until the timer ticks
-        Form = std::make_unique<MonitorForm>(Session, Messages, nullptr, [this] { return Now; });
+        Session.SavePreferences = [this](const Preferences&) { ++Saved; };
+        Open();
+    }
+
+    void Open() {
+        Form.reset();
+        Form = std::make_unique<MonitorForm>(
+            Session, Messages, nullptr, [this] { return Now; },
+            [this](const HistoryChoice& choice, const HistoryTeller& tell) {
+                Tell = tell;
+                return std::make_unique<FakeHistory>(choice, Stored);
+            });
         Form->show();
         StopTimer(*Form);
     }
@@ -37,8 +66,15 @@ protected:
         QApplication::processEvents(); // what is told comes beside the turns
     }
 
-    std::string Cell(int row, int column) {
-        return Find<QTableWidget>(*Form, "MonitorGrid").item(row, column)->text().toStdString();
+    QTableView& Grid() { return Find<QTableView>(*Form, "MonitorGrid"); }
+    QModelIndex At(int row, int column) { return Grid().model()->index(row, column); }
+    std::string Cell(int row, int column) { return At(row, column).data().toString().toStdString(); }
+    std::string Heading(int row) {
+        return Grid().model()->headerData(row, Qt::Vertical).toString().toStdString();
+    }
+    bool Ticked(int row, int column) { return At(row, column).data(Qt::CheckStateRole) == Qt::Checked; }
+    void TickBox(int row, int column, bool on) {
+        Grid().model()->setData(At(row, column), on ? Qt::Checked : Qt::Unchecked, Qt::CheckStateRole);
     }
 
     void ChooseFile(const char* button, const std::string& path) {
@@ -53,11 +89,14 @@ protected:
     }
 
     WallTime Now = {0, 120};
+    int Saved = 0;
+    std::vector<Reading> Stored;
+    HistoryTeller Tell;
     std::unique_ptr<MonitorForm> Form;
 };
 
 TEST_F(MonitorFormTest, OneRowPerModuleAndOneModulePerTick) {
-    EXPECT_EQ(Find<QTableWidget>(*Form, "MonitorGrid").verticalHeaderItem(6)->text(), "7 (07H) 8250");
+    EXPECT_EQ(Heading(6), "7 (07H) 8250");
     EXPECT_EQ(Cell(6, StateColumn), "waiting");
     Session.DecimalSeparator = ",";
     Turns(6);
@@ -79,13 +118,13 @@ TEST_F(MonitorFormTest, OneRowPerModuleAndOneModulePerTick) {
 
 TEST_F(MonitorFormTest, SpaceTicksAValueForTheTrend) {
     Turns(7);
-    auto& grid = Find<QTableWidget>(*Form, "MonitorGrid");
+    auto& grid = Grid();
     auto& trend = Find<QWidget>(*Form, "TrendView");
     for (const auto& [column, names] : {std::pair{Value0 + 1, "5 (05H) 8250 ch 1"},
                                         {Value0, "5 (05H) 8250 ch 1, 5 (05H) 8250 ch 0"},
                                         {Value0 + 1, "5 (05H) 8250 ch 0"},
                                         {AgeColumn, "5 (05H) 8250 ch 0"}}) {
-        grid.setCurrentCell(4, column);
+        grid.setCurrentIndex(At(4, column));
         Type(grid, " ");
         EXPECT_EQ(trend.accessibleDescription(), names);
     }
@@ -106,10 +145,10 @@ TEST_F(MonitorFormTest, SpaceTicksAValueForTheTrend) {
 
 TEST_F(MonitorFormTest, WithoutATickTheValuesHaveTheRoom) {
     Turns(7);
-    auto& grid = Find<QTableWidget>(*Form, "MonitorGrid");
+    auto& grid = Grid();
     auto& splitter = Find<QSplitter>(*Form, "Splitter");
     const auto tick = [&](bool on) {
-        grid.item(0, Value0)->setCheckState(on ? Qt::Checked : Qt::Unchecked);
+        TickBox(0, Value0, on);
         EXPECT_EQ(Find<QWidget>(*Form, "TrendView").isVisible(), on);
         EXPECT_EQ(Find<QLabel>(*Form, "TrendHint").isVisible(), !on);
         EXPECT_EQ(Find<QWidget>(*Form, "PictureBtn").isEnabled(), on);
@@ -154,6 +193,137 @@ TEST_F(MonitorFormTest, AnAdapterThatIsPulledOutAndPutBack) {
     Turns(3000 / MonitorTickMs);
     EXPECT_EQ(Cell(0, StateColumn), "ok");
     EXPECT_EQ(Messages.Shown.size(), 1U);
+}
+
+TEST_F(MonitorFormTest, ValuesWithoutRoomGoOnInFurtherRows) {
+    Turns(7);
+    const auto rows = [&](int width) {
+        Form->resize(width, 700);
+        QApplication::processEvents();
+        return Grid().model()->rowCount();
+    };
+    EXPECT_EQ(rows(2500), 7);
+    const std::string last = Cell(4, Value0 + 7);
+    TickBox(4, Value0 + 7, true);
+    Grid().setCurrentIndex(At(4, Value0 + 7));
+    for (const int width : {1900, 1400, 900, 2500}) {
+        const int count = rows(width);
+        EXPECT_EQ(Grid().horizontalScrollBar()->maximum(), 0) << width;
+        EXPECT_EQ(Cell(Grid().currentIndex().row(), Grid().currentIndex().column()), last) << width;
+        EXPECT_TRUE(Ticked(Grid().currentIndex().row(), Grid().currentIndex().column())) << width;
+        EXPECT_EQ(count > 7, width < 2500) << width;
+    }
+    rows(900);
+    EXPECT_EQ(Heading(4), "5 (05H) 8250");
+    EXPECT_EQ(Cell(5, StateColumn), "");
+    EXPECT_EQ(Heading(5).substr(0, 5), std::to_string(Grid().model()->columnCount() - Value0) + " to ");
+}
+
+TEST_F(MonitorFormTest, WhatIsChosenIsRememberedAndLeftOutModulesAreNotAsked) {
+    Turns(7);
+    TickBox(4, Value0, true);
+    Find<QSpinBox>(*Form, "Interval").setValue(0);
+    Find<QComboBox>(*Form, "Span").setCurrentIndex(0);
+    const auto leaveOut = [](const char* button) {
+        return [button](QDialog& dialog) {
+            Find<QListWidget>(dialog, "ModuleList").item(4)->setCheckState(Qt::Unchecked);
+            Click(dialog, button);
+        };
+    };
+    for (const auto& [button, addresses] :
+         {std::pair{"CancelBtn", std::set<std::int16_t>{}}, {"OKBtn", {5}}}) {
+        DialogDriver driver({{"ModuleChoiceForm", leaveOut(button)}});
+        Click(*Form, "ModulesBtn");
+        EXPECT_EQ(Session.Preferences.Monitor.LeftOut, addresses);
+    }
+    EXPECT_FALSE(Find<QWidget>(*Form, "TrendView").isVisible());
+    EXPECT_EQ(Session.Preferences.Monitor.Ticked, (std::vector<ValueKey>{{5, "0"}})) << "still";
+    EXPECT_EQ(Session.Preferences.Monitor.SpanMinutes, 1);
+    EXPECT_EQ(Saved, 4);
+    Open();
+    EXPECT_EQ(Grid().model()->rowCount(), 6);
+    bool asked = false;
+    Line.Log = [&](const LineEvent& event) { asked = asked || event.Command.substr(1, 2) == "05"; };
+    Turns(12);
+    EXPECT_FALSE(asked);
+    Session.Preferences.Monitor.LeftOut.clear();
+    Session.SavePreferences = [](const Preferences&) { throw RuntimeFailure("The disk is full."); };
+    Open();
+    EXPECT_TRUE(Find<QWidget>(*Form, "TrendView").isVisible());
+    for (const int minutes : {3, 4})
+        Find<QComboBox>(*Form, "Span").setCurrentIndex(minutes);
+    QApplication::processEvents();
+    EXPECT_EQ(Messages.Shown.size(), 1U) << "once";
+    EXPECT_EQ(Session.Preferences.Monitor.SpanMinutes, 30) << "until the program ends";
+}
+
+TEST_F(MonitorFormTest, OneValueAloneUntilEscape) {
+    Turns(7);
+    Session.Preferences.Monitor.Thresholds[{1, "0"}].Low = 1e9;
+    auto& large = Find<QWidget>(*Form, "LargeValue");
+    Grid().setCurrentIndex(At(0, Value0));
+    PressKey(Grid(), Qt::Key_Return);
+    EXPECT_TRUE(large.isVisible());
+    EXPECT_EQ(large.accessibleName(), "1 (01H) 8210 ch 0");
+    EXPECT_TRUE(large.accessibleDescription().contains("below its threshold"));
+    EXPECT_TRUE(Cell(0, Value0).starts_with("\u25bc ")) << Cell(0, Value0);
+    Line.ModuleAt(1).OwnFaults.Silent = true;
+    Turns(7);
+    EXPECT_TRUE(large.accessibleDescription().startsWith("no reply")) << "polling goes on";
+    PressKey(large, Qt::Key_PageUp);
+    EXPECT_TRUE(large.accessibleName().startsWith("7 (07H) 8250 ch 7"));
+    PressKey(large, Qt::Key_Escape);
+    EXPECT_FALSE(large.isVisible());
+    EXPECT_EQ(Heading(Grid().currentIndex().row()), "7 (07H) 8250") << "or a further row of it";
+    EXPECT_TRUE(Form->isVisible());
+    PressKey(Grid(), Qt::Key_Escape);
+    EXPECT_FALSE(Form->isVisible());
+}
+
+TEST_F(MonitorFormTest, StoresInAHistoryThatMayHaveTrouble) {
+    const TestFolder folder;
+    const auto choose = [&](QDialog& dialog) {
+        Find<QLineEdit>(dialog, "fileNameEdit").setText(QString::fromStdString(folder.Path("h.sqlite")));
+        dialog.accept();
+    };
+    const auto name = [](QDialog& dialog) {
+        Find<QLineEdit>(dialog, "Line").clear();
+        EXPECT_FALSE(Find<QWidget>(dialog, "OKBtn").isEnabled());
+        Find<QLineEdit>(dialog, "Line").setText("north-1");
+        Find<QSpinBox>(dialog, "KeepDays").setValue(7);
+        Click(dialog, "OKBtn");
+    };
+    DialogDriver driver({{"SaveDialog", choose}, {"HistoryChoiceForm", name}});
+    Click(*Form, "StoreBtn");
+    EXPECT_TRUE(driver.Finished());
+    Turns(2);
+    EXPECT_EQ(Stored.size(), 2U);
+    Tell("The disk is full.");
+    EXPECT_TRUE(Find<QLabel>(*Form, "StoreState").text().endsWith("The disk is full."));
+    Turns(1);
+    EXPECT_EQ(Stored.size(), 3U);
+    Line.Unplug();
+    Turns(1);
+    Click(*Form, "StoreBtn");
+    EXPECT_EQ(Find<QLabel>(*Form, "StoreState").text(), "Not storing");
+    EXPECT_EQ(Messages.Shown.size(), 2U);
+}
+
+TEST_F(MonitorFormTest, AsFastAsTheLineAllowsItSleepsWhileNoModuleIsDue) {
+    for (int address = 1; address <= 7; ++address)
+        Line.ModuleAt(address).OwnFaults.Silent = true;
+    Find<QSpinBox>(*Form, "Interval").setValue(0);
+    auto& timer = Find<QTimer>(*Form, "Timer1");
+    for (int turn = 0; turn < 30; ++turn) { // until all of them back off
+        Tick(*Form);
+        Time.Sleep(timer.interval());
+    }
+    const auto sent = Session.Line.Statistics.Transactions;
+    Tick(*Form);
+    EXPECT_EQ(Session.Line.Statistics.Transactions, sent);
+    EXPECT_GT(timer.interval(), 100);
+    Find<QSpinBox>(*Form, "Interval").setValue(MonitorTickMs);
+    EXPECT_EQ(timer.interval(), MonitorTickMs);
 }
 
 TEST_F(MonitorFormTest, AnEmptyMapSaysWhatToDo) {
