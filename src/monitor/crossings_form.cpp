@@ -3,6 +3,7 @@
 #include "link/number_text.h"
 #include "link/text.h"
 #include "monitor/crossing_log.h"
+#include "monitor/shown_unit.h"
 #include "monitor/threshold_color_form.h"
 #include "ui/choose_file.h"
 #include "ui/named.h"
@@ -128,7 +129,8 @@ void CrossingsForm::ShowNew() {
 void CrossingsForm::AddRow(const Crossing& crossing) {
     const ChannelValue& value = crossing.Read.Value;
     const auto number = [&](const std::string& text) {
-        return QString::fromStdString(Trim(ShownNumber(text, session_.DecimalSeparator) + " " + value.Unit));
+        return QString::fromStdString(
+            Trim(ShownNumber(text, session_.DecimalSeparator) + " " + ShownUnit(value.Unit)));
     };
     const std::array<QString, ColumnCount> texts = {
         QString::fromStdString(ShownTime(crossing.Read.Time)), QString::fromStdString(crossing.Name),

@@ -77,6 +77,8 @@ std::optional<HistoryChoice> ChooseHistory(const Session& session, QWidget* pare
     if (path.isEmpty())
         return std::nullopt;
     HistoryChoiceForm form(path.toStdString(), LineNameOf(session), parent);
+    if (auto* below = qobject_cast<QDialog*>(parent)) // which may be closed first
+        QObject::connect(below, &QDialog::finished, &form, &QDialog::reject);
     return form.exec() == QDialog::Accepted ? std::optional(form.Choice()) : std::nullopt;
 }
 

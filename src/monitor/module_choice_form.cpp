@@ -89,6 +89,8 @@ std::set<std::int16_t> ModuleChoiceForm::LeftOut() const {
 std::optional<std::set<std::int16_t>> ChooseModules(const Session& session,
                                                     const std::set<std::int16_t>& leftOut, QWidget* parent) {
     ModuleChoiceForm form(session, leftOut, parent);
+    if (auto* below = qobject_cast<QDialog*>(parent)) // which may be closed first
+        QObject::connect(below, &QDialog::finished, &form, &QDialog::reject);
     return form.exec() == QDialog::Accepted ? std::optional(form.LeftOut()) : std::nullopt;
 }
 

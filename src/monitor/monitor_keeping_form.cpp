@@ -3,6 +3,7 @@
 #include "link/runtime_failure.h"
 #include "monitor/history_choice_form.h"
 #include "ui/choose_file.h"
+#include "ui/flow_row.h"
 #include "ui/named.h"
 #include "ui/usable.h"
 
@@ -57,9 +58,11 @@ MonitorKeeping::MonitorKeeping(KeepingMeans means, KeepingEvents events)
     : means_(std::move(means)), events_(std::move(events)), log_(means_.Session.OpenFile),
       crossingLog_(means_.Session.OpenFile) {
     setObjectName("MonitorKeeping");
-    row_ = new QHBoxLayout(this);
-    row_->setContentsMargins({});
-    row_->addWidget(BuildStates(), 1);
+    row_ = new FlowRow;
+    auto* rows = new QVBoxLayout(this);
+    rows->setContentsMargins({});
+    rows->addLayout(BuildStates());
+    rows->addLayout(row_);
     BuildNewFile();
     logBtn_ = BuildButton("LogBtn", "Log to file", &MonitorKeeping::LogBtn_Click);
     storeBtn_ = BuildButton("StoreBtn", "Store in a history", &MonitorKeeping::StoreBtn_Click);
@@ -73,15 +76,12 @@ MonitorKeeping::~MonitorKeeping() {
     events_ = {.NewFile = [](NewLogFile) {}, .HistoryNow = [](TrendHistory*) {}}; // its windows are going
 }
 
-QWidget* MonitorKeeping::BuildStates() {
+QLayout* MonitorKeeping::BuildStates() {
     logState_ = new StateLabel("LogState");
     storeState_ = new StateLabel("StoreState");
-    auto* states = new QWidget;
-    auto* lines = new QVBoxLayout(states);
-    lines->setContentsMargins({});
-    lines->setSpacing(0);
-    lines->addWidget(logState_);
-    lines->addWidget(storeState_);
+    auto* states = new QHBoxLayout;
+    states->addWidget(logState_, 1);
+    states->addWidget(storeState_, 1);
     return states;
 }
 

@@ -14,11 +14,12 @@
 #include <vector>
 
 class QComboBox;
-class QHBoxLayout;
 class QLabel;
 class QPushButton;
 
 namespace kavro {
+
+class FlowRow;
 
 /// What a monitor keeps its readings with.
 struct KeepingMeans {
@@ -48,7 +49,7 @@ public:
     void AddButton(QPushButton* button);
 
 private:
-    QWidget* BuildStates();
+    QLayout* BuildStates();
     QPushButton* BuildButton(const char* name, const char* spoken, void (MonitorKeeping::*clicked)());
     void BuildNewFile();
     void WriteLog(const MonitorTurn& turn, const WallTime& time, const std::vector<Crossing>& crossings);
@@ -65,7 +66,7 @@ private:
     CrossingLog crossingLog_;
     std::string historySays_; // what it told last, while it is in trouble
     bool telling_ = false;    // while a message about the history is up
-    QHBoxLayout* row_ = nullptr;
+    FlowRow* row_ = nullptr;
     QLabel* logState_ = nullptr;
     QLabel* storeState_ = nullptr;
     QPushButton* logBtn_ = nullptr;

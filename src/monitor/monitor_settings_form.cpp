@@ -1,5 +1,6 @@
 #include "monitor/monitor_settings_form.h"
 
+#include "ui/flow_row.h"
 #include "ui/named.h"
 
 #include <QComboBox>
@@ -33,19 +34,13 @@ QString SpanText(int minutes) {
     return minutes % Hour == 0 ? Counted(minutes / Hour, "hour") : QString("%1 min").arg(minutes);
 }
 
-QLabel* LabelOf(const char* text, QWidget* control) {
-    auto* label = new QLabel(text);
-    label->setBuddy(control);
-    return label;
-}
-
 } // namespace
 
 MonitorSettings::MonitorSettings(const MonitorPreferences& preferences, MonitorSettingsEvents events)
     : events_(std::move(events)) {
     setObjectName("MonitorSettings");
-    row_ = new QHBoxLayout(this);
-    row_->setContentsMargins({});
+    row_ = new FlowRow;
+    setLayout(row_);
     AddInterval(preferences.IntervalMs);
     AddSpan(preferences.SpanMinutes);
     modules_ = Named(new QPushButton, "ModulesBtn", "Modules that are read");
@@ -53,7 +48,18 @@ MonitorSettings::MonitorSettings(const MonitorPreferences& preferences, MonitorS
     modules_->setToolTip("Choose which modules are read");
     connect(modules_, &QPushButton::clicked, this, [this] { events_.Modules(); });
     row_->addWidget(modules_);
-    row_->addStretch(1);
+}
+
+// The two stay together.
+void MonitorSettings::AddLabelled(const char* text, QWidget* control) {
+    auto* label = new QLabel(text);
+    label->setBuddy(control);
+    auto* pair = new QWidget;
+    auto* layout = new QHBoxLayout(pair);
+    layout->setContentsMargins({});
+    layout->addWidget(label);
+    layout->addWidget(control);
+    row_->addWidget(pair);
 }
 
 void MonitorSettings::AddInterval(int ms) {
@@ -66,8 +72,7 @@ void MonitorSettings::AddInterval(int ms) {
     interval_->setValue(ms);
     interval_->setToolTip(IntervalTip);
     connect(interval_, &QSpinBox::valueChanged, this, [this](int value) { events_.Interval(value); });
-    row_->addWidget(LabelOf("&Interval:", interval_));
-    row_->addWidget(interval_);
+    AddLabelled("&Interval:", interval_);
 }
 
 void MonitorSettings::AddSpan(int minutes) {
@@ -80,8 +85,7 @@ void MonitorSettings::AddSpan(int minutes) {
     ShowSpan(minutes * MinuteMs);
     connect(span_, &QComboBox::currentIndexChanged, this,
             [this](int at) { events_.Span(span_->itemData(at).toInt()); });
-    row_->addWidget(LabelOf("T&rend:", span_));
-    row_->addWidget(span_);
+    AddLabelled("T&rend:", span_);
 }
 
 void MonitorSettings::ShowSpan(std::int64_t ms) {

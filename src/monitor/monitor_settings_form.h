@@ -8,11 +8,12 @@
 #include <functional>
 
 class QComboBox;
-class QHBoxLayout;
 class QPushButton;
 class QSpinBox;
 
 namespace kavro {
+
+class FlowRow;
 
 /// What the user does in the settings of a monitor.
 struct MonitorSettingsEvents {
@@ -36,11 +37,12 @@ public:
     void AddButton(QPushButton* button);
 
 private:
+    void AddLabelled(const char* label, QWidget* control);
     void AddInterval(int ms);
     void AddSpan(int minutes);
 
     MonitorSettingsEvents events_;
-    QHBoxLayout* row_ = nullptr;
+    FlowRow* row_ = nullptr;
     QSpinBox* interval_ = nullptr;
     QComboBox* span_ = nullptr;
     QPushButton* modules_ = nullptr;

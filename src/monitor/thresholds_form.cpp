@@ -2,6 +2,7 @@
 
 #include "link/number_text.h"
 #include "link/text.h"
+#include "monitor/shown_unit.h"
 #include "monitor/threshold_color_form.h"
 #include "ui/center_form.h"
 #include "ui/named.h"
@@ -43,7 +44,7 @@ ThresholdsForm::ThresholdsForm(Session& session, Messages& messages, int index,
     setWindowTitle(Title);
     const ChannelValue value = present_();
     key_ = KeyOf(session, index, value);
-    unit_ = Shown(value.Unit);
+    unit_ = Shown(ShownUnit(value.Unit));
     auto* name = Named(new QLabel(Shown(NameOfValue(session, index, value))), "ValueName", {});
     name->setTextFormat(Qt::PlainText);
     reading_ = Named(new TintedLabel, "Reading", {});
@@ -102,7 +103,8 @@ void ThresholdsForm::ShowReading() {
     const ChannelValue value = present_();
     const bool read = value.State == ValueState::Ok;
     const Side side = read ? SideOf({NumberIn(low_), NumberIn(high_)}, value.Number) : Side::Within;
-    const std::string number = ShownNumber(value.Text, session_.DecimalSeparator) + " " + value.Unit;
+    const std::string number =
+        ShownNumber(value.Text, session_.DecimalSeparator) + " " + ShownUnit(value.Unit);
     const std::string text = read ? Trim(std::string(SideSign(side)) + " " + number) : StateText(value.State);
     reading_->SetTint(side == Side::Within ? QColor() : ThresholdColor(side, palette()));
     reading_->setText(Shown(text));
