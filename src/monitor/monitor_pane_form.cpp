@@ -44,7 +44,6 @@ QWidget* MonitorPane::BuildGridAndTrend(const PaneSources& sources) {
     splitter_->setStretchFactor(1, 1);
     splitter_->setChildrenCollapsible(false);
     hint_ = Named(new QLabel(TickHint), "TrendHint", {});
-    hint_->setWordWrap(true);
     auto* page = new QWidget;
     auto* layout = new QVBoxLayout(page);
     layout->setContentsMargins({});
