@@ -9,6 +9,7 @@
 #include "monitor/monitor_settings_form.h"
 #include "monitor/thresholds_form.h"
 #include "monitor/trend_view_form.h"
+#include "ui/center_form.h"
 #include "ui/choose_file.h"
 #include "ui/named.h"
 #include "ui/usable.h"
@@ -65,7 +66,8 @@ MonitorForm::MonitorForm(kavro::Session& session, kavro::Messages& messages, QWi
     static_cast<QVBoxLayout*>(layout())->setStretchFactor(&Rows(), RowsStretch);
     if (empty)
         return;
-    pane_->Begin(); // in a window that has its room already
+    PlaceForm(*this, sizeHint()); // most of the screen, where it is needed
+    pane_->Begin();               // in a window that has its room already
     ShowUse();
     connect(outage_, &QTimer::timeout, this, [this] {
         if (const auto turn = monitor_.LostTurn())
@@ -256,6 +258,7 @@ void MonitorForm::ShowAges() {
 
 // Which buttons can be used, and what they say.
 void MonitorForm::ShowUse() {
+    crossings_->setVisible(crossingsBtn_->isChecked() && !pane_->ShowsLarge());
     const bool values = pane_->CurrentValue().has_value();
     SetUsable(*thresholdsBtn_, values, NoValues);
     SetUsable(*largeBtn_, values, NoValues);
@@ -301,8 +304,7 @@ void MonitorForm::LargeBtn_Click() {
 }
 
 void MonitorForm::CrossingsBtn_Click() {
-    crossings_->setVisible(crossingsBtn_->isChecked());
-    crossings_->ShowNew();
+    ShowUse();
 }
 
 void MonitorForm::PictureBtn_Click() {

@@ -19,13 +19,6 @@ QSize Room(const QWidget& form) {
     return form.screen()->availableSize() - QSize(FrameBorders, title + FrameBorders);
 }
 
-void Place(QWidget& form, QSize size) {
-    const QRect screen = form.screen()->availableGeometry();
-    form.resize(size.boundedTo(Room(form)));
-    form.move(screen.left() + (screen.width() - form.width()) / 2,
-              screen.top() + (screen.height() - form.height()) / 2);
-}
-
 // Looks at the window whenever it is shown or what it needs has changed.
 class ScreenFit : public QObject {
 public:
@@ -45,7 +38,7 @@ private:
         if (needed.boundedTo(room) == needed)
             return;
         scrolls_ = true;
-        Place(form_, form_.size().expandedTo(needed) + ScrollContent(form_, room));
+        PlaceForm(form_, form_.size().expandedTo(needed) + ScrollContent(form_, room));
     }
 
     QWidget& form_;
@@ -56,8 +49,15 @@ private:
 
 void CenterForm(QWidget& form) {
     form.adjustSize();
-    Place(form, form.size());
+    PlaceForm(form, form.size());
     new ScreenFit(form); // owned by the form
+}
+
+void PlaceForm(QWidget& form, QSize size) {
+    const QRect screen = form.screen()->availableGeometry();
+    form.resize(size.boundedTo(Room(form)));
+    form.move(screen.left() + (screen.width() - form.width()) / 2,
+              screen.top() + (screen.height() - form.height()) / 2);
 }
 
 } // namespace kavro
