@@ -54,6 +54,7 @@ void MonitorGrid::SetModules(const std::vector<int>& indexes) {
     const auto current = CurrentValue();
     table_.SetModules(indexes);
     LayOut();
+    updateGeometry(); // the grid asks for another width
     if (current)
         SetCurrentValue(*current);
     if (!currentIndex().isValid() && table_.rowCount() > 0)
@@ -127,6 +128,7 @@ void MonitorGrid::SetColumnsInPlace(int columns) {
 void MonitorGrid::ShowTags() {
     table_.AllChanged();
     LayOut();
+    updateGeometry();
 }
 
 std::vector<TrendLine> MonitorGrid::TickedLines() const {
