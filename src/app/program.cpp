@@ -7,6 +7,7 @@
 #include "monitor/monitor_form.h"
 #include "ports/append_file.h"
 #include "ports/check_json.h"
+#include "ports/kept_history.h"
 #include "ports/map_reader.h"
 #include "ports/preferences_file.h"
 #include "ports/replace_file.h"
@@ -68,7 +69,9 @@ DialogOpeners Program::Openers() {
     openers.Terminal = [this](QWidget* parent) {
         TerminalForm(session_, messages_, parent, [this] { ShowTraffic(); }).exec();
     };
-    openers.Monitor = [this](QWidget* parent) { MonitorForm(session_, messages_, parent).exec(); };
+    openers.Monitor = [this](QWidget* parent) {
+        MonitorForm(session_, messages_, parent, SystemTime, OpenKeptHistory).exec();
+    };
     openers.Traffic = [this] { ShowTraffic(); };
     openers.LineCheck = [this](QWidget* parent) {
         LineCheckForm(session_, messages_, parent, CheckJson).exec();
