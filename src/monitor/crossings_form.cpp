@@ -59,7 +59,7 @@ CrossingsForm::CrossingsForm(Session& session, Messages& messages, CrossingWatch
     setObjectName("CrossingsForm");
     table_ = Named(new QTableWidget, "Crossings", "Crossings of thresholds");
     BuildTable();
-    clearBtn_ = Named(new QPushButton("&Clear"), "ClearCrossingsBtn", "Clear the list of crossings");
+    clearBtn_ = Named(new QPushButton("Cl&ear"), "ClearCrossingsBtn", "Clear the list of crossings");
     saveBtn_ = Named(new QPushButton("Sa&ve..."), "SaveCrossingsBtn", "Save the list of crossings");
     connect(clearBtn_, &QPushButton::clicked, this, [this] {
         watch_.Clear();
