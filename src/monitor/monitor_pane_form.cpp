@@ -25,6 +25,7 @@ MonitorPane::MonitorPane(const PaneSources& sources, PaneEvents events)
     large_ = new LargeValue({.Step = [this](int steps) { Step(steps); }, .Leave = [this] { ShowGrid(); }});
     addWidget(large_);
     grid_->SetModules(ModulesToRead());
+    splitter_->updateGeometry(); // it asks for another width with modules than without
 }
 
 QWidget* MonitorPane::BuildGridAndTrend(const PaneSources& sources) {
