@@ -85,17 +85,18 @@ TEST(TagsInMonitor, HeadRowsAndAreSpokenBeforeValues) {
     MonitorForm form(test.Session, test.Messages, nullptr);
     form.show();
     Tick(form);
-    auto& grid = Find<QTableWidget>(form, "MonitorGrid");
-    EXPECT_EQ(grid.verticalHeaderItem(0)->text(), "1 (01H) 8310  Boiler");
-    const QString text = grid.item(0, 2)->text();
-    EXPECT_EQ(grid.item(0, 2)->data(Qt::AccessibleTextRole), "T0: " + text);
+    const auto& table = *Find<QTableView>(form, "MonitorGrid").model();
+    const auto heading = [&table] { return table.headerData(0, Qt::Vertical).toString(); };
+    EXPECT_EQ(heading(), "1 (01H) 8310  Boiler");
+    const QString text = table.index(0, 2).data().toString();
+    EXPECT_EQ(table.index(0, 2).data(Qt::AccessibleTextRole), "T0: " + text);
     DialogDriver driver({{"TagForm", [](QDialog& dialog) {
                               Find<QLineEdit>(dialog, "Tag").setText("Kiln");
                               Click(dialog, "OKBtn");
                           }}});
     Click(form, "TagsBtn");
-    EXPECT_EQ(grid.verticalHeaderItem(0)->text(), "1 (01H) 8310  Kiln");
-    EXPECT_EQ(grid.item(0, 2)->text(), text);
+    EXPECT_EQ(heading(), "1 (01H) 8310  Kiln");
+    EXPECT_EQ(table.index(0, 2).data(), text);
 }
 
 } // namespace
