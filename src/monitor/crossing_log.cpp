@@ -56,7 +56,7 @@ std::error_code CrossingLog::Put(const std::string& heading, const std::string& 
         if (next.Error)
             return next.Error;
     }
-    return PutOnDisk(*file_, lines);
+    return WriteLines(*file_, lines);
 }
 
 void CrossingLog::Close() {

@@ -77,7 +77,7 @@ void CsvLog::OpenPeriods(const std::string& path, const std::string& heading, Ne
 
 // Closes what is open and goes on in the file of that time.
 std::error_code CsvLog::Continue(const WallTime& time) {
-    file_.reset();
+    CloseFile();
     period_ = PathOfPeriod(chosen_, newFile_, time);
     ContinuedFile next = ContinueFile(opener_, period_, heading_);
     file_ = std::move(next.File);
@@ -85,8 +85,15 @@ std::error_code CsvLog::Continue(const WallTime& time) {
     return next.Error;
 }
 
-void CsvLog::Close() {
+// What failed before is told by then.
+void CsvLog::CloseFile() {
+    if (file_)
+        static_cast<void>(file_->WaitForDisk());
     file_.reset();
+}
+
+void CsvLog::Close() {
+    CloseFile();
     path_.clear();
 }
 
@@ -97,7 +104,7 @@ void CsvLog::Write(std::string_view lines, const WallTime& time) {
     if (newFile_ != NewLogFile::Never && PathOfPeriod(chosen_, newFile_, time) != period_)
         error = Continue(time);
     if (!error)
-        error = PutOnDisk(*file_, lines);
+        error = WriteLines(*file_, lines, diskPace_.Due());
     if (!error)
         return;
     const std::string path = path_;

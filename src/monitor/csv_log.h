@@ -1,6 +1,7 @@
 #pragma once
 
 #include "link/append_file.h"
+#include "link/disk_pace.h"
 #include "link/wall_time.h"
 #include "map/monitor_preferences.h"
 #include "map/session.h"
@@ -31,7 +32,8 @@ std::string TagText(const Session& session, int index, const ChannelValue& value
 std::string CsvLines(const Session& session, int index, const std::vector<ChannelValue>& values,
                      const WallTime& time);
 
-/// A log file; what is written is on disk when the call returns, so that a crash loses none of it.
+/// A log file. What is written outlives the program when the call returns; the disk is waited for once a
+/// second (`DiskPace`) and by `Close`.
 class CsvLog {
 public:
     explicit CsvLog(FileOpener opener) : opener_(std::move(opener)) {}
@@ -59,6 +61,7 @@ public:
 
 private:
     std::error_code Continue(const WallTime& time);
+    void CloseFile();
 
     FileOpener opener_;
     std::unique_ptr<AppendFile> file_;
@@ -67,6 +70,7 @@ private:
     std::string period_;  // what `PathOfPeriod` gives for the file that is open
     std::string heading_; // of each of them
     NewLogFile newFile_ = NewLogFile::Never;
+    DiskPace diskPace_;
 };
 
 } // namespace kavro

@@ -98,15 +98,15 @@ ContinuedFile ContinueFile(const FileOpener& opener, const std::string& path, co
     if (opened.File->Length() > *length)
         opened.File->CutTo(*length);
     if (*length == 0)
-        next.Error = PutOnDisk(*opened.File, heading);
+        next.Error = WriteLines(*opened.File, heading);
     if (!next.Error)
         next.File = std::move(opened.File);
     return next;
 }
 
-std::error_code PutOnDisk(AppendFile& file, std::string_view lines) {
+std::error_code WriteLines(AppendFile& file, std::string_view lines, bool wait) {
     const std::int64_t before = file.Length();
-    const std::error_code error = WriteThrough(file, lines);
+    const std::error_code error = wait ? WriteThrough(file, lines) : file.Write(lines);
     if (error && before >= 0)
         file.CutTo(before);
     return error;

@@ -32,7 +32,8 @@ struct ContinuedFile {
 /// name, takes its place.
 ContinuedFile ContinueFile(const FileOpener& opener, const std::string& path, const std::string& heading);
 
-/// Puts whole lines on disk, or none of them: without the part of a line that may still have found room.
-std::error_code PutOnDisk(AppendFile& file, std::string_view lines);
+/// Writes whole lines, or none of them: without the part of a line that may still have found room. `wait`:
+/// they are on the disk when it returns.
+std::error_code WriteLines(AppendFile& file, std::string_view lines, bool wait = true);
 
 } // namespace kavro

@@ -14,7 +14,6 @@ namespace kavro {
 namespace {
 
 constexpr int Full = 13;                       // SQLite's code of a full disk
-constexpr auto BetweenWaits = std::chrono::seconds(1); // for the disk, which may take as long as a turn
 constexpr std::int64_t RestBetweenMs = 60'000; // between two tellings of failures
 
 constexpr const char* InsertReading =
@@ -117,8 +116,7 @@ const HistoryConnection& SqliteHistory::Connection() {
 void SqliteHistory::Store(const std::vector<Reading>& readings, std::int64_t nowMs) {
     const HistoryConnection& connection = Connection();
     connection.WaitForOthers(gap_ ? 0 : busyMs_); // who has failed once must not fail slowly each time
-    const bool wait = DiskIsDue();
-    connection.WaitForDisk(wait);
+    connection.WaitForDisk(diskPace_.Due());
     Transaction transaction(connection);
     if (!readings.empty()) {
         QSqlQuery insert = connection.Prepared(InsertReading);
@@ -128,12 +126,6 @@ void SqliteHistory::Store(const std::vector<Reading>& readings, std::int64_t now
     if (gap_)
         InsertGap(nowMs);
     transaction.Commit();
-    if (wait)
-        onDisk_ = std::chrono::steady_clock::now();
-}
-
-bool SqliteHistory::DiskIsDue() const {
-    return !onDisk_ || std::chrono::steady_clock::now() - *onDisk_ >= BetweenWaits;
 }
 
 void SqliteHistory::Insert(QSqlQuery& insert, const Reading& reading) const {

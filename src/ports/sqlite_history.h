@@ -1,11 +1,11 @@
 #pragma once
 
+#include "link/disk_pace.h"
 #include "link/wall_time.h"
 #include "monitor/kept_history.h"
 #include "ports/history_schema.h"
 #include "ports/history_trim.h"
 
-#include <chrono>
 #include <cstdint>
 #include <exception>
 #include <memory>
@@ -30,9 +30,9 @@ public:
     /// Keeps the gap that is open, or tells what is lost.
     ~SqliteHistory() override;
 
-    /// Stores the readings in one transaction, which a kill cannot take away when it returns. Once a second the
-    /// disk is waited for, so that a power cut costs what came in between at most. What cannot be stored is
-    /// counted, and the gap is kept as soon as storing works again. Holds the caller up for as long as the
+    /// Stores the readings in one transaction, which a kill cannot take away when it returns. Once a second
+    /// the disk is waited for, so that a power cut costs what came in between at most. What cannot be stored
+    /// is counted, and the gap is kept as soon as storing works again. Holds the caller up for as long as the
     /// disk takes, for another program that writes the file by `busyMs` at most, and while what is too
     /// old goes by some 10 ms and a commit more. A reading at a time that its value has already, as the clock
     /// was put back, is kept at the next free millisecond.
@@ -59,7 +59,6 @@ private:
     void Store(const std::vector<Reading>& readings, std::int64_t nowMs);
     void Insert(QSqlQuery& insert, const Reading& reading) const;
     void InsertGap(std::int64_t toMs) const;
-    bool DiskIsDue() const;
     const HistoryConnection& Connection();
     void Failed(const std::vector<Reading>& readings, const WallTime& now, const std::exception& failure);
     void CloseGap();
@@ -74,7 +73,7 @@ private:
     std::optional<Gap> gap_;             // storing does not work
     std::optional<std::int64_t> toldMs_; // of a failure, last
     bool trimFails_ = false;
-    std::optional<std::chrono::steady_clock::time_point> onDisk_; // when the disk was waited for last
+    DiskPace diskPace_;
 };
 
 } // namespace kavro

@@ -92,7 +92,7 @@ TEST(CsvLog, WhatIsThereIsGoneOnWith) {
             folder.Write("log.csv", row.Before);
         const ContinuedFile next = ContinueFile(OpenAppendFile, folder.Path("log.csv"), heading);
         ASSERT_TRUE(next.File);
-        EXPECT_FALSE(PutOnDisk(*next.File, "1,a\n"));
+        EXPECT_FALSE(WriteLines(*next.File, "1,a\n"));
         EXPECT_EQ(folder.Read("log.csv"), row.First);
         EXPECT_EQ(folder.Read("log-2.csv"), row.Second);
         EXPECT_EQ(next.Path, folder.Path(row.Second.empty() ? "log.csv" : "log-2.csv"));
