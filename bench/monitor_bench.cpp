@@ -51,7 +51,8 @@ struct MonitorRun {
     void RunUntil(std::int64_t passedMs) {
         for (; Time.GetTickCount() < Start + passedMs; ++Ticks) {
             const MonitorTurn turn = Monitor.Tick().value();
-            Log.Write(CsvLines(Session, turn.Index, turn.Values, {.UnixMs = Time.GetTickCount()}));
+            const WallTime now = {.UnixMs = Time.GetTickCount()};
+            Log.Write(CsvLines(Session, turn.Index, turn.Values, now), now);
             Time.SleepUntil((Start + (Ticks + 1) * MonitorTickMs) * 1000);
         }
     }

@@ -18,7 +18,7 @@ constexpr std::int64_t SecondMs = 1000, MinuteMs = 60 * SecondMs, HourMs = 60 * 
 std::optional<std::int64_t> AgeMs(const QString& text) {
     constexpr std::pair<char, std::int64_t> units[] = {
         {'s', SecondMs}, {'m', MinuteMs}, {'h', HourMs}, {'d', DayMs}, {'w', 7 * DayMs}};
-    static const QRegularExpression form("^([0-9]{1,9})([smhdw])$");
+    static const QRegularExpression form("^([0-9]{1,9})([smhdw])\\z");
     const auto match = form.match(text);
     for (const auto& [letter, ms] : units)
         if (match.captured(2) == QChar(letter))
@@ -48,7 +48,7 @@ std::optional<std::int64_t> DateMs(const QString& text) {
     using namespace std::chrono;
     static const QRegularExpression form(
         "^([0-9]{4})-([0-9]{2})-([0-9]{2})(?:[Tt ]([0-9]{2}):([0-9]{2})(?::([0-9]{2})(?:\\.([0-9]{1,3}))?)?"
-        "(?:([Zz])|([+-])([0-9]{2}):([0-9]{2}))?)?$");
+        "(?:([Zz])|([+-])([0-9]{2}):([0-9]{2}))?)?\\z");
     const auto match = form.match(text);
     const auto number = [&](int group) { return match.captured(group).toInt(); };
     const year_month_day date(year(number(1)), month(static_cast<unsigned>(number(2))),
@@ -74,7 +74,7 @@ std::int64_t ParseMoment(const std::string& text, std::int64_t nowMs) {
     if (const auto age = AgeMs(words))
         return std::max<std::int64_t>(nowMs - *age, 0);
     if (const auto moment = DateMs(words))
-        return *moment;
+        return std::clamp<std::int64_t>(*moment, 0, LastMomentMs);
     throw RuntimeFailure("'" + text + "' is no time. Give one as " + MomentForms + ".");
 }
 

@@ -16,6 +16,7 @@ namespace {
 
 constexpr int LongestIntervalMs = 86'400'000; // a day
 constexpr int LongestPatienceS = 86'400;
+constexpr std::int64_t OutageUs = 500'000;
 constexpr std::int64_t NapUs = 50'000;      // Ctrl+C is noticed within that time
 constexpr std::int64_t LongestIdleMs = 500; // so that a lost port is noticed while nothing is due
 constexpr std::int64_t Never = INT64_MAX;
@@ -62,8 +63,10 @@ public:
     }
 
 private:
-    // While the port is away, turns without a pause must not keep the processor busy.
-    std::int64_t Rested(std::int64_t now) const { return recovery_.Lost() ? now + NapUs : now; }
+    // While the port is away, turns without a pause must neither keep the processor busy nor fill a log.
+    std::int64_t Rested(std::int64_t now) const {
+        return recovery_.Lost() ? now + (pace_.IntervalMs == 0 ? OutageUs : NapUs) : now;
+    }
 
     // False when nothing more is to be done.
     bool Turn() {

@@ -28,7 +28,8 @@ int OffsetMinutes(std::chrono::sys_seconds moment, const std::tm& local) {
 WallTime LocalMoment(std::int64_t unixMs) {
     using namespace std::chrono;
     const auto moment = floor<seconds>(sys_time<milliseconds>(milliseconds(unixMs)));
-    return {unixMs, OffsetMinutes(moment, LocalTime(system_clock::to_time_t(moment)))};
+    return {unixMs,
+            OffsetMinutes(moment, LocalTime(static_cast<std::time_t>(moment.time_since_epoch().count())))};
 }
 
 WallTime SystemTime() {

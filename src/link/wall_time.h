@@ -15,6 +15,9 @@ struct WallTime {
 /// Tells what time it is.
 using WallClock = std::function<WallTime()>;
 
+/// The last moment of the year 9999, in ms: texts have no later one.
+inline constexpr std::int64_t LastMomentMs = 253'402'300'799'999;
+
 /// A moment with how local time, in the machine's time zone, stood to UTC then.
 WallTime LocalMoment(std::int64_t unixMs);
 

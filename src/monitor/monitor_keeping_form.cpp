@@ -173,7 +173,8 @@ void MonitorKeeping::StopStoring() {
     ShowStates();
 }
 
-// Of a window that is closing there is nobody left to tell it but the one below.
+// Of a window that is closing there is nobody left to tell it but the one below. What comes while a message
+// is up is in the state line alone.
 void MonitorKeeping::HistoryTells(const std::string& text) {
     historySays_ = text;
     if (!isVisible()) {

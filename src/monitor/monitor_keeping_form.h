@@ -64,7 +64,7 @@ private:
     KeepingEvents events_;
     CsvLog log_;
     CrossingLog crossingLog_;
-    std::string historySays_; // what it told last, while it is in trouble
+    std::string historySays_; // what it told last
     bool telling_ = false;    // while a message about the history is up
     FlowRow* row_ = nullptr;
     QLabel* logState_ = nullptr;

@@ -1,6 +1,7 @@
 #include "ports/history_columns.h"
 
 #include "link/utc_text.h"
+#include "link/wall_time.h"
 
 #include <QString>
 
@@ -9,8 +10,6 @@
 namespace kavro {
 
 namespace {
-
-constexpr std::int64_t LastMoment = 253'402'300'799'999; // of the year 9999: texts have no later one
 
 constexpr const char* ReadingsOfValue = "SELECT time, value FROM readings WHERE line = ? AND address = ? AND "
                                         "channel = ? AND time >= ? AND time < ? ORDER BY time";
@@ -58,7 +57,7 @@ private:
                             .Last = value,
                             .Least = value,
                             .Most = value});
-        end_ = QString::fromStdString(UtcMsText(std::min(beginMs + columnMs_, LastMoment)));
+        end_ = QString::fromStdString(UtcMsText(std::min(beginMs + columnMs_, LastMomentMs)));
         last_.clear();
     }
 
@@ -74,7 +73,7 @@ private:
 };
 
 QVariant Bound(std::int64_t unixMs) {
-    return BoundText(UtcMsText(std::clamp<std::int64_t>(unixMs, 0, LastMoment)));
+    return BoundText(UtcMsText(std::clamp<std::int64_t>(unixMs, 0, LastMomentMs)));
 }
 
 } // namespace

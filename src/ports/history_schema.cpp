@@ -119,7 +119,7 @@ void HistoryConnection::Check(const std::string& path, Access access) {
     }
     if (application != HistoryApplication)
         Refuse(path, "cannot be used: it is no history but a file of another program. Name another file.");
-    if (Number("PRAGMA user_version") != HistoryVersion)
+    if (Number("PRAGMA user_version") > HistoryVersion)
         Refuse(path, "cannot be used: a later version of this program made it. Use that version, or name "
                      "another file.");
 }

@@ -56,8 +56,14 @@ WallTime UtcTime() {
 SqliteHistory::SqliteHistory(const HistoryChoice& choice, HistoryTeller tell, WallClock wallClock, int busyMs)
     : choice_(choice), tell_(std::move(tell)), wallClock_(std::move(wallClock)), busyMs_(busyMs),
       connection_(std::make_unique<HistoryConnection>(choice.Path, HistoryConnection::Access::Make)) {
-    if (choice.KeepDays)
-        trim_.emplace(choice.Line, *choice.KeepDays);
+    if (!choice.KeepDays)
+        return;
+    try {
+        trim_.emplace(*connection_, choice.Line, *choice.KeepDays);
+    } catch (const SqlFailure& failure) {
+        throw RuntimeFailure("The history " + choice.Path + " cannot be read: " + failure.what() +
+                             ". Name another file.");
+    }
 }
 
 SqliteHistory::~SqliteHistory() {

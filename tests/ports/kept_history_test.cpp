@@ -153,8 +153,7 @@ TEST_F(KeptHistoryTest, AFailureIsToldOnceAndStoringGoesOn) {
     const auto history = Open();
     const std::string elsewhere = Path + ".elsewhere";
     std::filesystem::rename(Path, elsewhere);
-    for (int i = 0; i < 3; ++i)
-        history->Take({ReadingAt(i, i)});
+    history->Take({ReadingAt(0, 0), ReadingAt(1, 1), ReadingAt(2, 2)}); // at once, as all are to be lost
     EXPECT_TRUE(LoopUntil([&] { return !Told.empty(); }));
     std::filesystem::rename(elsewhere, Path);
     EXPECT_TRUE(LoopUntil([&] { return Told.size() == 2; })) << "without a further reading";

@@ -156,17 +156,23 @@ TEST_F(SqliteHistoryTest, WhatIsTooOldGoesOnceAnHour) {
             hall.Take(At(StartMs + turn, 5, turn % 2 ? "0" : "1"));
         attic.Take(At(StartMs));
     }
-    SqliteHistory hall = Opened(2);
     const std::int64_t now = StartMs + 2 * DayMs + 440;
-    for (int turn = 0; turn < 1000 && rows() != 10U + static_cast<std::size_t>(turn); ++turn)
-        hall.Take(At(now + turn, 6));
+    SqliteHistory hall = Opened(2);
+    hall.Take(At(now, 6)); // two days after the last one, or a clock that is set wrong
+    hall.Take(At(now + 10 * 365 * DayMs, 6));
+    hall.Take(At(now - HourMs - 1, 6));
+    EXPECT_EQ(rows(), 453U);
+    hall.Take(At(now - 1, 6)); // an hour without a leap
+    std::size_t took = 1;
+    for (; took < 1000 && rows() != 11 + 3 + took; ++took) // eleven of the old ones are not two days old yet
+        hall.Take(At(now + static_cast<std::int64_t>(took), 6));
     const auto left = rows();
     EXPECT_LT(left, 100U) << testing::PrintToString(Told);
     hall.Take(At(now + HourMs / 2, 6));
     EXPECT_EQ(rows(), left + 1);
     for (int turn = 0; turn < 3; ++turn)
         hall.Take(At(now + HourMs + turn, 6));
-    EXPECT_EQ(rows(), left + 4 - 10);
+    EXPECT_EQ(rows(), left + 4 - 11);
     EXPECT_EQ(Kept(Path, {.Line = "attic"}).size(), 1U);
 }
 
