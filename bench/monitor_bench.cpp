@@ -83,8 +83,8 @@ constexpr std::int64_t CharacterUs = 10'000'000 / 9600;
 constexpr std::int16_t Baud19200Code = 4;
 
 struct PaceCase {
-    const char* What;
-    int IntervalMs;
+    const char* What = nullptr;
+    int IntervalMs = 0;
     Faults Dead;
     bool OtherRate = false; // the dead module is taken for one at 19200 baud
     const char* Goal = "> 0.95";
@@ -222,6 +222,7 @@ void LineInUse() {
         real.Session.ModuleTable[index] = fleet.Session.ModuleTable[index];
     real.Watch(0, 0, RealUs); // the pause for the baud rate, and what is asked once
     std::vector<PaceFigures> runs;
+    runs.reserve(RealRuns);
     for (int run = 0; run < RealRuns; ++run)
         runs.push_back(real.Watch(0, 0, RealUs));
     PrintUse("real time, median of 5 runs", runs);

@@ -41,6 +41,7 @@ constexpr const char* NoModules =
     "No modules are known yet. Search first: close this window and choose Network > Search.";
 constexpr const char* NoValues = "There are no values. Choose modules to read first.";
 constexpr const char* NoTrend = "There is no trend. Tick a value first.";
+constexpr const char* BelowGrid = "This goes with the grid. Show the grid first.";
 constexpr const char* NotKept = " What was chosen counts until the program ends.";
 
 } // namespace
@@ -262,11 +263,13 @@ void MonitorForm::ShowUse() {
     const bool values = pane_->CurrentValue().has_value();
     SetUsable(*thresholdsBtn_, values, NoValues);
     SetUsable(*largeBtn_, values, NoValues);
-    largeBtn_->setText(pane_->ShowsLarge() ? "Show all (&G)" : "Lar&ge");
+    largeBtn_->setText(pane_->ShowsLarge() ? "Show &grid" : "Lar&ge");
     const auto crossed = static_cast<int>(watch_.Kept().size());
     crossingsBtn_->setText(crossed == 0 ? QString("&Crossings") : QString("&Crossings (%1)").arg(crossed));
-    SetUsable(*pictureBtn_, pane_->ShowsTrend(), NoTrend);
-    SetUsable(*dataBtn_, pane_->ShowsTrend(), NoTrend);
+    const bool large = pane_->ShowsLarge();
+    SetUsable(*crossingsBtn_, !large, BelowGrid);
+    SetUsable(*pictureBtn_, pane_->ShowsTrend(), large ? BelowGrid : NoTrend);
+    SetUsable(*dataBtn_, pane_->ShowsTrend(), large ? BelowGrid : NoTrend);
     settings_->ShowModules(pane_->Grid().Table().Rows().ModuleCount(), Session().ModuleCount);
 }
 
@@ -326,11 +329,12 @@ void MonitorForm::DataBtn_Click() {
         Session().ReplaceFile(path.toStdString(), pane_->Trend().Data());
 }
 
-// Escape leaves what the window shows alone, and only then the window.
+// Escape leaves what the window shows alone, and only then the window: not while it keeps anything, which a
+// stray key must not end.
 void MonitorForm::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Escape && pane_ && pane_->ShowsLarge())
         pane_->ShowGrid();
-    else
+    else if (event->key() != Qt::Key_Escape || !keeping_ || !keeping_->Keeps())
         PanelForm::keyPressEvent(event);
 }
 

@@ -45,6 +45,9 @@ public:
     /// Keeps the values of a turn, and the crossings among them.
     void Take(const MonitorTurn& turn, const WallTime& time, const std::vector<Crossing>& crossings);
 
+    /// Whether a log or a history goes on.
+    bool Keeps() const { return log_.IsOpen() || history_ != nullptr; }
+
     /// Adds a button at the end of the row.
     void AddButton(QPushButton* button);
 

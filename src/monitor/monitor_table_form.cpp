@@ -262,7 +262,7 @@ QVariant MonitorTable::headerData(int section, Qt::Orientation orientation, int 
     return {};
 }
 
-// "5 (05H) 8250  Tank room"; further rows of the module say which values they have.
+// "5 (05H) 8250  Tank room"; further rows of the module say which values they have: "5: 2 to 3".
 QVariant MonitorTable::RowHeading(int row, int role) const {
     const GridRows::Row& at = rows_.At(row);
     if (role == Qt::TextAlignmentRole)
@@ -270,9 +270,13 @@ QVariant MonitorTable::RowHeading(int row, int role) const {
     if (at.First > 0) {
         const int values = rows_.Modules()[static_cast<std::size_t>(at.Order)].Values;
         const int last = std::min(at.First + rows_.Columns(), values) - 1;
+        const QString address = QString("%1: ").arg(session_.ModuleTable[at.Index].Address);
+        if (role == Qt::ToolTipRole)
+            return Text(ModuleText(session_, at.Index));
         if (role != Qt::DisplayRole)
             return {};
-        return last == at.First ? QString::number(last) : QString("%1 to %2").arg(at.First).arg(last);
+        return address +
+               (last == at.First ? QString::number(last) : QString("%1 to %2").arg(at.First).arg(last));
     }
     const ModuleTags* const tags = TagsOf(session_, at.Index);
     const TagAndNote tag = tags ? tags->Module : TagAndNote{};

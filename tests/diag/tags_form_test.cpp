@@ -53,12 +53,13 @@ TEST(TagsOnPanels, EachChannelHasItsOwnAndAnEditShowsAtOnce) {
             Find<QTableWidget>(form, "Channels").item(0, 0)->setText("new");
             Click(form, "OKBtn");
         };
+        const bool digital = dialog == ModuleDialog::DioDiagForm;
         const auto look = [&](QDialog& panel) {
             EXPECT_EQ(ShownTags(panel), expected);
             DialogDriver driver({{"TagForm", edit}});
             Click(panel, "TagsBtn");
             EXPECT_TRUE(ShownTags(panel).contains("new"));
-            if (dialog == ModuleDialog::DioDiagForm) {
+            if (digital) {
                 const auto& output = Find<QAbstractButton>(panel, "Output_0");
                 EXPECT_TRUE(output.accessibleName().startsWith("Output 0, T7: "));
             }

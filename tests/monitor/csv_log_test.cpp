@@ -23,9 +23,9 @@ TEST(CsvLog, ExactBytes) {
     log.Open(folder.Path("log.csv"));
     log.Write(lines, {});
     EXPECT_EQ(folder.Read("log.csv"), CsvHeader + lines) << "while the file is still open";
-    for (const auto& [path, failure] : {std::pair{folder.Path("none/log.csv"), "cannot be opened: No such"},
-                                        {"/dev/full", "cannot be written: No space left on device"}}) {
-        EXPECT_TRUE(Contains(FailureText([&] { log.Open(path); }), failure));
+    for (const auto& wrong : {std::pair{folder.Path("none/log.csv"), "cannot be opened: No such"},
+                              {"/dev/full", "cannot be written: No space left on device"}}) {
+        EXPECT_TRUE(Contains(FailureText([&] { log.Open(wrong.first); }), wrong.second));
         EXPECT_FALSE(log.IsOpen());
     }
 }
@@ -53,10 +53,10 @@ constexpr std::int64_t Midnight = 1'927'926'000'000; // 2031-02-04T00:00+01:00
 
 TEST(CsvLog, APeriodHasAFileOfItsOwn) {
     const struct {
-        const char* Path;
-        NewLogFile NewFile;
+        const char* Path = nullptr;
+        NewLogFile NewFile = NewLogFile::Never;
         WallTime Time;
-        const char* Expected;
+        const char* Expected = nullptr;
     } rows[] = {
         {"log.csv", NewLogFile::Never, {Midnight, 60}, "log.csv"},
         {"log.csv", NewLogFile::EachDay, {Midnight, 60}, "log-2031-02-04.csv"},

@@ -222,7 +222,7 @@ TEST_F(MonitorFormTest, ValuesWithoutRoomGoOnInFurtherRows) {
     while (Heading(row) != "5 (05H) 8250")
         ++row;
     const int columns = Grid().model()->columnCount() - Value0;
-    EXPECT_TRUE(Heading(row + 1).starts_with(std::to_string(columns) + " to ")) << Heading(row + 1);
+    EXPECT_TRUE(Heading(row + 1).starts_with("5: " + std::to_string(columns) + " to ")) << Heading(row + 1);
     EXPECT_EQ(Cell(row, StateColumn) + Cell(row + 1, StateColumn), "ok");
 }
 

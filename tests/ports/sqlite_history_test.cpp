@@ -71,7 +71,7 @@ TEST_F(SqliteHistoryTest, KeepsEachReadingOnce) {
 TEST_F(SqliteHistoryTest, ReadsInOrder) {
     Path = Disk.Path("order");
     SqliteHistory hall = Opened(), attic = Opened({}, "attic");
-    for (int turn = 0; turn < 260; ++turn) {
+    for (std::int64_t turn = 0; turn < 260; ++turn) {
         hall.Take(At(StartMs + 10 * turn, 5));
         if (turn % 3 == 0)
             attic.Take(At(StartMs + 10 * turn, 200));
@@ -159,7 +159,7 @@ TEST_F(SqliteHistoryTest, WhatIsTooOldGoesOnceAnHour) {
     const std::int64_t now = StartMs + 2 * DayMs + 440;
     SqliteHistory hall = Opened(2);
     hall.Take(At(now, 6)); // two days after the last one, or a clock that is set wrong
-    hall.Take(At(now + 10 * 365 * DayMs, 6));
+    hall.Take(At(now + 3650 * DayMs, 6));
     hall.Take(At(now - HourMs - 1, 6));
     EXPECT_EQ(rows(), 453U);
     hall.Take(At(now - 1, 6)); // an hour without a leap
@@ -189,8 +189,11 @@ TEST_F(SqliteHistoryTest, RefusesWhatIsNoHistory) {
         {Disk.Write("text", std::string(5000, 'x')), "not a SQLite database"},
         {made("later", "PRAGMA user_version = 2"), "a later version"},
         {made("other", "PRAGMA application_id = 0"), "another program"}};
-    for (const auto& [path, piece] : cases)
-        EXPECT_TRUE(Contains(FailureText([&] { SqliteHistory({path, "line", {}}, {}); }), piece));
+    for (const auto& wrong : cases)
+        EXPECT_TRUE(Contains(FailureText([&] {
+                                 SqliteHistory({wrong.first, "line", {}}, {});
+                             }),
+                             wrong.second));
     EXPECT_TRUE(Contains(FailureText([&] { HistoryReader(Disk.Path("none")); }), "no such file"));
     Disk.Write("empty", "");
     { SqliteHistory({Disk.Path("empty"), "line", {}}, {}); } // a kill left it before anything was in it
