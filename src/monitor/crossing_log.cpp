@@ -56,7 +56,7 @@ std::error_code CrossingLog::Put(const std::string& heading, const std::string& 
         if (next.Error)
             return next.Error;
     }
-    return WriteLines(*file_, lines);
+    return WriteLines(*file_, lines, diskPace_.Due());
 }
 
 void CrossingLog::Close() {

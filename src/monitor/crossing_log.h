@@ -1,6 +1,7 @@
 #pragma once
 
 #include "link/append_file.h"
+#include "link/disk_pace.h"
 #include "monitor/crossings.h"
 
 #include <memory>
@@ -43,6 +44,7 @@ private:
     std::string logPath_; // that it stands beside
     std::string path_;
     bool told_ = false;
+    DiskPace diskPace_;
 };
 
 } // namespace kavro

@@ -315,6 +315,7 @@ void MonitorForm::PictureBtn_Click() {
         this, {.Title = "Save Picture", .Kind = "PNG Files", .Suffix = "png", .Name = "monitor.png"});
     if (path.isEmpty())
         return;
+    keeping_->RefuseKept(path.toStdString());
     QBuffer file;
     file.open(QIODevice::WriteOnly);
     pane_->Trend().SetNow(wallClock_());
@@ -325,8 +326,10 @@ void MonitorForm::PictureBtn_Click() {
 void MonitorForm::DataBtn_Click() {
     const QString path = ChooseSaveFile(
         this, {.Title = "Save Data", .Kind = "CSV Files", .Suffix = "csv", .Name = "trend.csv"});
-    if (!path.isEmpty())
-        Session().ReplaceFile(path.toStdString(), pane_->Trend().Data());
+    if (path.isEmpty())
+        return;
+    keeping_->RefuseKept(path.toStdString());
+    Session().ReplaceFile(path.toStdString(), pane_->Trend().Data());
 }
 
 // Escape leaves what the window shows alone, and only then the window: not while it keeps anything, which a

@@ -1,6 +1,7 @@
 #include "monitor/monitor_keeping_form.h"
 
 #include "link/runtime_failure.h"
+#include "link/same_file.h"
 #include "monitor/history_choice_form.h"
 #include "ui/choose_file.h"
 #include "ui/flow_row.h"
@@ -107,6 +108,12 @@ void MonitorKeeping::AddButton(QPushButton* button) {
     row_->addWidget(button);
 }
 
+void MonitorKeeping::RefuseKept(const std::string& path) const {
+    if ((log_.IsOpen() && SameFile(path, log_.Path())) ||
+        (history_ && SameFile(path, history_->Choice().Path)))
+        throw RuntimeFailure(path + " is being written as log or history. Choose another file.");
+}
+
 // First the history: what the log has shall be in it.
 void MonitorKeeping::Take(const MonitorTurn& turn, const WallTime& time,
                           const std::vector<Crossing>& crossings) {
@@ -143,6 +150,7 @@ void MonitorKeeping::LogBtn_Click() {
                                                    .AsksToReplace = newFile == NewLogFile::Never});
     if (path.isEmpty())
         return;
+    RefuseKept(path.toStdString());
     crossingLog_.Close();
     const std::string heading = CsvHeading(means_.Session);
     if (newFile == NewLogFile::Never)
@@ -160,6 +168,7 @@ void MonitorKeeping::StoreBtn_Click() {
     const auto choice = ChooseHistory(means_.Session, window());
     if (!choice)
         return;
+    RefuseKept(choice->Path);
     historySays_.clear();
     history_ = means_.OpenHistory(*choice, [this](const std::string& text) { HistoryTells(text); });
     events_.HistoryNow(&history_->Past());
@@ -200,8 +209,8 @@ void MonitorKeeping::ShowStates() {
     SetUsable(*newFile_, !logs, Logging);
     storeBtn_->setText(history_ ? "Stop st&oring" : "St&ore...");
     QString stored = history_ ? "Storing to " + Shown(history_->Choice().Path) : QString("Not storing");
-    if (history_ && !historySays_.empty())
-        stored += ". " + Shown(historySays_);
+    if (history_ && !historySays_.empty()) // what it is about would leave no room for what is wrong
+        stored = Shown(historySays_).replace("The history " + Shown(history_->Choice().Path), "The history");
     static_cast<StateLabel*>(storeState_)->Say(stored);
 }
 

@@ -48,6 +48,9 @@ public:
     /// Whether a log or a history goes on.
     bool Keeps() const { return log_.IsOpen() || history_ != nullptr; }
 
+    /// Throws `RuntimeFailure` when that file is the log or the history that goes on.
+    void RefuseKept(const std::string& path) const;
+
     /// Adds a button at the end of the row.
     void AddButton(QPushButton* button);
 

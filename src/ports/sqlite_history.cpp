@@ -3,11 +3,11 @@
 #include "link/runtime_failure.h"
 #include "link/utc_text.h"
 
-#include <QFileInfo>
-
 #include <algorithm>
 #include <chrono>
 #include <utility>
+
+#include <sys/stat.h>
 
 namespace kavro {
 
@@ -33,6 +33,14 @@ std::int64_t FreeMoment(const HistoryConnection& connection, const std::string& 
     return moment;
 }
 
+// Which file stands at a path; nothing when there is none.
+std::optional<std::pair<std::uint64_t, std::uint64_t>> FileAt(const std::string& path) {
+    struct stat file = {};
+    if (stat(path.c_str(), &file) != 0)
+        return std::nullopt;
+    return std::pair<std::uint64_t, std::uint64_t>(file.st_dev, file.st_ino);
+}
+
 // Whether the connection does as before when the reason is gone.
 bool Passes(const SqlFailure& failure) {
     return IsLocked(failure) || failure.Code == Full;
@@ -56,6 +64,7 @@ WallTime UtcTime() {
 SqliteHistory::SqliteHistory(const HistoryChoice& choice, HistoryTeller tell, WallClock wallClock, int busyMs)
     : choice_(choice), tell_(std::move(tell)), wallClock_(std::move(wallClock)), busyMs_(busyMs),
       connection_(std::make_unique<HistoryConnection>(choice.Path, HistoryConnection::Access::Make)) {
+    file_ = FileAt(choice.Path);
     if (!choice.KeepDays)
         return;
     try {
@@ -110,12 +119,15 @@ void SqliteHistory::TryAgain() {
 
 // Opened again after a failure, but not made again: where a disk was mounted another one may be now.
 const HistoryConnection& SqliteHistory::Connection() {
-    if (!QFileInfo::exists(QString::fromStdString(choice_.Path))) {
+    const auto file = FileAt(choice_.Path);
+    if (!file ||
+        (connection_ && file != file_)) { // what is written to a file that was replaced is in no file
         connection_.reset();
-        throw RuntimeFailure("the file is gone");
+        throw RuntimeFailure(file ? "the file was replaced by another one" : "the file is gone");
     }
     if (!connection_)
         connection_ = std::make_unique<HistoryConnection>(choice_.Path, HistoryConnection::Access::Write);
+    file_ = file;
     return *connection_;
 }
 

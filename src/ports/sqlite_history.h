@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace kavro {
@@ -69,6 +70,8 @@ private:
     WallClock wallClock_;
     int busyMs_;
     std::unique_ptr<HistoryConnection> connection_; // none while the file cannot be used
+    std::optional<std::pair<std::uint64_t, std::uint64_t>>
+        file_; // device and number of the file that is open
     std::optional<HistoryTrim> trim_;
     std::optional<Gap> gap_;             // storing does not work
     std::optional<std::int64_t> toldMs_; // of a failure, last

@@ -7,6 +7,7 @@
 #include "support/test_session.h"
 
 #include <filesystem>
+#include <fstream>
 
 namespace kavro {
 namespace {
@@ -127,6 +128,16 @@ TEST_F(SqliteHistoryTest, TellsOnceAndKeepsTheGap) {
         EXPECT_EQ(kept + static_cast<std::size_t>(gaps[0].Lost), 102U) << "each is there or counted";
         Told.clear();
     }
+}
+
+TEST_F(SqliteHistoryTest, AFileThatReplacesItIsNotTakenForIt) {
+    SqliteHistory history = Opened();
+    history.Take(At(StartMs));
+    std::ofstream(Path + "x") << "time,value\n";
+    std::filesystem::rename(Path + "x", Path);
+    history.Take(At(StartMs + 1));
+    ASSERT_EQ(Told.size(), 1U);
+    EXPECT_TRUE(Contains(Told[0], "the file was replaced by another one"));
 }
 
 TEST_F(SqliteHistoryTest, AGapThatNobodyKeepsIsTold) {
