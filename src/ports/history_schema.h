@@ -1,14 +1,9 @@
 #pragma once
 
 #include "monitor/kept_history.h"
-
-#include <QSqlDatabase>
-#include <QSqlQuery>
-#include <QVariant>
+#include "ports/sqlite_file.h"
 
 #include <cstdint>
-#include <memory>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -29,91 +24,12 @@ inline constexpr const char* HistoryTables[] = {
     "lost INTEGER NOT NULL, reason TEXT NOT NULL)",
 };
 
-/// Longest wait for another program that has the file locked.
-inline constexpr int HistoryBusyMs = 250;
-
-/// What SQLite says when it cannot do something, with its result code.
-class SqlFailure : public std::runtime_error {
+/// A connection to a history file.
+class HistoryConnection : public SqliteFile {
 public:
-    SqlFailure(const std::string& reason, int code) : std::runtime_error(reason), Code(code) {}
-    int Code; ///< of SQLite, without its extension: 5 busy, 13 full
-};
-
-/// A connection to a history file, used in the thread that made it alone. Its queries go before it does.
-class HistoryConnection {
-public:
-    enum class Access {
-        Make,  ///< reads and writes; a file that is missing or empty becomes a history
-        Write, ///< reads and writes a history that is there
-        Read,  ///< reads a history that is there, also while another program writes it
-    };
-
-    /// Opens the file. Throws `RuntimeFailure`, which says what to do, when it cannot be opened, is no
-    /// history or one of a later version, and when the driver is not installed.
+    /// Opens the file. Throws `RuntimeFailure`, as a `SqliteFile` does.
     HistoryConnection(const std::string& path, Access access);
-
-    /// A statement, prepared; it moves forward only. Throws `SqlFailure`.
-    QSqlQuery Prepared(const char* sql) const;
-
-    /// Runs a statement. Throws `SqlFailure`.
-    void Run(const char* sql) const;
-
-    /// How long other programs are waited for that write the file; `HistoryBusyMs` to begin with.
-    void WaitForOthers(int ms) const;
-
-    /// Whether commits wait for the disk from now on. Those that do not are safe when the program is killed,
-    /// and are on the disk with the next one that waits; the file is whole in either case.
-    void WaitForDisk(bool wait) const;
-
-private:
-    // Open while it lives.
-    struct Handle {
-        Handle();
-        ~Handle();
-        Handle(const Handle&) = delete;
-        Handle& operator=(const Handle&) = delete;
-        QSqlDatabase Database;
-    };
-
-    void Open(const std::string& path, Access access);
-    void Check(const std::string& path, Access access);
-    void MakeTables();
-    void BeSafe();
-    int Number(const char* sql) const;
-
-    std::unique_ptr<Handle> handle_;
 };
-
-/// Whether another program holds the file.
-bool IsLocked(const SqlFailure& failure);
-
-/// A transaction that writes: all that is run on the connection until `Commit`, or none of it. Throws
-/// `SqlFailure`.
-class Transaction {
-public:
-    explicit Transaction(const HistoryConnection& connection) : connection_(connection) {
-        connection_.Run("BEGIN IMMEDIATE");
-    }
-    ~Transaction();
-    Transaction(const Transaction&) = delete;
-    Transaction& operator=(const Transaction&) = delete;
-
-    void Commit();
-
-private:
-    const HistoryConnection& connection_;
-    bool done_ = false;
-};
-
-/// Binds the values in order and runs the query. Throws `SqlFailure`.
-void RunWith(QSqlQuery& query, const std::vector<QVariant>& values);
-
-/// Goes to the next row; false behind the last. Throws `SqlFailure`.
-bool NextRow(QSqlQuery& query);
-
-/// A text of a row, and one to be bound.
-std::string TextAt(const QSqlQuery& query, int column);
-QVariant BoundText(const std::string& text);
 
 /// Names a value of a history.
 struct HistoryValue {

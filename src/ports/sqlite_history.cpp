@@ -13,7 +13,6 @@ namespace kavro {
 
 namespace {
 
-constexpr int Full = 13;                       // SQLite's code of a full disk
 constexpr std::int64_t RestBetweenMs = 60'000; // between two tellings of failures
 
 constexpr const char* InsertReading =
@@ -43,11 +42,11 @@ std::optional<std::pair<std::uint64_t, std::uint64_t>> FileAt(const std::string&
 
 // Whether the connection does as before when the reason is gone.
 bool Passes(const SqlFailure& failure) {
-    return IsLocked(failure) || failure.Code == Full;
+    return IsLocked(failure) || failure.Code == SqliteFull;
 }
 
 std::string Advice(const std::string& reason, int code) {
-    return reason + (code == Full ? ". Free space there." : ".");
+    return reason + (code == SqliteFull ? ". Free space there." : ".");
 }
 
 std::string Counted(std::int64_t readings) {

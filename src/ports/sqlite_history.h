@@ -26,7 +26,7 @@ public:
     /// when it cannot be opened or is no history. `busyMs`: the longest wait for another program that writes
     /// the file.
     SqliteHistory(const HistoryChoice& choice, HistoryTeller tell, WallClock wallClock = UtcTime,
-                  int busyMs = HistoryBusyMs);
+                  int busyMs = SqliteBusyMs);
 
     /// Keeps the gap that is open, or tells what is lost.
     ~SqliteHistory() override;
