@@ -12,13 +12,14 @@ std::unique_ptr<QCoreApplication> Application(int& argc, char** argv) {
     if (argc < 2 || !kavro::NeedsFonts(argv[1]))
         return std::make_unique<QCoreApplication>(argc, argv);
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    QLoggingCategory::setFilterRules("default.warning=false"); // of a desktop that is not there
     return std::make_unique<QGuiApplication>(argc, argv);
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
+    // Of a desktop that is not there, and of a database that has gone, which is told in better words.
+    QLoggingCategory::setFilterRules("default.warning=false");
     const std::unique_ptr<QCoreApplication> application = Application(argc, argv);
     return kavro::RunKavroctl(QCoreApplication::arguments().mid(1));
 }

@@ -94,10 +94,10 @@ CommandAction PrepareMonitor(const QCommandLineParser& parser) {
     if (rounds.Turns.value_or(1) > MostRounds)
         throw RuntimeFailure("--count is at most " + std::to_string(MostRounds) + " rounds.");
     const ValueForm form = ReadValueForm(parser);
-    RequireStoreOptions(parser);
     const WholeLine line = ReadWholeLine(parser);
-    const auto history = OpenStore(parser, line.Cli->Session);
+    const StoreChoice store = ReadStore(parser, line.Cli->Session);
     return [=] {
+        const auto history = OpenStore(store);
         return RunOnModules(
             line, [&](Session& session) { return MonitorModules(session, rounds, form, history.get()); });
     };

@@ -4,15 +4,23 @@
 #include "link/entered_values.h"
 #include "link/runtime_failure.h"
 #include "monitor/line_name.h"
+#include "ports/feed.h"
+#include "ports/postgres_destination.h"
+#include "ports/settings_folder.h"
 #include "ports/sqlite_history.h"
 
 #include <QCommandLineParser>
+
+#include <filesystem>
 
 namespace kavro {
 
 namespace {
 
 constexpr int LongestKeepDays = 36'500;
+constexpr std::int64_t UsualLimitMb = 256;
+constexpr int HighestLimitMb = 1'000'000;
+constexpr auto Megabyte = std::int64_t{1024} * 1024;
 
 std::optional<int> KeepDays(const QCommandLineParser& parser) {
     if (!parser.isSet("keep"))
@@ -20,45 +28,106 @@ std::optional<int> KeepDays(const QCommandLineParser& parser) {
     return ParseWholeNumber(parser.value("keep").toStdString(), "a number of days", 1, LongestKeepDays);
 }
 
+void RefuseWithout(const QCommandLineParser& parser, std::initializer_list<const char*> options,
+                   const std::string& why) {
+    for (const char* option : options)
+        if (parser.isSet(option))
+            throw RuntimeFailure(std::string("--") + option + " " + why + ", or leave it out.");
+}
+
+std::string LineOf(const QCommandLineParser& parser, const Session& session) {
+    if (!parser.isSet("line"))
+        return LineNameOf(session);
+    std::string name = parser.value("line").toStdString();
+    RequireLineName(name);
+    return name;
+}
+
+SpoolChoice ReadSpool(const QCommandLineParser& parser, const std::string& line) {
+    SpoolChoice spool = {SpoolFilePath(line), line, UsualLimitMb * Megabyte, {}};
+    if (parser.isSet("spool"))
+        spool.Path = parser.value("spool").toStdString();
+    if (spool.Path.empty())
+        throw RuntimeFailure("--spool needs the name of a file.");
+    if (parser.isSet("spool-limit"))
+        spool.LimitBytes = Megabyte * ParseWholeNumber(parser.value("spool-limit").toStdString(),
+                                                       "a number of megabytes", 1, HighestLimitMb);
+    return spool;
+}
+
+// The folder of the usual spool; what fails here the spool tells.
+void MakeFolderOf(const SpoolChoice& spool) {
+    std::error_code ignored;
+    if (spool.Path == SpoolFilePath(spool.Line))
+        std::filesystem::create_directories(std::filesystem::path(spool.Path).parent_path(), ignored);
+}
+
+std::vector<FeedTarget> TargetsOf(const StoreChoice& choice) {
+    std::vector<FeedTarget> targets;
+    if (choice.Database)
+        targets.push_back({"database", [&choice](const std::string& spoolId) {
+                               return std::make_unique<PostgresDestination>(*choice.Database,
+                                                                            choice.Spool->Line, spoolId);
+                           }});
+    return targets;
+}
+
 } // namespace
 
 void AddStoreOptions(QCommandLineParser& parser) {
     parser.addOptions({
-        {"store", "Keep every value in FILE as well, a SQLite history, which kavroctl history prints.",
+        {"store",
+         QString("Keep every value in FILE as well, a SQLite history, which kavroctl history prints, or in a "
+                 "PostgreSQL database, %1, with the password as PostgreSQL's own tools take it.")
+             .arg(PostgresForm),
          "FILE"},
-        {"keep", "With --store: delete what is older than DAYS of this line. All of it is kept unless given.",
+        {"keep",
+         "With --store FILE: delete what is older than DAYS of this line. All of it is kept unless given.",
          "DAYS"},
         {"line",
          "With --store: the name of the line in it; that of the line file given as --map, else \"line\".",
          "NAME"},
+        {"spool",
+         "With a database: values wait in FILE until it has them; one of the line in the user's data folder "
+         "unless given.",
+         "FILE"},
+        {"spool-limit",
+         "With a database: the oldest values that wait go when they take more than MB megabytes; 256 unless "
+         "given.",
+         "MB"},
     });
 }
 
-void RequireStoreOptions(const QCommandLineParser& parser) {
-    if (!parser.isSet("store")) {
-        for (const char* option : {"keep", "line"})
-            if (parser.isSet(option))
-                throw RuntimeFailure(std::string("--") + option +
-                                     " is for a history. Give --store FILE as well, or leave it out.");
-        return;
-    }
-    const std::string path = parser.value("store").toStdString();
-    if (path.empty())
+StoreChoice ReadStore(const QCommandLineParser& parser, const Session& session) {
+    StoreChoice choice;
+    const std::string store = parser.value("store").toStdString();
+    if (IsPostgresAddress(store))
+        choice.Database = ParsePostgresAddress(store);
+    else
+        RefuseWithout(parser, {"spool", "spool-limit"},
+                      std::string("is for a database. Give --store ") + PostgresForm + " as well");
+    if (!parser.isSet("store"))
+        RefuseWithout(parser, {"keep", "line"}, "is for a history. Give --store FILE as well");
+    else if (choice.Database)
+        RefuseWithout(parser, {"keep"}, "is for a history in a file. Give --store FILE instead");
+    else if (store.empty())
         throw RuntimeFailure("--store needs the name of a file.");
-    if (path.find("://") != std::string::npos)
-        throw RuntimeFailure("'" + path + "' is no file. A history is kept in a file; name one.");
-    KeepDays(parser);
-    if (parser.isSet("line"))
-        RequireLineName(parser.value("line").toStdString());
+    else if (store.find("://") != std::string::npos)
+        throw RuntimeFailure("'" + store + "' is no file. Name one, or a database as " + PostgresForm + ".");
+    const std::string line = LineOf(parser, session);
+    if (choice.Database)
+        choice.Spool = ReadSpool(parser, line);
+    else if (!store.empty())
+        choice.History =
+            std::make_shared<SqliteHistory>(HistoryChoice{store, line, KeepDays(parser)}, PrintNote);
+    return choice;
 }
 
-std::shared_ptr<ReadingSink> OpenStore(const QCommandLineParser& parser, const Session& session) {
-    if (!parser.isSet("store"))
-        return nullptr;
-    const HistoryChoice choice = {
-        parser.value("store").toStdString(),
-        parser.isSet("line") ? parser.value("line").toStdString() : LineNameOf(session), KeepDays(parser)};
-    return std::make_shared<SqliteHistory>(choice, PrintNote);
+std::shared_ptr<ReadingSink> OpenStore(const StoreChoice& choice) {
+    if (!choice.Spool)
+        return choice.History;
+    MakeFolderOf(*choice.Spool);
+    return std::make_shared<Feed>(*choice.Spool, TargetsOf(choice), PrintNote);
 }
 
 } // namespace kavro

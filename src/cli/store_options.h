@@ -1,23 +1,34 @@
 #pragma once
 
 #include "map/session.h"
-#include "monitor/reading.h"
+#include "monitor/kept_history.h"
+#include "ports/postgres_address.h"
+#include "ports/spool.h"
 
 #include <memory>
+#include <optional>
 
 class QCommandLineParser;
 
 namespace kavro {
 
-/// Adds --store, --keep and --line.
+/// Where values are kept or sent.
+struct StoreChoice {
+    std::shared_ptr<ReadingSink> History;    ///< in a file, open
+    std::optional<PostgresAddress> Database; ///< through the spool
+    std::optional<SpoolChoice> Spool;        ///< when anything goes through it
+};
+
+/// Adds --store, --keep, --line, --spool and --spool-limit.
 void AddStoreOptions(QCommandLineParser& parser);
 
-/// Throws `RuntimeFailure` when one of them is wrong or out of place; does nothing else.
-void RequireStoreOptions(const QCommandLineParser& parser);
+/// Reads them, and opens a history, which tells on standard error what becomes of it. Unless --line names the
+/// line it is that of the line file that is open. Throws `RuntimeFailure` when one of them is wrong or out of
+/// place, or the history cannot be opened.
+StoreChoice ReadStore(const QCommandLineParser& parser, const Session& session);
 
-/// Opens the history that the options ask for, which tells on standard error what becomes of it; null without
-/// --store. Unless --line names the line it is that of the line file that is open. Throws `RuntimeFailure`
-/// when it cannot be opened.
-std::shared_ptr<ReadingSink> OpenStore(const QCommandLineParser& parser, const Session& session);
+/// Begins what was chosen; null when nothing was. Throws `RuntimeFailure` when the spool cannot be opened, or
+/// a destination refuses.
+std::shared_ptr<ReadingSink> OpenStore(const StoreChoice& choice);
 
 } // namespace kavro

@@ -22,7 +22,7 @@ class Feed : public ReadingSink {
 public:
     /// Opens the spool, whose outlets those of the targets are, and starts the senders. `tell` is called from
     /// any thread. Throws `RuntimeFailure` when the spool cannot be used or a destination refuses.
-    Feed(SpoolChoice choice, const std::vector<FeedTarget>& targets, const HistoryTeller& tell,
+    Feed(const SpoolChoice& choice, const std::vector<FeedTarget>& targets, const HistoryTeller& tell,
          WallClock wallClock = SystemTime);
 
     /// Sends what it can in `SenderEndTime`; the rest stays in the spool.

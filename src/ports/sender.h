@@ -2,10 +2,11 @@
 
 #include "monitor/kept_history.h"
 #include "ports/destination.h"
+#include "ports/limited_thread.h"
 
 #include <chrono>
-#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace kavro {
@@ -41,8 +42,10 @@ public:
     void Join();
 
 private:
+    friend class SendingThread;
     struct Shared; // also the thread's, which may outlive this object
     std::shared_ptr<Shared> shared_;
+    std::optional<LimitedThread> thread_;
 };
 
 } // namespace kavro

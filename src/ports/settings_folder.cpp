@@ -22,6 +22,15 @@ QString SettingsFolder() {
 #endif
 }
 
+QString DataFolder() {
+#ifdef Q_OS_WIN
+    return SettingsFolder();
+#else
+    const QString base = qEnvironmentVariable("XDG_DATA_HOME");
+    return (QDir::isAbsolutePath(base) ? base : QDir::homePath() + "/.local/share") + "/kavro";
+#endif
+}
+
 std::string PathOf(const char* file, bool demo) {
     return QDir::cleanPath(SettingsFolder() + (demo ? "/demo/" : "/") + file).toStdString();
 }
@@ -38,6 +47,10 @@ std::string PortsFilePath(bool demo) {
 
 std::string PreferencesFilePath(bool demo) {
     return PathOf("settings.ini", demo);
+}
+
+std::string SpoolFilePath(const std::string& line) {
+    return QDir::cleanPath(DataFolder() + "/" + QString::fromStdString(line) + ".spool").toStdString();
 }
 
 std::string MapFilePath(bool demo) {

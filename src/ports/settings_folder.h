@@ -14,6 +14,11 @@ std::string PortsFilePath(bool demo);
 /// Path of settings.ini, which stands beside COM.CFG and has what that has no place for.
 std::string PreferencesFilePath(bool demo);
 
+/// Path of the spool of a line, which has the name of a line in a history: in $XDG_DATA_HOME/kavro, by
+/// default
+/// ~/.local/share/kavro. The folder need not exist.
+std::string SpoolFilePath(const std::string& line);
+
 /// Path of the map that is kept when the program ends: "admin.map" in the current directory, of the demo
 /// beside its COM.CFG.
 std::string MapFilePath(bool demo);

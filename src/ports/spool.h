@@ -1,13 +1,16 @@
 #pragma once
 
+#include "link/disk_pace.h"
 #include "link/wall_time.h"
 #include "monitor/kept_history.h"
 #include "monitor/reading.h"
 #include "ports/spool_file.h"
 
+#include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <exception>
-#include <memory>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -47,27 +50,33 @@ public:
     const std::string& Id() const { return id_; }
 
 private:
-    // Readings that could not be stored.
-    struct Lost {
-        std::int64_t FromMs = 0, ToMs = 0, Count = 0;
-        std::string Reason; // of the first
-        bool Told = false;
-    };
+    using Moment = std::chrono::steady_clock::time_point;
 
+    void Begin();
+    void TakeOver();
+    void KeepOutlets() const;
     void Store(const std::vector<Reading>& readings);
-    void Insert(const Reading& reading);
+    void Insert(QSqlQuery& insert, const Reading& reading);
     void KeepLost() const;
-    void DropOldest();
+    void KeepWithin();
+    std::int64_t Used() const;
+    void DropSlice();
     void Failed(const std::vector<Reading>& readings, const std::exception& failure);
+    void Recovered();
 
     SpoolChoice choice_;
     HistoryTeller tell_;
     WallClock wallClock_;
-    std::unique_ptr<SpoolLock> lock_;
-    std::unique_ptr<SpoolConnection> connection_;
+    SpoolLock lock_;
+    SpoolConnection connection_;
     std::string id_;
     std::int64_t nextRow_ = 0; // its id
-    std::optional<Lost> lost_; // storing does not work
+    DiskPace diskPace_;
+    std::size_t unmeasured_ = 0;              // readings since the size was looked at
+    std::map<std::string, SpoolGap> dropped_; // by outlet, since the spool is full
+    std::optional<SpoolGap> lost_;            // storing does not work
+    bool lostTold_ = false;
+    std::optional<Moment> told_; // of a failure, last
 };
 
 } // namespace kavro

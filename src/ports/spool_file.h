@@ -14,8 +14,9 @@ inline constexpr int SpoolVersion = 1;
 
 /// The tables of a spool. `time`, "from" and "to" are UTC in milliseconds since 1970.
 ///
-/// The ids of `waiting` rise with time and are never used again, whatever a power cut takes back: those of a
-/// run of the program begin at its number in `spool`, 2^40 apart.
+/// The ids of `waiting` rise with each row and are never used again, whatever a power cut or an older copy of
+/// the file takes back: those of a run of the program begin at 2^32 times the second in which it began, or
+/// behind the run before.
 inline constexpr const char* SpoolTables[] = {
     "CREATE TABLE spool (id TEXT NOT NULL, line TEXT NOT NULL, run INTEGER NOT NULL)",
     "CREATE TABLE waiting (id INTEGER PRIMARY KEY, address INTEGER NOT NULL, model TEXT NOT NULL, "
@@ -50,10 +51,6 @@ public:
     /// Opens the file. Throws `RuntimeFailure`, as a `SqliteFile` does. What is committed outlasts a kill,
     /// but not always a power cut.
     SpoolConnection(const std::string& path, Access access);
-
-    /// Whether each commit from now on waits for the disk and so outlasts a power cut, with all those before
-    /// it. Throws `SqlFailure`.
-    void WaitForDisk(bool wait) const;
 };
 
 /// A lock on a spool as long as it lives: one program alone may use the file. A kill takes it off.

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -27,9 +28,6 @@ public:
     /// Rows that are not done. Looks at each: not for every turn.
     std::int64_t Waiting() const;
 
-    /// Whether anything is not done.
-    bool Any() const { return !Next(1).empty(); }
-
     /// Readings that were lost to this outlet ever since the file was made: the spool was full, or could not
     /// be written.
     std::int64_t Lost() const;
@@ -37,10 +35,13 @@ public:
     /// What was lost to this outlet and not told yet.
     std::vector<SpoolGap> Gaps() const;
 
-    /// These gaps are told; what has come to them meanwhile stays.
+    /// These gaps are told; one that has grown meanwhile stays, as does one when it cannot be written.
     void GapsDone(const std::vector<SpoolGap>& gaps);
 
 private:
+    void Write(const std::function<void()>& change) const;
+    void MakeRoom() const;
+
     SpoolConnection connection_;
     std::string name_;
     std::int64_t done_ = 0; // id of a row

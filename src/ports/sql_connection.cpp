@@ -1,5 +1,7 @@
 #include "ports/sql_connection.h"
 
+#include "link/runtime_failure.h"
+
 #include <QFileInfo>
 #include <QSqlError>
 #include <QUrl>
@@ -17,8 +19,12 @@ void ThrowSql(const QSqlError& error) {
     throw SqlFailure(words.trimmed().toStdString(), error.nativeErrorCode().toStdString());
 }
 
-SqlConnection::SqlConnection(const char* driver)
-    : Database(QSqlDatabase::addDatabase(driver, QUuid::createUuid().toString(QUuid::WithoutBraces))) {}
+SqlConnection::SqlConnection(const SqlDriver& driver) {
+    if (!QSqlDatabase::isDriverAvailable(driver.Name))
+        throw RuntimeFailure(std::string("Qt's driver for ") + driver.For +
+                             " is not installed. Install the package " + driver.Package + ".");
+    Database = QSqlDatabase::addDatabase(driver.Name, QUuid::createUuid().toString(QUuid::WithoutBraces));
+}
 
 SqlConnection::~SqlConnection() {
     const QString name = Database.connectionName();
@@ -50,9 +56,14 @@ void SqlConnection::Run(const char* sql) const {
         ThrowSql(query.lastError());
 }
 
-qlonglong SqlConnection::Number(const char* sql) const {
+QSqlQuery SqlConnection::Ran(const char* sql, const std::vector<QVariant>& values) const {
     QSqlQuery query = Prepared(sql);
-    RunWith(query, {});
+    RunWith(query, values);
+    return query;
+}
+
+qlonglong SqlConnection::Number(const char* sql) const {
+    QSqlQuery query = Ran(sql, {});
     return NextRow(query) ? query.value(0).toLongLong() : 0;
 }
 
@@ -65,7 +76,7 @@ void SqlConnection::WaitForDisk(bool wait) const {
 }
 
 Transaction::~Transaction() {
-    if (done_)
+    if (done_ || !connection_.IsOpen())
         return;
     try {
         connection_.Run("ROLLBACK");

@@ -33,13 +33,20 @@ bool IsLocked(const SqlFailure& failure);
 
 [[noreturn]] void ThrowSql(const QSqlError& error);
 
+/// One of Qt's drivers.
+struct SqlDriver {
+    const char* Name;    ///< as Qt has it
+    const char* For;     ///< "SQLite"
+    const char* Package; ///< of Debian, which has it
+};
+
 /// A connection to a database by one of Qt's drivers, used in the thread that made it alone. Its queries go
 /// before it does.
 class SqlConnection {
 public:
-    /// Of this driver; not open.
-    explicit SqlConnection(const char* driver);
-    ~SqlConnection();
+    /// Not open. Throws `RuntimeFailure` when the driver is not installed.
+    explicit SqlConnection(const SqlDriver& driver);
+    virtual ~SqlConnection();
     SqlConnection(const SqlConnection&) = delete;
     SqlConnection& operator=(const SqlConnection&) = delete;
 
@@ -49,8 +56,14 @@ public:
     /// Runs a statement. Throws `SqlFailure`.
     void Run(const char* sql) const;
 
+    /// Runs a statement with these values, bound in order, and hands over what it gives. Throws `SqlFailure`.
+    virtual QSqlQuery Ran(const char* sql, const std::vector<QVariant>& values) const;
+
     /// The first number that a statement gives; 0 when it gives none. Throws `SqlFailure`.
     qlonglong Number(const char* sql) const;
+
+    /// False when it was lost.
+    bool IsOpen() const { return Database.isOpen(); }
 
     /// How long other programs are waited for that write a SQLite file; `SqliteBusyMs` to begin with.
     void WaitForOthers(int ms) const;

@@ -43,10 +43,6 @@ void SqliteFile::RefuseFor(const SqlFailure& failure) const {
 
 // What the system would tell less clearly, or not at all.
 void SqliteFile::RequireFile(Access access) const {
-    if (!QSqlDatabase::isDriverAvailable(SqliteDriver))
-        throw RuntimeFailure("A " + std::string(kind_.Name) +
-                             " needs Qt's driver for SQLite, which is not installed. Install the package "
-                             "libqt6sql6-sqlite.");
     const QFileInfo file(QString::fromStdString(path_));
     const bool make = access == Access::Make;
     if (file.isDir())

@@ -7,8 +7,7 @@
 
 namespace kavro {
 
-/// Qt's driver for SQLite.
-inline constexpr const char* SqliteDriver = "QSQLITE";
+inline constexpr SqlDriver SqliteDriver = {"QSQLITE", "SQLite", "libqt6sql6-sqlite"};
 
 /// What a SQLite file of this program is for.
 struct SqliteKind {

@@ -174,7 +174,7 @@ TEST_F(HistoryCommand, WrongUseOfStoringIsTold) {
         {{"--keep", "3"}, "Give --store FILE"},
         {{"--store", Path("x"), "--keep", "0"}, "'0' is not a number of days"},
         {{"--store", Path("x"), "--line", "a b"}, "'a b' is no name of a line"},
-        {{"--store", "postgresql://host/x"}, "is no file"},
+        {{"--store", "http://host/x"}, "is no file"},
         {{"--store", Path("none/x")}, "its folder does not exist"}};
     for (const auto& [options, piece] : cases) {
         const Outcome outcome = Kavroctl(QStringList{"monitor", "--demo"} + options);
