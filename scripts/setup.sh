@@ -2,7 +2,7 @@
 
 packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-serialport-dev libqt6sql6-sqlite libqt6svg6 qt6-wayland nlohmann-json3-dev libgtest-dev fonts-dejavu-core)
 
-test_packages=(ser2net) # a device server, for ./test alone
+test_packages=(ser2net postgresql libqt6sql6-psql) # a device server and a database, for ./test alone
 
 package_packages=(debhelper lintian desktop-file-utils appstream mmdebstrap) # for scripts/package.sh and its check alone
 
