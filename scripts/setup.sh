@@ -1,8 +1,9 @@
 # What ./run, ./test and the scripts share: sourced, not run. Installs what is missing from Debian's packages and builds.
 
-packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-serialport-dev libqt6sql6-sqlite libqt6svg6 qt6-wayland nlohmann-json3-dev libgtest-dev fonts-dejavu-core)
+packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-serialport-dev libqt6sql6-sqlite libqt6svg6 qt6-wayland nlohmann-json3-dev libmosquitto-dev libgtest-dev fonts-dejavu-core)
 
-test_packages=(ser2net postgresql libqt6sql6-psql) # a device server and a database, for ./test alone
+# A device server, a database, a broker and its certificates, for ./test alone.
+test_packages=(ser2net postgresql libqt6sql6-psql mosquitto openssl)
 
 package_packages=(debhelper lintian desktop-file-utils appstream mmdebstrap) # for scripts/package.sh and its check alone
 

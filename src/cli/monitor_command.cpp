@@ -28,33 +28,43 @@ bool AnyFailed(const std::vector<ChannelValue>& values) {
 
 } // namespace
 
-int MonitorModules(Session& session, const Pace& rounds, ValueForm form, ReadingSink* history) {
+int MonitorModules(Session& session, const Pace& rounds, ValueForm form, const MonitorSinks& sinks) {
     if (session.ModuleCount == 0) {
         PrintNote("No module found!");
         return ExitNothingFound;
     }
     Monitor monitor(session);
-    TurnOutput printer(session, form, history);
+    TurnOutput printer(session, form, sinks.Readings);
+    ModuleDescriber describer(session, sinks.Descriptions);
     std::optional<MonitorTurn> turn;
     std::set<int> failed; // modules with values that failed when they were read last
     PollEnd end = PollEnd::Done;
+    const auto put = [&](const MonitorTurn& each) {
+        describer.Note(each);
+        return printer.Print(each.Index, each.Values);
+    };
     PollWork work;
-    work.Read = [&] { turn = monitor.Tick(); };
+    work.Read = [&] {
+        describer.AskDue();
+        turn = monitor.Tick();
+    };
     work.Print = [&] {
         failed.erase(turn->Index);
         if (AnyFailed(turn->Values))
             failed.insert(turn->Index);
-        return printer.Print(turn->Index, turn->Values);
+        return put(*turn);
     };
     work.PrintLost = [&] {
         const auto lost = monitor.LostTurn();
-        return !lost || printer.Print(lost->Index, lost->Values);
+        return !lost || put(*lost);
     };
     work.IdleMs = [&] { return turn ? 0 : std::max<std::int64_t>(monitor.DueInMs(), 1); };
     if (session.ModuleCount > 1) // a single module's rounds are its turns
         work.EndsRound = [&] { return turn->EndsRound; };
     try {
         end = Poll(session.Line, rounds, work);
+        if (rounds.Turns && end == PollEnd::Done)
+            describer.AskDue(); // the last one
     } catch (const RuntimeFailure&) {
         printer.Close();
         throw;
@@ -97,9 +107,14 @@ CommandAction PrepareMonitor(const QCommandLineParser& parser) {
     const WholeLine line = ReadWholeLine(parser);
     const StoreChoice store = ReadStore(parser, line.Cli->Session);
     return [=] {
-        const auto history = OpenStore(store);
-        return RunOnModules(
-            line, [&](Session& session) { return MonitorModules(session, rounds, form, history.get()); });
+        const auto readings = OpenStore(store);
+        MonitorSinks sinks{readings.get()};
+        if (store.Broker)
+            sinks.Descriptions = [&](const auto& description) {
+                store.Broker->Descriptions->Put(description);
+            };
+        return RunOnModules(line,
+                            [&](Session& session) { return MonitorModules(session, rounds, form, sinks); });
     };
 }
 

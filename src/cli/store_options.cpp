@@ -12,6 +12,7 @@
 #include <QCommandLineParser>
 
 #include <filesystem>
+#include <utility>
 
 namespace kavro {
 
@@ -69,8 +70,25 @@ std::vector<FeedTarget> TargetsOf(const StoreChoice& choice) {
                                return std::make_unique<PostgresDestination>(*choice.Database,
                                                                             choice.Spool->Line, spoolId);
                            }});
+    if (choice.Broker)
+        targets.push_back(BrokerTarget(*choice.Broker, *choice.Spool));
     return targets;
 }
+
+// A history in a file, and a feed.
+class KeptAndSent : public ReadingSink {
+public:
+    KeptAndSent(std::shared_ptr<ReadingSink> history, std::shared_ptr<ReadingSink> feed)
+        : history_(std::move(history)), feed_(std::move(feed)) {}
+
+    void Take(const std::vector<Reading>& readings) override {
+        history_->Take(readings);
+        feed_->Take(readings);
+    }
+
+private:
+    std::shared_ptr<ReadingSink> history_, feed_;
+};
 
 } // namespace
 
@@ -85,29 +103,37 @@ void AddStoreOptions(QCommandLineParser& parser) {
          "With --store FILE: delete what is older than DAYS of this line. All of it is kept unless given.",
          "DAYS"},
         {"line",
-         "With --store: the name of the line in it; that of the line file given as --map, else \"line\".",
+         "With --store or --mqtt: the name of the line there; that of the line file given as --map, else "
+         "\"line\".",
          "NAME"},
         {"spool",
-         "With a database: values wait in FILE until it has them; one of the line in the user's data folder "
-         "unless given.",
+         "With a database or a broker: values wait in FILE until it has them; one of the line in the user's "
+         "data folder unless given.",
          "FILE"},
         {"spool-limit",
-         "With a database: the oldest values that wait go when they take more than MB megabytes; 256 unless "
-         "given.",
+         "With a database or a broker: the oldest values that wait go when they take more than MB megabytes; "
+         "256 "
+         "unless given.",
          "MB"},
     });
+    AddMqttOptions(parser);
 }
 
 StoreChoice ReadStore(const QCommandLineParser& parser, const Session& session) {
     StoreChoice choice;
     const std::string store = parser.value("store").toStdString();
+    choice.Broker = ReadMqttOptions(parser);
     if (IsPostgresAddress(store))
         choice.Database = ParsePostgresAddress(store);
-    else
+    const bool spool = choice.Database || choice.Broker;
+    if (!spool)
         RefuseWithout(parser, {"spool", "spool-limit"},
-                      std::string("is for a database. Give --store ") + PostgresForm + " as well");
+                      std::string("is for a database or a broker. Give --store ") + PostgresForm +
+                          " or --mqtt as well");
+    if (!spool && !parser.isSet("store"))
+        RefuseWithout(parser, {"line"}, "is for what is kept or sent. Give --store or --mqtt as well");
     if (!parser.isSet("store"))
-        RefuseWithout(parser, {"keep", "line"}, "is for a history. Give --store FILE as well");
+        RefuseWithout(parser, {"keep"}, "is for a history. Give --store FILE as well");
     else if (choice.Database)
         RefuseWithout(parser, {"keep"}, "is for a history in a file. Give --store FILE instead");
     else if (store.empty())
@@ -115,9 +141,9 @@ StoreChoice ReadStore(const QCommandLineParser& parser, const Session& session) 
     else if (store.find("://") != std::string::npos)
         throw RuntimeFailure("'" + store + "' is no file. Name one, or a database as " + PostgresForm + ".");
     const std::string line = LineOf(parser, session);
-    if (choice.Database)
+    if (spool)
         choice.Spool = ReadSpool(parser, line);
-    else if (!store.empty())
+    if (!choice.Database && !store.empty())
         choice.History =
             std::make_shared<SqliteHistory>(HistoryChoice{store, line, KeepDays(parser)}, PrintNote);
     return choice;
@@ -127,7 +153,10 @@ std::shared_ptr<ReadingSink> OpenStore(const StoreChoice& choice) {
     if (!choice.Spool)
         return choice.History;
     MakeFolderOf(*choice.Spool);
-    return std::make_shared<Feed>(*choice.Spool, TargetsOf(choice), PrintNote);
+    const auto feed = std::make_shared<Feed>(*choice.Spool, TargetsOf(choice), PrintNote);
+    if (choice.History)
+        return std::make_shared<KeptAndSent>(choice.History, feed);
+    return feed;
 }
 
 } // namespace kavro

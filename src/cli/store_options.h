@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/mqtt_options.h"
 #include "map/session.h"
 #include "monitor/kept_history.h"
 #include "ports/postgres_address.h"
@@ -16,10 +17,11 @@ namespace kavro {
 struct StoreChoice {
     std::shared_ptr<ReadingSink> History;    ///< in a file, open
     std::optional<PostgresAddress> Database; ///< through the spool
+    std::optional<BrokerChoice> Broker;      ///< through the spool, too
     std::optional<SpoolChoice> Spool;        ///< when anything goes through it
 };
 
-/// Adds --store, --keep, --line, --spool and --spool-limit.
+/// Adds --store, --keep, --line, --spool and --spool-limit, and what belongs to a broker.
 void AddStoreOptions(QCommandLineParser& parser);
 
 /// Reads them, and opens a history, which tells on standard error what becomes of it. Unless --line names the

@@ -130,6 +130,12 @@ NetworkAddress ParseListenAddress(const std::string& text, NetworkKind kind) {
     return {kind, parts.Host, PortIn(parts.Port, text, 0)};
 }
 
+NetworkAddress ParseServer(const std::string& text, std::uint16_t usualPort) {
+    const bool hostAlone = text.starts_with('[') ? text.ends_with(']') : text.find(':') == std::string::npos;
+    const HostAndPort parts = PartsOf(hostAlone ? text + ":" + std::to_string(usualPort) : text, text);
+    return {NetworkKind::Raw, parts.Host, PortIn(parts.Port, text)};
+}
+
 NetworkAddress ParseNetworkAddress(const std::string& device) {
     const auto end = device.find(SchemeEnd);
     const std::string name = Lower(device.substr(0, end));

@@ -36,6 +36,10 @@ std::string NetworkDevice(const NetworkAddress& address);
 /// that is free. Throws `RuntimeFailure` that says what is wrong with any other text.
 NetworkAddress ParseListenAddress(const std::string& text, NetworkKind kind);
 
+/// Reads "HOST:PORT" or "HOST" of a server with a usual port, an IPv6 address in square brackets. Throws
+/// `RuntimeFailure` that says what is wrong with any other text.
+NetworkAddress ParseServer(const std::string& text, std::uint16_t usualPort);
+
 /// Throws as `ParseNetworkAddress` does for a device that is meant to be a network address and is none, and
 /// for "replay:" without a file.
 void RequireDeviceName(const std::string& device);
