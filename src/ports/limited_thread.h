@@ -7,7 +7,7 @@
 
 namespace kavro {
 
-/// A thread that is waited for within a limit. One that hangs, on a disk that does not answer, cannot be
+/// A thread, without signals, that is waited for within a limit. One that hangs, on a disk that does not answer, cannot be
 /// broken off: it is left behind and ends by itself. So whatever it uses must be its own or shared.
 class LimitedThread {
 public:

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <condition_variable>
-#include <csignal>
 #include <future>
 #include <mutex>
 #include <utility>
@@ -21,22 +20,6 @@ constexpr seconds FirstTry{10};    // waited for at the start
 constexpr seconds Lateness{1};     // of a thread that was asked to end, before it is left behind
 constexpr seconds IdleEvery{10};   // between two looks at a destination that gets nothing
 constexpr seconds LongestRest{30}; // between two tries
-
-// Signals are for the thread that works with the line.
-class SignalsBlocked {
-public:
-    SignalsBlocked() {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_SETMASK, &all, &before_);
-    }
-    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-    SignalsBlocked(const SignalsBlocked&) = delete;
-    SignalsBlocked& operator=(const SignalsBlocked&) = delete;
-
-private:
-    sigset_t before_{};
-};
 
 } // namespace
 
@@ -146,10 +129,7 @@ private:
 
     void Failed(const std::string& reason, bool refused) {
         destination_.Close();
-        if (connected_ || !outage_)
-            rest_ = seconds(1);
-        else
-            rest_ = std::min(2 * rest_, LongestRest);
+        rest_ = outage_ ? std::min(2 * rest_, LongestRest) : seconds(1);
         connected_ = false;
         if (!outage_ || (refused && !refusalTold_))
             shared_.Tell(destination_.Name() + (refused ? " refuses: " : " cannot be reached: ") + reason +
@@ -209,13 +189,10 @@ Sender::~Sender() {
 void Sender::Start() {
     std::future<void> tried = shared_->Tried.get_future();
     const std::string name = shared_->Destination->Name();
-    {
-        const SignalsBlocked blocked; // as the thread has them from its first moment on
-        thread_.emplace([shared = shared_] {
-            SendingThread(*shared).Run();
-            shared->Destination.reset();
-        });
-    }
+    thread_.emplace([shared = shared_] {
+        SendingThread(*shared).Run();
+        shared->Destination.reset();
+    });
     if (tried.wait_for(FirstTry) == std::future_status::ready)
         tried.get();
     else
