@@ -96,6 +96,9 @@ void Spool::Begin() {
     TakeOver();
     KeepOutlets();
     transaction.Commit();
+    connection_.WaitForDisk(false);
+    connection_.Run("PRAGMA wal_autocheckpoint = 0"); // it would wait for the disk
+    flusher_.emplace(choice_.Path);
 }
 
 // A file that was another line's, unless something of that waits.
@@ -139,7 +142,6 @@ void Spool::Take(const std::vector<Reading>& readings) {
 }
 
 void Spool::Store(const std::vector<Reading>& readings) {
-    connection_.WaitForDisk(diskPace_.Due());
     Transaction transaction(connection_);
     QSqlQuery insert = connection_.Prepared(InsertRow);
     for (const Reading& reading : readings)
@@ -149,6 +151,7 @@ void Spool::Store(const std::vector<Reading>& readings) {
     if (unmeasured_ >= MeasureAfter)
         KeepWithin();
     transaction.Commit();
+    flusher_->Wake();
 }
 
 void Spool::Insert(QSqlQuery& insert, const Reading& reading) {

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "link/disk_pace.h"
 #include "link/wall_time.h"
 #include "monitor/kept_history.h"
 #include "monitor/reading.h"
 #include "ports/spool_file.h"
+#include "ports/spool_flusher.h"
 
 #include <chrono>
 #include <cstddef>
@@ -29,7 +29,7 @@ struct SpoolChoice {
 /// thread that made it alone, and emptied by a `SpoolOutlet` each, in threads and with connections of their
 /// own. What all outlets have done goes.
 ///
-/// A kill loses nothing that was taken. A power cut may lose what was taken in the last second; what any
+/// A kill loses nothing that was taken. A power cut may lose what was taken in the last seconds; what any
 /// outlet has sent is kept or sent again.
 class Spool : public ReadingSink {
 public:
@@ -43,7 +43,7 @@ public:
 
     /// Puts the readings into the file. One at a time that a waiting reading of the same value has already,
     /// as the clock was put back, gets the next free millisecond. What cannot be stored is counted, told
-    /// once, and becomes a gap as soon as storing works again. Holds the caller up for the local disk alone.
+    /// once, and becomes a gap as soon as storing works again. Does not wait for the disk.
     void Take(const std::vector<Reading>& readings) override;
 
     /// What tells this file from any other, however it is named, for destinations that keep how far they are.
@@ -69,9 +69,9 @@ private:
     WallClock wallClock_;
     SpoolLock lock_;
     SpoolConnection connection_;
+    std::optional<SpoolFlusher> flusher_; // once the file is made
     std::string id_;
     std::int64_t nextRow_ = 0; // its id
-    DiskPace diskPace_;
     std::size_t unmeasured_ = 0;              // readings since the size was looked at
     std::map<std::string, SpoolGap> dropped_; // by outlet, since the spool is full
     std::optional<SpoolGap> lost_;            // storing does not work

@@ -13,7 +13,8 @@ namespace kavro {
 
 namespace {
 
-constexpr SqliteKind SpoolKind = {"spool", SpoolApplication, SpoolVersion, SpoolTables};
+// Small pages: each turn writes those that it touches, and a memory card wears out by that.
+constexpr SqliteKind SpoolKind = {"spool", SpoolApplication, SpoolVersion, SpoolTables, 1024};
 constexpr int BusyMs = 1000; // the other side of the spool is never longer at it
 
 } // namespace

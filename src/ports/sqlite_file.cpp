@@ -77,6 +77,7 @@ void SqliteFile::Open(Access access) {
 void SqliteFile::Check(Access access) {
     const auto application = Number("PRAGMA application_id");
     if (application == 0 && access == Access::Make && Number("SELECT count(*) FROM sqlite_master") == 0) {
+        Run(("PRAGMA page_size = " + std::to_string(kind_.PageBytes)).c_str());
         MakeTables();
         return;
     }

@@ -15,6 +15,7 @@ struct SqliteKind {
     int Application;                     ///< SQLite's application_id, by which it is known
     int Version;                         ///< its user_version
     std::span<const char* const> Tables; ///< statements that make it
+    int PageBytes = 4096;                ///< what is read and written at once
 };
 
 /// A connection to such a file, used in the thread that made it alone. Its queries go before it does.
