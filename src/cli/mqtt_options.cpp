@@ -90,14 +90,12 @@ void AddMqttOptions(QCommandLineParser& parser) {
     parser.addOptions({
         {"mqtt",
          "Publish every value to the broker at ADDRESS as well: mqtt://HOST[:PORT]/PREFIX, or mqtts:// with "
-         "TLS. "
-         "While it is away the values wait in the spool.",
+         "TLS. While it is away the values wait in the spool.",
          "ADDRESS"},
         {"mqtt-user", "With --mqtt: log in as NAME.", "NAME"},
         {"mqtt-password-file",
          "With --mqtt-user: the first line of FILE is the password. Without it the variable "
-         "KAVRO_MQTT_PASSWORD "
-         "has it.",
+         "KAVRO_MQTT_PASSWORD has it.",
          "FILE"},
         {"mqtt-ca",
          "With mqtts://: trust the certificates in FILE (PEM); those that the system trusts unless given.",
@@ -107,8 +105,7 @@ void AddMqttOptions(QCommandLineParser& parser) {
          "FILE"},
         {"on-change",
          "With --mqtt: publish a value when it differs by more than BAND from the one before, when its state "
-         "is "
-         "another, or after SECONDS. Every value is published unless given.",
+         "is another, or after SECONDS. Every value is published unless given.",
          "BAND[,SECONDS]"},
     });
 }

@@ -112,8 +112,7 @@ void AddStoreOptions(QCommandLineParser& parser) {
          "FILE"},
         {"spool-limit",
          "With a database or a broker: the oldest values that wait go when they take more than MB megabytes; "
-         "256 "
-         "unless given.",
+         "256 unless given.",
          "MB"},
     });
     AddMqttOptions(parser);

@@ -7,8 +7,9 @@
 
 namespace kavro {
 
-/// A thread, without signals, that is waited for within a limit. One that hangs, on a disk that does not answer, cannot be
-/// broken off: it is left behind and ends by itself. So whatever it uses must be its own or shared.
+/// A thread, without signals, that is waited for within a limit. One that hangs, on a disk that does not
+/// answer, cannot be broken off: it is left behind and ends by itself. So whatever it uses must be its own or
+/// shared.
 class LimitedThread {
 public:
     explicit LimitedThread(std::function<void()> work);

@@ -71,7 +71,7 @@ private:
     SpoolConnection connection_;
     std::optional<SpoolFlusher> flusher_; // once the file is made
     std::string id_;
-    std::int64_t nextRow_ = 0; // its id
+    std::int64_t nextRow_ = 0;                // its id
     std::size_t unmeasured_ = 0;              // readings since the size was looked at
     std::map<std::string, SpoolGap> dropped_; // by outlet, since the spool is full
     std::optional<SpoolGap> lost_;            // storing does not work

@@ -16,12 +16,12 @@ inline constexpr int SpoolVersion = 1;
 ///
 /// The ids of `waiting` rise with each row and are never used again, whatever a power cut or an older copy of
 /// the file takes back: those of a run of the program begin at 2^32 times the second in which it began, or
-/// behind the run before.
+/// behind the run before. Times come first in the key, as rows do: a turn then writes one page of it.
 inline constexpr const char* SpoolTables[] = {
     "CREATE TABLE spool (id TEXT NOT NULL, line TEXT NOT NULL, run INTEGER NOT NULL)",
     "CREATE TABLE waiting (id INTEGER PRIMARY KEY, address INTEGER NOT NULL, model TEXT NOT NULL, "
     "channel TEXT NOT NULL, time INTEGER NOT NULL, value REAL, text TEXT NOT NULL, unit TEXT NOT NULL, "
-    "state TEXT NOT NULL, UNIQUE (address, channel, time))",
+    "state TEXT NOT NULL, UNIQUE (time, address, channel))",
     "CREATE TABLE outlets (name TEXT PRIMARY KEY, done INTEGER NOT NULL, lost INTEGER NOT NULL)",
     "CREATE TABLE gaps (outlet TEXT NOT NULL, \"from\" INTEGER NOT NULL, \"to\" INTEGER NOT NULL, "
     "lost INTEGER NOT NULL, reason TEXT NOT NULL, PRIMARY KEY (outlet, \"from\", reason))",

@@ -8,8 +8,8 @@
 namespace kavro {
 
 /// Brings what is committed to a spool to its disk, once a second or at a fifth of the time where the disk is
-/// slow, on a thread of its own: neither the line nor a destination is held up by a memory card. What fails is
-/// tried again.
+/// slow, on a thread of its own: neither the line nor a destination is held up by a memory card. What fails
+/// is tried again.
 class SpoolFlusher {
 public:
     /// Of a file that is there.
