@@ -33,6 +33,7 @@ const Page Pages[] = {
      nullptr,
      {{"EXAMPLES", "user-guide.md", "The command line"},
       {"EXIT STATUS", "user-guide.md", "Exit codes"},
+      {"SERVICE", "site.md", "A line"},
       {"RECORDINGS", "user-guide.md", "Record a line and play it again"},
       {"FILES", "settings.md", "Where things are kept"},
       {"SEE ALSO", "settings.md", "See also"}}},
