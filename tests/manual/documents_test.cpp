@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLocale>
+#include <QProcess>
 #include <QRegularExpression>
 
 #include <gtest/gtest.h>
@@ -54,6 +55,20 @@ TEST(Documents, LinkToWhatIsThere) {
             EXPECT_TRUE(installed.startsWith("docs") || documents.contains(Sources + installed))
                 << document.toStdString() << ": " << installed.toStdString();
         }
+}
+
+// A word that is no option is wrong use, also where help is asked for.
+TEST(Documents, GiveServicesOptionsThatAreThere) {
+    for (const char* path :
+         {"packaging/systemd/kavro-monitor@.service", "packaging/debian/README.Debian", "docs/site.md"}) {
+        const QString options = FirstIn(path, R"x(KAVRO_OPTIONS="([^"]+)")x").value(0);
+        ASSERT_TRUE(options.contains("--port ")) << path;
+        QProcess kavroctl;
+        kavroctl.start(KAVROCTL_PROGRAM,
+                       QStringList{"monitor", "--help", "--line", "hall"} + options.simplified().split(' '));
+        EXPECT_TRUE(kavroctl.waitForFinished() && kavroctl.exitCode() == 0)
+            << path << ": " << kavroctl.readAllStandardError().toStdString();
+    }
 }
 
 } // namespace
