@@ -23,6 +23,7 @@ useradd --create-home tester
 quietly apt-get install -y --no-install-recommends ./kavroctl_*.deb
 [ -z "$(dpkg-query --show 'libqt6widgets*' 2>/dev/null)" ] || fail "kavroctl brought windows with it."
 as_user kavroctl --version
+[ -s '/usr/lib/systemd/system/kavro-monitor@.service' ] || fail "the service of a monitor is missing."
 as_user kavroctl search --demo --to 3
 as_user kavroctl monitor --demo --to 3 --count 1 --interval 0 --store /home/tester/hall.sqlite
 as_user kavroctl history /home/tester/hall.sqlite --csv | grep -q ',1,8210,0,' || fail "kavroctl history has no value."
