@@ -8,6 +8,8 @@
 #include "support/postgres_server.h"
 #include "support/test_session.h"
 
+#include <fstream>
+#include <iterator>
 #include <mutex>
 
 namespace kavro {
@@ -201,6 +203,43 @@ TEST_F(PostgresTest, ALateServerHoldsUpNobody) {
     feed.reset();
     EXPECT_LT(std::chrono::steady_clock::now() - taken, SenderEndTime + std::chrono::seconds(3));
     EXPECT_EQ(SpoolOutlet(Choice().Path, "database").Waiting(), 1);
+}
+
+// The blocks of SQL in a document with this piece in them.
+Lines SqlIn(const char* document, const char* piece) {
+    std::ifstream file(document, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    const std::string begin = "```sql\n";
+    Lines blocks;
+    for (auto at = text.find(begin); at != std::string::npos; at = text.find(begin, at + 1)) {
+        const auto first = at + begin.size();
+        blocks.push_back(text.substr(first, text.find("```", first) - first));
+    }
+    std::erase_if(blocks, [&](const std::string& block) { return !Contains(block, piece); });
+    return blocks;
+}
+
+// The tables are as the documents say, and what these do with them does.
+TEST_F(PostgresTest, StandsInTheDocuments) {
+    Fed()->Take(At(StartMs));
+    const PostgresServer::Admin admin(*Server);
+    const auto run = [&](const Lines& blocks) {
+        EXPECT_FALSE(blocks.empty());
+        for (const std::string& block : blocks)
+            admin.Run(block.c_str());
+    };
+    run({"DROP SCHEMA IF EXISTS told CASCADE; CREATE SCHEMA told; SET search_path = told"});
+    run(SqlIn(KAVRO_DOCS "/formats.md", "timestamptz"));
+    const char* const columns =
+        "SELECT concat_ws(' ', table_name, column_name, data_type, is_nullable) FROM "
+        "information_schema.columns WHERE table_schema = current_schema() ORDER BY table_name, "
+        "ordinal_position";
+    const Lines told = admin.Rows(columns);
+    run({"RESET search_path"});
+    EXPECT_EQ(told, admin.Rows(columns));
+    run(SqlIn(KAVRO_DOCS "/site.md", ""));
+    Fed()->Take(At(StartMs + 1));
+    EXPECT_EQ(admin.Rows(Times), Lines({"09.120 1.5000 ok", "09.121 1.5000 ok"})) << "in parts";
 }
 
 TEST(PostgresAddressTest, IsReadStrictly) {
