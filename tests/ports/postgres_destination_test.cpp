@@ -191,6 +191,17 @@ TEST_F(PostgresTest, FullSpoolAndFullDisk) {
     EXPECT_EQ(SpoolOutlet(Choice().Path, "database").Waiting(), 0);
 }
 
+// Not only into the journal beside the file, which nobody else empties.
+TEST_F(PostgresTest, WhatWaitsComesToTheDisk) {
+    Spool spool(Choice(), {});
+    const auto before = std::filesystem::file_size(Choice().Path);
+    for (int reading = 0; reading < 200; ++reading)
+        spool.Take(At(StartMs + reading));
+    for (int tries = 0; tries < 1000 && std::filesystem::file_size(Choice().Path) == before; ++tries)
+        SteadyNap();
+    EXPECT_GT(std::filesystem::file_size(Choice().Path), before + 8'000);
+}
+
 TEST_F(PostgresTest, ALateServerHoldsUpNobody) {
     auto feed = Fed();
     PostgresServer::Admin lock(*Server);
