@@ -1,8 +1,11 @@
 #include "cli/kavroctl.h"
+#include "ports/limited_thread.h"
 
 #include <QGuiApplication>
 #include <QLoggingCategory>
 
+#include <cstdio>
+#include <cstdlib>
 #include <memory>
 
 namespace {
@@ -21,5 +24,9 @@ int main(int argc, char** argv) {
     // Of a desktop that is not there, and of a database that has gone, which is told in better words.
     QLoggingCategory::setFilterRules("default.warning=false");
     const std::unique_ptr<QCoreApplication> application = Application(argc, argv);
-    return kavro::RunKavroctl(QCoreApplication::arguments().mid(1));
+    const int code = kavro::RunKavroctl(QCoreApplication::arguments().mid(1));
+    if (!kavro::AnyLeftBehind())
+        return code;
+    std::fflush(nullptr);
+    std::_Exit(code);
 }

@@ -83,9 +83,9 @@ void AddMonitorOptions(QCommandLineParser& parser) {
         "that fails is opened again as soon as it is there; until then the values are \"line lost\".\n\n"
         "A module that does not answer, or with errors alone, backs off: it is asked again after 1, 2, 4 to\n"
         "32 s, then every 60 s, and as soon as it tells a value it is read in every round.\n\n"
-        "Exit codes: 0 all rounds were made, 2 wrong use, 3 port trouble, 4 no module found, with --count a\n"
-        "value that could not be read when its module was asked last, or Ctrl+C came in the search or\n"
-        "before the last of the rounds.");
+        "Exit codes: 0 all rounds were made, 2 wrong use, 3 port trouble, or a database or a broker refuses\n"
+        "at the start, 4 no module found, with --count a value that could not be read when its module was\n"
+        "asked last, or Ctrl+C came in the search or before the last of the rounds.");
     AddWholeLineOptions(parser, "Monitor the modules of FILE, a map printed by kavroctl search --json.");
     parser.addOptions({
         {"interval",

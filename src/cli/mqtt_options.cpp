@@ -1,12 +1,10 @@
 #include "cli/mqtt_options.h"
 
 #include "link/runtime_failure.h"
-#include "ports/spool_outlet.h"
 
 #include <QCommandLineParser>
 #include <QFile>
 
-#include <exception>
 #include <utility>
 
 namespace kavro {
@@ -126,14 +124,7 @@ std::optional<BrokerChoice> ReadMqttOptions(const QCommandLineParser& parser) {
 }
 
 FeedTarget BrokerTarget(const BrokerChoice& choice, const SpoolChoice& spool) {
-    const auto lost = [path = spool.Path]() -> std::optional<std::int64_t> {
-        try {
-            return SpoolOutlet(path, Outlet).Lost();
-        } catch (const std::exception&) {
-            return std::nullopt;
-        }
-    };
-    const MqttLine line{spool.Line, choice.OnChange, choice.Descriptions, lost};
+    const MqttLine line{spool.Line, choice.OnChange, choice.Descriptions};
     return {Outlet, [broker = choice.Broker, line](const std::string& /*spoolId*/) {
                 return std::make_unique<MqttDestination>(broker, line);
             }};

@@ -122,6 +122,8 @@ StoreChoice ReadStore(const QCommandLineParser& parser, const Session& session) 
     StoreChoice choice;
     const std::string store = parser.value("store").toStdString();
     choice.Broker = ReadMqttOptions(parser);
+    if (parser.values("store").size() > 1)
+        throw RuntimeFailure("--store can be given once. Leave one of them out, or run a monitor for each.");
     if (IsPostgresAddress(store))
         choice.Database = ParsePostgresAddress(store);
     const bool spool = choice.Database || choice.Broker;
@@ -138,7 +140,8 @@ StoreChoice ReadStore(const QCommandLineParser& parser, const Session& session) 
     else if (store.empty())
         throw RuntimeFailure("--store needs the name of a file.");
     else if (store.find("://") != std::string::npos)
-        throw RuntimeFailure("'" + store + "' is no file. Name one, or a database as " + PostgresForm + ".");
+        throw RuntimeFailure(std::string("--store needs the name of a file, or a database as ") +
+                             PostgresForm + ".");
     const std::string line = LineOf(parser, session);
     if (spool)
         choice.Spool = ReadSpool(parser, line);

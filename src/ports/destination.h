@@ -44,8 +44,9 @@ public:
     /// How long rows are let gather, in ms, before they are sent unless there are `Most()`.
     virtual int GatherMs() const = 0;
 
-    /// Connects. Returns the id of the last row that it has for certain, where it keeps that itself.
-    virtual std::optional<std::int64_t> Connect() = 0;
+    /// Connects, and may tell how many readings are lost ever since the spool was made. Returns the id of the
+    /// last row that it has for certain, where it keeps that itself.
+    virtual std::optional<std::int64_t> Connect(std::int64_t lostEver) = 0;
 
     /// Sends rows in order, none of which it is known to have. Returns the id of the last of them up to which
     /// it has all for certain; behind a failure it is not known how many it has.

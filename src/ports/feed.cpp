@@ -23,6 +23,9 @@ Feed::Feed(const SpoolChoice& choice, const std::vector<FeedTarget>& targets, co
             std::make_unique<Sender>(choice.Path, target.Outlet, target.Make(spool_.Id()), tell));
     for (const auto& sender : senders_)
         sender->Start();
+    const auto until = std::chrono::steady_clock::now() + SenderFirstTry;
+    for (const auto& sender : senders_)
+        sender->AwaitFirstTry(until);
 }
 
 Feed::~Feed() {

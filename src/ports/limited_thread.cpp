@@ -1,5 +1,6 @@
 #include "ports/limited_thread.h"
 
+#include <atomic>
 #include <csignal>
 #include <utility>
 
@@ -23,7 +24,17 @@ private:
     sigset_t before_{};
 };
 
+// Of the whole program, as its end is.
+std::atomic<bool>& LeftBehind() {
+    static std::atomic<bool> any = false;
+    return any;
+}
+
 } // namespace
+
+bool AnyLeftBehind() {
+    return LeftBehind();
+}
 
 LimitedThread::LimitedThread(std::function<void()> work) {
     std::packaged_task<void()> task(std::move(work));
@@ -33,8 +44,10 @@ LimitedThread::LimitedThread(std::function<void()> work) {
 }
 
 LimitedThread::~LimitedThread() {
-    if (thread_.joinable())
-        thread_.detach();
+    if (!thread_.joinable())
+        return;
+    LeftBehind() = true;
+    thread_.detach();
 }
 
 bool LimitedThread::EndsWithin(std::chrono::milliseconds limit) {

@@ -27,4 +27,8 @@ private:
     std::thread thread_;
 };
 
+/// Whether a thread was left behind. A program must end by `std::_Exit` then, as it may still use what the
+/// end of a program destroys.
+bool AnyLeftBehind();
+
 } // namespace kavro

@@ -40,11 +40,14 @@ MqttChoice ParseMqttAddress(const std::string& address) {
     }
     if (end == std::string::npos || scheme == std::end(Schemes))
         throw RuntimeFailure(
-            "'" + address +
-            "' is no address of a broker. Write mqtt://HOST[:PORT]/PREFIX, or mqtts:// for a "
-            "connection with TLS.");
-    const NetworkAddress server = ParseServer(address.substr(begin, slash - begin), scheme->Port);
-    MqttChoice choice{.Tls = scheme->Tls, .Host = server.Host, .Port = server.Port};
+            "That is no address of a broker. Write mqtt://HOST[:PORT]/PREFIX, or mqtts:// for a connection "
+            "with TLS.");
+    const std::string server = address.substr(begin, slash - begin);
+    if (address.find_first_of("%?") != std::string::npos) // a password maybe
+        throw RuntimeFailure("The address of a broker has no '%' and no '?' in it. Write "
+                             "mqtt://HOST[:PORT]/PREFIX, and give what else is needed by options.");
+    const NetworkAddress parsed = ParseServer(server, scheme->Port);
+    MqttChoice choice{.Tls = scheme->Tls, .Host = parsed.Host, .Port = parsed.Port};
     choice.Prefix = slash == std::string::npos ? std::string() : address.substr(slash + 1);
     RequireTopicPrefix(choice.Prefix);
     return choice;

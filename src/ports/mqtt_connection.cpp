@@ -22,7 +22,7 @@ constexpr int LoopMs = 100;
 constexpr std::size_t MostUnacknowledged = 20;
 constexpr int Qos = 1;
 constexpr const char* NoWord =
-    "the broker ends the connection without a word; one that wants TLS is mqtts://";
+    "the broker ends the connection without a word; maybe it wants TLS (mqtts://), or takes no more clients";
 constexpr const char* AnyIpv4 = "0.0.0.0";
 
 // A password for the key would be asked for on the terminal.
@@ -86,8 +86,11 @@ void MqttConnection::SetUp(int version) {
     Listen();
     Check(mqtt.SetNumber(handle, MOSQ_OPT_PROTOCOL_VERSION, version));
     Check(mqtt.SetNumber(handle, MOSQ_OPT_TCP_NODELAY, 1));
-    Check(mqtt.SetWill(handle, will_.Topic.c_str(), static_cast<int>(will_.Payload.size()),
-                       will_.Payload.data(), Qos, true));
+    const int will = mqtt.SetWill(handle, will_.Topic.c_str(), static_cast<int>(will_.Payload.size()),
+                                  will_.Payload.data(), Qos, true);
+    if (will == MOSQ_ERR_INVAL || will == MOSQ_ERR_MALFORMED_UTF8)
+        throw DestinationRefused("the prefix cannot stand in a topic; leave out its unusual characters");
+    Check(will);
     if (!choice_.User.empty())
         Check(mqtt.SetUser(handle, choice_.User.c_str(),
                            choice_.Password ? choice_.Password->c_str() : nullptr));
@@ -156,10 +159,12 @@ MqttFailure MqttConnection::FailureOf(int result) const {
         return FailureOfTls(log_);
     if (choice_.Tls && result == MOSQ_ERR_ERRNO && errno == EPROTO)
         return FailureOfTls("alert");
+    if (result == MOSQ_ERR_ERRNO && errno == 0)
+        return {.Reason = "what answers there does not speak MQTT"};
     if (result == MOSQ_ERR_ERRNO)
         return {.Reason = std::generic_category().message(errno), .NotReached = !connected_};
     if (result == MOSQ_ERR_CONN_LOST || result == MOSQ_ERR_NO_CONN)
-        return {.Reason = "the connection was lost"};
+        return {.Reason = ConnectionLost};
     return {.Reason = Mqtt().ErrorText(result)};
 }
 

@@ -18,10 +18,13 @@ struct MqttMessage {
     std::string Topic, Payload;
 };
 
+/// What is said of a connection that ended without another reason.
+inline constexpr const char* ConnectionLost = "the connection was lost";
+
 /// A connection to a broker, used in one thread alone. It speaks MQTT 5, whose acknowledgements tell what the
-/// broker refuses, and 3.1.1 with a broker that knows no other. Every call ends within 10 s unless the broker
-/// goes on to acknowledge; all throw `DestinationRefused` or `DestinationAway`, and the connection is of no
-/// more use then.
+/// broker refuses, and 3.1.1 with a broker that knows no other. Every call ends within some 15 s unless the
+/// broker goes on to acknowledge; all throw `DestinationRefused` or `DestinationAway`, and the connection is
+/// of no more use then.
 class MqttConnection {
 public:
     /// Connects. The broker takes any other connection of that `client` for gone, and publishes the `will`

@@ -10,8 +10,9 @@ namespace {
 
 constexpr int YoungMs = 10'000;
 
+constexpr int ManyYoung = 3; // in a row
 constexpr const char* AnotherProgram =
-    " soon and again, as it is when another program sends as this line with this prefix";
+    " soon, time and again; maybe another program sends as this line with this prefix";
 
 using Descriptions = std::map<std::int16_t, ModuleDescription>;
 
@@ -40,16 +41,14 @@ MqttDestination::MqttDestination(MqttChoice choice, MqttLine line)
         changes_.emplace(*line_.OnChange);
 }
 
-std::optional<std::int64_t> MqttDestination::Connect() {
+std::optional<std::int64_t> MqttDestination::Connect(std::int64_t lostEver) {
     // One client for one status: a connection that a power cut has left behind ends when the next one comes,
     // and its last will with it, not after it.
     connection_ = std::make_unique<MqttConnection>(choice_, choice_.Prefix + "/" + line_.Name, Status(false));
     young_ = Deadline(YoungMs);
     if (changes_)
         changes_->Forget();
-    std::vector<MqttMessage> messages = {Status(true)};
-    if (const auto count = line_.Lost())
-        messages.push_back(Lost(*count));
+    std::vector<MqttMessage> messages = {Status(true), Lost(lostEver)};
     AddDescriptions(messages, line_.Descriptions->All());
     Publish(messages);
     return std::nullopt;
@@ -106,7 +105,7 @@ void MqttDestination::Publish(const std::vector<MqttMessage>& messages) {
     } catch (const DestinationAway& failure) {
         connection_.reset();
         diedYoung_ = young_.Over() ? 0 : diedYoung_ + 1;
-        if (diedYoung_ > 1)
+        if (diedYoung_ >= ManyYoung && failure.what() == std::string(ConnectionLost))
             throw DestinationAway(failure.what() + std::string(AnotherProgram));
         throw;
     } catch (const RuntimeFailure&) {

@@ -7,7 +7,6 @@
 #include "ports/destination.h"
 #include "ports/mqtt_connection.h"
 
-#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -40,9 +39,6 @@ struct MqttLine {
     std::string Name;
     std::optional<OnChangeRule> OnChange{}; ///< nothing: all readings are published
     std::shared_ptr<DescriptionBoard> Descriptions;
-    /// Readings that will never come, ever since the spool was made; nothing when that is not known at
-    /// present. Called in the sender's thread.
-    std::function<std::optional<std::int64_t>()> Lost;
 };
 
 /// A broker to which the readings of a line are published, retained, each under a topic of its own, with the
@@ -58,7 +54,7 @@ public:
 
     /// As a broker may have forgotten what it retained, everything is told anew that is not a reading, and
     /// the next reading of each value counts as a change.
-    std::optional<std::int64_t> Connect() override;
+    std::optional<std::int64_t> Connect(std::int64_t lostEver) override;
 
     std::int64_t Send(const std::vector<SpoolRow>& rows) override;
     void SendGaps(const std::vector<SpoolGap>& gaps, std::int64_t lost) override;

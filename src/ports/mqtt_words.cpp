@@ -51,6 +51,10 @@ constexpr TlsWords Tls[] = {
     {"Unable to load client certificate", true, "the file of --mqtt-cert has no certificate in it"},
     {"Unable to load client key", true,
      "the file of --mqtt-key has no key without a passphrase that belongs to the certificate"},
+    {"alert protocol version", true, "the broker knows no version of TLS that is safe; update it"},
+    {"alert handshake failure", true,
+     "the broker does not agree to TLS; it wants a certificate that it trusts (--mqtt-cert, --mqtt-key), or "
+     "encrypts in no way that is known here"},
     {"alert", true, "the broker wants a certificate that it trusts (--mqtt-cert, --mqtt-key)"},
     {"wrong version number", false, "there is no TLS at that port; mqtt:// is without"},
     {"unexpected eof", false, "the connection was lost while TLS began; maybe there is none at that port"},

@@ -13,7 +13,8 @@ constexpr const char* Scheme = "postgresql";
 } // namespace
 
 bool IsPostgresAddress(const std::string& text) {
-    return QString::fromStdString(text).startsWith(QString(Scheme) + "://", Qt::CaseInsensitive);
+    const QString start = QString::fromStdString(text).section(':', 0, 0).toLower();
+    return text.find(':') != std::string::npos && (start == Scheme || start == "postgres");
 }
 
 PostgresAddress ParsePostgresAddress(const std::string& text) {

@@ -15,7 +15,8 @@ struct PostgresAddress {
 /// How it is written, for help texts.
 inline constexpr const char* PostgresForm = "postgresql://USER@HOST[:PORT]/DATABASE";
 
-/// Whether a text is meant to be such an address, a wrong one too.
+/// Whether a text is meant to be such an address, a wrong one too: nothing of it is shown, as it may have a
+/// password.
 bool IsPostgresAddress(const std::string& text);
 
 /// Reads one: an IPv6 address in square brackets, "%40" for a character that means something there. Throws

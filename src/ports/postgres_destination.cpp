@@ -9,6 +9,7 @@
 #include <QSqlError>
 #include <QSqlField>
 
+#include <algorithm>
 #include <set>
 #include <tuple>
 #include <utility>
@@ -19,11 +20,11 @@ namespace {
 
 constexpr SqlDriver PostgresDriver = {"QPSQL", "PostgreSQL", "libqt6sql6-psql"};
 
-// A server that is gone without a word is given up within 20 s, in the sender's thread.
+// A network that is gone without a word is noticed within 20 s, in the sender's thread. A server that hangs
+// is waited for: its system goes on to acknowledge.
 constexpr const char* Limits = "connect_timeout=5;keepalives_idle=5;keepalives_interval=5;keepalives_count=3;"
                                "tcp_user_timeout=15000";
 constexpr const char* StatementLimit = "SET statement_timeout = '20s'";
-constexpr const char* QuietNotices = "SET client_min_messages = warning"; // they would go to standard error
 
 // One program at a time makes the tables.
 constexpr const char* TablesLock = "SELECT pg_advisory_xact_lock(1262575954)";
@@ -48,6 +49,20 @@ constexpr const char* MissingRights =
     "('readings', 'SELECT'), ('gaps', 'INSERT'), ('gaps', 'SELECT'), ('gaps', 'UPDATE'), ('spools', "
     "'INSERT'), ('spools', 'SELECT'), ('spools', 'UPDATE')) AS rights(name, kind) "
     "WHERE NOT has_table_privilege(name, kind)";
+
+// Columns that are not as they were made, so that what comes back is not what was put in.
+constexpr const char* OtherColumns =
+    "SELECT coalesce(string_agg(t || '.' || c || ' (' || kind || ')', ', '), '') FROM (VALUES "
+    "('readings', 'line', 'text'), ('readings', 'address', 'integer'), ('readings', 'model', 'text'), "
+    "('readings', 'channel', 'text'), ('readings', 'time', 'timestamp with time zone'), "
+    "('readings', 'value', 'double precision'), ('readings', 'text', 'text'), ('readings', 'unit', 'text'), "
+    "('readings', 'state', 'text'), ('gaps', 'line', 'text'), ('gaps', 'from', 'timestamp with time zone'), "
+    "('gaps', 'to', 'timestamp with time zone'), ('gaps', 'lost', 'bigint'), ('gaps', 'reason', 'text'), "
+    "('spools', 'line', 'text'), ('spools', 'spool', 'text'), ('spools', 'done', 'bigint')) AS made(t, c, "
+    "kind) WHERE NOT EXISTS (SELECT FROM pg_attribute WHERE attrelid = to_regclass(t) AND attname = c AND "
+    "NOT attisdropped AND format_type(atttypid, atttypmod) = kind)";
+
+constexpr int MostTries = 1000; // of a batch: milliseconds that are taken one after the other
 
 using Key = std::tuple<std::int64_t, std::string, std::int64_t>; // address, channel, time
 
@@ -77,13 +92,19 @@ std::string Words(const std::string& text) {
     return first.empty() ? "the connection was lost" : first; // while it was being opened
 }
 
+// Whether a server that is there let nobody in for something that stays. What passes by itself is known by
+// its words alone, where they are English.
 bool SaidByServer(const std::string& text) {
+    for (const char* full : {"too many clients", "too many connections", "connection slots"})
+        if (text.find(full) != std::string::npos)
+            return false;
     return text.find(":  ") != std::string::npos || text.find("fe_sendauth") != std::string::npos;
 }
 
 // A certificate, or what the server's side of it is.
-bool IsOfEncryption(const std::string& text) {
-    const QString words = QString::fromStdString(text).toLower();
+bool IsOfEncryption(const std::string& text, const std::string& host) {
+    const QString words =
+        QString::fromStdString(text).remove(QString::fromStdString(host), Qt::CaseInsensitive).toLower();
     return words.contains("ssl") && !words.contains("syscall") && !words.contains("closed");
 }
 
@@ -113,7 +134,21 @@ struct PostgresDestination::Connection : SqlConnection {
         Database.setDatabaseName(QString::fromStdString(address.Database));
         Database.setUserName(QString::fromStdString(address.User));
         Database.setConnectOptions(QString(Limits) + ";application_name=kavroctl");
-        return Database.open() ? std::string() : Database.lastError().databaseText().toStdString();
+        if (!Database.open())
+            return Database.lastError().databaseText().toStdString();
+        DropNotices();
+        return {};
+    }
+
+    // The library would write them to standard error.
+    void DropNotices() const {
+        using Processor = void (*)(void* argument, const char* text);
+        using SetProcessor = Processor (*)(void* connection, Processor processor, void* argument);
+        const QVariant handle = Database.driver()->handle();
+        const auto set = reinterpret_cast<SetProcessor>(QLibrary::resolve("pq", 5, "PQsetNoticeProcessor"));
+        if (set && qstrcmp(handle.typeName(), "PGconn*") == 0)
+            set(
+                *static_cast<void* const*>(handle.data()), [](void*, const char*) {}, nullptr);
     }
 
     // Nothing is prepared: that would be two more ways to the server and back, and Qt complains on standard
@@ -168,11 +203,10 @@ auto PostgresDestination::Trying(const Work& work) {
     }
 }
 
-std::optional<std::int64_t> PostgresDestination::Connect() {
+std::optional<std::int64_t> PostgresDestination::Connect(std::int64_t /*lostEver*/) {
     return Trying([this] {
         Open();
         connection_->Run(StatementLimit);
-        connection_->Run(QuietNotices);
         MakeTables();
         RequireTables();
         return std::optional(Position());
@@ -191,7 +225,7 @@ void PostgresDestination::Open() {
     }
     if (reason.empty())
         return;
-    if (IsOfEncryption(reason))
+    if (IsOfEncryption(reason, address_.Host))
         throw DestinationRefused(Words(reason));
     throw DestinationAway(Words(reason));
 }
@@ -208,24 +242,22 @@ bool PostgresDestination::Accepts() const {
 
 // Only what is missing, as a role that may write may not always make tables.
 void PostgresDestination::MakeTables() const {
-    const auto there = [this] {
-        return connection_->Number("SELECT count(*) FROM (VALUES ('readings'), ('gaps'), ('spools')) AS "
-                                   "tables(name) WHERE to_regclass(name) IS NOT NULL") ==
-               qlonglong{std::size(PostgresTables)};
+    const auto missing = [this](const PostgresTable& table) {
+        QSqlQuery there = connection_->Ran("SELECT to_regclass(?) IS NULL", {BoundText(table.Name)});
+        return NextRow(there) && there.value(0).toBool();
     };
-    if (there())
+    if (std::ranges::none_of(PostgresTables, missing))
         return;
     Transaction transaction(*connection_, "BEGIN");
     connection_->Run(TablesLock);
-    if (!there()) {
-        const bool readings = connection_->Number("SELECT to_regclass('readings') IS NOT NULL") != 0;
-        for (const char* table : PostgresTables)
-            connection_->Run(table);
-        if (!readings)
-            connection_->Run(("COMMENT ON TABLE readings IS 'Readings of field I/O modules, version " +
-                              std::to_string(PostgresVersion) + "'")
-                                 .c_str());
-    }
+    for (const PostgresTable& table : PostgresTables)
+        if (missing(table)) {
+            connection_->Run(table.Make);
+            if (&table == PostgresTables)
+                connection_->Run(("COMMENT ON TABLE readings IS 'Readings of field I/O modules, version " +
+                                  std::to_string(PostgresVersion) + "'")
+                                     .c_str());
+        }
     transaction.Commit();
 }
 
@@ -234,6 +266,10 @@ void PostgresDestination::RequireTables() const {
         "SELECT coalesce(substring(obj_description('readings'::regclass) FROM 'version ([0-9]+)$'), '0')");
     if (version > PostgresVersion)
         throw DestinationRefused("a later version of this program made its tables");
+    QSqlQuery other = connection_->Ran(OtherColumns, {});
+    if (NextRow(other) && !TextAt(other, 0).empty())
+        throw DestinationRefused("its tables are of another kind; they lack " + TextAt(other, 0) +
+                                 "; rename them, or have another schema first in the search path");
     QSqlQuery missing = connection_->Ran(MissingRights, {});
     if (NextRow(missing) && !TextAt(missing, 0).empty())
         throw DestinationRefused("the user " + address_.User + " lacks rights (" + TextAt(missing, 0) + ")");
@@ -262,7 +298,10 @@ std::int64_t PostgresDestination::Send(const std::vector<SpoolRow>& rows) {
 
 // None of them is there yet: where a time is taken, it is by another reading.
 void PostgresDestination::Insert(std::vector<SpoolRow> rows) const {
-    while (!rows.empty()) {
+    for (int tries = 0; !rows.empty(); ++tries) {
+        if (tries == MostTries)
+            throw DestinationRefused("its table readings does not keep what it is given; look at its "
+                                     "triggers");
         QSqlQuery insert = connection_->Ran(InsertRows, {BoundText(line_), BoundText(JsonOf(rows))});
         std::set<Key> came;
         while (NextRow(insert))

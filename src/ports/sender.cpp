@@ -4,8 +4,8 @@
 #include "ports/spool_outlet.h"
 
 #include <algorithm>
+#include <atomic>
 #include <condition_variable>
-#include <future>
 #include <mutex>
 #include <utility>
 
@@ -16,10 +16,14 @@ namespace {
 using Steady = std::chrono::steady_clock;
 using std::chrono::seconds;
 
-constexpr seconds FirstTry{10};    // waited for at the start
-constexpr seconds Lateness{1};     // of a thread that was asked to end, before it is left behind
-constexpr seconds IdleEvery{10};   // between two looks at a destination that gets nothing
-constexpr seconds LongestRest{30}; // between two tries
+constexpr seconds Lateness{1};   // of a thread that was asked to end, before it is left behind
+constexpr seconds IdleEvery{10}; // between two looks at a destination that gets nothing
+constexpr Steady::duration ShortestRest = seconds(1), LongestRest = seconds(30); // between two tries
+constexpr seconds LateAfter{20}; // nothing has come of what a destination is at
+constexpr seconds OldEnough{10}; // a connection that ends sooner is no sign that all is well
+
+constexpr const char* Refuses = " refuses: ";
+constexpr const char* NotReached = " cannot be reached: ";
 
 } // namespace
 
@@ -33,13 +37,24 @@ struct Sender::Shared {
     std::condition_variable Changed;
     bool Woken = true; // at the start something may wait
     bool Ending = false;
-    bool LeftBehind = false;  // nobody is there to be told anything
-    Steady::time_point Until; // when it is ending
+    Steady::time_point Until;               // when it is ending
+    std::optional<Steady::time_point> Busy; // since when the destination has been at it
+    bool Late = false;                      // told
+
+    std::atomic<bool> LeftBehind = false; // nobody is there to be told anything
+    std::mutex Telling;                   // its own: whoever is told may take its time
 
     void Tell(const std::string& text) {
-        const std::lock_guard lock(Mutex);
+        const std::lock_guard lock(Telling);
         if (!LeftBehind)
             Teller(text);
+    }
+
+    // Whether the destination is late, and that was not told yet.
+    bool TakeLate() {
+        const bool late = Busy && !Late && Steady::now() - *Busy > LateAfter;
+        Late = Late || late;
+        return late;
     }
 };
 
@@ -56,31 +71,58 @@ public:
             try {
                 Turn();
             } catch (const DestinationRefused& failure) {
-                Failed(failure.what(), true);
-            } catch (const SqlFailure& failure) { // of the spool
-                Failed(std::string("the spool cannot be read: ") + failure.what(), false);
+                Failed(destination_.Name() + Refuses + failure.what(), true);
+            } catch (const SqlFailure& failure) {
+                Failed("The spool " + shared_.SpoolPath + " cannot be read: " + failure.what(), false);
             } catch (const std::exception& failure) {
-                Failed(failure.what(), false);
+                Failed(destination_.Name() + NotReached + failure.what(), false);
             }
         }
         destination_.Close();
+        TellRest();
     }
 
 private:
+    // While the destination is at something.
+    class Busy {
+    public:
+        explicit Busy(Shared& shared) : shared_(shared) { Set(Steady::now()); }
+        ~Busy() { Set(std::nullopt); }
+        Busy(const Busy&) = delete;
+        Busy& operator=(const Busy&) = delete;
+
+    private:
+        void Set(std::optional<Steady::time_point> since) {
+            const std::lock_guard lock(shared_.Mutex);
+            shared_.Busy = since;
+        }
+
+        Shared& shared_;
+    };
+
     // False when it cannot begin.
     bool Begin() {
         try {
             outlet_.emplace(shared_.SpoolPath, shared_.Outlet);
             Connect();
         } catch (const DestinationAway& failure) {
-            Failed(failure.what(), false);
+            Failed(destination_.Name() + NotReached + failure.what(), false);
         } catch (const DestinationRefused& failure) {
-            return GiveUp(destination_.Name() + " refuses: " + failure.what() + ".");
+            return GiveUp(destination_.Name() + Refuses + failure.what() + ".");
         } catch (const std::exception& failure) {
             return GiveUp(failure.what());
         }
         shared_.Tried.set_value();
         return true;
+    }
+
+    void TellRest() {
+        try {
+            if (const auto rest = outlet_->Waiting(); rest > 0)
+                shared_.Tell(destination_.Name() + " has not got all: " + std::to_string(rest) +
+                             " readings wait in the spool for the next start.");
+        } catch (const SqlFailure&) { // told before
+        }
     }
 
     bool GiveUp(const std::string& reason) {
@@ -89,8 +131,11 @@ private:
     }
 
     void Connect() {
-        const auto has = destination_.Connect();
+        const auto lost = outlet_->Lost();
+        const Busy busy(shared_);
+        const auto has = destination_.Connect(lost);
         connected_ = true;
+        since_ = Steady::now();
         if (has)
             outlet_->Done(*has);
     }
@@ -103,7 +148,7 @@ private:
         }
         TakeWake();
         const std::vector<SpoolRow> rows = outlet_->Next(destination_.Most());
-        const std::int64_t sent = rows.empty() ? 0 : destination_.Send(rows);
+        const std::int64_t sent = rows.empty() ? 0 : Send(rows);
         if (!rows.empty())
             outlet_->Done(sent);
         if (const std::vector<SpoolGap> gaps = outlet_->Gaps(); !gaps.empty()) {
@@ -120,20 +165,25 @@ private:
             Rest(std::chrono::milliseconds(destination_.GatherMs()));
     }
 
+    std::int64_t Send(const std::vector<SpoolRow>& rows) {
+        const Busy busy(shared_);
+        return destination_.Send(rows);
+    }
+
     void Succeeded() {
-        rest_ = seconds(1);
         refusalTold_ = false;
-        if (std::exchange(outage_, false))
+        const bool late = TakeToldLate();
+        if (std::exchange(outage_, false) || late)
             shared_.Tell(destination_.Name() + " is there again, and gets what waited.");
     }
 
-    void Failed(const std::string& reason, bool refused) {
+    void Failed(const std::string& what, bool refused) {
         destination_.Close();
-        rest_ = outage_ ? std::min(2 * rest_, LongestRest) : seconds(1);
+        const bool lived = connected_ && Steady::now() - since_ >= OldEnough;
+        rest_ = lived ? ShortestRest : std::min(2 * rest_, LongestRest);
         connected_ = false;
         if (!outage_ || (refused && !refusalTold_))
-            shared_.Tell(destination_.Name() + (refused ? " refuses: " : " cannot be reached: ") + reason +
-                         ". The readings wait in the spool meanwhile.");
+            shared_.Tell(what + ". The readings wait in the spool meanwhile.");
         outage_ = true;
         refusalTold_ = refusalTold_ || refused;
     }
@@ -143,6 +193,11 @@ private:
         const std::lock_guard lock(shared_.Mutex);
         return shared_.Ending &&
                (!connected_ || !(waits_ || shared_.Woken) || Steady::now() >= shared_.Until);
+    }
+
+    bool TakeToldLate() {
+        const std::lock_guard lock(shared_.Mutex);
+        return std::exchange(shared_.Late, false);
     }
 
     void TakeWake() {
@@ -157,7 +212,7 @@ private:
     }
 
     // False when it was cut off by the end.
-    bool Rest(std::chrono::milliseconds time) {
+    bool Rest(Steady::duration time) {
         std::unique_lock lock(shared_.Mutex);
         return !shared_.Changed.wait_for(lock, time, [&] { return shared_.Ending; });
     }
@@ -169,12 +224,13 @@ private:
     bool waits_ = false;       // there is more
     bool outage_ = false;      // told
     bool refusalTold_ = false; // in this outage
-    seconds rest_{1};
+    Steady::time_point since_; // it is connected
+    Steady::duration rest_ = ShortestRest / 2;
 };
 
 Sender::Sender(std::string spoolPath, std::string outlet, std::unique_ptr<Destination> destination,
                HistoryTeller tell)
-    : shared_(std::make_shared<Shared>()) {
+    : name_(destination->Name()), shared_(std::make_shared<Shared>()) {
     shared_->SpoolPath = std::move(spoolPath);
     shared_->Outlet = std::move(outlet);
     shared_->Destination = std::move(destination);
@@ -187,23 +243,30 @@ Sender::~Sender() {
 }
 
 void Sender::Start() {
-    std::future<void> tried = shared_->Tried.get_future();
-    const std::string name = shared_->Destination->Name();
+    tried_ = shared_->Tried.get_future();
     thread_.emplace([shared = shared_] {
         SendingThread(*shared).Run();
         shared->Destination.reset();
     });
-    if (tried.wait_for(FirstTry) == std::future_status::ready)
-        tried.get();
+}
+
+void Sender::AwaitFirstTry(Steady::time_point until) {
+    if (tried_.wait_until(until) == std::future_status::ready)
+        tried_.get();
     else
-        shared_->Tell(name + " has not answered yet. The readings wait in the spool meanwhile.");
+        shared_->Tell(name_ + " has not answered yet. The readings wait in the spool meanwhile.");
 }
 
 void Sender::Wake() {
-    const std::lock_guard lock(shared_->Mutex);
-    if (std::exchange(shared_->Woken, true))
-        return;
-    shared_->Changed.notify_all();
+    bool late = false;
+    {
+        const std::lock_guard lock(shared_->Mutex);
+        late = shared_->TakeLate();
+        if (!std::exchange(shared_->Woken, true))
+            shared_->Changed.notify_all();
+    }
+    if (late)
+        shared_->Tell(name_ + " does not answer. The readings wait in the spool meanwhile.");
 }
 
 void Sender::AskToEnd(Steady::time_point until) {
@@ -217,9 +280,7 @@ void Sender::Join() {
     if (!thread_)
         return;
     const auto left = shared_->Until + Lateness - Steady::now();
-    const bool ended = thread_->EndsWithin(std::chrono::ceil<std::chrono::milliseconds>(left));
-    const std::lock_guard lock(shared_->Mutex);
-    shared_->LeftBehind = !ended;
+    shared_->LeftBehind = !thread_->EndsWithin(std::chrono::ceil<std::chrono::milliseconds>(left));
 }
 
 } // namespace kavro

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
+#include <system_error>
 #include <tuple>
 #include <utility>
 
@@ -16,6 +18,7 @@ namespace {
 constexpr int RunBits = 32;                           // of an id: what a run counts in
 constexpr auto RestBetween = std::chrono::minutes(1); // two tellings of failures
 constexpr std::size_t MeasureAfter = 100;             // readings
+constexpr std::int64_t LeastFree = 4 << 20;           // bytes that it leaves on its disk, unless it is small
 constexpr int RowsAtOnce = 500, MostSlices = 4;       // of those that are dropped
 constexpr const char* FullReason = "spool full";
 
@@ -55,9 +58,12 @@ void Keep(const SqlConnection& connection, const std::string& outlet, const Spoo
     connection.Ran(CountLost, {qlonglong{more}, BoundText(outlet)});
 }
 
+std::string CountText(std::int64_t readings) {
+    return readings == 1 ? "1 reading" : std::to_string(readings) + " readings";
+}
+
 std::string Counted(const SpoolGap& gap) {
-    return (gap.Lost == 1 ? "1 reading" : std::to_string(gap.Lost) + " readings") + " from " +
-           IsoTime(LocalMoment(gap.FromMs)) + " on";
+    return CountText(gap.Lost) + " from " + IsoTime(LocalMoment(gap.FromMs)) + " on";
 }
 
 } // namespace
@@ -76,6 +82,7 @@ Spool::Spool(const SpoolChoice& choice, HistoryTeller tell, WallClock wallClock)
 Spool::~Spool() {
     if (lost_)
         Take({});
+    TellDropped();
     if (lost_ && lost_->Lost > 0)
         tell_(Counted(*lost_) + " are lost, and nothing but this line tells it: the spool " + choice_.Path +
               " cannot be written: " + lost_->Reason + ".");
@@ -97,7 +104,6 @@ void Spool::Begin() {
     KeepOutlets();
     transaction.Commit();
     connection_.WaitForDisk(false);
-    connection_.Run("PRAGMA wal_autocheckpoint = 0"); // it would wait for the disk
     flusher_.emplace(choice_.Path);
 }
 
@@ -117,10 +123,22 @@ void Spool::TakeOver() {
     connection_.Ran("UPDATE spool SET line = ?", {BoundText(choice_.Line)});
 }
 
+// One that is named no more goes, unless something waits for it.
 void Spool::KeepOutlets() const {
     std::string names;
     for (const std::string& outlet : choice_.Outlets)
         names += (names.empty() ? "'" : ", '") + outlet + "'";
+    QSqlQuery left =
+        connection_.Ran(("SELECT name, count(*) FROM outlets JOIN waiting ON id > done WHERE name NOT IN (" +
+                         names + ") GROUP BY name")
+                            .c_str(),
+                        {});
+    if (NextRow(left))
+        throw RuntimeFailure("The spool " + choice_.Path + " has " + CountText(left.value(1).toLongLong()) +
+                             " waiting for the " + TextAt(left, 0) +
+                             ", which is not named now. Name it until it has them, or another spool; or "
+                             "delete this one, and they are gone.");
+    left.finish();
     connection_.Run(("DELETE FROM outlets WHERE name NOT IN (" + names + ")").c_str());
     connection_.Run(("DELETE FROM gaps WHERE outlet NOT IN (" + names + ")").c_str());
     for (const std::string& outlet : choice_.Outlets)
@@ -183,20 +201,25 @@ std::int64_t Spool::Used() const {
 
 void Spool::KeepWithin() {
     unmeasured_ = 0;
-    std::int64_t used = Used();
-    for (int slice = 0; slice < MostSlices && used > choice_.LimitBytes; ++slice) {
-        DropSlice();
-        used = Used();
-    }
-    if (dropped_.empty() || used > choice_.LimitBytes / 10 * 9)
-        return;
+    std::error_code unknown;
+    const auto disk = std::filesystem::space(choice_.Path, unknown);
+    // A disk that it had filled would not even let what was sent be deleted.
+    const bool crowded = !unknown && disk.available < LeastFree && Used() > LeastFree;
+    for (int slice = 0; slice < MostSlices && (Used() > choice_.LimitBytes || (crowded && slice == 0));
+         ++slice)
+        DropSlice(crowded ? "Free space on its disk." : "--spool-limit gives it more room.");
+    if (!crowded && Used() <= choice_.LimitBytes / 10 * 9)
+        TellDropped();
+}
+
+void Spool::TellDropped() {
     for (const auto& [outlet, gap] : std::exchange(dropped_, {}))
-        tell_("The spool " + choice_.Path + " has room again. The " + outlet + " does not get " +
-              Counted(gap) + ".");
+        tell_("The spool " + choice_.Path + " was full. The " + outlet + " does not get " + Counted(gap) +
+              ".");
 }
 
 // The oldest rows; for an outlet that has some of them already the others alone are lost.
-void Spool::DropSlice() {
+void Spool::DropSlice(const std::string& advice) {
     const QVariant last = connection_.Number(
         ("SELECT max(id) FROM (SELECT id FROM waiting ORDER BY id LIMIT " + std::to_string(RowsAtOnce) + ")")
             .c_str());
@@ -215,7 +238,7 @@ void Spool::DropSlice() {
     connection_.Ran("DELETE FROM waiting WHERE id <= ?", {last});
     if (first && !dropped_.empty())
         tell_("The spool " + choice_.Path + " is full: the oldest readings are dropped from now on. " +
-              "--spool-limit gives it more room.");
+              advice);
 }
 
 void Spool::Failed(const std::vector<Reading>& readings, const std::exception& failure) {

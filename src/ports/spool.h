@@ -33,9 +33,9 @@ struct SpoolChoice {
 /// outlet has sent is kept or sent again.
 class Spool : public ReadingSink {
 public:
-    /// Opens the file or makes it, and locks it. What waits for outlets that are named no more goes. `tell`
-    /// is called in the middle of the calls below. Throws `RuntimeFailure` when it cannot be opened, is no
-    /// spool, is that of another line, or is used by another program.
+    /// Opens the file or makes it, and locks it. `tell` is called in the middle of the calls below. Throws
+    /// `RuntimeFailure` when it cannot be opened, is no spool, is used by another program, or has readings
+    /// that wait of another line, or for an outlet that is not named.
     Spool(const SpoolChoice& choice, HistoryTeller tell, WallClock wallClock = SystemTime);
 
     /// Keeps what is to be told of lost readings, or tells it.
@@ -43,7 +43,8 @@ public:
 
     /// Puts the readings into the file. One at a time that a waiting reading of the same value has already,
     /// as the clock was put back, gets the next free millisecond. What cannot be stored is counted, told
-    /// once, and becomes a gap as soon as storing works again. Does not wait for the disk.
+    /// once, and becomes a gap as soon as storing works again. Waits for the disk only to begin a journal
+    /// anew.
     void Take(const std::vector<Reading>& readings) override;
 
     /// What tells this file from any other, however it is named, for destinations that keep how far they are.
@@ -60,7 +61,8 @@ private:
     void KeepLost() const;
     void KeepWithin();
     std::int64_t Used() const;
-    void DropSlice();
+    void TellDropped();
+    void DropSlice(const std::string& advice);
     void Failed(const std::vector<Reading>& readings, const std::exception& failure);
     void Recovered();
 

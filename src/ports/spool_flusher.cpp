@@ -9,6 +9,9 @@
 #include <optional>
 #include <utility>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace kavro {
 
 namespace {
@@ -17,6 +20,8 @@ using Steady = std::chrono::steady_clock;
 
 constexpr Steady::duration ShortestRest = std::chrono::seconds(1);
 constexpr int RestsPerFlush = 4; // a disk that is slow, or shared by many, has more to do than this
+constexpr int FlushesPerCheckpoint = 15;
+constexpr qlonglong MostPages = 4096; // of a journal to which turns are added during each checkpoint
 constexpr auto Patience = std::chrono::milliseconds(500);
 
 } // namespace
@@ -41,36 +46,91 @@ struct SpoolFlusher::Shared {
         return std::exchange(Woken, false);
     }
 
-    void Work() {
-        std::optional<SpoolConnection> connection;
-        Steady::duration took{};
-        while (Rested(std::max(ShortestRest, RestsPerFlush * took))) {
-            const auto begin = Steady::now();
-            if (TakeWake())
-                Flush(connection);
-            took = Steady::now() - begin;
-        }
-    }
-
-    void Flush(std::optional<SpoolConnection>& connection) {
-        try {
-            if (!connection)
-                connection.emplace(Path, SpoolConnection::Access::Write);
-            connection->Run("PRAGMA wal_checkpoint(PASSIVE)");
-        } catch (const std::exception&) { // whoever writes the file tells of its disk
-            connection.reset();
-            Wake();
-        }
-    }
-
     void Wake() {
         const std::lock_guard lock(Mutex);
         Woken = true;
     }
 };
 
+namespace {
+
+// Of a SQLite file that other connections hold open: what it reserves is in the file beside it.
+class Journal {
+public:
+    explicit Journal(const std::string& path) : file_(open((path + "-wal").c_str(), O_RDONLY | O_CLOEXEC)) {}
+    ~Journal() {
+        if (file_ >= 0)
+            close(file_);
+    }
+    Journal(const Journal&) = delete;
+    Journal& operator=(const Journal&) = delete;
+
+    // Without a lock, so that nobody who writes waits.
+    void Flush() const {
+        if (file_ >= 0)
+            fdatasync(file_);
+    }
+
+private:
+    int file_ = -1;
+};
+
+// Takes what the journal has into the file, so that the journal begins anew. Only where that never comes to
+// an end, as turns are added meanwhile, those who write are held up.
+void TakeIn(const SpoolConnection& connection) {
+    QSqlQuery state = connection.Ran("PRAGMA wal_checkpoint(PASSIVE)", {});
+    if (!NextRow(state))
+        return;
+    const qlonglong pages = state.value(1).toLongLong(), taken = state.value(2).toLongLong();
+    state.finish();
+    if (pages > MostPages && taken < pages)
+        connection.Run("PRAGMA wal_checkpoint(RESTART)");
+}
+
+} // namespace
+
+// What the thread does.
+class FlushingThread {
+public:
+    explicit FlushingThread(SpoolFlusher::Shared& shared) : shared_(shared) {}
+
+    void Run() {
+        Steady::duration took{};
+        while (shared_.Rested(std::max(ShortestRest, RestsPerFlush * took))) {
+            const auto begin = Steady::now();
+            if (shared_.TakeWake())
+                Flush();
+            took = Steady::now() - begin;
+        }
+    }
+
+private:
+    void Flush() {
+        if (!journal_)
+            journal_.emplace(shared_.Path);
+        journal_->Flush();
+        if (++flushes_ < FlushesPerCheckpoint)
+            return;
+        try {
+            if (!connection_)
+                connection_.emplace(shared_.Path, SpoolConnection::Access::Write);
+            TakeIn(*connection_);
+            flushes_ = 0;
+        } catch (const std::exception&) { // whoever writes the file tells of its disk
+            connection_.reset();
+            shared_.Wake();
+        }
+    }
+
+    SpoolFlusher::Shared& shared_;
+    std::optional<Journal> journal_;
+    std::optional<SpoolConnection> connection_;
+    int flushes_ = FlushesPerCheckpoint; // since the last checkpoint: the first one is due
+};
+
 SpoolFlusher::SpoolFlusher(std::string path)
-    : shared_(std::make_shared<Shared>(std::move(path))), thread_([shared = shared_] { shared->Work(); }) {}
+    : shared_(std::make_shared<Shared>(std::move(path))),
+      thread_([shared = shared_] { FlushingThread(*shared).Run(); }) {}
 
 SpoolFlusher::~SpoolFlusher() {
     {

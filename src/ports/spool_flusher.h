@@ -8,8 +8,8 @@
 namespace kavro {
 
 /// Brings what is committed to a spool to its disk, once a second or at a fifth of the time where the disk is
-/// slow, on a thread of its own: neither the line nor a destination is held up by a memory card. What fails
-/// is tried again.
+/// slow, on a thread of its own, so that neither the line nor a destination waits for a memory card; and its
+/// journal into the file, about every 15 s. What fails is tried again.
 class SpoolFlusher {
 public:
     /// Of a file that is there.
@@ -24,6 +24,7 @@ public:
     void Wake();
 
 private:
+    friend class FlushingThread;
     struct Shared; // also the thread's, which may outlive this object
     std::shared_ptr<Shared> shared_;
     LimitedThread thread_;

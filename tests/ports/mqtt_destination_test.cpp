@@ -34,11 +34,11 @@ std::pair<Came, std::string> OutcomeOf(Operation operation) {
 
 struct MqttTest : testing::Test {
     MqttDestination Made(const MqttChoice& choice, std::optional<OnChangeRule> onChange = {}) {
-        return {choice, {"hall", onChange, Board, [this] { return std::optional(Lost); }}};
+        return {choice, {"hall", onChange, Board}};
     }
 
     std::shared_ptr<DescriptionBoard> Board = std::make_shared<DescriptionBoard>();
-    std::int64_t Lost = 7;
+    static constexpr std::int64_t Lost = 7;
 };
 
 TEST_F(MqttTest, PublishesReadingsAndWhatBelongsToThem) {
@@ -47,7 +47,7 @@ TEST_F(MqttTest, PublishesReadingsAndWhatBelongsToThem) {
     Board->Put({5, "8250", "A1.0", "", {{"0", "V", ""}}});
     {
         MqttDestination destination = Made(ParseMqttAddress(broker.Address()));
-        destination.Connect();
+        destination.Connect(Lost);
         std::vector<SpoolRow> rows;
         for (int row = 1; row <= 100; ++row)
             rows.push_back(Row(row, row));
@@ -85,17 +85,17 @@ TEST_F(MqttTest, AConnectionThatIsCutOffIsToldByTheBroker) {
     TestSubscriber other(broker);
     std::optional<MqttDestination> destination;
     const MqttChoice choice = ParseMqttAddress(broker.Address());
-    destination.emplace(choice, MqttLine{"hall", {}, Board, [] { return std::nullopt; }});
-    destination->Connect();
+    destination.emplace(choice, MqttLine{"hall", {}, Board});
+    destination->Connect(Lost);
     EXPECT_TRUE(other.Hears("plant/hall/status", "online"));
     destination.reset();
     EXPECT_TRUE(other.Hears("plant/hall/status", "offline"));
 
     MqttDestination one = Made(choice), two = Made(choice);
     std::string last;
-    for (int turn = 0; turn < 2; ++turn) {
-        one.Connect();
-        two.Connect();
+    for (int turn = 0; turn < 3; ++turn) {
+        one.Connect(Lost);
+        two.Connect(Lost);
         last = OutcomeOf([&] { one.Send({Row(1, 1)}); }).second;
     }
     EXPECT_TRUE(Contains(last, "another program"));
@@ -104,16 +104,16 @@ TEST_F(MqttTest, AConnectionThatIsCutOffIsToldByTheBroker) {
 TEST_F(MqttTest, ABrokerThatComesBackGetsEverythingAnew) {
     TestBroker broker;
     MqttDestination destination = Made(ParseMqttAddress(broker.Address()), OnChangeRule{0.5});
-    destination.Connect();
+    destination.Connect(Lost);
     EXPECT_EQ(destination.Send({Row(1, 1), Row(2, 1.2)}), 2);
     broker.Kill();
     EXPECT_EQ(OutcomeOf([&] { destination.Send({Row(3, 2)}); }).first, Came::Away);
-    const auto refused = OutcomeOf([&] { destination.Connect(); });
+    const auto refused = OutcomeOf([&] { destination.Connect(Lost); });
     EXPECT_EQ(refused.first, Came::Away);
     EXPECT_TRUE(Contains(refused.second, "Connection refused"));
     broker.Start();
     TestSubscriber other(broker, "late");
-    destination.Connect();
+    destination.Connect(Lost);
     EXPECT_EQ(destination.Send({Row(3, 2), Row(4, 2.2), Row(5, 3)}), 5);
     EXPECT_TRUE(other.Hears("plant/hall/5/0", ValueJson({3.0, "3", "V", "ok", StartMs + 5})));
     EXPECT_EQ(std::ranges::count(other.Heard, "plant/hall/5/0", &std::pair<std::string, std::string>::first),
@@ -165,7 +165,7 @@ protected:
         choice.CaFile = path(ca);
         choice.CertFile = path(certificate);
         choice.KeyFile = path(key);
-        return OutcomeOf([&] { Made(choice).Connect(); });
+        return OutcomeOf([&] { Made(choice).Connect(Lost); });
     }
 
     static inline std::unique_ptr<TestFolder> Folder;
@@ -203,9 +203,9 @@ TEST_F(MqttTest, NeedsTheRightToPublish) {
     MqttChoice choice = ParseMqttAddress(broker.Address());
     choice.User = "meter";
     choice.Password = "secret";
-    EXPECT_EQ(OutcomeOf([&] { Made(choice).Connect(); }).second, "");
+    EXPECT_EQ(OutcomeOf([&] { Made(choice).Connect(Lost); }).second, "");
     choice.Prefix = "elsewhere";
-    const auto [came, reason] = OutcomeOf([&] { Made(choice).Connect(); });
+    const auto [came, reason] = OutcomeOf([&] { Made(choice).Connect(Lost); });
     EXPECT_EQ(came, Came::Refused);
     EXPECT_TRUE(Contains(reason, "give the right there"));
 }

@@ -110,7 +110,7 @@ TEST_F(PostgresTest, WhatWasCutOffIsNotSentTwice) {
         id = spool.Id();
         spool.Take(At(StartMs));
         const auto database = Database(id);
-        database->Connect();
+        database->Connect(0);
         EXPECT_GT(database->Send(SpoolOutlet(Choice().Path, "database").Next(10)), 0)
             << "and the spool is not told";
     }
@@ -128,7 +128,7 @@ TEST_F(PostgresTest, WhatWasCutOffIsNotSentTwice) {
             SteadyNap();
         transaction->Commit();
     });
-    EXPECT_EQ(Database(id)->Connect(), 4711);
+    EXPECT_EQ(Database(id)->Connect(0), 4711);
     commit.join();
 }
 
@@ -143,12 +143,22 @@ TEST_F(PostgresTest, RefusedAtTheStartAndLater) {
     EXPECT_TRUE(Contains(FailureText([&] { Fed(); }), "refuses: permission denied"));
     admin.Run("GRANT ALL ON SCHEMA public TO meter");
     auto feed = Fed();
+    feed.reset();
+    admin.Run("ALTER TABLE readings ALTER COLUMN time TYPE timestamp");
+    EXPECT_TRUE(Contains(FailureText([&] { Fed(); }), "they lack readings.time (timestamp with time zone)"));
+    admin.Run("ALTER TABLE readings ALTER COLUMN time TYPE timestamptz");
+    feed = Fed();
     admin.Run("ALTER TABLE readings OWNER TO postgres");
     feed->Take(At(StartMs));
     EXPECT_TRUE(AwaitTold("refuses: permission denied"));
     EXPECT_TRUE(FailureText([&] { Spool(Choice(), {}); }).find("used by another program") !=
                 std::string::npos);
-    SteadyNap();
+    SpoolChoice other = Choice();
+    std::filesystem::copy(Choice().Path, other.Path = Disk.Path("other"));
+    other.Outlets = {"broker"};
+    EXPECT_TRUE(Contains(FailureText([&] { Spool(other, {}); }), "1 reading waiting for the database"));
+    std::filesystem::create_symlink(Choice().Path, other.Path = Disk.Path("link"));
+    EXPECT_TRUE(Contains(FailureText([&] { Spool(other, {}); }), "used by another program"));
     admin.Run("ALTER TABLE readings OWNER TO meter");
     EXPECT_EQ(Await(Times, "09.120 1.5000 ok").size(), 1U);
     feed.reset();
@@ -258,12 +268,11 @@ TEST(PostgresAddressTest, IsReadStrictly) {
     EXPECT_EQ(address.User + " " + address.Host + " " + address.Database, "a@b ::1 my site");
     EXPECT_EQ(address.Port, 5433);
     EXPECT_EQ(ParsePostgresAddress("postgresql://a@b/c").Port, 5432);
-    const std::pair<const char*, const char*> wrong[] = {{"postgresql://a:b@c/d", "no password"},
-                                                         {"postgresql://a:@c/d", "no password"},
-                                                         {"postgresql://a@c/d?sslmode=require", "PGSSLMODE"},
-                                                         {"postgresql://c/d", "USER@HOST"},
-                                                         {"postgresql://a@c", "USER@HOST"},
-                                                         {"postgresql://a@c:99999/d", "USER@HOST"}};
+    const std::pair<const char*, const char*> wrong[] = {
+        {"postgresql://a:b@c/d", "no password"},  {"postgresql://a:@c/d", "no password"},
+        {"postgres://a:b@c/d", "no password"},    {"postgresql://a@c/d?sslmode=require", "PGSSLMODE"},
+        {"postgresql://c/d", "USER@HOST"},        {"postgresql://a@c", "USER@HOST"},
+        {"postgresql://a@c:99999/d", "USER@HOST"}};
     for (const auto& [text, piece] : wrong)
         EXPECT_TRUE(Contains(FailureText([&, text = text] { ParsePostgresAddress(text); }), piece)) << text;
 }
