@@ -146,7 +146,7 @@ struct PostgresDestination::Connection : SqlConnection {
         using SetProcessor = Processor (*)(void* connection, Processor processor, void* argument);
         const QVariant handle = Database.driver()->handle();
         const auto set = reinterpret_cast<SetProcessor>(QLibrary::resolve("pq", 5, "PQsetNoticeProcessor"));
-        if (set && qstrcmp(handle.typeName(), "PGconn*") == 0)
+        if (set && handle.isValid())
             set(
                 *static_cast<void* const*>(handle.data()), [](void*, const char*) {}, nullptr);
     }

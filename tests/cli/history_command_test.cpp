@@ -164,7 +164,8 @@ TEST_F(HistoryCommand, EveryPrintedReadingIsKeptOnce) {
     }
     const Lines history = LinesOf(Kavroctl({"history", Path("kept"), "--csv"}).Out);
     EXPECT_GT(printed.size(), 100U);
-    EXPECT_LE(history.size(), 1 + printed.size() + 5 * 8) << "a turn a kill may be stored and not printed";
+    EXPECT_LE(history.size(), 1 + printed.size() + std::size_t{5} * 8)
+        << "a turn a kill may be stored and not printed";
     for (const std::string& line : printed)
         EXPECT_EQ(std::ranges::count(history, line), 1) << line;
 }

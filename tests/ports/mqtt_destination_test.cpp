@@ -133,9 +133,14 @@ protected:
         for (const std::string name : {"server", "other", "client"}) {
             const std::string path = Folder->Path(name);
             Run("req " + NewKey(name) + " -out " + path + ".csr");
-            Run("x509 -req -in " + path + ".csr -CA " + Folder->Path("ca.crt") + " -CAkey " +
-                Folder->Path("ca.key") + " -CAcreateserial -days 2 -extfile " + path + ".ext -out " + path +
-                ".crt");
+            std::string sign = "x509 -req -CAcreateserial -days 2";
+            for (const auto& [option, file] : {std::pair(" -in ", path + ".csr"),
+                                               {" -CA ", Folder->Path("ca.crt")},
+                                               {" -CAkey ", Folder->Path("ca.key")},
+                                               {" -extfile ", path + ".ext"},
+                                               {" -out ", path + ".crt"}})
+                sign.append(option).append(file);
+            Run(sign);
         }
     }
     static void TearDownTestSuite() { Folder.reset(); }
@@ -219,7 +224,7 @@ TEST_F(MqttTest, SpeaksAsOldBrokersDo) {
         peer.Hear();
     });
     const MqttChoice choice = {.Host = "127.0.0.1", .Port = broker.Port, .Prefix = "plant"};
-    MqttConnection(choice, "client", {"plant/hall/status", "offline"});
+    const MqttConnection connection(choice, "client", {"plant/hall/status", "offline"});
     EXPECT_EQ(versions, "\x05\x04");
 }
 
@@ -238,7 +243,7 @@ TEST(MqttAddress, IsReadOrRefusedWithoutThePassword) {
                                                          {"mqtt://host:0/a", "port number"},
                                                          {"mqtt://host/a/#", "cannot begin a topic"}};
     for (const auto& [address, piece] : cases) {
-        const std::string text = FailureText([&] { ParseMqttAddress(address); });
+        const std::string text = FailureText([&, address = address] { ParseMqttAddress(address); });
         EXPECT_TRUE(Contains(text, piece));
         EXPECT_EQ(text.find("cret"), std::string::npos) << text;
     }

@@ -65,7 +65,7 @@ protected:
     bool AwaitTold(const std::string& piece) {
         for (int tries = 0; tries < 1000; ++tries, SteadyNap()) {
             const std::lock_guard lock(Mutex);
-            if (std::ranges::any_of(Told, [&](const auto& text) { return Contains(text, piece.c_str()); }))
+            if (std::ranges::any_of(Told, [&](const auto& text) { return Contains(text, piece); }))
                 return true;
         }
         return false;
@@ -173,6 +173,7 @@ TEST_F(PostgresTest, FullSpoolAndFullDisk) {
     const auto take = [&](int readings) {
         for (int more = 0; more < readings; more += 50) {
             std::vector<Reading> some;
+            some.reserve(50);
             for (int each = 0; each < 50; ++each)
                 some.push_back(At(StartMs + taken++)[0]);
             feed->Take(some);
