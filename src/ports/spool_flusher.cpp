@@ -81,9 +81,9 @@ void TakeIn(const SpoolConnection& connection) {
     QSqlQuery state = connection.Ran("PRAGMA wal_checkpoint(PASSIVE)", {});
     if (!NextRow(state))
         return;
-    const qlonglong pages = state.value(1).toLongLong(), taken = state.value(2).toLongLong();
+    const qlonglong pages = state.value(1).toLongLong(); // all of them since it began anew last
     state.finish();
-    if (pages > MostPages && taken < pages)
+    if (pages > MostPages)
         connection.Run("PRAGMA wal_checkpoint(RESTART)");
 }
 
