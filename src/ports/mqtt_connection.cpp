@@ -23,6 +23,9 @@ constexpr std::size_t MostUnacknowledged = 20;
 constexpr int Qos = 1;
 constexpr const char* NoWord =
     "the broker ends the connection without a word; maybe it wants TLS (mqtts://), or takes no more clients";
+constexpr const char* NoCertificate =
+    "the broker ends the connection when TLS has come about: it wants a certificate that it trusts "
+    "(--mqtt-cert, --mqtt-key), or nobody is behind its TLS";
 constexpr const char* AnyIpv4 = "0.0.0.0";
 
 // A password for the key would be asked for on the terminal.
@@ -146,7 +149,8 @@ std::optional<MqttFailure> MqttConnection::Open(int version, const char* bindTo,
                               : FailureOf(result);
     if (result == MOSQ_ERR_CONN_LOST && reason_ == 0) {
         // The alert that would say so is lost when the broker closes with our first message unread.
-        failure = choice_.Tls ? FailureOfTls("alert") : MqttFailure{.Reason = NoWord};
+        failure = choice_.Tls ? MqttFailure{.Refused = true, .Reason = NoCertificate}
+                              : MqttFailure{.Reason = NoWord};
         failure.OtherVersion = true; // some brokers of old do not say so
     }
     return failure;
