@@ -241,6 +241,7 @@ bool PostgresDestination::Accepts() const {
 }
 
 // Only what is missing, as a role that may write may not always make tables.
+// What another program has just made may still seem to be missing.
 void PostgresDestination::MakeTables() const {
     const auto missing = [this](const PostgresTable& table) {
         QSqlQuery there = connection_->Ran("SELECT to_regclass(?) IS NULL", {BoundText(table.Name)});

@@ -24,15 +24,17 @@ struct PostgresTable {
 /// brings the readings, so that after whatever cut one off it is known which are there.
 inline constexpr PostgresTable PostgresTables[] = {
     {"readings",
-     "CREATE TABLE readings (line text NOT NULL, address integer NOT NULL, model text NOT NULL, channel text "
+     "CREATE TABLE IF NOT EXISTS readings (line text NOT NULL, address integer NOT NULL, model text NOT "
+     "NULL, channel text "
      "NOT NULL, time timestamptz NOT NULL, value double precision, text text NOT NULL, unit text NOT NULL, "
      "state text NOT NULL, PRIMARY KEY (line, address, channel, time))"},
-    {"gaps", "CREATE TABLE gaps (line text NOT NULL, \"from\" timestamptz NOT NULL, \"to\" timestamptz NOT "
+    {"gaps", "CREATE TABLE IF NOT EXISTS gaps (line text NOT NULL, \"from\" timestamptz NOT NULL, \"to\" "
+             "timestamptz NOT "
              "NULL, lost "
              "bigint NOT NULL, reason text NOT NULL, PRIMARY KEY (line, \"from\", reason))"},
-    {"spools",
-     "CREATE TABLE spools (line text NOT NULL, spool text NOT NULL, done bigint NOT NULL, PRIMARY KEY (line, "
-     "spool))"},
+    {"spools", "CREATE TABLE IF NOT EXISTS spools (line text NOT NULL, spool text NOT NULL, done bigint NOT "
+               "NULL, PRIMARY KEY (line, "
+               "spool))"},
 };
 
 /// A PostgreSQL database that gets each reading once, whatever is cut off or repeated. The password and all

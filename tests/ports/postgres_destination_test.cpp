@@ -9,6 +9,7 @@
 #include "support/test_session.h"
 
 #include <fstream>
+#include <future>
 #include <iterator>
 #include <mutex>
 
@@ -100,6 +101,14 @@ TEST_F(PostgresTest, AwayAtTheStartAndClockPutBack) {
                   "AND model = '8250' AND unit = 'V' AND value IS NOT DISTINCT FROM "
                   "CASE state WHEN 'ok' THEN 1.5 END"),
               Lines({"4"}));
+}
+
+TEST_F(PostgresTest, ManyLinesMakeTheTablesAtOnce) {
+    std::vector<std::future<void>> lines;
+    for (int line = 0; line < 12; ++line)
+        lines.push_back(std::async(std::launch::async, [] { Database("a spool")->Connect(0); }));
+    for (std::future<void>& line : lines)
+        EXPECT_EQ(FailureText([&] { line.get(); }), "");
 }
 
 // What was cut off between the database and the spool is known to be there.
