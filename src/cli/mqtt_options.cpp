@@ -115,6 +115,8 @@ std::optional<BrokerChoice> ReadMqttOptions(const QCommandLineParser& parser) {
                 Refuse(option, "is for a broker. Give --mqtt as well, or leave it out.");
         return std::nullopt;
     }
+    if (parser.values("mqtt").size() > 1)
+        Refuse("mqtt", "can be given once. Run a monitor for each broker.");
     BrokerChoice choice{.Broker = ParseMqttAddress(TextOf(parser, "mqtt")), .OnChange = {}};
     ReadTls(parser, choice.Broker);
     ReadLogin(parser, choice.Broker);

@@ -43,11 +43,18 @@ MqttChoice ParseMqttAddress(const std::string& address) {
             "That is no address of a broker. Write mqtt://HOST[:PORT]/PREFIX, or mqtts:// for a connection "
             "with TLS.");
     const std::string server = address.substr(begin, slash - begin);
-    if (address.find_first_of("%?") != std::string::npos) // a password maybe
-        throw RuntimeFailure("The address of a broker has no '%' and no '?' in it. Write "
-                             "mqtt://HOST[:PORT]/PREFIX, and give what else is needed by options.");
-    const NetworkAddress parsed = ParseServer(server, scheme->Port);
-    MqttChoice choice{.Tls = scheme->Tls, .Host = parsed.Host, .Port = parsed.Port};
+    if (address.find('?') != std::string::npos) // a password maybe
+        throw RuntimeFailure("The address of a broker has no '?' in it. Write mqtt://HOST[:PORT]/PREFIX, and "
+                             "give what else is needed by options.");
+    MqttChoice choice{.Tls = scheme->Tls};
+    try {
+        const NetworkAddress parsed = ParseServer(server, scheme->Port);
+        choice.Host = parsed.Host;
+        choice.Port = parsed.Port;
+    } catch (const RuntimeFailure&) { // which shows the address
+        throw RuntimeFailure("The address of the broker needs a host, and a port number from 1 to 65535 or "
+                             "none. An IPv6 address stands in square brackets.");
+    }
     choice.Prefix = slash == std::string::npos ? std::string() : address.substr(slash + 1);
     RequireTopicPrefix(choice.Prefix);
     return choice;

@@ -40,6 +40,7 @@ struct Sender::Shared {
     Steady::time_point Until;               // when it is ending
     std::optional<Steady::time_point> Busy; // since when the destination has been at it
     bool Late = false;                      // told
+    bool NotAwaited = false;                // the first try took too long; told
 
     std::atomic<bool> LeftBehind = false; // nobody is there to be told anything
     std::mutex Telling;                   // its own: whoever is told may take its time
@@ -100,17 +101,27 @@ private:
         Shared& shared_;
     };
 
+    template <typename Work>
+    auto At(const Work& work) {
+        const Busy busy(shared_);
+        return work();
+    }
+
     // False when it cannot begin.
     bool Begin() {
         try {
-            outlet_.emplace(shared_.SpoolPath, shared_.Outlet);
             Connect();
         } catch (const DestinationAway& failure) {
             Failed(destination_.Name() + NotReached + failure.what(), false);
         } catch (const DestinationRefused& failure) {
-            return GiveUp(destination_.Name() + Refuses + failure.what() + ".");
+            const std::string what = destination_.Name() + Refuses + failure.what();
+            if (GivesUp(what + "."))
+                return false;
+            Failed(what, true);
         } catch (const std::exception& failure) {
-            return GiveUp(failure.what());
+            if (GivesUp(failure.what()))
+                return false;
+            Failed(failure.what(), false);
         }
         shared_.Tried.set_value();
         return true;
@@ -118,22 +129,28 @@ private:
 
     void TellRest() {
         try {
-            if (const auto rest = outlet_->Waiting(); rest > 0)
+            if (const auto rest = outlet_ ? outlet_->Waiting() : 0; rest > 0)
                 shared_.Tell(destination_.Name() + " has not got all: " + std::to_string(rest) +
-                             " readings wait in the spool for the next start.");
+                             (rest == 1 ? " reading waits" : " readings wait") +
+                             " in the spool for the next start.");
         } catch (const SqlFailure&) { // told before
         }
     }
 
-    bool GiveUp(const std::string& reason) {
+    // Whether the start still waits for the first try, which is told then.
+    bool GivesUp(const std::string& reason) {
+        const std::lock_guard lock(shared_.Mutex);
+        if (shared_.NotAwaited)
+            return false;
         shared_.Tried.set_exception(std::make_exception_ptr(RuntimeFailure(reason)));
-        return false;
+        return true;
     }
 
     void Connect() {
+        if (!outlet_)
+            outlet_.emplace(shared_.SpoolPath, shared_.Outlet);
         const auto lost = outlet_->Lost();
-        const Busy busy(shared_);
-        const auto has = destination_.Connect(lost);
+        const auto has = At([&] { return destination_.Connect(lost); });
         connected_ = true;
         since_ = Steady::now();
         if (has)
@@ -148,11 +165,12 @@ private:
         }
         TakeWake();
         const std::vector<SpoolRow> rows = outlet_->Next(destination_.Most());
-        const std::int64_t sent = rows.empty() ? 0 : Send(rows);
+        const std::int64_t sent = rows.empty() ? 0 : At([&] { return destination_.Send(rows); });
         if (!rows.empty())
             outlet_->Done(sent);
         if (const std::vector<SpoolGap> gaps = outlet_->Gaps(); !gaps.empty()) {
-            destination_.SendGaps(gaps, outlet_->Lost());
+            const auto lost = outlet_->Lost();
+            At([&] { destination_.SendGaps(gaps, lost); });
             outlet_->GapsDone(gaps);
         }
         Succeeded();
@@ -160,14 +178,9 @@ private:
         if (waits_)
             return;
         if (!AwaitWake())
-            destination_.Idle();
+            At([&] { destination_.Idle(); });
         else
             Rest(std::chrono::milliseconds(destination_.GatherMs()));
-    }
-
-    std::int64_t Send(const std::vector<SpoolRow>& rows) {
-        const Busy busy(shared_);
-        return destination_.Send(rows);
     }
 
     void Succeeded() {
@@ -251,7 +264,13 @@ void Sender::Start() {
 }
 
 void Sender::AwaitFirstTry(Steady::time_point until) {
-    if (tried_.wait_until(until) == std::future_status::ready)
+    bool ready = tried_.wait_until(until) == std::future_status::ready;
+    if (!ready) {
+        const std::lock_guard lock(shared_->Mutex);
+        ready = tried_.wait_for(seconds(0)) == std::future_status::ready;
+        shared_->NotAwaited = shared_->Late = !ready;
+    }
+    if (ready)
         tried_.get();
     else
         shared_->Tell(name_ + " has not answered yet. The readings wait in the spool meanwhile.");
@@ -280,7 +299,10 @@ void Sender::Join() {
     if (!thread_)
         return;
     const auto left = shared_->Until + Lateness - Steady::now();
-    shared_->LeftBehind = !thread_->EndsWithin(std::chrono::ceil<std::chrono::milliseconds>(left));
+    if (thread_->EndsWithin(std::chrono::ceil<std::chrono::milliseconds>(left)))
+        return;
+    shared_->Tell(name_ + " does not answer. What it has not got waits in the spool for the next start.");
+    shared_->LeftBehind = true;
 }
 
 } // namespace kavro

@@ -20,6 +20,8 @@ constexpr auto RestBetween = std::chrono::minutes(1); // two tellings of failure
 constexpr std::size_t MeasureAfter = 100;             // readings
 constexpr std::int64_t LeastFree = 4 << 20;           // bytes that it leaves on its disk, unless it is small
 constexpr int RowsAtOnce = 500, MostSlices = 4;       // of those that are dropped
+constexpr int FewPages = 20; // of the file, emptied: more are used again before anything is dropped
+constexpr int MostLinks = 8;
 constexpr const char* FullReason = "spool full";
 
 constexpr const char* InsertRow =
@@ -66,11 +68,25 @@ std::string Counted(const SpoolGap& gap) {
     return CountText(gap.Lost) + " from " + IsoTime(LocalMoment(gap.FromMs)) + " on";
 }
 
+// One for all names of a file, whether it is there or not: its lock and its journal stand beside it.
+std::string RealPath(std::filesystem::path path) {
+    std::error_code failure;
+    for (int links = 0; links < MostLinks && std::filesystem::is_symlink(path, failure); ++links)
+        path = path.parent_path() / std::filesystem::read_symlink(path, failure);
+    const auto real = std::filesystem::weakly_canonical(path, failure);
+    return failure ? path.string() : real.string();
+}
+
+SpoolChoice WithRealPath(SpoolChoice choice) {
+    choice.Path = RealPath(choice.Path);
+    return choice;
+}
+
 } // namespace
 
 Spool::Spool(const SpoolChoice& choice, HistoryTeller tell, WallClock wallClock)
-    : choice_(choice), tell_(std::move(tell)), wallClock_(std::move(wallClock)), lock_(choice.Path),
-      connection_(choice.Path, SpoolConnection::Access::Make) {
+    : choice_(WithRealPath(choice)), tell_(std::move(tell)), wallClock_(std::move(wallClock)),
+      lock_(choice_.Path), connection_(choice_.Path, SpoolConnection::Access::Make) {
     try {
         Begin();
     } catch (const SqlFailure& failure) {
@@ -204,7 +220,8 @@ void Spool::KeepWithin() {
     std::error_code unknown;
     const auto disk = std::filesystem::space(choice_.Path, unknown);
     // A disk that it had filled would not even let what was sent be deleted.
-    const bool crowded = !unknown && disk.available < LeastFree && Used() > LeastFree;
+    const bool crowded = !unknown && disk.available < LeastFree && Used() > LeastFree &&
+                         connection_.Number("PRAGMA freelist_count") < FewPages;
     for (int slice = 0; slice < MostSlices && (Used() > choice_.LimitBytes || (crowded && slice == 0));
          ++slice)
         DropSlice(crowded ? "Free space on its disk." : "--spool-limit gives it more room.");

@@ -3,7 +3,6 @@
 #include "link/runtime_failure.h"
 
 #include <cerrno>
-#include <filesystem>
 #include <system_error>
 
 #include <fcntl.h>
@@ -18,13 +17,6 @@ namespace {
 constexpr SqliteKind SpoolKind = {"spool", SpoolApplication, SpoolVersion, SpoolTables, 1024};
 constexpr int BusyMs = 10'000; // only a disk that is very slow makes the other side be longer at it
 
-// One for all names of a file.
-std::string RealPath(const std::string& path) {
-    std::error_code failure;
-    const auto real = std::filesystem::weakly_canonical(path, failure);
-    return failure ? path : real.string();
-}
-
 } // namespace
 
 SpoolConnection::SpoolConnection(const std::string& path, Access access)
@@ -36,7 +28,7 @@ SpoolConnection::SpoolConnection(const std::string& path, Access access)
 
 // A file of its own: SQLite has locks on the spool that would go with any other use of it.
 SpoolLock::SpoolLock(const std::string& path)
-    : file_(open((RealPath(path) + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)) {
+    : file_(open((path + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)) {
     if (file_ >= 0 && flock(file_, LOCK_EX | LOCK_NB) == 0)
         return;
     const int error = errno;

@@ -66,10 +66,7 @@ public:
     Journal& operator=(const Journal&) = delete;
 
     // Without a lock, so that nobody who writes waits.
-    void Flush() const {
-        if (file_ >= 0)
-            fdatasync(file_);
-    }
+    bool Flush() const { return file_ >= 0 && fdatasync(file_) == 0; }
 
 private:
     int file_ = -1;
@@ -108,7 +105,10 @@ private:
     void Flush() {
         if (!journal_)
             journal_.emplace(shared_.Path);
-        journal_->Flush();
+        if (!journal_->Flush()) {
+            journal_.reset();
+            shared_.Wake();
+        }
         if (++flushes_ < FlushesPerCheckpoint)
             return;
         try {

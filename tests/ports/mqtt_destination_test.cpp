@@ -239,7 +239,7 @@ TEST(MqttAddress, IsReadOrRefusedWithoutThePassword) {
                                                          {"host", "no address of a broker"},
                                                          {"mqtt://host", "prefix"},
                                                          {"mqtt://host/", "prefix"},
-                                                         {"mqtt:///a", "names no host"},
+                                                         {"mqtt:///a", "needs a host"},
                                                          {"mqtt://host:0/a", "port number"},
                                                          {"mqtt://host/a/#", "cannot begin a topic"}};
     for (const auto& [address, piece] : cases) {
