@@ -105,6 +105,7 @@ TEST_F(PostgresTest, AwayAtTheStartAndClockPutBack) {
 
 TEST_F(PostgresTest, ManyLinesMakeTheTablesAtOnce) {
     std::vector<std::future<void>> lines;
+    lines.reserve(12);
     for (int line = 0; line < 12; ++line)
         lines.push_back(std::async(std::launch::async, [] { Database("a spool")->Connect(0); }));
     for (std::future<void>& line : lines)
